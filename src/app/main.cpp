@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include <QApplication>
+#include <QIcon>
+#include <cstdio>
+
+#include "app/display_check.hpp"
+#include "app/tarn_app.hpp"
+#include "ui/accessibility.hpp"
+
+int main(int argc, char* argv[]) {
+  QCoreApplication::setApplicationName(QStringLiteral("tarn"));
+  QCoreApplication::setApplicationVersion(QStringLiteral(TARN_VERSION));
+  QGuiApplication::setApplicationDisplayName(QStringLiteral("Tarn"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("tarn"));
+  QApplication::setStyle(QStringLiteral("Fusion"));
+  QApplication::setQuitOnLastWindowClosed(false);
+
+  if (const auto problem = tarn::platformDisplayProblem()) {
+    std::fprintf(stderr, "tarn: %s; Tarn needs one to show itself.\n", qPrintable(*problem));
+    return 1;
+  }
+  const QApplication application(argc, argv);
+  QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
+  tarn::installAccessibility();
+  const tarn::TarnApp tarn;
+  return QApplication::exec();
+}

@@ -1,0 +1,130 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "app/tarn_app.hpp"
+
+#include <QApplication>
+#include <QCursor>
+#include <QEventLoop>
+#include <QScreen>
+#include <cstdio>
+#include <utility>
+
+#include "monitor/active_processors.hpp"
+#include "monitor/serial_queue.hpp"
+#include "monitor/thread_name.hpp"
+#include "ui/popover_placement.hpp"
+
+namespace tarn {
+
+namespace {
+
+std::unique_ptr<TaskQueue> makeNamedQueue(const std::string& label) {
+  auto queue = std::make_unique<SerialQueue>();
+  queue->async([label] { setCurrentThreadName(label); });
+  return queue;
+}
+
+MonitorPorts platformMonitorPorts(RunLoop& mainLoop) {
+  return {.mainLoop = mainLoop,
+          .makeQueue = makeNamedQueue,
+          .sampler = platformSamplerPort(),
+          .readExtras = nullptr,
+          .pressureLevel = platformPressureLevel,
+          .pressureSource = platformPressureSource(),
+          .frontmostApplication = platformFrontmostApplication(),
+          .activeProcessorCount = platformActiveProcessorCount};
+}
+
+Maker maker() {
+  const QString address = QStringLiteral(TARN_MAKER_ADDRESS);
+  return {address, QStringLiteral("https://") + address};
+}
+
+PopoverStyle styleOn(const WindowSystem& windowSystem) {
+  return windowSystem.clientsPlaceWindows ? PopoverStyle::popup : PopoverStyle::tool;
+}
+
+/// Where the click was: the pointer knows best while windows may ask for it; a host's word is believed only
+/// when it can be true.
+std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const WindowSystem& windowSystem) {
+  const auto isPlausible = [](const QPoint& point) {
+    const QScreen* screen = QGuiApplication::screenAt(point);
+    return screen != nullptr && isPlausibleAnchor(point, {screen->geometry(), screen->availableGeometry()});
+  };
+  if (windowSystem.clientsPlaceWindows && isPlausible(QCursor::pos())) return QCursor::pos();
+  if (position && isPlausible(*position)) return position;
+  return std::nullopt;
+}
+
+}  // namespace
+
+TarnApp::TarnApp()
+    : model_(MonitorViewModel::create(platformMonitorPorts(runLoop_))),
+      colorScheme_(platformColorScheme()),
+      item_(platformMenuBarItem()),
+      labelRenderer_([this] { renderLabel(); }) {
+  connect(model_.get(), &MonitorViewModel::willChange, &labelRenderer_, &RenderScheduler::schedule);
+  connect(&prefs_, &Preferences::willChange, &labelRenderer_, &RenderScheduler::schedule);
+  connect(colorScheme_.get(), &ColorSchemeWatcher::changed, this, &TarnApp::applyTheme);
+  connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::itemClicked);
+  connect(item_.get(), &MenuBarItem::openRequested, this, [this] {
+    const WindowSystem windowSystem = platformWindowSystem();
+    popover().open(styleOn(windowSystem), clickAnchor(std::nullopt, windowSystem), windowSystem);
+  });
+  connect(item_.get(), &MenuBarItem::quitRequested, this, &QCoreApplication::quit);
+  connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
+  connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::leaveForMenuBar);
+  renderLabel();
+}
+
+TarnApp::~TarnApp() {
+  popover_.reset();
+  item_.reset();
+  const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model_, nullptr);
+  while (!inFlight.expired()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+void TarnApp::renderLabel() {
+  item_->show(menuBarLabel(model_->presentation(), model_->snapshot(), prefs_.showFrontmostFootprint(),
+                           model_->frontmostFootprint()));
+}
+
+PopoverWindow& TarnApp::popover() {
+  if (!popover_) {
+    auto* view = new PopoverView(model_, prefs_, platformFileIcon(), maker());
+    popover_ = std::make_unique<PopoverWindow>(view);
+    connect(view, &PopoverView::quitRequested, this, &QCoreApplication::quit);
+    connect(popover_.get(), &PopoverWindow::closed, this, [this] {
+      // Without a menu bar this window is all there is of Tarn: closing it ends the program.
+      if (popover_->style() == PopoverStyle::regular) QCoreApplication::quit();
+    });
+    applyTheme();
+  }
+  return *popover_;
+}
+
+void TarnApp::applyTheme() {
+  if (!popover_) return;
+  const bool paletteIsDark = QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+  const ColorScheme scheme =
+      colorScheme_->preference().value_or(paletteIsDark ? ColorScheme::dark : ColorScheme::light);
+  popover_->setTheme(scheme == ColorScheme::dark ? Theme::dark() : Theme::light());
+}
+
+void TarnApp::itemClicked(std::optional<QPoint> position) {
+  const WindowSystem windowSystem = platformWindowSystem();
+  popover().toggle(styleOn(windowSystem), clickAnchor(position, windowSystem), windowSystem);
+}
+
+void TarnApp::showWithoutMenuBar() {
+  std::fputs("tarn: no menu bar shows status items here; Tarn stays in a window of its own until one does.\n",
+             stderr);
+  popover().open(PopoverStyle::regular, std::nullopt, platformWindowSystem());
+}
+
+void TarnApp::leaveForMenuBar() {
+  if (popover_ && popover_->style() == PopoverStyle::regular) popover_->hide();
+}
+
+}  // namespace tarn

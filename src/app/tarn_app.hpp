@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QObject>
+#include <QPoint>
+#include <memory>
+#include <optional>
+
+#include "monitor/monitor_view_model.hpp"
+#include "monitor/preferences.hpp"
+#include "monitor/qt_run_loop.hpp"
+#include "ui/color_scheme.hpp"
+#include "ui/menu_bar_item.hpp"
+#include "ui/popover_window.hpp"
+#include "ui/render_scheduler.hpp"
+
+namespace tarn {
+
+/// The application: makes the long-lived objects once, wires them, and keeps them until it ends. Main thread.
+class TarnApp : public QObject {
+  Q_OBJECT
+
+ public:
+  TarnApp();
+
+  /// Waits for a sweep in flight, which still uses the run loop.
+  ~TarnApp() override;
+
+  TarnApp(const TarnApp&) = delete;
+  TarnApp& operator=(const TarnApp&) = delete;
+
+ private:
+  void renderLabel();
+  void applyTheme();
+  void itemClicked(std::optional<QPoint> position);
+  void showWithoutMenuBar();
+  void leaveForMenuBar();
+  PopoverWindow& popover();
+
+  QtRunLoop runLoop_;
+  std::shared_ptr<MonitorViewModel> model_;
+  Preferences prefs_;
+  std::unique_ptr<ColorSchemeWatcher> colorScheme_;
+  std::unique_ptr<MenuBarItem> item_;
+  RenderScheduler labelRenderer_;
+  std::unique_ptr<PopoverWindow> popover_;  ///< made at its first opening and kept
+};
+
+}  // namespace tarn

@@ -1,0 +1,119 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QObject>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "extras/system_extras.hpp"
+#include "monitor/cpu_presentation.hpp"
+#include "monitor/frontmost_application.hpp"
+#include "monitor/memory_pressure_monitor.hpp"
+#include "monitor/pressure_source.hpp"
+#include "monitor/run_loop.hpp"
+#include "monitor/status_presentation.hpp"
+#include "monitor/thermal_state.hpp"
+#include "sampling/memory_sampler.hpp"
+
+namespace tarn {
+
+/// One gathering of the machine's health.
+struct ExtrasReading {
+  SystemExtras extras;
+  ThermalState thermalState = ThermalState::unknown;
+};
+
+/// Everything that the view model stands on.
+struct MonitorPorts {
+  RunLoop& mainLoop;  ///< outlives the view model
+  /// Makes a serial queue whose thread bears the label.
+  std::function<std::unique_ptr<TaskQueue>(const std::string& label)> makeQueue;
+  SamplerPort sampler;
+  /// Gathers the extras, on the sampler's queue. Unset where nothing reads them: they then stay absent.
+  std::function<ExtrasReading()> readExtras;
+  /// The present level as the kernel's own number; nothing when it cannot be read.
+  std::function<std::optional<std::int32_t>()> pressureLevel;
+  std::unique_ptr<PressureSource> pressureSource;
+  FrontmostApplicationSource frontmostApplication;
+  std::function<int()> activeProcessorCount;
+};
+
+/// Drives the system: decides when a sweep runs, runs it off the main thread, and publishes its results.
+///
+/// Used on the main thread only, where it is also destroyed. A sweep in flight keeps it alive until it has
+/// published; timer and pressure events do not.
+class MonitorViewModel final : public QObject, public std::enable_shared_from_this<MonitorViewModel> {
+  Q_OBJECT
+  struct Token {};  // keeps construction behind `create`
+
+ public:
+  /// A running view model: reads the pressure level, listens for its changes, schedules the timer and
+  /// requests the first sweep.
+  static std::shared_ptr<MonitorViewModel> create(MonitorPorts ports);
+
+  MonitorViewModel(Token token, MonitorPorts ports);
+
+  // What is published. Absent until first known.
+  const std::optional<MemorySnapshot>& snapshot() const { return snapshot_; }
+  MemoryPressure pressure() const { return pressure_; }
+  std::optional<std::uint64_t> frontmostFootprint() const { return frontmostFootprint_; }  ///< bytes
+  const std::optional<SystemExtras>& extras() const { return extras_; }
+  ThermalState thermalState() const { return thermalState_; }
+
+  // What follows from it, computed at each call.
+  StatusPresentation presentation() const;
+  CPUPresentation cpuPresentation() const;
+
+  /// The popover came on screen: sweeps every 3 seconds, with extras, starting now.
+  void popoverOpened();
+
+  /// The popover left the screen: back to a sweep every 30 seconds.
+  void popoverClosed();
+
+ Q_SIGNALS:
+  /// A published value is about to change; observers read it on their next turn.
+  void willChange();
+
+ private:
+  void start(std::unique_ptr<PressureSource> source, const std::optional<std::int32_t>& pressureLevel);
+  void refresh();
+  void scheduleTimer(double interval);
+  void pressureChanged(MemoryPressure level);
+  void finishSweep(MemorySnapshot snapshot, std::optional<ExtrasReading> extras);
+  void updateFrontmost(const MemorySnapshot& with);
+
+  template <typename Value>
+  void publish(Value& field, Value value) {
+    Q_EMIT willChange();
+    field = std::move(value);
+  }
+
+  static constexpr double openInterval_ = 3.0;     ///< seconds between sweeps while the popover is open
+  static constexpr double closedInterval_ = 30.0;  ///< seconds between sweeps while it is closed
+
+  std::optional<MemorySnapshot> snapshot_;
+  MemoryPressure pressure_ = MemoryPressure::normal;
+  std::optional<std::uint64_t> frontmostFootprint_;
+  std::optional<SystemExtras> extras_;
+  ThermalState thermalState_ = ThermalState::unknown;
+
+  RunLoop& mainLoop_;
+  std::function<std::unique_ptr<TaskQueue>(const std::string& label)> makeQueue_;
+  FrontmostApplicationSource frontmostApplication_;
+  std::function<int()> activeProcessorCount_;
+
+  MemorySampler sampler_;                        ///< used on the sample queue only
+  std::function<ExtrasReading()> extrasReader_;  ///< likewise
+  std::unique_ptr<TaskQueue> sampleQueue_;       ///< destroyed before what its tasks use
+  std::unique_ptr<MemoryPressureMonitor> pressureMonitor_;
+  std::unique_ptr<RepeatingTimer> timer_;
+  bool sampling_ = false;  ///< from a request until its results are published
+  bool popoverOpen_ = false;
+};
+
+}  // namespace tarn

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "monitor/thermal_state.hpp"
+
+namespace tarn {
+
+std::string thermalPhrase(ThermalState state) {
+  switch (state) {
+    case ThermalState::nominal:
+      return "Running cool";
+    case ThermalState::fair:
+      return "Warming up";
+    case ThermalState::serious:
+      return "Running hot";
+    case ThermalState::critical:
+      return "Overheating";
+    case ThermalState::unknown:
+      break;
+  }
+  return "Temperature unknown";
+}
+
+}  // namespace tarn

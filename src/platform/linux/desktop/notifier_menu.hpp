@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+
+#include "platform/linux/desktop/bus_object.hpp"
+
+namespace tarn {
+
+/// The item's menu, "Open" and "Quit", as an object on the bus that panels draw themselves. It never changes.
+/// Main thread.
+class NotifierMenu final : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit NotifierMenu(const QDBusConnection& bus, QObject* parent = nullptr);
+
+ Q_SIGNALS:
+  /// The entries were chosen. Sent from the event loop, after the panel has its answer.
+  void openChosen();
+  void quitChosen();
+
+ private:
+  BusInterface interface();
+  void choose(int id);
+  bool handleEvent(int id, const QString& event);
+
+  BusObject object_;
+};
+
+}  // namespace tarn

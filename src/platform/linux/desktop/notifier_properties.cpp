@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/desktop/notifier_properties.hpp"
+
+#include <QDBusObjectPath>
+#include <QStringList>
+
+#include "platform/linux/desktop/item_picture.hpp"
+#include "platform/linux/desktop/notifier_types.hpp"
+
+namespace tarn {
+namespace {
+
+// What panels ask for, from a small one at normal density to a large one at double density; a panel that
+// finds its own size need not scale.
+constexpr int pictureSizes[] = {16, 22, 24, 32, 48, 64};
+
+NotifierPixmaps pixmaps(const MenuBarLabel& label, HostKind kind) {
+  NotifierPixmaps result;
+  for (const int pixels : pictureSizes) {
+    const bool wide = kind == HostKind::widePictures;
+    result << notifierPixmap(wide ? labelledPicture(label, pixels) : circlePicture(label, pixels));
+  }
+  return result;
+}
+
+}  // namespace
+
+QString notifierMenuPath() {
+  return QStringLiteral("/StatusNotifierItem/Menu");
+}
+
+QString notifierTitle(const MenuBarLabel& label) {
+  const QString name = QStringLiteral("Tarn");
+  return label.text ? QStringLiteral("%1 — %2").arg(name, *label.text) : name;
+}
+
+QString notifierToolTipText(const MenuBarLabel& label) {
+  QStringList lines;
+  if (!label.detail.isEmpty()) lines << label.detail;
+  if (label.text) lines << QStringLiteral("Frontmost application: %1").arg(*label.text);
+  return lines.join(u'\n');
+}
+
+QVariantMap notifierProperties(const MenuBarLabel& label, HostKind kind) {
+  const NotifierToolTip toolTip{QString(), {}, label.verdict, notifierToolTipText(label).toHtmlEscaped()};
+  QVariantMap properties{
+      {QStringLiteral("Category"), QStringLiteral("SystemServices")},
+      {QStringLiteral("Id"), QStringLiteral("tarn")},
+      {QStringLiteral("Title"), notifierTitle(label)},
+      {QStringLiteral("Status"), QStringLiteral("Active")},
+      {QStringLiteral("IconName"), QString()},
+      {QStringLiteral("IconPixmap"), QVariant::fromValue(pixmaps(label, kind))},
+      {QStringLiteral("IconAccessibleDesc"), label.accessibilityText},
+      {QStringLiteral("ToolTip"), QVariant::fromValue(toolTip)},
+      {QStringLiteral("ItemIsMenu"), false},
+      {QStringLiteral("Menu"), QVariant::fromValue(QDBusObjectPath(notifierMenuPath()))},
+  };
+  if (kind == HostKind::ayatanaLabel) {
+    properties.insert(QStringLiteral("XAyatanaLabel"), label.text.value_or(QString()));
+  }
+  return properties;
+}
+
+}  // namespace tarn

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include <QDBusConnection>
+#include <QGuiApplication>
+#include <chrono>
+#include <memory>
+
+#include "monitor/frontmost_application.hpp"
+#include "platform/linux/desktop/panel_item.hpp"
+#include "platform/linux/desktop/portal_color_scheme.hpp"
+#include "platform/linux/desktop/x11_frontmost.hpp"
+#include "ui/color_scheme.hpp"
+#include "ui/menu_bar_item.hpp"
+
+namespace tarn {
+namespace {
+
+constexpr auto patience = std::chrono::milliseconds(50);
+
+bool runsOnX11() {
+  return QGuiApplication::platformName() == u"xcb";
+}
+
+}  // namespace
+
+std::unique_ptr<MenuBarItem> platformMenuBarItem() {
+  PanelItemDesktop desktop{QDBusConnection::sessionBus(), runningProgramName, {}};
+  if (runsOnX11()) {
+    desktop.hasEmbeddingTray = [session = std::make_shared<X11Session>()] {
+      return session->hasEmbeddingTray(X11Session::Clock::now() + patience);
+    };
+  }
+  return std::make_unique<PanelItem>(std::move(desktop));
+}
+
+std::unique_ptr<ColorSchemeWatcher> platformColorScheme() {
+  return std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
+}
+
+FrontmostApplicationSource platformFrontmostApplication() {
+  // Under Wayland an X server may be there too, but it knows only the windows of its own clients.
+  if (!runsOnX11()) return [] { return std::optional<FrontmostApplication>(); };
+  return x11FrontmostApplication(std::make_shared<X11Session>());
+}
+
+}  // namespace tarn

@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QPoint>
+#include <QVariantMap>
+
+#include "platform/linux/desktop/bus_object.hpp"
+#include "platform/linux/desktop/host_kind.hpp"
+#include "ui/menu_bar_label.hpp"
+
+namespace tarn {
+
+/// The item that panels show, as the object "/StatusNotifierItem" on the bus. It is there for whoever asks;
+/// telling a panel of it is NotifierHost's part. Main thread.
+class StatusNotifierItem final : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Present on `bus` from now on, showing `label`.
+  StatusNotifierItem(const QDBusConnection& bus, MenuBarLabel label, QObject* parent = nullptr);
+
+  /// Shows `label`; signals what changed by it and nothing else.
+  void show(const MenuBarLabel& label);
+
+  /// Adapts to the panel that will show the item.
+  void setHostKind(HostKind kind);
+
+  /// The text of the item, whichever way the panel shows it.
+  const MenuBarLabel& label() const { return label_; }
+
+ Q_SIGNALS:
+  /// A panel says that the item was clicked, at this place in its own coordinates. Sent from the event loop,
+  /// after the panel has its answer.
+  void activated(QPoint position);
+
+ private:
+  BusInterface interface();
+  void update();
+
+  MenuBarLabel label_;
+  HostKind kind_ = HostKind::plain;
+  QVariantMap properties_;
+  BusObject object_;
+};
+
+}  // namespace tarn

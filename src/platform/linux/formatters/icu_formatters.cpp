@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/formatters/icu_formatters.hpp"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdlib>
+#include <string_view>
+
+namespace tarn {
+
+namespace {
+
+using icu::number::LocalizedNumberFormatter;
+using icu::number::NumberFormatter;
+using icu::number::Precision;
+using icu::number::Scale;
+
+struct ByteUnit {
+  double size;  ///< bytes in one
+  int fractionDigits;
+  const char* word;
+};
+
+/// Smallest first. Nothing above GB: a large disk is compared with a small one in the same unit.
+constexpr std::array<ByteUnit, 4> byteUnits = {{
+    {1, 0, "bytes"},
+    {1024, 0, "KB"},
+    {1024.0 * 1024, 1, "MB"},
+    {1024.0 * 1024 * 1024, 2, "GB"},
+}};
+
+/// The unit that a count is shown in: the largest that the count, as it will be rounded, reaches.
+const ByteUnit& unitFor(double byteCount) {
+  std::size_t chosen = 0;
+  for (std::size_t next = 1; next < byteUnits.size(); ++next) {
+    const ByteUnit& smaller = byteUnits[next - 1];
+    // Half of the last digit shown: from here on the figure would round to 1,024 of the smaller unit.
+    const double roundsUp = 0.5 * std::pow(10.0, -smaller.fractionDigits) * smaller.size;
+    if (byteCount >= byteUnits[next].size - roundsUp) chosen = next;
+  }
+  return byteUnits[chosen];
+}
+
+LocalizedNumberFormatter numberFormatter(const icu::Locale& locale, int fractionDigits) {
+  return NumberFormatter::withLocale(locale)
+      .precision(Precision::maxFraction(fractionDigits))
+      .roundingMode(UNUM_ROUND_HALFEVEN);
+}
+
+std::optional<std::string> formatted(const LocalizedNumberFormatter& formatter, double number) {
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::UnicodeString text = formatter.formatDouble(number, status).toString(status);
+  if (U_FAILURE(status) != 0) return std::nullopt;
+  std::string utf8;
+  text.toUTF8String(utf8);
+  return utf8;
+}
+
+std::string_view environmentValue(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value == nullptr ? std::string_view{} : std::string_view{value};
+}
+
+}  // namespace
+
+icu::Locale figureLocale() {
+  for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
+    const std::string_view value = environmentValue(variable);
+    if (value.empty()) continue;
+    if (value == "C" || value.starts_with("C.") || value == "POSIX") break;
+    return icu::Locale::createCanonical(std::string(value).c_str());
+  }
+  return icu::Locale::getUS();
+}
+
+IcuByteCountFormatter::IcuByteCountFormatter(const icu::Locale& locale)
+    : numbers_{numberFormatter(locale, 0), numberFormatter(locale, 1), numberFormatter(locale, 2)} {}
+
+std::string IcuByteCountFormatter::string(std::int64_t byteCount) const {
+  const auto count = static_cast<double>(byteCount);
+  const ByteUnit& unit = unitFor(count);
+  const double figure = count / unit.size;
+  const auto& format = numbers_[static_cast<std::size_t>(unit.fractionDigits)];
+  // Plain digits are the best answer left should ICU ever be without its data.
+  const std::string number = formatted(format, figure).value_or(std::to_string(std::llround(figure)));
+  return number + ' ' + (byteCount == 1 ? "byte" : unit.word);
+}
+
+IcuPercentFormatter::IcuPercentFormatter(const icu::Locale& locale)
+    : percents_(NumberFormatter::withLocale(locale)
+                    .unit(icu::NoUnit::percent())
+                    .scale(Scale::powerOfTen(2))
+                    .precision(Precision::integer())
+                    .roundingMode(UNUM_ROUND_HALFEVEN)) {}
+
+std::optional<std::string> IcuPercentFormatter::string(double fraction) const {
+  return formatted(percents_, fraction);
+}
+
+const ByteCountFormatter& platformByteCountFormatter() {
+  static const IcuByteCountFormatter formatter(figureLocale());
+  return formatter;
+}
+
+const PercentFormatter& platformPercentFormatter() {
+  static const IcuPercentFormatter formatter(figureLocale());
+  return formatter;
+}
+
+}  // namespace tarn

@@ -1,0 +1,203 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/system/linux_proc_scan.hpp"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <limits>
+#include <utility>
+
+#include "platform/linux/system/bounded_file.hpp"
+#include "platform/linux/system/memory_files.hpp"
+#include "platform/linux/system/text_scan.hpp"
+
+namespace tarn {
+
+namespace {
+
+constexpr std::size_t shortFile = 4096;
+constexpr std::size_t statusFile = 65536;
+
+// The start time stands behind a line that grows with the number of interrupts.
+constexpr std::size_t systemStatFile = std::size_t{4} << 20U;
+
+/// No machine holds this much (1 PiB): more is garbage, and sums of such garbage would overflow.
+constexpr std::uint64_t absurdFootprint = std::uint64_t{1} << 50U;
+
+std::uint64_t systemConstant(int name, std::uint64_t otherwise) {
+  const long value = ::sysconf(name);
+  return value > 0 ? static_cast<std::uint64_t>(value) : otherwise;
+}
+
+/// "PID/file" on the stack.
+class ProcessFilePath {
+ public:
+  ProcessFilePath(std::int32_t pid, std::string_view file) {
+    char* const pidEnd = std::to_chars(text_.data(), text_.data() + pidDigits, pid).ptr;
+    *pidEnd = '/';
+    *std::copy(file.begin(), file.end(), pidEnd + 1) = '\0';
+  }
+
+  const char* text() const { return text_.data(); }
+
+ private:
+  static constexpr std::size_t pidDigits = std::numeric_limits<std::int32_t>::digits10 + 2;
+  static constexpr std::size_t longestFile = 16;  // "cmdline" is the longest in use
+  std::array<char, pidDigits + 1 + longestFile + 1> text_{};
+};
+
+}  // namespace
+
+LinuxProcScan::LinuxProcScan(LinuxRoots roots) : LinuxProcScan(roots, processClockFor(roots.proc)) {}
+
+LinuxProcScan::LinuxProcScan(LinuxRoots roots, ProcessClock clock)
+    : roots_(std::move(roots)),
+      clock_(std::move(clock)),
+      bootTime_(parseBootTime(readFile(roots_.proc + "/stat", systemStatFile)).value_or(0)),
+      ticksPerSecond_(systemConstant(_SC_CLK_TCK, 100)),
+      pageSize_(systemConstant(_SC_PAGESIZE, 4096)),
+      buffer_(shortFile),
+      statusBuffer_(statusFile) {
+  openDirectory();
+}
+
+bool LinuxProcScan::openDirectory() {
+  if (!directory_) directory_.reset(::opendir(roots_.proc.c_str()));
+  return directory_ != nullptr;
+}
+
+std::vector<std::int32_t> LinuxProcScan::allPIDs() {
+  std::erase_if(known_, [this](const auto& entry) { return entry.second.sweep != sweep_; });
+  ++sweep_;
+  swapInUse_ = parseSwaps(readFile(roots_.proc + "/swaps")).used > 0;
+
+  if (!openDirectory()) return {};
+  std::vector<std::int32_t> pids;
+  pids.reserve(known_.size() + 64);
+  ::rewinddir(directory_.get());
+  errno = 0;
+  while (const dirent* const entry = ::readdir(directory_.get())) {
+    const auto pid = parseWholeNumber<std::int32_t>(static_cast<const char*>(entry->d_name));
+    if (pid && *pid > 0) pids.push_back(*pid);
+    errno = 0;
+  }
+  if (errno != 0) return {};
+  return pids;
+}
+
+std::optional<BsdInfo> LinuxProcScan::bsdInfo(std::int32_t pid) {
+  const KnownProcess* const process = refresh(pid);
+  if (!process) return std::nullopt;
+  std::uint64_t startSeconds = 0;
+  if (__builtin_add_overflow(bootTime_, process->startTicks / ticksPerSecond_, &startSeconds)) {
+    return std::nullopt;
+  }
+  return BsdInfo{process->ppid, process->owner, startSeconds};
+}
+
+std::string LinuxProcScan::path(std::int32_t pid) {
+  if (pid <= 0 || !openDirectory()) return {};
+  const ProcessFilePath link(pid, "exe");
+  const ssize_t length = ::readlinkat(::dirfd(directory_.get()), link.text(), buffer_.data(), buffer_.size());
+  // A target that fills the buffer may be cut off: no path is better than a wrong one.
+  if (length <= 0 || static_cast<std::size_t>(length) >= buffer_.size()) return {};
+  std::string_view target(buffer_.data(), static_cast<std::size_t>(length));
+  constexpr std::string_view deleted = " (deleted)";
+  if (target.ends_with(deleted)) target.remove_suffix(deleted.size());
+  return std::string(target);
+}
+
+std::optional<ProcessUsage> LinuxProcScan::usage(std::int32_t pid) {
+  const auto footprint = readFootprint(pid);
+  if (!footprint) return std::nullopt;
+  const auto processorTime = readProcessorTime(pid);
+  if (!processorTime) return std::nullopt;
+  return ProcessUsage{*footprint, *processorTime};
+}
+
+std::string LinuxProcScan::processName(std::int32_t pid) {
+  KnownProcess* const process = metInThisSweep(pid);
+  if (!process) return {};
+  if (!process->displayName) process->displayName = readDisplayName(pid, process->kernelName);
+  return *process->displayName;
+}
+
+std::string_view LinuxProcScan::readProcessFile(std::int32_t pid, std::string_view file,
+                                                std::vector<char>& buffer) {
+  if (pid <= 0 || !openDirectory()) return {};
+  return readOnce(::dirfd(directory_.get()), ProcessFilePath(pid, file).text(), buffer);
+}
+
+/// Reads `stat` and, for a process that was not known, its owner. Null, and forgotten, when it is gone.
+LinuxProcScan::KnownProcess* LinuxProcScan::refresh(std::int32_t pid) {
+  const auto stat = parseProcessStat(readProcessFile(pid, "stat", buffer_));
+  std::uint64_t ticks = 0;
+  if (!stat || __builtin_add_overflow(stat->userTicks, stat->systemTicks, &ticks)) {
+    known_.erase(pid);
+    return nullptr;
+  }
+  const auto [entry, isNew] = known_.try_emplace(pid);
+  KnownProcess& process = entry->second;
+  if (isNew || process.startTicks != stat->startTicks || process.kernelName != stat->name) {
+    const auto owner = parseRealOwner(readProcessFile(pid, "status", statusBuffer_));
+    if (!owner) {
+      known_.erase(entry);
+      return nullptr;
+    }
+    process.owner = *owner;
+    process.startTicks = stat->startTicks;
+    process.kernelName = stat->name;
+    process.displayName.reset();
+  }
+  process.ppid = stat->ppid;
+  process.processorTicks = ticks;
+  process.sweep = sweep_;
+  return &process;
+}
+
+/// What this sweep has read of a process already, else what there is to read.
+LinuxProcScan::KnownProcess* LinuxProcScan::metInThisSweep(std::int32_t pid) {
+  const auto entry = known_.find(pid);
+  if (entry != known_.end() && entry->second.sweep == sweep_) return &entry->second;
+  return refresh(pid);
+}
+
+std::optional<std::uint64_t> LinuxProcScan::readFootprint(std::int32_t pid) {
+  const auto pages = parseProcessPages(readProcessFile(pid, "statm", buffer_));
+  if (!pages) return std::nullopt;
+  std::uint64_t bytes = 0;
+  const std::uint64_t anonymous = pages->resident - std::min(pages->resident, pages->shared);
+  if (__builtin_mul_overflow(anonymous, pageSize_, &bytes)) return std::nullopt;
+  if (swapInUse_) {
+    const std::string_view status = readProcessFile(pid, "status", statusBuffer_);
+    if (status.empty() || __builtin_add_overflow(bytes, parseSwappedBytes(status), &bytes))
+      return std::nullopt;
+  }
+  if (bytes >= absurdFootprint) return std::nullopt;
+  return bytes;
+}
+
+std::optional<std::uint64_t> LinuxProcScan::readProcessorTime(std::int32_t pid) {
+  if (const auto time = clock_(pid)) return time;
+  constexpr std::uint64_t nanosPerSecond = 1'000'000'000;
+  const KnownProcess* const process = metInThisSweep(pid);
+  std::uint64_t nanos = 0;
+  if (!process || __builtin_mul_overflow(process->processorTicks, nanosPerSecond / ticksPerSecond_, &nanos)) {
+    return std::nullopt;
+  }
+  return nanos;
+}
+
+std::string LinuxProcScan::readDisplayName(std::int32_t pid, const std::string& kernelName) {
+  std::string_view commandLine = readProcessFile(pid, "cmdline", buffer_);
+  const bool cutOff =
+      commandLine.size() == buffer_.size() && commandLine.find('\0') == std::string_view::npos;
+  if (cutOff) commandLine = {};
+  return std::string(completedName(kernelName, commandLine));
+}
+
+}  // namespace tarn

@@ -1,0 +1,85 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <dirent.h>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/linux/system/linux_roots.hpp"
+#include "platform/linux/system/process_clock.hpp"
+#include "platform/linux/system/process_files.hpp"
+#include "sampling/platform_readers.hpp"
+
+namespace tarn {
+
+/// The process table below `/proc`.
+///
+/// A sweep costs seven system calls for a process that is known from the sweep before: open, read and close
+/// of `stat` and `statm`, and its clock. Owner and name are kept as long as the process keeps its pid, start
+/// time and kernel name; a process that changes its owner without starting another program keeps the old one.
+class LinuxProcScan final : public ProcScan {
+ public:
+  /// Reads the processor clocks of the running kernel where the root is its own process table, else the
+  /// coarser clock ticks of `stat`.
+  explicit LinuxProcScan(LinuxRoots roots);
+
+  /// As above with another clock; `stat` serves where it gives nothing.
+  LinuxProcScan(LinuxRoots roots, ProcessClock clock);
+
+  /// Also begins a sweep: forgets the processes that the sweep before did not meet, and looks whether the
+  /// machine uses any swap.
+  std::vector<std::int32_t> allPIDs() override;
+
+  std::optional<BsdInfo> bsdInfo(std::int32_t pid) override;
+  std::string path(std::int32_t pid) override;
+  std::optional<ProcessUsage> usage(std::int32_t pid) override;
+  std::string processName(std::int32_t pid) override;
+
+  /// How many processes are remembered.
+  std::size_t knownProcessCount() const { return known_.size(); }
+
+ private:
+  struct KnownProcess {
+    std::string kernelName;
+    std::optional<std::string> displayName;  // read when first asked for
+    std::uint64_t startTicks = 0;
+    std::uint64_t processorTicks = 0;  // as of the sweep below
+    std::uint64_t sweep = 0;           // in which it was last met
+    std::int32_t ppid = 0;
+    std::uint32_t owner = 0;
+  };
+  struct CloseDirectory {
+    void operator()(DIR* directory) const { ::closedir(directory); }
+  };
+
+  bool openDirectory();
+  std::string_view readProcessFile(std::int32_t pid, std::string_view file, std::vector<char>& buffer);
+  KnownProcess* refresh(std::int32_t pid);
+  KnownProcess* metInThisSweep(std::int32_t pid);
+  std::optional<std::uint64_t> readFootprint(std::int32_t pid);
+  std::optional<std::uint64_t> readProcessorTime(std::int32_t pid);
+  std::string readDisplayName(std::int32_t pid, const std::string& kernelName);
+
+  LinuxRoots roots_;
+  ProcessClock clock_;
+  std::unique_ptr<DIR, CloseDirectory> directory_;
+  std::uint64_t bootTime_;  // seconds since the epoch; read once, so that a clock step renames no process
+  std::uint64_t ticksPerSecond_;
+  std::uint64_t pageSize_;
+  std::uint64_t sweep_ = 0;
+  bool swapInUse_ = false;
+  std::unordered_map<std::int32_t, KnownProcess> known_;
+  std::vector<char> buffer_;        // for the short files
+  std::vector<char> statusBuffer_;  // `status` can hold a list of thousands of groups
+};
+
+}  // namespace tarn

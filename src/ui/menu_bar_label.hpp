@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <optional>
+
+#include "monitor/status_presentation.hpp"
+#include "monitor/tint.hpp"
+#include "sampling/snapshot.hpp"
+
+namespace tarn {
+
+/// What the menu bar shows: a tinted circle and, when the user asked for it, a figure beside it.
+struct MenuBarLabel {
+  QString symbolName;           ///< "circle", "circle.lefthalf.filled" or "circle.fill"
+  Tint tint = Tint::green;      ///< green, orange or red
+  QString accessibilityText;    ///< the status in words, for assistive technology
+  std::optional<QString> text;  ///< the frontmost application's footprint; absent: the circle alone
+  QString verdict;              ///< one sentence, for hosts that show a tooltip
+  QString detail;               ///< the memory figures behind it; may be blank
+
+  bool operator==(const MenuBarLabel&) const = default;
+};
+
+/// The label for a status: its circle, and the frontmost application's footprint (bytes) when the user asked
+/// for it and it is known.
+MenuBarLabel menuBarLabel(const StatusPresentation& status, const std::optional<MemorySnapshot>& snapshot,
+                          bool showFrontmostFootprint, std::optional<std::uint64_t> frontmostFootprint);
+
+}  // namespace tarn

@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+#include <optional>
+
+namespace tarn {
+
+/// Where a popover goes. All rectangles are in screen coordinates.
+struct ScreenArea {
+  QRect whole;
+  QRect available;  ///< without panels
+};
+
+/// Whether a position that a host sent for a click can be one: on the screen, and near an edge, where panels
+/// are.
+bool isPlausibleAnchor(const QPoint& position, const ScreenArea& screen);
+
+/// The frame of a popover of `size` beside the menu-bar item at `anchor`: next to the screen edge that the
+/// anchor is nearest to, centred on it along that edge, wholly inside the available area. Without an anchor
+/// it is the top trailing corner.
+QRect popoverFrame(const std::optional<QPoint>& anchor, const QSize& size, const ScreenArea& screen);
+
+/// The most height that a popover may take there.
+int popoverHeightLimit(const ScreenArea& screen);
+
+}  // namespace tarn

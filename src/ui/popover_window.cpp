@@ -1,0 +1,193 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "ui/popover_window.hpp"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace tarn {
+
+namespace {
+
+constexpr int cornerRadius = 12;
+constexpr int shadowReach = 28;      ///< points around the content that the shadow fades out in
+constexpr int shadowDrop = 6;        ///< how far below the content the shadow lies
+constexpr qint64 reopenGuard = 400;  ///< milliseconds in which a click's release follows its press
+constexpr int itemReach = 48;        ///< a press this close to the click was the same click
+
+Qt::WindowFlags flagsFor(PopoverStyle style) {
+  switch (style) {
+    case PopoverStyle::popup:
+      return Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+    case PopoverStyle::tool:
+      return Qt::Tool | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+    case PopoverStyle::regular:
+      break;
+  }
+  return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
+         Qt::WindowMinimizeButtonHint;
+}
+
+QPainterPath roundedPath(const QRectF& frame, double radius) {
+  QPainterPath path;
+  path.addRoundedRect(frame, radius, radius);
+  return path;
+}
+
+/// Thin layers that add up to a soft shadow, densest at the content's edge.
+void paintShadow(QPainter& painter, const QRectF& content) {
+  constexpr int layers = 14;
+  painter.setPen(Qt::NoPen);
+  for (int layer = layers; layer >= 1; --layer) {
+    const double reach = static_cast<double>(layer) * (shadowReach - shadowDrop) / layers;
+    painter.setBrush(QColor(0, 0, 0, layers - layer + 2));
+    painter.drawRoundedRect(content.adjusted(-reach, shadowDrop - reach, reach, shadowDrop + reach),
+                            cornerRadius + reach, cornerRadius + reach);
+  }
+}
+
+}  // namespace
+
+PopoverWindow::PopoverWindow(PopoverView* view) : view_(view) {
+  setWindowTitle(QStringLiteral("Tarn"));
+  auto* frame = new QVBoxLayout(this);
+  frame->setContentsMargins(0, 0, 0, 0);
+  frame->setSizeConstraint(QLayout::SetNoConstraint);
+  frame->addWidget(view_);
+}
+
+void PopoverWindow::setTheme(const Theme& theme) {
+  setPalette(theme.palette());
+}
+
+void PopoverWindow::open(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem) {
+  anchor_ = anchor;
+  sinceClosedByPress_.invalidate();
+  applyStyle(style, windowSystem);
+  show();
+  raise();
+  if (style != PopoverStyle::popup) activateWindow();
+}
+
+void PopoverWindow::toggle(PopoverStyle style, std::optional<QPoint> anchor,
+                           const WindowSystem& windowSystem) {
+  if (isVisible()) {
+    close();
+    return;
+  }
+  // A person's click closes the popover with its press and would reopen it with its release.
+  const bool sameClick = sinceClosedByPress_.isValid() && sinceClosedByPress_.elapsed() < reopenGuard &&
+                         (!anchor || (*anchor - lastPress_).manhattanLength() < itemReach);
+  sinceClosedByPress_.invalidate();
+  if (!sameClick) open(style, anchor, windowSystem);
+}
+
+void PopoverWindow::applyStyle(PopoverStyle style, const WindowSystem& windowSystem) {
+  const bool blended = windowSystem.blendsWindows && style != PopoverStyle::regular;
+  if (blended != blended_ || style != style_ || !testAttribute(Qt::WA_WState_Created)) {
+    destroy();  // flags and translucency belong to the native window, which is made anew
+    setWindowFlags(flagsFor(style));
+    setAttribute(Qt::WA_TranslucentBackground, blended);
+  }
+  style_ = style;
+  blended_ = blended;
+  const int margin = blended ? shadowReach : 0;
+  layout()->setContentsMargins(margin, margin, margin, margin);
+}
+
+QRect PopoverWindow::contentFrame() const {
+  return rect().marginsRemoved(layout()->contentsMargins());
+}
+
+ScreenArea PopoverWindow::screenArea() const {
+  const QScreen* screen = anchor_ ? QGuiApplication::screenAt(*anchor_) : nullptr;
+  if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+  if (screen == nullptr) return {};
+  return {screen->geometry(), screen->availableGeometry()};
+}
+
+void PopoverWindow::fitToContent() {
+  const QLayout* content = view_->layout();
+  const int width = view_->maximumWidth();
+  const int wanted =
+      content->hasHeightForWidth() ? content->totalHeightForWidth(width) : content->sizeHint().height();
+  place(QSize(width, qMin(wanted, popoverHeightLimit(screenArea()))));
+}
+
+void PopoverWindow::place(const QSize& size) {
+  const QMargins margins = layout()->contentsMargins();
+  if (style_ == PopoverStyle::popup) {
+    setGeometry(popoverFrame(anchor_, size, screenArea()).marginsAdded(margins));
+  } else {
+    resize(size.grownBy(margins));
+  }
+  if (style_ == PopoverStyle::regular || blended_) {
+    clearMask();
+  } else {
+    setMask(roundedPath(rect(), cornerRadius).toFillPolygon().toPolygon());
+  }
+}
+
+bool PopoverWindow::event(QEvent* event) {
+  const bool handled = QWidget::event(event);
+  if (event->type() == QEvent::LayoutRequest && isVisible()) fitToContent();
+  return handled;
+}
+
+void PopoverWindow::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  fitToContent();
+}
+
+void PopoverWindow::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  const bool lostFocus = event->type() == QEvent::ActivationChange && !isActiveWindow();
+  if (lostFocus && style_ == PopoverStyle::tool && isVisible()) close();
+}
+
+void PopoverWindow::closeEvent(QCloseEvent* event) {
+  QWidget::closeEvent(event);
+  Q_EMIT closed();
+}
+
+void PopoverWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape && style_ != PopoverStyle::regular) {
+    close();
+    return;
+  }
+  QWidget::keyPressEvent(event);
+}
+
+void PopoverWindow::mousePressEvent(QMouseEvent* event) {
+  if (style_ != PopoverStyle::popup || contentFrame().contains(event->position().toPoint())) return;
+  lastPress_ = event->globalPosition().toPoint();
+  sinceClosedByPress_.start();
+  close();
+}
+
+void PopoverWindow::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const Theme& theme = themeOf(*this);
+  if (style_ == PopoverStyle::regular) {
+    painter.fillRect(rect(), theme.background);
+    return;
+  }
+  const QRectF content = contentFrame();
+  if (blended_ && !content.contains(event->rect())) paintShadow(painter, content);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(theme.background);
+  painter.drawRoundedRect(content, cornerRadius, cornerRadius);
+  painter.setPen(QPen(theme.border, 1));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRoundedRect(content.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5, cornerRadius - 0.5);
+}
+
+}  // namespace tarn

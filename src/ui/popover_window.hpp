@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QElapsedTimer>
+#include <QPoint>
+#include <QWidget>
+#include <optional>
+
+#include "ui/popover_placement.hpp"
+#include "ui/popover_view.hpp"
+#include "ui/theme.hpp"
+
+namespace tarn {
+
+/// How the popover's window behaves.
+enum class PopoverStyle {
+  popup,    ///< placed beside the item; any press outside closes it, and the focus stays where it was
+  tool,     ///< where windows may not place themselves: takes the focus, and closes when it loses it
+  regular,  ///< an ordinary small window that stays, for when there is no menu bar
+};
+
+/// What the window system offers the popover.
+struct WindowSystem {
+  bool clientsPlaceWindows = true;  ///< X11 does, Wayland does not
+  bool blendsWindows = false;       ///< a compositor shows translucent windows
+};
+
+/// Asks the running system anew, since a compositor may come and go. Main thread; each platform folder
+/// defines it.
+WindowSystem platformWindowSystem();
+
+/// The window around the popover's view: soft corners and a shadow where the window system blends windows,
+/// soft corners and a hairline elsewhere. Main thread.
+class PopoverWindow : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// Takes ownership of `view`.
+  explicit PopoverWindow(PopoverView* view);
+
+  void setTheme(const Theme& theme);
+
+  /// Shows the popover beside the item at `anchor`; without one, in the screen's corner.
+  void open(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem);
+
+  /// What a click on the item means: opens, or closes what is open. A click whose press already closed the
+  /// popover does not open it again.
+  void toggle(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem);
+
+  PopoverStyle style() const { return style_; }
+
+ Q_SIGNALS:
+  /// The window was closed, by the user or from here.
+  void closed();
+
+ protected:
+  void changeEvent(QEvent* event) override;
+  bool event(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  void applyStyle(PopoverStyle style, const WindowSystem& windowSystem);
+  void fitToContent();
+  void place(const QSize& size);
+  QRect contentFrame() const;
+  ScreenArea screenArea() const;
+
+  PopoverView* view_;
+  PopoverStyle style_ = PopoverStyle::popup;
+  std::optional<QPoint> anchor_;
+  bool blended_ = false;
+  QPoint lastPress_;                  ///< where that press was, in screen coordinates
+  QElapsedTimer sinceClosedByPress_;  ///< invalid unless a press outside closed the popover last
+};
+
+}  // namespace tarn

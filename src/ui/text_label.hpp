@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QLabel>
+
+#include "ui/theme.hpp"
+
+namespace tarn {
+
+/// How a label treats text that is wider than it.
+enum class Overflow {
+  wraps,  ///< onto as many lines as it needs
+  cuts,   ///< one line, with an ellipsis at its end
+};
+
+/// Plain text in one of the text styles.
+class TextLabel : public QLabel {
+  Q_OBJECT
+
+ public:
+  TextLabel(const QFont& font, TextStyle style, Overflow overflow, QWidget* parent = nullptr);
+
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  Overflow overflow_;
+};
+
+/// A figure whose digits all have the same width, so that it does not jump when it changes.
+class FigureLabel : public TextLabel {
+  Q_OBJECT
+
+ public:
+  FigureLabel(const QFont& font, TextStyle style, QWidget* parent = nullptr);
+
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override { return sizeHint(); }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  /// Width of the widest of the ten digits.
+  int digitWidth() const;
+  int textWidth() const;
+};
+
+}  // namespace tarn
