@@ -21,7 +21,7 @@ class RowAccessible : public QAccessibleWidget {
  public:
   explicit RowAccessible(AppRowButton* button)
       : QAccessibleWidget(button, QAccessible::Button), button_(button) {
-    addControllingSignal(QStringLiteral("clicked"));
+    addControllingSignal(QStringLiteral("clicked(bool)"));
   }
 
   QAccessible::State state() const override {

@@ -54,7 +54,7 @@ void ApplicationList::setRows(const std::vector<RowContent>& rows) {
     arranged[i]->setContent(rows[i], icons_.icon(rows[i], devicePixelRatioF()));
   }
   const bool moved = arranged != std::exchange(rows_, arranged);
-  if (moved) keepTabOrder();
+  if (moved) keepReadingOrder();
   update();
 }
 
@@ -79,8 +79,11 @@ AppRow* ApplicationList::spareRow() {
   return row;
 }
 
-void ApplicationList::keepTabOrder() {
-  for (std::size_t i = 1; i < rows_.size(); ++i) setTabOrder(rows_[i - 1]->button(), rows_[i]->button());
+void ApplicationList::keepReadingOrder() {
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    rows_[i]->raise();  // the order among siblings is the one that assistive technology reads
+    if (i > 0) setTabOrder(rows_[i - 1]->button(), rows_[i]->button());
+  }
 }
 
 void ApplicationList::paintEvent(QPaintEvent* /*event*/) {

@@ -36,7 +36,7 @@ class ApplicationList : public QWidget {
  private:
   AppRow* takeRow(const std::string& groupID);
   AppRow* spareRow();
-  void keepTabOrder();
+  void keepReadingOrder();
 
   AppIconProvider& icons_;
   QVBoxLayout* layout_;

@@ -144,6 +144,8 @@ bool PopoverWindow::event(QEvent* event) {
 void PopoverWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   fitToContent();
+  // Nothing is ringed until somebody uses the keyboard; Tab then goes to the first control.
+  setFocus(Qt::OtherFocusReason);
 }
 
 void PopoverWindow::changeEvent(QEvent* event) {

@@ -6,8 +6,18 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 
 namespace tarn {
+
+namespace {
+
+/// Width that the text needs; a fraction of a pixel too little would cut it.
+int widthOf(const QString& text, const QFont& font) {
+  return static_cast<int>(std::ceil(QFontMetricsF(font).horizontalAdvance(text)));
+}
+
+}  // namespace
 
 TextLabel::TextLabel(const QFont& font, TextStyle style, Overflow overflow, QWidget* parent)
     : QLabel(parent), overflow_(overflow) {
@@ -22,8 +32,7 @@ TextLabel::TextLabel(const QFont& font, TextStyle style, Overflow overflow, QWid
 
 QSize TextLabel::sizeHint() const {
   if (overflow_ == Overflow::wraps) return QLabel::sizeHint();
-  const QFontMetrics metrics(font());
-  return {metrics.horizontalAdvance(text()), metrics.height()};
+  return {widthOf(text(), font()), QFontMetrics(font()).height()};
 }
 
 QSize TextLabel::minimumSizeHint() const {

@@ -52,7 +52,7 @@ class ProcessFilePath {
 
 }  // namespace
 
-LinuxProcScan::LinuxProcScan(LinuxRoots roots) : LinuxProcScan(roots, processClockFor(roots.proc)) {}
+LinuxProcScan::LinuxProcScan(const LinuxRoots& roots) : LinuxProcScan(roots, processClockFor(roots.proc)) {}
 
 LinuxProcScan::LinuxProcScan(LinuxRoots roots, ProcessClock clock)
     : roots_(std::move(roots)),

@@ -30,7 +30,7 @@ class LinuxProcScan final : public ProcScan {
  public:
   /// Reads the processor clocks of the running kernel where the root is its own process table, else the
   /// coarser clock ticks of `stat`.
-  explicit LinuxProcScan(LinuxRoots roots);
+  explicit LinuxProcScan(const LinuxRoots& roots);
 
   /// As above with another clock; `stat` serves where it gives nothing.
   LinuxProcScan(LinuxRoots roots, ProcessClock clock);

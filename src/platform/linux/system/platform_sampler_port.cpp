@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include <time.h>
+#include <ctime>
 
 #include "platform/linux/system/linux_proc_scan.hpp"
 #include "platform/linux/system/linux_system_memory_reader.hpp"

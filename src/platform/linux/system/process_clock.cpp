@@ -5,10 +5,10 @@
 
 #include <linux/magic.h>
 #include <sys/vfs.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <array>
+#include <ctime>
 #include <string_view>
 
 #include "platform/linux/system/text_scan.hpp"

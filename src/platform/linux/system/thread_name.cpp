@@ -8,6 +8,8 @@
 namespace tarn {
 
 // The kernel keeps the first 15 bytes.
-void setCurrentThreadName(const std::string& name) { prctl(PR_SET_NAME, name.c_str()); }
+void setCurrentThreadName(const std::string& name) {
+  prctl(PR_SET_NAME, name.c_str());
+}
 
 }  // namespace tarn

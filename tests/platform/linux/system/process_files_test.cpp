@@ -13,7 +13,7 @@
 namespace tarn {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 std::string statOf(const std::string& name) {
   return "412 (" + name + ") S 7 412 412 0 -1 4194304 138 0 1 0 11 12 13 14 20 0 1 0 174933 2990080 421 0\n";
