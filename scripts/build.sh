@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+# build.sh PRESET: builds one preset of CMakePresets.json into build/PRESET.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+preset="$1"
+cd "$repository"
+say "Building Tarn ($preset)"
+cmake --preset "$preset" --log-level=WARNING
+cmake --build --preset "$preset" --parallel "$(nproc)"

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+# check_format.sh: fails when a source file is not laid out as .clang-format says.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+cd "$repository"
+git ls-files -z -- '*.cpp' '*.hpp' '*.mm' | xargs -0 --no-run-if-empty clang-format --dry-run -Werror

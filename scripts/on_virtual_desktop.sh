@@ -1,0 +1,88 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+# on_virtual_desktop.sh TARN OUTPUT SCRIPT [WORD...]: runs tests/end_to_end/SCRIPT with the program TARN as an
+# ordinary user, beside a process of root when called by root. What the script leaves in its folder "pictures"
+# and its file "counts" goes to the folder OUTPUT.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+readonly user=tarn-desktop
+readonly foreign_megabytes=200
+tarn="$1"
+output="$2"
+script="$3"
+shift 3
+
+end_to_end="$repository/tests/end_to_end"
+foreign=""
+harness=""
+# Everything that the user needs is copied here: the clone may lie where that user can not go.
+stage="$(mktemp --directory "${TMPDIR:-/tmp}/tarn-stage.XXXXXX")"
+
+# shellcheck disable=SC2317
+clean_up() {
+  local pid
+  for pid in $harness $foreign; do
+    kill "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
+  done
+  rm -rf "$stage"
+}
+trap clean_up EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM HUP
+
+fill_stage() {
+  mkdir "$stage/bin"
+  cp "$tarn" "$stage/bin/tarn"
+  cp -r "$end_to_end" "$stage/end_to_end"
+  if [ -f "$repository/tests/support/lsan.supp" ]; then cp "$repository/tests/support/lsan.supp" "$stage/"; fi
+  local load
+  for load in hold_memory burn_core; do
+    g++ -std=c++20 -O1 -Wall -Wextra -Werror -o "$stage/bin/$load" "$end_to_end/loads/$load.cpp"
+  done
+  # Where X servers put their sockets; they may not make it themselves without being root.
+  [ -d /tmp/.X11-unix ] || mkdir --mode=1777 /tmp/.X11-unix
+}
+
+# Gives the stage to an ordinary user and sets `become` to the words that run a command as that user.
+become_ordinary_user() {
+  become=()
+  is_root || return 0
+  id "$user" >/dev/null 2>&1 || useradd --system --no-create-home --shell /usr/sbin/nologin "$user"
+  chown -R "$user:" "$stage"
+  become=(setpriv "--reuid=$user" "--regid=$(id -g "$user")" --init-groups)
+}
+
+# Starts a process of root that holds memory, so that there is one to be seen.
+start_foreign_process() {
+  is_root || return 0
+  local program="foreign_memory_$$"
+  mkdir --mode=700 "$stage/root"
+  chown root: "$stage/root"
+  cp "$stage/bin/hold_memory" "$stage/root/$program"
+  "$stage/root/$program" "$foreign_megabytes" >/dev/null &
+  foreign=$!
+  variables+=("TARN_FOREIGN_PID=$foreign")
+}
+
+variables=("PATH=/usr/local/bin:/usr/bin:/bin" "HOME=$stage" "LC_ALL=C.UTF-8" "PYTHONDONTWRITEBYTECODE=1"
+  "TARN_STAGE=$stage" "LSAN_OPTIONS=suppressions=$stage/lsan.supp:print_suppressions=0")
+fill_stage
+become_ordinary_user
+start_foreign_process
+
+status=0
+cd "$stage"
+"${fixed_addresses[@]}" "${become[@]}" env --ignore-environment "${variables[@]}" \
+  /usr/bin/python3 "$stage/end_to_end/$script" "$@" &
+harness=$!
+wait "$harness" || status=$?
+harness=""
+
+mkdir -p "$output"
+if [ -d "$stage/pictures" ]; then cp -r "$stage/pictures/." "$output/"; fi
+if [ -f "$stage/counts" ]; then cp "$stage/counts" "$output/"; fi
+exit "$status"

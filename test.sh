@@ -1,0 +1,90 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+# test.sh [--all]: builds Tarn and runs its tests. --all adds what takes minutes of its own: clang-tidy over all
+# sources, and the end-to-end test of the sanitized program. Installs what is missing.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
+
+all=""
+case "$*" in
+  "") ;;
+  --all) all=yes ;;
+  *) fail "usage: test.sh [--all]" ;;
+esac
+
+cd "$repository"
+passed=0
+failed=0
+summary=()
+
+# stage NAME FUNCTION: runs one stage, which may add to `stage_passed` and `stage_failed` what it counted; a stage
+# that counts nothing is one test.
+stage() {
+  local name="$1" function="$2" start="$SECONDS" status=0
+  stage_passed=0
+  stage_failed=0
+  say "" "=== $name"
+  "$function" || status=$?
+  if [ "$status" -ne 0 ] && [ "$stage_failed" -eq 0 ]; then stage_failed=1; fi
+  if [ "$status" -eq 0 ] && [ "$stage_passed" -eq 0 ]; then stage_passed=1; fi
+  passed=$((passed + stage_passed))
+  failed=$((failed + stage_failed))
+  summary+=("$(printf '%-44s %4d passed %3d failed %5d s' "$name" "$stage_passed" "$stage_failed" \
+    "$((SECONDS - start))")")
+}
+
+# Builds a preset with tests and runs them all, counting the cases of each test program.
+build_and_test() {
+  local preset="$1" status=0 tests failures
+  local results="$repository/build/results/$preset"
+  scripts/build.sh "$preset" || return
+  rm -rf "$results"
+  GTEST_OUTPUT="xml:$results/" "${fixed_addresses[@]}" ctest --preset "$preset" --parallel "$(nproc)" || status=$?
+  while read -r tests failures; do
+    stage_passed=$((stage_passed + tests - failures))
+    stage_failed=$((stage_failed + failures))
+  done < <(sed -n 's/^<testsuites tests="\([0-9]*\)" failures="\([0-9]*\)".*/\1 \2/p' "$results"/*.xml)
+  return "$status"
+}
+
+end_to_end() {
+  local preset="$1" status=0 tests_passed tests_failed
+  local results="$repository/build/results/end_to_end-$preset"
+  rm -rf "$results"
+  scripts/build.sh "$preset" || return
+  scripts/on_virtual_desktop.sh "build/$preset/src/app/tarn" "$results" run_tests.py || status=$?
+  if read -r tests_passed tests_failed 2>/dev/null <"$results/counts"; then
+    stage_passed="$tests_passed"
+    stage_failed="$tests_failed"
+  fi
+  return "$status"
+}
+
+packages() { scripts/install_packages.sh build run desktop test ${all:+lint}; }
+tests_with_address_sanitizer() { build_and_test asan; }
+tests_with_thread_sanitizer() { build_and_test tsan; }
+end_to_end_release() { end_to_end release; }
+end_to_end_sanitized() { end_to_end asan; }
+
+packages
+stage "layout of the code" scripts/check_format.sh
+stage "tests, address and undefined sanitizers" tests_with_address_sanitizer
+stage "tests, thread sanitizer" tests_with_thread_sanitizer
+stage "end to end on a virtual desktop" end_to_end_release
+if [ -n "$all" ]; then
+  stage "end to end, sanitized" end_to_end_sanitized
+  stage "clang-tidy" scripts/check_tidy.sh
+fi
+
+say ""
+printf '%s\n' "${summary[@]}"
+say ""
+say "$passed passed, $failed failed"
+if [ "$failed" -eq 0 ]; then
+  say "All tests passed in $SECONDS seconds."
+else
+  say "Some tests failed; see above."
+  exit 1
+fi

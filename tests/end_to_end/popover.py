@@ -1,0 +1,133 @@
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+"""Tarn's popover as assistive technology sees it, and what a person does with it."""
+
+import re
+from dataclasses import dataclass
+
+from accessibility import Node
+from figures import BYTES, PERCENT
+from processes import wait_until
+
+TABS = ("Memory", "CPU", "System")
+TOGGLE = "Show frontmost app in menu bar"
+ROW = re.compile(rf"(?P<name>.+), (?P<value>{BYTES}|{PERCENT})", re.DOTALL)
+PROCESS = re.compile(r"·\s*PID (?P<pid>\d+)")
+BUTTONS = {"push button", "toggle button", "button"}
+TEXTS = {"label", "static", "text", "paragraph", "link"}
+
+
+@dataclass(frozen=True)
+class Row:
+    """One line of the list; `expanded` is None where it can not be opened."""
+
+    name: str
+    value: str
+    expanded: bool | None
+    node: Node
+
+
+@dataclass(frozen=True)
+class Content:
+    """All that the popover says at one moment."""
+
+    texts: list
+    rows: list
+    tabs: dict
+    toggle: Node
+    quit: Node
+
+    @property
+    def tab(self):
+        """The chosen tab's name."""
+        return next((name for name, node in self.tabs.items() if node.states & {"selected", "checked"}), None)
+
+    def row(self, name):
+        return next((row for row in self.rows if row.name == name), None)
+
+    def process_lines(self):
+        """The pids of the opened rows' processes, in the order shown."""
+        return [int(match["pid"]) for text in self.texts if (match := PROCESS.search(text))]
+
+    def text_matching(self, pattern):
+        """The first text that is `pattern` from end to end, as a match; None without one."""
+        return next((match for text in self.texts if (match := re.fullmatch(pattern, text, re.DOTALL))), None)
+
+
+def _expanded(states):
+    if "expanded" in states:
+        return True
+    return False if states & {"expandable", "collapsed"} else None
+
+
+def content_of(tree):
+    """What is on show in a program's tree; None while the popover is closed."""
+    shown = [node for node in tree.walk() if "showing" in node.states] if tree else []
+    quit_button = next((node for node in shown if node.name == "Quit" and node.role in BUTTONS), None)
+    toggle = next((node for node in shown if node.name == TOGGLE), None)
+    if not quit_button or not toggle:
+        return None
+    rows = [Row(match["name"], match["value"], _expanded(node.states), node) for node in shown
+            if node.role in BUTTONS and (match := ROW.fullmatch(node.name))]
+    rows.sort(key=lambda row: row.node.extents()[1])
+    tabs = {node.name: node for node in shown if node.name in TABS and node.role not in TEXTS}
+    texts = [node.name for node in shown if node.role in TEXTS and node.name]
+    return Content(texts, rows, tabs, toggle, quit_button)
+
+
+class Popover:
+    """The popover of the Tarn process `pid` on `desktop`, opened and closed by clicks on `item`."""
+
+    def __init__(self, desktop, pid, item):
+        self._desktop = desktop
+        self._pid = pid
+        self._item = item
+
+    def read(self):
+        """What it says; None while it is closed."""
+        return content_of(self._desktop.accessibility.tree_of(self._pid))
+
+    def wait_for(self, condition, what, timeout=15.0):
+        """The first content for which `condition` holds; fails with `what` in words."""
+
+        def matching():
+            content = self.read()
+            return content if content and condition(content) else None
+
+        return wait_until(matching, what, timeout, interval=0.1)
+
+    def open(self):
+        """Opens it, if it is closed, and waits for its first figures."""
+        if not self.read():
+            self._desktop.click(self._item.position())
+        return self.wait_for(lambda content: content.rows or content.tab == "System", "the popover is filled")
+
+    def wait_until_closed(self):
+        wait_until(lambda: self.read() is None, "the popover is closed", timeout=5)
+
+    def choose_tab(self, name):
+        """Clicks on a tab and waits until it shows."""
+        content = self.open()
+        if content.tab != name:
+            self._desktop.click(content.tabs[name].centre())
+        return self.wait_for(lambda content: content.tab == name, f"the tab {name} shows", timeout=5)
+
+    def click_row(self, name):
+        """Clicks on the row of the group `name`; gives the content once it has opened or closed."""
+        for _ in range(3):
+            before = self.wait_for(lambda content: content.row(name), f"a row {name} shows")
+            expanded = before.row(name).expanded
+            self._desktop.click(before.row(name).node.centre())
+            try:
+                return self.wait_for(lambda content: content.row(name) and content.row(name).expanded != expanded,
+                                     f"the row {name} answers a click", timeout=2)
+            except TimeoutError:
+                # Another row may have moved under the pointer, as a person would see. Close it and try again.
+                self._close_rows_opened_since(before)
+        raise TimeoutError(f"the row {name} does not answer clicks")
+
+    def _close_rows_opened_since(self, before):
+        for row in self.open().rows:
+            earlier = before.row(row.name)
+            if row.expanded and earlier and not earlier.expanded:
+                self._desktop.click(row.node.centre())

@@ -1,0 +1,88 @@
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+"""The kernel's own figures, read independently of Tarn."""
+
+import os
+from glob import glob
+from pathlib import Path
+
+TICKS_PER_SECOND = os.sysconf("SC_CLK_TCK")
+MEGABYTE = 1 << 20
+
+
+def _fields(path):
+    """A file of "Name: number" lines as numbers, kB lines in bytes."""
+    values = {}
+    for line in Path(path).read_text(encoding="utf-8", errors="replace").splitlines():
+        name, _, rest = line.partition(":")
+        words = rest.split()
+        if words and words[0].isdigit():
+            values[name] = int(words[0]) * (1024 if words[1:] == ["kB"] else 1)
+    return values
+
+
+def footprint(pid):
+    """Anonymous resident memory and swap of a process, in bytes; 0 for a kernel thread."""
+    values = _fields(f"/proc/{pid}/status")
+    return values.get("RssAnon", 0) + values.get("VmSwap", 0)
+
+
+def processor_seconds(pid):
+    """Processor time of all threads of a process so far."""
+    stat = Path(f"/proc/{pid}/stat").read_bytes()
+    words = stat[stat.rindex(b")") + 2:].split()
+    return (int(words[11]) + int(words[12])) / TICKS_PER_SECOND
+
+
+def children(pid):
+    """The pids of a process's direct children."""
+    threads = Path(f"/proc/{pid}/task").iterdir()
+    return [int(child) for thread in threads for child in (thread / "children").read_text().split()]
+
+
+def system_memory():
+    """Wired, compressed, cached files and swap in bytes, as they are defined for Linux."""
+    memory = _fields("/proc/meminfo")
+    compressed = memory.get("Zswap", 0)
+    for path in glob("/sys/block/zram*/mm_stat"):
+        compressed += int(Path(path).read_text().split()[2])
+    wired = (memory["MemTotal"] - memory["MemFree"] - memory["Buffers"] - memory["Cached"] - memory["SwapCached"]
+             - memory["AnonPages"] - memory["SReclaimable"] - compressed + memory.get("Mlocked", 0))
+    cached = memory["Buffers"] + memory["Cached"] + memory["SReclaimable"] - memory["Shmem"]
+    swap = -memory.get("Zswapped", 0)
+    for line in Path("/proc/swaps").read_text().splitlines()[1:]:
+        words = line.split()
+        if not words[0].startswith("/dev/zram"):
+            swap += int(words[3]) * 1024
+    return {"Wired": max(wired, 0), "Compressed": compressed, "Cached files": max(cached, 0), "Swap": max(swap, 0)}
+
+
+def available_share():
+    """The part of memory that is still to be had, from 0 to 1."""
+    memory = _fields("/proc/meminfo")
+    return memory["MemAvailable"] / memory["MemTotal"]
+
+
+def largest_footprints(count):
+    """The `count` largest footprints of the machine's processes, largest first."""
+    found = []
+    for entry in os.listdir("/proc"):
+        if entry.isdigit():
+            try:
+                found.append(footprint(entry))
+            except OSError:
+                continue
+    return sorted(found, reverse=True)[:count]
+
+
+def thread_named(pid, name):
+    """The id of the thread of `pid` that bears `name` (the kernel keeps 15 bytes of it); None without one."""
+    for thread in Path(f"/proc/{pid}/task").iterdir():
+        if (thread / "comm").read_text().rstrip("\n") == name[:15]:
+            return int(thread.name)
+    return None
+
+
+def voluntary_switches(pid, thread):
+    """How often a thread has gone to sleep of its own accord."""
+    return _fields(f"/proc/{pid}/task/{thread}/status")["voluntary_ctxt_switches"]
