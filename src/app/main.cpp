@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "app/display_check.hpp"
+#include "app/single_instance.hpp"
 #include "app/tarn_app.hpp"
 #include "ui/accessibility.hpp"
 
@@ -24,6 +25,14 @@ int main(int argc, char* argv[]) {
   const QApplication application(argc, argv);
   QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
   tarn::installAccessibility();
-  const tarn::TarnApp tarn;
+
+  tarn::TarnApp* running = nullptr;
+  const auto instance = tarn::platformSingleInstance();
+  const auto launchedAgain = [&running] {
+    if (running != nullptr) running->openPopover();
+  };
+  if (!instance->claim(launchedAgain)) return 0;
+  tarn::TarnApp tarn;
+  running = &tarn;
   return QApplication::exec();
 }

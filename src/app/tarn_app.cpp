@@ -68,10 +68,7 @@ TarnApp::TarnApp()
   connect(&prefs_, &Preferences::willChange, &labelRenderer_, &RenderScheduler::schedule);
   connect(colorScheme_.get(), &ColorSchemeWatcher::changed, this, &TarnApp::applyTheme);
   connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::itemClicked);
-  connect(item_.get(), &MenuBarItem::openRequested, this, [this] {
-    const WindowSystem windowSystem = platformWindowSystem();
-    popover().open(styleOn(windowSystem), clickAnchor(std::nullopt, windowSystem), windowSystem);
-  });
+  connect(item_.get(), &MenuBarItem::openRequested, this, &TarnApp::openPopover);
   connect(item_.get(), &MenuBarItem::quitRequested, this, &QCoreApplication::quit);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::leaveForMenuBar);
@@ -86,8 +83,15 @@ TarnApp::~TarnApp() {
 }
 
 void TarnApp::renderLabel() {
-  item_->show(menuBarLabel(model_->presentation(), model_->snapshot(), prefs_.showFrontmostFootprint(),
-                           model_->frontmostFootprint()));
+  MenuBarLabel label = menuBarLabel(model_->presentation(), model_->snapshot(),
+                                    prefs_.showFrontmostFootprint(), model_->frontmostFootprint());
+  // Panels bring a tooltip that changes up over the open popover. There it may wait, but for what the user
+  // has just switched on or off.
+  const bool popoverIsOpen = popover_ && popover_->isVisible();
+  if (popoverIsOpen && label.hover.text.has_value() == shownHover_.text.has_value())
+    label.hover = shownHover_;
+  shownHover_ = label.hover;
+  item_->show(label);
 }
 
 PopoverWindow& TarnApp::popover() {
@@ -98,6 +102,7 @@ PopoverWindow& TarnApp::popover() {
     connect(popover_.get(), &PopoverWindow::closed, this, [this] {
       // Without a menu bar this window is all there is of Tarn: closing it ends the program.
       if (popover_->style() == PopoverStyle::regular) QCoreApplication::quit();
+      labelRenderer_.schedule();
     });
     applyTheme();
   }
@@ -110,6 +115,16 @@ void TarnApp::applyTheme() {
   const ColorScheme scheme =
       colorScheme_->preference().value_or(paletteIsDark ? ColorScheme::dark : ColorScheme::light);
   popover_->setTheme(scheme == ColorScheme::dark ? Theme::dark() : Theme::light());
+}
+
+void TarnApp::openPopover() {
+  if (popover().isVisible()) {
+    popover().raise();
+    return;
+  }
+  const WindowSystem windowSystem = platformWindowSystem();
+  const PopoverStyle style = hasMenuBar_ ? styleOn(windowSystem) : PopoverStyle::regular;
+  popover().open(style, clickAnchor(std::nullopt, windowSystem), windowSystem);
 }
 
 void TarnApp::itemClicked(std::optional<QPoint> position) {

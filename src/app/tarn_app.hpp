@@ -13,6 +13,7 @@
 #include "monitor/qt_run_loop.hpp"
 #include "ui/color_scheme.hpp"
 #include "ui/menu_bar_item.hpp"
+#include "ui/menu_bar_label.hpp"
 #include "ui/popover_window.hpp"
 #include "ui/render_scheduler.hpp"
 
@@ -31,6 +32,9 @@ class TarnApp : public QObject {
   TarnApp(const TarnApp&) = delete;
   TarnApp& operator=(const TarnApp&) = delete;
 
+  /// Shows the popover, by whatever way leads to it: the way back for somebody who can not find the item.
+  void openPopover();
+
  private:
   void renderLabel();
   void applyTheme();
@@ -45,6 +49,8 @@ class TarnApp : public QObject {
   std::unique_ptr<ColorSchemeWatcher> colorScheme_;
   std::unique_ptr<MenuBarItem> item_;
   RenderScheduler labelRenderer_;
+  MenuBarHover shownHover_;
+  bool hasMenuBar_ = true;                  ///< until the item says otherwise
   std::unique_ptr<PopoverWindow> popover_;  ///< made at its first opening and kept
 };
 

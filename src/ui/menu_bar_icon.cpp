@@ -21,15 +21,15 @@ QImage image(const QString& symbolName, const QColor& color, int pixels) {
 QColor color(Tint tint) {
   switch (tint) {
     case Tint::green:
-      return QColor(0x249a63);
+      return {0x24, 0x9a, 0x63};
     case Tint::orange:
-      return QColor(0xe66100);
+      return {0xe6, 0x61, 0x00};
     case Tint::red:
-      return QColor(0xe01b24);
+      return {0xe0, 0x1b, 0x24};
     case Tint::secondary:
       break;
   }
-  return QColor(0x7a7a80);
+  return {0x7a, 0x7a, 0x80};
 }
 
 }  // namespace tarn::MenuBarIcon

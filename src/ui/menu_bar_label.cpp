@@ -14,10 +14,11 @@ MenuBarLabel menuBarLabel(const StatusPresentation& status, const std::optional<
   MenuBarLabel label{.symbolName = QString::fromStdString(appearance.symbolName),
                      .tint = appearance.tint,
                      .accessibilityText = QString::fromStdString(appearance.accessibilityText),
-                     .verdict = QString::fromStdString(appearance.sentence),
-                     .detail = detailString(PopoverTab::memory, snapshot, {}, ThermalState::unknown)};
+                     .hover = {.verdict = QString::fromStdString(appearance.sentence)}};
+  if (snapshot) label.hover.detail = detailString(PopoverTab::memory, snapshot, {}, ThermalState::unknown);
   if (showFrontmostFootprint && frontmostFootprint) {
     label.text = QString::fromStdString(ByteFormatting::string(*frontmostFootprint));
+    label.hover.text = label.text;
   }
   return label;
 }

@@ -13,14 +13,22 @@
 
 namespace tarn {
 
+/// What a host tells when the pointer rests on the item, and as its title.
+struct MenuBarHover {
+  QString verdict;              ///< one sentence
+  QString detail;               ///< the memory figures behind it; empty while there are none
+  std::optional<QString> text;  ///< the frontmost application's footprint, for hosts that show it only here
+
+  bool operator==(const MenuBarHover&) const = default;
+};
+
 /// What the menu bar shows: a tinted circle and, when the user asked for it, a figure beside it.
 struct MenuBarLabel {
   QString symbolName;           ///< "circle", "circle.lefthalf.filled" or "circle.fill"
   Tint tint = Tint::green;      ///< green, orange or red
   QString accessibilityText;    ///< the status in words, for assistive technology
   std::optional<QString> text;  ///< the frontmost application's footprint; absent: the circle alone
-  QString verdict;              ///< one sentence, for hosts that show a tooltip
-  QString detail;               ///< the memory figures behind it; may be blank
+  MenuBarHover hover;
 
   bool operator==(const MenuBarLabel&) const = default;
 };

@@ -45,7 +45,9 @@ void BusName::nameOwnerChanged(const QDBusMessage& message) {
   setOwner(arguments.at(2).toString());
 }
 
-void BusName::disconnected() { setOwner(QString()); }
+void BusName::disconnected() {
+  setOwner(QString());
+}
 
 void BusName::setOwner(const QString& owner) {
   if (owner == owner_) return;

@@ -24,8 +24,11 @@ QDBusMessage invalidArguments(const QDBusMessage& message) {
 
 }  // namespace
 
-BusObject::BusObject(const QDBusConnection& bus, const QString& path, BusInterface interface, QObject* parent)
-    : QDBusVirtualObject(parent), bus_(bus), path_(path), interface_(std::move(interface)) {
+BusObject::BusObject(QDBusConnection bus, QString path, BusInterface interface, QObject* parent)
+    : QDBusVirtualObject(parent),
+      bus_(std::move(bus)),
+      path_(std::move(path)),
+      interface_(std::move(interface)) {
   bus_.registerVirtualObject(path_, this);
 }
 

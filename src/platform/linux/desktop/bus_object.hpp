@@ -39,8 +39,7 @@ class BusObject final : public QDBusVirtualObject {
 
  public:
   /// Appears at `path` of `bus` until destroyed; without a bus it is simply not reachable.
-  BusObject(const QDBusConnection& bus, const QString& path, BusInterface interface,
-            QObject* parent = nullptr);
+  BusObject(QDBusConnection bus, QString path, BusInterface interface, QObject* parent = nullptr);
   ~BusObject() override;
   Q_DISABLE_COPY_MOVE(BusObject)
 

@@ -54,7 +54,8 @@ std::optional<QString> platformDisplayProblem() {
   if (display.isEmpty() && wayland.isEmpty()) {
     return QStringLiteral("there is no display here (neither DISPLAY nor WAYLAND_DISPLAY is set)");
   }
-  return QStringLiteral("the display %1 cannot be reached").arg(QString::fromLocal8Bit(display.isEmpty() ? wayland : display));
+  return QStringLiteral("the display %1 cannot be reached")
+      .arg(QString::fromLocal8Bit(display.isEmpty() ? wayland : display));
 }
 
 }  // namespace tarn

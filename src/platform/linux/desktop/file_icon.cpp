@@ -21,7 +21,8 @@ QString themeIconName(const std::string& bundlePath) {
 
 FileIconLoader platformFileIcon() {
   return [](const std::string& path) {
-    return QIcon::fromTheme(themeIconName(path), QIcon::fromTheme(QStringLiteral("application-x-executable")));
+    return QIcon::fromTheme(themeIconName(path),
+                            QIcon::fromTheme(QStringLiteral("application-x-executable")));
   };
 }
 

@@ -3,16 +3,11 @@
 
 #pragma once
 
-#include <QColor>
 #include <QImage>
 
 #include "ui/menu_bar_label.hpp"
 
 namespace tarn {
-
-/// The circle's colour on a panel: at least 3:1 on a light panel and on a dark one, since an item does not
-/// know which it lies on.
-QColor circleColor(Tint tint);
 
 /// The label's circle on a transparent square of `pixels`; transparent throughout for an unknown symbol.
 QImage circlePicture(const MenuBarLabel& label, int pixels);

@@ -4,7 +4,6 @@
 #include "platform/linux/desktop/notifier_menu.hpp"
 
 #include <QDBusVariant>
-#include <QMetaObject>
 #include <QStringList>
 #include <algorithm>
 #include <utility>
@@ -140,7 +139,9 @@ QList<std::pair<int, QString>> groupedEvents(const QVariant& argument) {
 }  // namespace
 
 NotifierMenu::NotifierMenu(const QDBusConnection& bus, QObject* parent)
-    : QObject(parent), object_((registerNotifierTypes(), bus), notifierMenuPath(), interface()) {}
+    : QObject(parent), object_((registerNotifierTypes(), bus), notifierMenuPath(), interface()) {
+  connect(this, &NotifierMenu::clicked, this, &NotifierMenu::choose, Qt::QueuedConnection);
+}
 
 BusInterface NotifierMenu::interface() {
   const auto event = [this](const QVariantList& arguments) -> Answer {
@@ -176,10 +177,7 @@ BusInterface NotifierMenu::interface() {
 
 bool NotifierMenu::handleEvent(int id, const QString& event) {
   if (!isEntry(id)) return false;
-  if (event == u"clicked" && id != rootEntry) {
-    QMetaObject::invokeMethod(
-        this, [this, id] { choose(id); }, Qt::QueuedConnection);
-  }
+  if (event == u"clicked" && id != rootEntry) Q_EMIT clicked(id, QPrivateSignal());
   return true;
 }
 

@@ -23,6 +23,9 @@ class NotifierMenu final : public QObject {
   void openChosen();
   void quitChosen();
 
+  /// An entry was clicked; the panel still waits for its answer.
+  void clicked(int id, QPrivateSignal);
+
  private:
   BusInterface interface();
   void choose(int id);

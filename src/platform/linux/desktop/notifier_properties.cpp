@@ -33,18 +33,19 @@ QString notifierMenuPath() {
 
 QString notifierTitle(const MenuBarLabel& label) {
   const QString name = QStringLiteral("Tarn");
-  return label.text ? QStringLiteral("%1 — %2").arg(name, *label.text) : name;
+  return label.hover.text ? QStringLiteral("%1 — %2").arg(name, *label.hover.text) : name;
 }
 
 QString notifierToolTipText(const MenuBarLabel& label) {
   QStringList lines;
-  if (!label.detail.isEmpty()) lines << label.detail;
-  if (label.text) lines << QStringLiteral("Frontmost application: %1").arg(*label.text);
+  if (!label.hover.detail.isEmpty()) lines << label.hover.detail;
+  if (label.hover.text) lines << QStringLiteral("Frontmost application: %1").arg(*label.hover.text);
   return lines.join(u'\n');
 }
 
 QVariantMap notifierProperties(const MenuBarLabel& label, HostKind kind) {
-  const NotifierToolTip toolTip{QString(), {}, label.verdict, notifierToolTipText(label).toHtmlEscaped()};
+  const NotifierToolTip toolTip{
+      QString(), {}, label.hover.verdict, notifierToolTipText(label).toHtmlEscaped()};
   QVariantMap properties{
       {QStringLiteral("Category"), QStringLiteral("SystemServices")},
       {QStringLiteral("Id"), QStringLiteral("tarn")},

@@ -6,7 +6,9 @@
 #include <chrono>
 #include <memory>
 
+#include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
+#include "platform/linux/desktop/bus_single_instance.hpp"
 #include "platform/linux/desktop/panel_item.hpp"
 #include "platform/linux/desktop/portal_color_scheme.hpp"
 #include "platform/linux/desktop/x11_frontmost.hpp"
@@ -32,6 +34,10 @@ std::unique_ptr<MenuBarItem> platformMenuBarItem() {
     };
   }
   return std::make_unique<PanelItem>(std::move(desktop));
+}
+
+std::unique_ptr<SingleInstance> platformSingleInstance() {
+  return std::make_unique<BusSingleInstance>(QDBusConnection::sessionBus());
 }
 
 std::unique_ptr<ColorSchemeWatcher> platformColorScheme() {

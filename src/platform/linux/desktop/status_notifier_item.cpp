@@ -4,7 +4,6 @@
 #include "platform/linux/desktop/status_notifier_item.hpp"
 
 #include <QGuiApplication>
-#include <QMetaObject>
 #include <utility>
 
 #include "platform/linux/desktop/notifier_properties.hpp"
@@ -55,7 +54,9 @@ StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, MenuBarLabel 
     : QObject(parent),
       label_(std::move(label)),
       properties_((registerNotifierTypes(), notifierProperties(label_, kind_))),
-      object_(bus, QStringLiteral("/StatusNotifierItem"), interface()) {}
+      object_(bus, QStringLiteral("/StatusNotifierItem"), interface()) {
+  connect(this, &StatusNotifierItem::clicked, this, &StatusNotifierItem::activated, Qt::QueuedConnection);
+}
 
 void StatusNotifierItem::show(const MenuBarLabel& label) {
   if (label == label_) return;
@@ -70,10 +71,9 @@ void StatusNotifierItem::setHostKind(HostKind kind) {
 }
 
 BusInterface StatusNotifierItem::interface() {
-  const auto clicked = [this](const QVariantList& arguments) -> std::optional<QVariantList> {
+  const auto click = [this](const QVariantList& arguments) -> std::optional<QVariantList> {
     const QPoint position(arguments.at(0).toInt(), arguments.at(1).toInt());
-    QMetaObject::invokeMethod(
-        this, [this, position] { Q_EMIT activated(position); }, Qt::QueuedConnection);
+    Q_EMIT clicked(position, QPrivateSignal());
     return QVariantList();
   };
   const auto ignored = [](const QVariantList&) -> std::optional<QVariantList> { return QVariantList(); };
@@ -84,9 +84,9 @@ BusInterface StatusNotifierItem::interface() {
   // Panels call ContextMenu only when they cannot show the item's menu themselves; what it offers is in the
   // popover too.
   return {QStringLiteral("org.kde.StatusNotifierItem"),
-          {{QStringLiteral("Activate"), {QStringLiteral("ii"), clicked}},
-           {QStringLiteral("SecondaryActivate"), {QStringLiteral("ii"), clicked}},
-           {QStringLiteral("ContextMenu"), {QStringLiteral("ii"), clicked}},
+          {{QStringLiteral("Activate"), {QStringLiteral("ii"), click}},
+           {QStringLiteral("SecondaryActivate"), {QStringLiteral("ii"), click}},
+           {QStringLiteral("ContextMenu"), {QStringLiteral("ii"), click}},
            {QStringLiteral("Scroll"), {QStringLiteral("is"), ignored}},
            {QStringLiteral("ProvideXdgActivationToken"), {QStringLiteral("s"), token}}},
           [this] { return properties_; },

@@ -37,6 +37,9 @@ class StatusNotifierItem final : public QObject {
   /// after the panel has its answer.
   void activated(QPoint position);
 
+  /// The same, at once: the panel still waits for its answer.
+  void clicked(QPoint position, QPrivateSignal);
+
  private:
   BusInterface interface();
   void update();

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include <QtGui/qguiapplication_platform.h>
 #include <xcb/xcb.h>
 
 #include <QByteArray>
 #include <QGuiApplication>
-#include <QtGui/qguiapplication_platform.h>
 #include <cstdlib>
 #include <memory>
 

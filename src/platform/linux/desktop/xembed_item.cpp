@@ -32,7 +32,7 @@ void XembedItem::show(const MenuBarLabel& label) {
     icon.addPixmap(QPixmap::fromImage(circlePicture(label, pixels)));
   }
   icon_.setIcon(icon);
-  QStringList lines{label.verdict};
+  QStringList lines{label.hover.verdict};
   const QString more = notifierToolTipText(label);
   if (!more.isEmpty()) lines << more;
   icon_.setToolTip(lines.join(u'\n'));

@@ -15,8 +15,8 @@
 
 namespace tarn {
 
-/// The locale for figures that the environment names (LC_ALL, else LC_NUMERIC, else LANG); United States English
-/// where it names none, or the C locale, which has no grouping and no percent pattern of its own.
+/// The locale for figures that the environment names (LC_ALL, else LC_NUMERIC, else LANG); United States
+/// English where it names none, or the C locale, which has no grouping and no percent pattern of its own.
 icu::Locale figureLocale();
 
 /// Byte counts: ICU's digits, grouping and decimal mark, and unit words of our own.
@@ -26,9 +26,9 @@ class IcuByteCountFormatter final : public ByteCountFormatter {
   std::string string(std::int64_t byteCount) const override;
 
  private:
-  static constexpr int mostFractionDigits_ = 2;
+  static constexpr int mostFractionDigits = 2;
   /// One number format for each count of fraction digits.
-  std::array<icu::number::LocalizedNumberFormatter, mostFractionDigits_ + 1> numbers_;
+  std::array<icu::number::LocalizedNumberFormatter, mostFractionDigits + 1> numbers_;
 };
 
 /// Whole percents in the locale's percent pattern.
