@@ -11,6 +11,7 @@
 
 #include "ui/app_row.hpp"
 #include "ui/controls.hpp"
+#include "ui/tab_picker.hpp"
 
 namespace tarn {
 
@@ -48,6 +49,12 @@ class RowAccessible : public QAccessibleWidget {
 
  private:
   AppRowButton* button_;
+};
+
+/// The tabs as one named group.
+class TabPickerAccessible : public QAccessibleWidget {
+ public:
+  explicit TabPickerAccessible(TabPicker* picker) : QAccessibleWidget(picker, QAccessible::Grouping) {}
 };
 
 class LinkAccessible : public QAccessibleWidget {
@@ -105,6 +112,7 @@ class ApplicationAccessible : public QAccessibleObject {
 
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
   if (auto* row = qobject_cast<AppRowButton*>(object)) return new RowAccessible(row);
+  if (auto* picker = qobject_cast<TabPicker*>(object)) return new TabPickerAccessible(picker);
   if (auto* link = qobject_cast<LinkButton*>(object)) return new LinkAccessible(link);
   if (auto* application = qobject_cast<QApplication*>(object)) return new ApplicationAccessible(application);
   return nullptr;

@@ -58,6 +58,7 @@ AppRowButton::AppRowButton(QWidget* parent)
   setAttribute(Qt::WA_Hover);
   // Not by a click: the focus ring is for those who use the keyboard.
   setFocusPolicy(Qt::TabFocus);
+  setAutoDefault(true);  // Return presses it, too
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   name_->setFixedHeight(nameHeight);
   secondary_->setFixedHeight(smallLineHeight);
@@ -171,6 +172,7 @@ void AppRow::showProcesses(const std::vector<ProcessLine>& processes) {
   while (lines_.size() < processes.size()) {
     lines_.push_back(new ProcessLineView(this));
     layout_->addWidget(lines_.back());
+    lines_.back()->show();
   }
   for (std::size_t i = 0; i < processes.size(); ++i) lines_[i]->setContent(processes[i]);
 }

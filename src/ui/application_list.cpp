@@ -26,9 +26,11 @@ ApplicationList::ApplicationList(AppIconProvider& icons, QWidget* parent)
     : QWidget(parent),
       icons_(icons),
       layout_(new QVBoxLayout(this)),
-      placeholder_(new TextLabel(systemFont(12), TextStyle::secondary, Overflow::cuts)) {
-  // One point above and below leaves room for the highlight of the first and of the last row.
-  layout_->setContentsMargins(highlightReach, 1, highlightReach, 1);
+      placeholder_(new TextLabel(systemFont(12), TextStyle::secondary, Overflow::cuts)),
+      beforeRows_(new QWidget(this)) {
+  beforeRows_->hide();
+  beforeRows_->setFocusPolicy(Qt::TabFocus);
+  layout_->setContentsMargins(highlightReach, highlightRise, highlightReach, highlightRise);
   layout_->setSpacing(rowSpacing);
   placeholder_->setText(QStringLiteral("Measuring…"));
   placeholder_->setAlignment(Qt::AlignCenter);
@@ -51,6 +53,7 @@ void ApplicationList::setRows(const std::vector<RowContent>& rows) {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const int position = static_cast<int>(i) + 1;  // after the placeholder
     if (layout_->indexOf(arranged[i]) != position) layout_->insertWidget(position, arranged[i]);
+    arranged[i]->show();
     arranged[i]->setContent(rows[i], icons_.icon(rows[i], devicePixelRatioF()));
   }
   const bool moved = arranged != std::exchange(rows_, arranged);
@@ -80,9 +83,11 @@ AppRow* ApplicationList::spareRow() {
 }
 
 void ApplicationList::keepReadingOrder() {
-  for (std::size_t i = 0; i < rows_.size(); ++i) {
-    rows_[i]->raise();  // the order among siblings is the one that assistive technology reads
-    if (i > 0) setTabOrder(rows_[i - 1]->button(), rows_[i]->button());
+  QWidget* previous = beforeRows_;
+  for (AppRow* row : rows_) {
+    row->raise();  // the order among siblings is the one that assistive technology reads
+    setTabOrder(previous, row->button());
+    previous = row->button();
   }
 }
 
@@ -94,7 +99,7 @@ void ApplicationList::paintEvent(QPaintEvent* /*event*/) {
     const AppRowButton* button = row->button();
     if (!button->isHighlighted()) continue;
     const QRectF content(button->mapTo(this, QPoint(0, 0)), button->size());
-    const QRectF frame = content.adjusted(-highlightReach, -1, highlightReach, 1);
+    const QRectF frame = content.adjusted(-highlightReach, -highlightRise, highlightReach, highlightRise);
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.highlight);
     painter.drawRoundedRect(frame, highlightRadius, highlightRadius);

@@ -21,6 +21,8 @@ class ApplicationList : public QWidget {
  public:
   /// How far the highlight of a row reaches beyond its content on both sides, in points.
   static constexpr int highlightReach = 6;
+  /// The same above and below. The list has this much margin around its rows.
+  static constexpr int highlightRise = 1;
 
   explicit ApplicationList(AppIconProvider& icons, QWidget* parent = nullptr);
 
@@ -41,6 +43,7 @@ class ApplicationList : public QWidget {
   AppIconProvider& icons_;
   QVBoxLayout* layout_;
   TextLabel* placeholder_;
+  QWidget* beforeRows_;        ///< never shown; where the rows begin in the tab order
   std::vector<AppRow*> rows_;  ///< as shown; owned by the list
 };
 

@@ -57,7 +57,8 @@ void CheckBox::paintEvent(QPaintEvent* /*event*/) {
   painter.setRenderHint(QPainter::Antialiasing);
   const Theme& theme = themeOf(*this);
   const bool mirrored = isRightToLeft();
-  const QRectF box(mirrored ? width() - boxSize : 0, (height() - boxSize) / 2, boxSize, boxSize);
+  const int boxTop = (height() - boxSize) / 2;
+  const QRectF box(mirrored ? width() - boxSize : 0, boxTop, boxSize, boxSize);
   if (isChecked()) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.accent);
@@ -79,6 +80,7 @@ void CheckBox::paintEvent(QPaintEvent* /*event*/) {
 PillButton::PillButton(const QString& label, QWidget* parent) : QPushButton(label, parent) {
   setAttribute(Qt::WA_Hover);
   setFocusPolicy(Qt::TabFocus);
+  setAutoDefault(true);  // Return presses it, too
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
@@ -104,6 +106,7 @@ LinkButton::LinkButton(const QString& label, const QString& address, QWidget* pa
   setCursor(Qt::PointingHandCursor);
   setAttribute(Qt::WA_Hover);
   setFocusPolicy(Qt::TabFocus);
+  setAutoDefault(true);  // Return presses it, too
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   connect(this, &QPushButton::clicked, this, [address] { QDesktopServices::openUrl(QUrl(address)); });
 }

@@ -91,8 +91,7 @@ QString explainer(PopoverTab tab) {
 QString systemFootnote() {
   return QStringLiteral(
       "All read locally with no special privileges. Temperature falls back to the system's own reading when "
-      "no "
-      "sensor is available.");
+      "no sensor is available.");
 }
 
 std::vector<RowContent> applicationRows(const MemorySnapshot& snapshot, PopoverTab tab,

@@ -40,10 +40,10 @@ PopoverFooter::PopoverFooter(Preferences& preferences, const Maker& maker, QWidg
   connect(toggle_, &QCheckBox::toggled, this,
           [this](bool ticked) { preferences_.setShowFrontmostFootprint(ticked); });
   connect(quit, &QPushButton::clicked, this, &PopoverFooter::quitRequested);
-  update();
+  showPreference();
 }
 
-void PopoverFooter::update() {
+void PopoverFooter::showPreference() {
   const QSignalBlocker blocker(toggle_);
   toggle_->setChecked(preferences_.showFrontmostFootprint());
 }

@@ -29,7 +29,7 @@ class PopoverFooter : public QWidget {
   PopoverFooter(Preferences& preferences, const Maker& maker, QWidget* parent = nullptr);
 
   /// Shows the preference as it is now.
-  void update();
+  void showPreference();
 
  Q_SIGNALS:
   void quitRequested();

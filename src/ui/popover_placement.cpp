@@ -72,7 +72,7 @@ QRect popoverFrame(const std::optional<QPoint>& anchor, const QSize& size, const
 }
 
 int popoverHeightLimit(const ScreenArea& screen) {
-  return screen.available.height() - 2 * gap;
+  return std::max(0, screen.available.height() - 2 * gap);
 }
 
 }  // namespace tarn

@@ -51,7 +51,6 @@ PopoverView::PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& p
   statusLine->setLayout(makeStatusLine());
   addInset(stack, statusLine);
   addInset(stack, tabPicker_);
-  addInset(stack, new Divider);
   stack->addWidget(applicationSection_ = makeApplicationSection());
   stack->addWidget(systemSection_ = makeSystemSection());
   addInset(stack, new Divider);
@@ -89,6 +88,9 @@ QLayout* PopoverView::makeStatusLine() {
 QWidget* PopoverView::makeApplicationSection() {
   auto* section = new QWidget;
   auto* stack = makeStack(section);
+  // The list brings some of the space around its rows itself.
+  auto* list = new QVBoxLayout;
+  list->setSpacing(stackSpacing - ApplicationList::highlightRise);
   applicationList_ = new ApplicationList(icons_);
   auto* scroller = new ApplicationListScroller(applicationList_);
   // Wider than the text beside it: the highlight of a row reaches into the padding, and the scroll bar, where
@@ -97,11 +99,13 @@ QWidget* PopoverView::makeApplicationSection() {
   wide->setContentsMargins(padding - ApplicationList::highlightReach, 0, 0, 0);
   applicationList_->setFixedWidth(popoverWidth - 2 * (padding - ApplicationList::highlightReach));
   wide->addWidget(scroller);
-  stack->addLayout(wide, 1);
+  addInset(list, new Divider);
+  list->addLayout(wide, 1);
+  addInset(list, new Divider);
+  stack->addLayout(list, 1);
 
   detailLine_ = new TextLabel(systemFont(11), TextStyle::secondary, Overflow::wraps);
   explainer_ = new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::wraps);
-  addInset(stack, new Divider);
   addInset(stack, detailLine_);
   addInset(stack, explainer_);
   return section;
@@ -116,6 +120,7 @@ QWidget* PopoverView::makeSystemSection() {
   reading->setFixedHeight(reading->sizeHint().height() + 2 * placeholderPadding);
   auto* footnote = new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::wraps);
   footnote->setText(systemFootnote());
+  addInset(stack, new Divider);
   addInset(stack, reading);
   addInset(stack, new Divider);
   addInset(stack, footnote);
@@ -156,7 +161,7 @@ void PopoverView::render() {
   if (!showsSystem) renderApplications();
   applicationSection_->setVisible(!showsSystem);
   systemSection_->setVisible(showsSystem);
-  footer_->update();
+  footer_->showPreference();
 }
 
 void PopoverView::renderStatusLine() {

@@ -11,16 +11,17 @@
 #include <QPainterPath>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace tarn {
 
 namespace {
 
 constexpr int cornerRadius = 12;
-constexpr int shadowReach = 28;      ///< points around the content that the shadow fades out in
-constexpr int shadowDrop = 6;        ///< how far below the content the shadow lies
-constexpr qint64 reopenGuard = 400;  ///< milliseconds in which a click's release follows its press
-constexpr int itemReach = 48;        ///< a press this close to the click was the same click
+constexpr int shadowReach = 28;  ///< points around the content that the shadow fades out in
+constexpr int shadowDrop = 6;    ///< how far below the content the shadow lies
+constexpr std::chrono::milliseconds reopenGuard{400};  ///< in which a click's release follows its press
+constexpr int itemReach = 48;                          ///< a press this close to the click was the same click
 
 Qt::WindowFlags flagsFor(PopoverStyle style) {
   switch (style) {
@@ -55,7 +56,7 @@ void paintShadow(QPainter& painter, const QRectF& content) {
 
 }  // namespace
 
-PopoverWindow::PopoverWindow(PopoverView* view) : view_(view) {
+PopoverWindow::PopoverWindow(PopoverView* view, Clock clock) : view_(view), clock_(std::move(clock)) {
   setWindowTitle(QStringLiteral("Tarn"));
   auto* frame = new QVBoxLayout(this);
   frame->setContentsMargins(0, 0, 0, 0);
@@ -69,7 +70,7 @@ void PopoverWindow::setTheme(const Theme& theme) {
 
 void PopoverWindow::open(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem) {
   anchor_ = anchor;
-  sinceClosedByPress_.invalidate();
+  closedByPress_.reset();
   applyStyle(style, windowSystem);
   show();
   raise();
@@ -83,9 +84,9 @@ void PopoverWindow::toggle(PopoverStyle style, std::optional<QPoint> anchor,
     return;
   }
   // A person's click closes the popover with its press and would reopen it with its release.
-  const bool sameClick = sinceClosedByPress_.isValid() && sinceClosedByPress_.elapsed() < reopenGuard &&
+  const bool sameClick = closedByPress_ && clock_() - *closedByPress_ < reopenGuard &&
                          (!anchor || (*anchor - lastPress_).manhattanLength() < itemReach);
-  sinceClosedByPress_.invalidate();
+  closedByPress_.reset();
   if (!sameClick) open(style, anchor, windowSystem);
 }
 
@@ -170,7 +171,7 @@ void PopoverWindow::keyPressEvent(QKeyEvent* event) {
 void PopoverWindow::mousePressEvent(QMouseEvent* event) {
   if (style_ != PopoverStyle::popup || contentFrame().contains(event->position().toPoint())) return;
   lastPress_ = event->globalPosition().toPoint();
-  sinceClosedByPress_.start();
+  closedByPress_ = clock_();
   close();
 }
 

@@ -3,9 +3,10 @@
 
 #pragma once
 
-#include <QElapsedTimer>
 #include <QPoint>
 #include <QWidget>
+#include <chrono>
+#include <functional>
 #include <optional>
 
 #include "ui/popover_placement.hpp"
@@ -37,8 +38,10 @@ class PopoverWindow : public QWidget {
   Q_OBJECT
 
  public:
+  using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
   /// Takes ownership of `view`.
-  explicit PopoverWindow(PopoverView* view);
+  explicit PopoverWindow(PopoverView* view, Clock clock = std::chrono::steady_clock::now);
 
   void setTheme(const Theme& theme);
 
@@ -75,8 +78,10 @@ class PopoverWindow : public QWidget {
   PopoverStyle style_ = PopoverStyle::popup;
   std::optional<QPoint> anchor_;
   bool blended_ = false;
-  QPoint lastPress_;                  ///< where that press was, in screen coordinates
-  QElapsedTimer sinceClosedByPress_;  ///< invalid unless a press outside closed the popover last
+  Clock clock_;
+  QPoint lastPress_;  ///< where that press was, in screen coordinates
+  /// When a press outside closed the popover; absent unless that is how it was closed last.
+  std::optional<std::chrono::steady_clock::time_point> closedByPress_;
 };
 
 }  // namespace tarn

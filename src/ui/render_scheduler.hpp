@@ -3,7 +3,8 @@
 
 #pragma once
 
-#include <QMetaObject>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QObject>
 #include <functional>
 #include <utility>
@@ -18,13 +19,19 @@ class RenderScheduler : public QObject {
 
   void schedule() {
     if (std::exchange(scheduled_, true)) return;
-    QMetaObject::invokeMethod(
-        this, [this] { renderNow(); }, Qt::QueuedConnection);
+    QCoreApplication::postEvent(this, new QEvent(QEvent::UpdateRequest));
   }
 
   void renderNow() {
     scheduled_ = false;
     render_();
+  }
+
+  bool event(QEvent* event) override {
+    if (event->type() != QEvent::UpdateRequest) return QObject::event(event);
+    // Somebody may have rendered meanwhile.
+    if (scheduled_) renderNow();
+    return true;
   }
 
  private:

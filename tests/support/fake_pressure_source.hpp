@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "monitor/pressure_source.hpp"
+
+namespace tarn {
+
+/// The system's memory pressure, as the test has it. Outlives the source over it.
+struct FakePressure {
+  TaskQueue* queue = nullptr;  ///< where it was told to deliver
+  PressureSource::Handler handler;
+  int resumed = 0;
+  int cancelled = 0;
+
+  /// One report of the system, on its way through the queue.
+  void report(PressureFlags flags) {
+    queue->async([handler = handler, flags] { handler(flags); });
+  }
+};
+
+class FakePressureSource final : public PressureSource {
+ public:
+  explicit FakePressureSource(FakePressure& pressure) : pressure_(pressure) {}
+  FakePressureSource(const FakePressureSource&) = delete;
+  FakePressureSource& operator=(const FakePressureSource&) = delete;
+  ~FakePressureSource() override { ++pressure_.cancelled; }
+
+  void resume(TaskQueue& queue, Handler handler) override {
+    ++pressure_.resumed;
+    pressure_.queue = &queue;
+    pressure_.handler = std::move(handler);
+  }
+
+ private:
+  FakePressure& pressure_;
+};
+
+}  // namespace tarn

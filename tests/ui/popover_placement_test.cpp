@@ -1,0 +1,119 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "ui/popover_placement.hpp"
+
+#include <gtest/gtest.h>
+
+namespace tarn {
+namespace {
+
+constexpr QSize popover(320, 480);
+const QRect whole(0, 0, 1920, 1080);
+const ScreenArea topPanel{whole, whole.adjusted(0, 26, 0, 0)};
+const ScreenArea bottomPanel{whole, whole.adjusted(0, 0, 0, -40)};
+const ScreenArea leftPanel{whole, whole.adjusted(48, 0, 0, 0)};
+const ScreenArea rightPanel{whole, whole.adjusted(0, 0, -48, 0)};
+const ScreenArea noPanel{whole, whole};
+
+TEST(PopoverFrame, HangsUnderAnItemInATopPanelCentredOnIt) {
+  const QRect frame = popoverFrame(QPoint(1200, 13), popover, topPanel);
+  EXPECT_EQ(frame.size(), popover);
+  EXPECT_EQ(frame.left(), 1200 - 160);
+  EXPECT_GE(frame.top(), 26);
+  EXPECT_LE(frame.top(), 26 + 24);
+}
+
+TEST(PopoverFrame, StandsOnABottomPanel) {
+  const QRect frame = popoverFrame(QPoint(1200, 1060), popover, bottomPanel);
+  EXPECT_EQ(frame.left(), 1200 - 160);
+  EXPECT_LE(frame.bottom(), 1039);
+  EXPECT_GE(frame.bottom(), 1039 - 24);
+}
+
+TEST(PopoverFrame, StandsBesideAPanelAtASide) {
+  const QRect beside = popoverFrame(QPoint(24, 500), popover, leftPanel);
+  EXPECT_GE(beside.left(), 48);
+  EXPECT_LE(beside.left(), 48 + 24);
+  EXPECT_EQ(beside.top(), 500 - 240);
+  const QRect other = popoverFrame(QPoint(1900, 500), popover, rightPanel);
+  EXPECT_LE(other.right(), 1871);
+  EXPECT_GE(other.right(), 1871 - 24);
+  EXPECT_EQ(other.top(), 500 - 240);
+}
+
+TEST(PopoverFrame, StaysInsideTheScreenInItsCorners) {
+  for (const ScreenArea& screen : {topPanel, bottomPanel, leftPanel, rightPanel, noPanel}) {
+    for (const QPoint& corner :
+         {whole.topLeft(), whole.topRight(), whole.bottomLeft(), whole.bottomRight()}) {
+      const QRect frame = popoverFrame(corner, popover, screen);
+      EXPECT_EQ(frame.size(), popover);
+      EXPECT_TRUE(screen.available.contains(frame)) << frame.x() << ' ' << frame.y();
+    }
+  }
+}
+
+TEST(PopoverFrame, DoesNotCoverAnItemWhosePanelReservesNoSpace) {
+  EXPECT_FALSE(popoverFrame(QPoint(960, 12), popover, noPanel).contains(960, 12 + 10));
+  EXPECT_FALSE(popoverFrame(QPoint(960, 1068), popover, noPanel).contains(960, 1068 - 10));
+  EXPECT_FALSE(popoverFrame(QPoint(12, 500), popover, noPanel).contains(12 + 10, 500));
+  EXPECT_FALSE(popoverFrame(QPoint(1908, 500), popover, noPanel).contains(1908 - 10, 500));
+}
+
+TEST(PopoverFrame, IsInTheTopTrailingCornerWithoutAnAnchor) {
+  const QRect frame = popoverFrame(std::nullopt, popover, topPanel);
+  EXPECT_TRUE(topPanel.available.contains(frame));
+  EXPECT_LE(frame.top(), 26 + 12);
+  EXPECT_GE(frame.right(), 1919 - 12);
+}
+
+TEST(PopoverFrame, StaysOnTheScreenOfItsAnchor) {
+  const QRect second(1920, 200, 1280, 1024);
+  const ScreenArea screen{second, second.adjusted(0, 30, 0, 0)};
+  const QRect frame = popoverFrame(QPoint(1925, 210), popover, screen);
+  EXPECT_TRUE(screen.available.contains(frame));
+  EXPECT_TRUE(screen.available.contains(popoverFrame(std::nullopt, popover, screen)));
+  const QRect left(-1280, -300, 1280, 1024);
+  EXPECT_TRUE(left.contains(popoverFrame(QPoint(-5, -295), popover, {left, left})));
+}
+
+TEST(PopoverFrame, ShowsItsStartOnAScreenThatIsTooSmallForIt) {
+  const QRect tiny(0, 0, 200, 150);
+  const QRect frame = popoverFrame(QPoint(190, 5), popover, {tiny, tiny});
+  EXPECT_EQ(frame.size(), popover);
+  EXPECT_TRUE(tiny.contains(frame.topLeft()));
+  EXPECT_LT(frame.left(), 20);
+  EXPECT_LT(frame.top(), 20);
+}
+
+TEST(PopoverHeightLimit, LeavesAGapAndIsNeverNegative) {
+  EXPECT_LT(popoverHeightLimit(topPanel), topPanel.available.height());
+  EXPECT_GT(popoverHeightLimit(topPanel), topPanel.available.height() - 30);
+  EXPECT_GE(popoverHeightLimit({QRect(0, 0, 5, 5), QRect(0, 0, 5, 5)}), 0);
+  EXPECT_GE(popoverHeightLimit({}), 0);
+}
+
+TEST(PopoverHeightLimit, LetsTheTallestPopoverLieInsideTheScreen) {
+  const QSize tallest(320, popoverHeightLimit(topPanel));
+  EXPECT_TRUE(topPanel.available.contains(popoverFrame(QPoint(1200, 13), tallest, topPanel)));
+  EXPECT_TRUE(bottomPanel.available.contains(
+      popoverFrame(QPoint(1200, 1060), QSize(320, popoverHeightLimit(bottomPanel)), bottomPanel)));
+}
+
+TEST(PlausibleAnchor, LiesOnTheScreenNearAnEdge) {
+  for (const QPoint& point : {QPoint(1200, 13), QPoint(1200, 1060), QPoint(24, 500), QPoint(1900, 500),
+                              QPoint(0, 0), QPoint(1919, 1079)}) {
+    EXPECT_TRUE(isPlausibleAnchor(point, topPanel)) << point.x() << ' ' << point.y();
+  }
+}
+
+TEST(PlausibleAnchor, IsNeitherInTheMiddleNorBesideTheScreen) {
+  for (const QPoint& point : {QPoint(960, 540), QPoint(400, 300), QPoint(-1, 10), QPoint(1920, 10),
+                              QPoint(10, -1), QPoint(10, 1080), QPoint(1 << 30, -(1 << 30))}) {
+    EXPECT_FALSE(isPlausibleAnchor(point, topPanel)) << point.x() << ' ' << point.y();
+  }
+  EXPECT_FALSE(isPlausibleAnchor(QPoint(0, 0), {}));
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,274 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "ui/popover_window.hpp"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QLayout>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ui/popover_stage.hpp"
+#include "ui/tab_picker.hpp"
+
+namespace tarn {
+namespace {
+
+using namespace std::chrono_literals;
+
+const QPoint item(400, 10);
+const WindowSystem plain{.clientsPlaceWindows = true, .blendsWindows = false};
+const WindowSystem blending{.clientsPlaceWindows = true, .blendsWindows = true};
+
+class PopoverWindowTest : public ::testing::Test {
+ protected:
+  PopoverWindowTest()
+      : view_((stage_.makeView(), stage_.view.release())), window_(view_, [this] { return now_; }) {
+    window_.setTheme(Theme::light());
+  }
+
+  ~PopoverWindowTest() override {
+    window_.close();
+    PopoverStage::settle();
+  }
+
+  void open(PopoverStyle style, std::optional<QPoint> anchor = item, const WindowSystem& system = plain) {
+    window_.open(style, anchor, system);
+    PopoverStage::settle();
+  }
+
+  void toggle(std::optional<QPoint> anchor = item, PopoverStyle style = PopoverStyle::popup) {
+    window_.toggle(style, anchor, plain);
+    PopoverStage::settle();
+  }
+
+  /// A press at a place on the screen, delivered to the window as a popup's grab does.
+  void press(const QPoint& onScreen) {
+    QMouseEvent event(QEvent::MouseButtonPress, QPointF(window_.mapFromGlobal(onScreen)), QPointF(onScreen),
+                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&window_, &event);
+    PopoverStage::settle();
+  }
+
+  /// Applications that need more height than the screen has, once their rows are open.
+  void fillBeyondTheScreen() {
+    for (int i = 0; i < 8; ++i) {
+      stage_.add(
+          {"App" + std::to_string(i) + ".app", 1000 + 100 * i, std::vector<std::uint64_t>(20, megabyte)});
+    }
+    stage_.sweep();
+    for (AppRow* row : shownRows(window_)) click(*row->button());
+  }
+
+  std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
+  PopoverStage stage_;
+  PopoverView* view_;  ///< owned by the window
+  PopoverWindow window_;
+};
+
+TEST_F(PopoverWindowTest, IsAsWideAsItsViewAndAsHighAsItsContent) {
+  open(PopoverStyle::popup);
+  EXPECT_EQ(window_.width(), 320);
+  EXPECT_EQ(view_->size(), window_.size());
+  EXPECT_EQ(window_.height(), view_->layout()->totalHeightForWidth(320));
+}
+
+TEST_F(PopoverWindowTest, GrowsAndShrinksWithItsContent) {
+  stage_.add({"Editor.app", 100, {2 * megabyte, megabyte}});
+  stage_.sweep();
+  open(PopoverStyle::popup);
+  const int closed = window_.height();
+  AppRow* row = rowNamed(window_, "Editor");
+  click(*row->button());
+  EXPECT_EQ(window_.height(), closed + 2 * (2 + 14));
+  click(*row->button());
+  EXPECT_EQ(window_.height(), closed);
+}
+
+TEST_F(PopoverWindowTest, HangsUnderItsItemInsideTheScreen) {
+  open(PopoverStyle::popup);
+  const QRect screen = window_.screen()->availableGeometry();
+  EXPECT_TRUE(screen.contains(window_.geometry()));
+  EXPECT_EQ(window_.geometry().left(), item.x() - 160);
+  EXPECT_GT(window_.geometry().top(), item.y());
+}
+
+TEST_F(PopoverWindowTest, LeavesRoomForItsShadowWhereWindowsAreBlended) {
+  open(PopoverStyle::popup, item, blending);
+  EXPECT_GT(window_.width(), 320);
+  EXPECT_EQ(view_->width(), 320);
+  EXPECT_TRUE(window_.testAttribute(Qt::WA_TranslucentBackground));
+  EXPECT_TRUE(window_.mask().isEmpty());
+  window_.close();
+  open(PopoverStyle::popup, item, plain);
+  EXPECT_EQ(window_.width(), 320);
+  EXPECT_FALSE(window_.testAttribute(Qt::WA_TranslucentBackground));
+}
+
+TEST_F(PopoverWindowTest, CutsItsCornersOnlyWhereItHasNoFrame) {
+  for (const PopoverStyle style : {PopoverStyle::popup, PopoverStyle::tool}) {
+    open(style);
+    EXPECT_FALSE(window_.mask().isEmpty());
+    EXPECT_FALSE(window_.mask().contains(QPoint(0, 0)));
+    EXPECT_TRUE(window_.mask().contains(window_.rect().center()));
+    window_.close();
+  }
+  open(PopoverStyle::regular);
+  EXPECT_TRUE(window_.mask().isEmpty());
+}
+
+TEST_F(PopoverWindowTest, ClosesOnEscapeUnlessItIsAnOrdinaryWindow) {
+  const QSignalSpy closings(&window_, &PopoverWindow::closed);
+  open(PopoverStyle::popup);
+  pressKey(window_, Qt::Key_Escape);
+  EXPECT_FALSE(window_.isVisible());
+  EXPECT_EQ(closings.count(), 1);
+  open(PopoverStyle::tool);
+  pressKey(*view_, Qt::Key_Escape);
+  EXPECT_FALSE(window_.isVisible());
+  EXPECT_EQ(closings.count(), 2);
+  open(PopoverStyle::regular);
+  pressKey(window_, Qt::Key_Escape);
+  EXPECT_TRUE(window_.isVisible());
+  window_.close();
+  EXPECT_EQ(closings.count(), 3);
+}
+
+TEST_F(PopoverWindowTest, ClosesOnAPressOutsideOnly) {
+  open(PopoverStyle::popup);
+  press(window_.geometry().center());
+  EXPECT_TRUE(window_.isVisible());
+  press(window_.geometry().bottomRight() + QPoint(40, 40));
+  EXPECT_FALSE(window_.isVisible());
+}
+
+TEST_F(PopoverWindowTest, CountsItsShadowAsOutside) {
+  open(PopoverStyle::popup, item, blending);
+  press(window_.geometry().topLeft() + QPoint(2, 2));
+  EXPECT_FALSE(window_.isVisible());
+}
+
+TEST_F(PopoverWindowTest, IsClosedByASecondClick) {
+  toggle();
+  EXPECT_TRUE(window_.isVisible());
+  toggle();
+  EXPECT_FALSE(window_.isVisible());
+  toggle();
+  EXPECT_TRUE(window_.isVisible());
+}
+
+TEST_F(PopoverWindowTest, IsNotReopenedByTheReleaseOfThePressThatClosedIt) {
+  toggle();
+  press(item);
+  ASSERT_FALSE(window_.isVisible());
+  now_ += 125ms;
+  toggle(item + QPoint(3, 2));
+  EXPECT_FALSE(window_.isVisible());
+  now_ += 10ms;
+  toggle();
+  EXPECT_TRUE(window_.isVisible()) << "the next click counts";
+}
+
+TEST_F(PopoverWindowTest, IsNotReopenedWhenTheHostDoesNotSayWhereTheClickWas) {
+  toggle(std::nullopt);
+  press(item);
+  now_ += 399ms;
+  toggle(std::nullopt);
+  EXPECT_FALSE(window_.isVisible());
+}
+
+TEST_F(PopoverWindowTest, IsReopenedByALaterClick) {
+  toggle();
+  press(item);
+  now_ += 400ms;
+  toggle();
+  EXPECT_TRUE(window_.isVisible());
+}
+
+TEST_F(PopoverWindowTest, IsReopenedByAClickFarFromThePressThatClosedIt) {
+  toggle();
+  press(QPoint(20, 700));
+  ASSERT_FALSE(window_.isVisible());
+  now_ += 125ms;
+  toggle();
+  EXPECT_TRUE(window_.isVisible());
+}
+
+TEST_F(PopoverWindowTest, ScrollsTheListOnAScreenThatIsTooLowAndKeepsTheFooterVisible) {
+  open(PopoverStyle::popup);
+  fillBeyondTheScreen();
+  const QRect screen = window_.screen()->availableGeometry();
+  EXPECT_TRUE(screen.contains(window_.geometry()));
+  EXPECT_GT(view_->layout()->totalHeightForWidth(320), screen.height());
+  const QRect footer = frameIn(window_, *window_.findChild<PopoverFooter*>());
+  EXPECT_TRUE(window_.rect().contains(footer));
+  EXPECT_EQ(window_.height() - footer.bottom() - 1, 14);
+  const auto* scroller = window_.findChild<ApplicationListScroller*>();
+  EXPECT_TRUE(scroller->verticalScrollBar()->isVisible());
+  EXPECT_GT(scroller->verticalScrollBar()->maximum(), 0);
+  EXPECT_EQ(window_.width(), 320);
+  for (const AppRow* row : shownRows(window_)) {
+    const QRect figure = frameIn(window_, *row->button()->findChild<FigureLabel*>());
+    EXPECT_EQ(figure.right(), 305 - 18) << "the bar stands beside the rows, not on them";
+    EXPECT_LE(frameIn(window_, *row).right(), frameIn(window_, *scroller->verticalScrollBar()).left());
+  }
+}
+
+TEST_F(PopoverWindowTest, ScrollsToTheRowThatGetsTheFocus) {
+  open(PopoverStyle::popup);
+  fillBeyondTheScreen();
+  auto* scroller = window_.findChild<ApplicationListScroller*>();
+  auto* last = shownRows(window_).back()->button();
+  QWidget* before = shownRows(window_)[6]->button();
+  scroller->verticalScrollBar()->setValue(0);
+  before->setFocus(Qt::TabFocusReason);
+  pressKey(*before, Qt::Key_Tab);
+  ASSERT_TRUE(last->hasFocus());
+  const QRect shown = frameIn(*scroller->viewport(), *last);
+  EXPECT_TRUE(scroller->viewport()->rect().contains(shown)) << shown.y();
+}
+
+TEST_F(PopoverWindowTest, HandsItsThemeDownAndChangesItWhileItIsOpen) {
+  stage_.add({"Editor.app", 100, {megabyte}});
+  stage_.sweep();
+  open(PopoverStyle::popup);
+  for (const Theme* theme : {&Theme::dark(), &Theme::light()}) {
+    window_.setTheme(*theme);
+    PopoverStage::settle();
+    const QLabel* name = labelsOf(*rowNamed(window_, "Editor")).front();
+    EXPECT_EQ(name->palette().color(name->foregroundRole()), theme->primary);
+    EXPECT_EQ(window_.grab().toImage().pixelColor(160, 6), theme->background);
+  }
+}
+
+TEST_F(PopoverWindowTest, RingsNothingWhenItOpens) {
+  stage_.add({"Editor.app", 100, {megabyte}});
+  stage_.sweep();
+  open(PopoverStyle::popup);
+  EXPECT_TRUE(window_.hasFocus());
+  pressKey(*QApplication::focusWidget(), Qt::Key_Tab);
+  ASSERT_NE(QApplication::focusWidget(), nullptr);
+  EXPECT_NE(qobject_cast<TabSegment*>(QApplication::focusWidget()), nullptr);
+}
+
+TEST_F(PopoverWindowTest, ChangesItsStyleWhileItIsOpen) {
+  open(PopoverStyle::regular);
+  EXPECT_EQ(window_.style(), PopoverStyle::regular);
+  open(PopoverStyle::popup);
+  EXPECT_EQ(window_.style(), PopoverStyle::popup);
+  EXPECT_TRUE(window_.isVisible());
+  EXPECT_EQ(window_.windowType(), Qt::Popup);
+  EXPECT_EQ(stage_.timerIntervals().back(), 3);
+}
+
+}  // namespace
+}  // namespace tarn
