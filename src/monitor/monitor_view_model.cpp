@@ -3,32 +3,9 @@
 
 #include "monitor/monitor_view_model.hpp"
 
-#include <algorithm>
 #include <utility>
 
 namespace tarn {
-
-namespace {
-
-/// The group that the frontmost application is shown as; null when the snapshot does not have it.
-const AppGroup* groupOf(const FrontmostApplication& application, const MemorySnapshot& snapshot) {
-  const auto& groups = snapshot.groups;
-  if (application.bundlePath) {
-    const auto byPath = std::find_if(groups.begin(), groups.end(), [&](const AppGroup& group) {
-      return group.bundlePath == application.bundlePath;
-    });
-    if (byPath != groups.end()) return &*byPath;
-  }
-  const auto holdsProcess = [&](const AppGroup& group) {
-    return std::any_of(group.processes.begin(), group.processes.end(), [&](const ProcessSample& process) {
-      return process.pid == application.processIdentifier;
-    });
-  };
-  const auto byProcess = std::find_if(groups.begin(), groups.end(), holdsProcess);
-  return byProcess == groups.end() ? nullptr : &*byProcess;
-}
-
-}  // namespace
 
 std::shared_ptr<MonitorViewModel> MonitorViewModel::create(MonitorPorts ports) {
   auto source = std::move(ports.pressureSource);
@@ -56,7 +33,7 @@ void MonitorViewModel::start(std::unique_ptr<PressureSource> source,
                                                 if (const auto self = weak.lock())
                                                   self->pressureChanged(level);
                                               });
-  scheduleTimer(closedInterval_);
+  scheduleTimer(closedInterval);
   refresh();
 }
 
@@ -70,13 +47,13 @@ CPUPresentation MonitorViewModel::cpuPresentation() const {
 
 void MonitorViewModel::popoverOpened() {
   popoverOpen_ = true;
-  scheduleTimer(openInterval_);
+  scheduleTimer(openInterval);
   refresh();
 }
 
 void MonitorViewModel::popoverClosed() {
   popoverOpen_ = false;
-  scheduleTimer(closedInterval_);
+  scheduleTimer(closedInterval);
 }
 
 void MonitorViewModel::refresh() {
@@ -100,8 +77,8 @@ void MonitorViewModel::refresh() {
 void MonitorViewModel::finishSweep(MemorySnapshot snapshot, std::optional<ExtrasReading> extras) {
   publish(snapshot_, std::optional(std::move(snapshot)));
   if (extras) {
-    thermalState_ = extras->thermalState;
     publish(extras_, std::optional(std::move(extras->extras)));
+    thermalState_ = extras->thermalState;  // of the same gathering, announced with it
   }
   updateFrontmost(*snapshot_);
   sampling_ = false;

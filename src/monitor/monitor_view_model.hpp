@@ -93,8 +93,8 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
     field = std::move(value);
   }
 
-  static constexpr double openInterval_ = 3.0;     ///< seconds between sweeps while the popover is open
-  static constexpr double closedInterval_ = 30.0;  ///< seconds between sweeps while it is closed
+  static constexpr double openInterval = 3.0;     ///< seconds between sweeps while the popover is open
+  static constexpr double closedInterval = 30.0;  ///< seconds between sweeps while it is closed
 
   std::optional<MemorySnapshot> snapshot_;
   MemoryPressure pressure_ = MemoryPressure::normal;

@@ -18,7 +18,9 @@ Preferences::Preferences(const QString& storePath) : store_(storePath, QSettings
 
 bool Preferences::showFrontmostFootprint() {
   store_.sync();
-  return store_.value(showFrontmostFootprintKey, false).toBool();
+  // Anything else that somebody wrote there is not a wish to see it.
+  const QString stored = store_.value(showFrontmostFootprintKey).toString();
+  return stored == QLatin1String("true") || stored == QLatin1String("1");
 }
 
 void Preferences::setShowFrontmostFootprint(bool show) {

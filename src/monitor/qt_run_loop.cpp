@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QTimer>
 #include <chrono>
+#include <memory>
 #include <utility>
 
 namespace tarn {
@@ -34,18 +35,18 @@ class QtRepeatingTimer final : public RepeatingTimer {
 }  // namespace
 
 void QtRunLoop::async(Task task) {
+  // Made before the push, so that our own hand-over orders it as well.
+  auto event = std::make_unique<QEvent>(QEvent::User);
   inbox_.push(std::move(task));
-  QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+  QCoreApplication::postEvent(this, event.release());
 }
 
 std::unique_ptr<RepeatingTimer> QtRunLoop::repeatingTimer(double interval, std::function<void()> block) {
   return std::make_unique<QtRepeatingTimer>(interval, std::move(block));
 }
 
-bool QtRunLoop::event(QEvent* event) {
-  if (event->type() != QEvent::User) return QObject::event(event);
+void QtRunLoop::customEvent(QEvent* /*event*/) {
   inbox_.runAll();
-  return true;
 }
 
 }  // namespace tarn

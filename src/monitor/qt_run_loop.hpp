@@ -19,7 +19,7 @@ class QtRunLoop final : public QObject, public RunLoop {
   std::unique_ptr<RepeatingTimer> repeatingTimer(double interval, std::function<void()> block) override;
 
  protected:
-  bool event(QEvent* event) override;
+  void customEvent(QEvent* event) override;
 
  private:
   // Tasks travel here and not inside the events: the hand-over is then ordered by our own atomic.

@@ -147,7 +147,7 @@ std::vector<AppGroup> MemorySampler::finishGroups(GroupMap entries) {
 
 double MemorySampler::smoothed(const std::string& groupID, double raw) {
   const auto [remembered, isNew] = smoothedCPU_.try_emplace(groupID, raw);
-  if (!isNew) remembered->second += (raw - remembered->second) * cpuSmoothing_;
+  if (!isNew) remembered->second += (raw - remembered->second) * cpuSmoothing;
   return remembered->second;
 }
 

@@ -90,7 +90,7 @@ class MemorySampler {
   std::unordered_map<std::int32_t, CachedCPU> previousCPU_;
   std::optional<double> previousUptime_;  ///< seconds, at the start of the previous sweep
   std::unordered_map<std::string, double> smoothedCPU_;
-  static constexpr double cpuSmoothing_ = 0.4;  ///< weight of the newest value
+  static constexpr double cpuSmoothing = 0.4;  ///< weight of the newest value
 };
 
 }  // namespace tarn

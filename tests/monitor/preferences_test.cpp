@@ -1,0 +1,139 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "monitor/preferences.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace tarn {
+namespace {
+
+using testing::HasSubstr;
+
+class PreferencesTest : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(directory_.isValid()); }
+
+  QString path(const char* name = "store.conf") const { return directory_.filePath(QLatin1String(name)); }
+
+  std::string contents(const QString& path) const {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "no file";
+  }
+
+  /// As another process does it: behind the back of everything in this one.
+  void write(const QByteArray& contents) const {
+    QFile file(path());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_EQ(file.write(contents), contents.size());
+  }
+
+  QTemporaryDir directory_;
+};
+
+TEST_F(PreferencesTest, ShowNoFootprintUntilTheUserAskedForIt) {
+  EXPECT_FALSE(Preferences(path()).showFrontmostFootprint());
+}
+
+TEST_F(PreferencesTest, AreWrittenThroughUnderTheirKeyAtOnce) {
+  Preferences preferences(path());
+  preferences.setShowFrontmostFootprint(true);
+  EXPECT_THAT(contents(path()), HasSubstr("showFrontmostFootprint=true\n"));
+  EXPECT_TRUE(preferences.showFrontmostFootprint());
+  preferences.setShowFrontmostFootprint(false);
+  EXPECT_THAT(contents(path()), HasSubstr("showFrontmostFootprint=false\n"));
+  EXPECT_FALSE(preferences.showFrontmostFootprint());
+}
+
+TEST_F(PreferencesTest, LastLongerThanTheirObject) {
+  Preferences(path()).setShowFrontmostFootprint(true);
+  EXPECT_TRUE(Preferences(path()).showFrontmostFootprint());
+}
+
+TEST_F(PreferencesTest, SeeWhatAnotherProcessWroteAtTheNextAccess) {
+  Preferences preferences(path());
+  EXPECT_FALSE(preferences.showFrontmostFootprint());
+  write("[General]\nshowFrontmostFootprint=true\n");
+  EXPECT_TRUE(preferences.showFrontmostFootprint());
+  write("[General]\nshowFrontmostFootprint=false\n");
+  EXPECT_FALSE(preferences.showFrontmostFootprint());
+}
+
+TEST_F(PreferencesTest, SeeWhatAnotherObjectWroteAtTheNextAccess) {
+  Preferences reader(path());
+  EXPECT_FALSE(reader.showFrontmostFootprint());
+  Preferences(path()).setShowFrontmostFootprint(true);
+  EXPECT_TRUE(reader.showFrontmostFootprint());
+}
+
+TEST_F(PreferencesTest, FallBackWhenTheirFileIsRemoved) {
+  Preferences preferences(path());
+  preferences.setShowFrontmostFootprint(true);
+  ASSERT_TRUE(QFile::remove(path()));
+  EXPECT_FALSE(preferences.showFrontmostFootprint());
+}
+
+TEST_F(PreferencesTest, TellTheirObserversBeforeTheChange) {
+  Preferences preferences(path());
+  std::vector<bool> seen;
+  QObject::connect(&preferences, &Preferences::willChange, &preferences,
+                   [&] { seen.push_back(preferences.showFrontmostFootprint()); });
+  preferences.setShowFrontmostFootprint(true);
+  preferences.setShowFrontmostFootprint(false);
+  EXPECT_THAT(seen, testing::ElementsAre(false, true));
+}
+
+TEST_F(PreferencesTest, TellNothingWhenNothingChanges) {
+  Preferences preferences(path());
+  int told = 0;
+  QObject::connect(&preferences, &Preferences::willChange, &preferences, [&told] { ++told; });
+  preferences.setShowFrontmostFootprint(false);
+  EXPECT_EQ(told, 0);
+  preferences.setShowFrontmostFootprint(true);
+  preferences.setShowFrontmostFootprint(true);
+  EXPECT_EQ(told, 1);
+}
+
+TEST_F(PreferencesTest, ReadATrueThatAPersonWroteAndTakeNonsenseForNo) {
+  Preferences preferences(path());
+  for (const char* yes : {"true", "1", "\"true\""}) {
+    write(QByteArray("[General]\nshowFrontmostFootprint=") + yes + "\n");
+    EXPECT_TRUE(preferences.showFrontmostFootprint()) << yes;
+  }
+  for (const char* no : {"false", "0", "", "banana", "@Invalid()", "@ByteArray(\\0)", "true, true"}) {
+    write(QByteArray("[General]\nshowFrontmostFootprint=") + no + "\n");
+    EXPECT_FALSE(preferences.showFrontmostFootprint()) << no;
+  }
+}
+
+TEST_F(PreferencesTest, SurviveAFileOfGarbageAndCanBeSetOverIt) {
+  write(QByteArray("\0\xff\xfe[[[=\n==\n]\r\x01", 15) + QByteArray(100'000, '\x80'));
+  Preferences preferences(path());
+  EXPECT_FALSE(preferences.showFrontmostFootprint());
+  preferences.setShowFrontmostFootprint(true);
+  EXPECT_TRUE(preferences.showFrontmostFootprint());
+  EXPECT_TRUE(Preferences(path()).showFrontmostFootprint());
+}
+
+TEST_F(PreferencesTest, SurviveAStoreThatCannotBeWritten) {
+  const QString insideAFile = path() + QStringLiteral("/store.conf");
+  write("a file where a directory should be");
+  Preferences preferences(insideAFile);
+  EXPECT_FALSE(preferences.showFrontmostFootprint());
+  preferences.setShowFrontmostFootprint(true);
+  EXPECT_TRUE(preferences.showFrontmostFootprint()) << "for as long as the program runs";
+}
+
+TEST_F(PreferencesTest, LieInTheUsersOwnStore) {
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, directory_.path());
+  Preferences().setShowFrontmostFootprint(true);
+  EXPECT_THAT(contents(path("tarn/tarn.conf")), HasSubstr("showFrontmostFootprint=true\n"));
+  EXPECT_TRUE(Preferences().showFrontmostFootprint());
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,167 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// The view model with the threads that it has when it is at work.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <atomic>
+#include <memory>
+#include <set>
+#include <thread>
+
+#include "monitor/monitor_view_model.hpp"
+#include "monitor/qt_run_loop.hpp"
+#include "monitor/serial_queue.hpp"
+#include "support/fake_machine.hpp"
+
+namespace tarn {
+namespace {
+
+template <typename Condition>
+void serveUntil(Condition condition) {
+  while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+/// Reports pressure from the queue whenever the test allows another report, and occupies it until destroyed.
+class EagerPressureSource final : public PressureSource {
+ public:
+  EagerPressureSource() = default;
+  EagerPressureSource(const EagerPressureSource&) = delete;
+  EagerPressureSource& operator=(const EagerPressureSource&) = delete;
+  ~EagerPressureSource() override {
+    change(cancelled);
+    run_->ended.wait(false);
+  }
+
+  void resume(TaskQueue& queue, Handler handler) override {
+    queue.async([run = run_, handler = std::move(handler)] {
+      for (int reported = 0; run->allowed != cancelled;) {
+        run->allowed.wait(reported);
+        if (run->allowed > reported) handler(PressureFlags{1} << (reported++ % 3));
+      }
+      run->ended = true;
+      run->ended.notify_one();
+    });
+  }
+
+  void allowAnother() { change(run_->allowed + 1); }
+
+ private:
+  static constexpr int cancelled = -1;
+
+  struct Run {
+    std::atomic<int> allowed = 0;
+    std::atomic<bool> ended = false;
+  };
+
+  void change(int allowed) {
+    run_->allowed = allowed;
+    run_->allowed.notify_one();
+  }
+
+  std::shared_ptr<Run> run_ = std::make_shared<Run>();
+};
+
+class ViewModelThreads : public ::testing::Test {
+ protected:
+  ViewModelThreads() {
+    for (std::int32_t pid = 100; pid < 140; ++pid) {
+      machine_.processes.push_back({.pid = pid,
+                                    .path = "/opt/App " + std::to_string(pid % 7) + ".app/run",
+                                    .usage = ProcessUsage{.footprint = 1}});
+    }
+  }
+
+  std::shared_ptr<MonitorViewModel> create() {
+    SamplerPort sampler = samplerPortOf(machine_);
+    // The machine is the sweeps' thread's own from here on, and changes from sweep to sweep.
+    sampler.uptime = [this, alive = mortal()] {
+      threads_.insert(std::this_thread::get_id());
+      machine_.calls.clear();
+      ++machine_.memory.swapUsed;
+      for (FakeProcess& process : machine_.processes) process.usage->cpuTime += 1'000'000;
+      return machine_.uptime += 0.001;
+    };
+    auto pressure = std::make_unique<EagerPressureSource>();
+    pressure_ = pressure.get();
+    return MonitorViewModel::create(
+        {.mainLoop = mainLoop_,
+         .makeQueue = [](const std::string&) { return std::make_unique<SerialQueue>(); },
+         .sampler = std::move(sampler),
+         .readExtras = [this]() -> ExtrasReading {
+           threads_.insert(std::this_thread::get_id());
+           return {.extras = {.storage = StorageInfo{.volumeName = "a name too long to lie within the text"},
+                              .uptime = extrasUptime_ += 1}};
+         },
+         .pressureLevel = [] { return 1; },
+         .pressureSource = std::move(pressure),
+         .frontmostApplication =
+             [] { return FrontmostApplication{.bundlePath = "/opt/App 3.app", .processIdentifier = 0}; },
+         .activeProcessorCount = [] { return 8; }});
+  }
+
+  /// Something that the sampler owns and that tells the thread it ends on.
+  std::shared_ptr<int> mortal() {
+    return {new int, [this](const int* dying) {
+              endedOn_ = std::this_thread::get_id();
+              delete dying;
+            }};
+  }
+
+  QtRunLoop mainLoop_;
+  FakeMachine machine_;
+  double extrasUptime_ = 0;            // the sweeps' thread's own
+  std::set<std::thread::id> threads_;  // likewise
+  EagerPressureSource* pressure_ = nullptr;
+  std::thread::id endedOn_;
+};
+
+TEST_F(ViewModelThreads, SweepAndReportWhileThePopoverOpensAndCloses) {
+  auto model = create();
+  // Every sweep reads a swap use of its own.
+  const auto latest = [&model] { return model->presentation().swapUsed; };
+  double lastUptime = 0;
+  for (int round = 0; round < 300; ++round) {
+    const std::uint64_t before = latest();
+    round % 3 == 2 ? model->popoverClosed() : model->popoverOpened();
+    pressure_->allowAnother();
+    serveUntil([&] { return latest() != before; });
+    EXPECT_GT(latest(), before);
+    EXPECT_EQ(model->snapshot()->groups.size(), 7U);
+    EXPECT_EQ(model->snapshot()->attributedTotal(), 40U);
+    EXPECT_EQ(model->frontmostFootprint(), 6U);
+    if (!model->extras()) continue;
+    EXPECT_GE(model->extras()->uptime, lastUptime);
+    lastUptime = model->extras()->uptime;
+  }
+  EXPECT_GT(lastUptime, 1);
+
+  const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
+  serveUntil([&inFlight] { return inFlight.expired(); });
+  EXPECT_EQ(endedOn_, std::this_thread::get_id());
+  EXPECT_EQ(threads_.size(), 1U);
+  EXPECT_FALSE(threads_.contains(std::this_thread::get_id()));
+}
+
+TEST_F(ViewModelThreads, EndTogetherWithTheViewModelWheneverItIsLetGo) {
+  for (int round = 0; round < 50; ++round) {
+    endedOn_ = {};
+    threads_.clear();
+    auto model = create();
+    for (int report = 0; report < round % 4; ++report) pressure_->allowAnother();
+    if (round % 2 == 1) {
+      serveUntil([&model] { return model->snapshot().has_value(); });
+      model->popoverOpened();
+    }
+    const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
+    EXPECT_FALSE(inFlight.expired());
+    serveUntil([&inFlight] { return inFlight.expired(); });
+    EXPECT_EQ(endedOn_, std::this_thread::get_id());
+  }
+}
+
+}  // namespace
+}  // namespace tarn
