@@ -2,13 +2,22 @@
 // SPDX-License-Identifier: MIT
 
 #include <QApplication>
+#include <QColor>
 #include <QIcon>
+#include <QPixmap>
 #include <cstdio>
 
 #include "app/display_check.hpp"
 #include "app/single_instance.hpp"
 #include "app/tarn_app.hpp"
 #include "ui/accessibility.hpp"
+#include "ui/menu_bar_icon.hpp"
+
+namespace {
+
+constexpr int windowIconSize = 64;  // pixels
+
+}  // namespace
 
 int main(int argc, char* argv[]) {
   QCoreApplication::setApplicationName(QStringLiteral("tarn"));
@@ -24,6 +33,9 @@ int main(int argc, char* argv[]) {
   }
   const QApplication application(argc, argv);
   QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
+  const QColor iconColor = tarn::MenuBarIcon::color(tarn::Tint::green);
+  QApplication::setWindowIcon(
+      QPixmap::fromImage(tarn::MenuBarIcon::image(QStringLiteral("circle"), iconColor, windowIconSize)));
   tarn::installAccessibility();
 
   tarn::TarnApp* running = nullptr;

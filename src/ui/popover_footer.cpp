@@ -8,6 +8,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "ui/credit_label.hpp"
 #include "ui/text_label.hpp"
 
 namespace tarn {
@@ -50,7 +51,7 @@ void PopoverFooter::showPreference() {
 
 QWidget* PopoverFooter::makeAboutLine(const Maker& maker) {
   const QFont font = systemFont(10);
-  auto* credit = new TextLabel(font, TextStyle::tertiary, Overflow::cuts);
+  auto* credit = new CreditLabel(font, TextStyle::tertiary);
   credit->setText(QStringLiteral("Made with ❤️ by "));
   auto* link = new LinkButton(maker.address, maker.page);
   link->setFont(font);

@@ -3,12 +3,12 @@
 
 #include "ui/popover_window.hpp"
 
+#include <QBitmap>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QScreen>
 #include <QVBoxLayout>
 #include <utility>
@@ -36,10 +36,15 @@ Qt::WindowFlags flagsFor(PopoverStyle style) {
          Qt::WindowMinimizeButtonHint;
 }
 
-QPainterPath roundedPath(const QRectF& frame, double radius) {
-  QPainterPath path;
-  path.addRoundedRect(frame, radius, radius);
-  return path;
+/// The window's outline where nothing blends it: the same shape as is painted, pixel for pixel.
+QBitmap roundedMask(const QSize& size) {
+  QBitmap mask(size);
+  mask.clear();
+  QPainter painter(&mask);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(Qt::color1);
+  painter.drawRoundedRect(QRect(QPoint(0, 0), size), cornerRadius, cornerRadius);
+  return mask;
 }
 
 /// Thin layers that add up to a soft shadow, densest at the content's edge.
@@ -48,7 +53,7 @@ void paintShadow(QPainter& painter, const QRectF& content) {
   painter.setPen(Qt::NoPen);
   for (int layer = layers; layer >= 1; --layer) {
     const double reach = static_cast<double>(layer) * (shadowReach - shadowDrop) / layers;
-    painter.setBrush(QColor(0, 0, 0, layers - layer + 2));
+    painter.setBrush(QColor(0, 0, 0, (layers - layer) / 2 + 1));
     painter.drawRoundedRect(content.adjusted(-reach, shadowDrop - reach, reach, shadowDrop + reach),
                             cornerRadius + reach, cornerRadius + reach);
   }
@@ -132,7 +137,7 @@ void PopoverWindow::place(const QSize& size) {
   if (style_ == PopoverStyle::regular || blended_) {
     clearMask();
   } else {
-    setMask(roundedPath(rect(), cornerRadius).toFillPolygon().toPolygon());
+    setMask(roundedMask(this->size()));
   }
 }
 
