@@ -22,7 +22,7 @@ QString singleInstanceName() {
   return QStringLiteral("example.tarn.Tarn");
 }
 
-BusSingleInstance::BusSingleInstance(const QDBusConnection& bus) : bus_(bus) {}
+BusSingleInstance::BusSingleInstance(QDBusConnection bus) : bus_(std::move(bus)) {}
 
 bool BusSingleInstance::claim(std::function<void()> launchedAgain) {
   if (!bus_.isConnected()) return true;

@@ -21,7 +21,7 @@ QString singleInstanceName();
 /// activate, so that a launcher reaches it, too.
 class BusSingleInstance final : public SingleInstance {
  public:
-  explicit BusSingleInstance(const QDBusConnection& bus);
+  explicit BusSingleInstance(QDBusConnection bus);
 
   bool claim(std::function<void()> launchedAgain) override;
 
@@ -40,9 +40,12 @@ class ApplicationAdaptor final : public QDBusAbstractAdaptor {
   ApplicationAdaptor(QObject* object, std::function<void()> activated);
 
  public Q_SLOTS:
+  // The bus finds these by the names that the interface has there.
+  // NOLINTBEGIN(readability-identifier-naming)
   void Activate(const QVariantMap& platformData);
   void Open(const QStringList& addresses, const QVariantMap& platformData);
   void ActivateAction(const QString& action, const QVariantList& parameters, const QVariantMap& platformData);
+  // NOLINTEND(readability-identifier-naming)
 
  private:
   std::function<void()> activated_;

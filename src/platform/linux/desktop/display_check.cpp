@@ -24,7 +24,7 @@ bool reachesX11() {
 }
 
 QByteArray waylandSocketPath() {
-  const QByteArray display = qgetenv("WAYLAND_DISPLAY");
+  QByteArray display = qgetenv("WAYLAND_DISPLAY");
   if (display.isEmpty() || display.startsWith('/')) return display;
   return qgetenv("XDG_RUNTIME_DIR") + '/' + display;
 }

@@ -36,73 +36,74 @@ std::optional<std::uint64_t> noClock(std::int32_t /*pid*/) {
 class LinuxProcScanTest : public testing::Test {
  protected:
   LinuxProcScanTest() {
-    tree.write("proc/stat", "cpu  1 2 3 4\nbtime " + std::to_string(bootTime) + "\nprocesses 5\n");
-    tree.write("proc/swaps", noSwap);
+    tree_.write("proc/stat", "cpu  1 2 3 4\nbtime " + std::to_string(bootTime) + "\nprocesses 5\n");
+    tree_.write("proc/swaps", noSwap);
   }
 
-  LinuxProcScan scan() const { return {tree.roots(), noClock}; }
+  LinuxProcScan scan() const { return {tree_.roots(), noClock}; }
 
   static constexpr std::string_view noSwap = "Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n";
   static constexpr std::string_view usedSwap =
       "Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n/dev/zram0 partition 8388604 4 100\n";
-  TemporaryTree tree;
+  TemporaryTree tree_;
 };
 
 TEST_F(LinuxProcScanTest, ListsOnlyNumbersAboveZero) {
   for (const char* name : {"0", "7", "12", "self", "12x", "-3", "4294967296", "sys", "00"}) {
-    std::filesystem::create_directories(tree.at("proc/"s + name));
+    std::filesystem::create_directories(tree_.at("proc/"s + name));
   }
   EXPECT_THAT(scan().allPIDs(), UnorderedElementsAre(7, 12));
 }
 
 TEST_F(LinuxProcScanTest, ListsAnewInEachSweep) {
   LinuxProcScan processes = scan();
-  ProcessFixture{.pid = 7}.writeTo(tree);
+  ProcessFixture{.pid = 7}.writeTo(tree_);
   EXPECT_THAT(processes.allPIDs(), ElementsAre(7));
-  ProcessFixture{.pid = 8}.writeTo(tree);
+  ProcessFixture{.pid = 8}.writeTo(tree_);
   EXPECT_THAT(processes.allPIDs(), UnorderedElementsAre(7, 8));
-  tree.remove("proc/7");
+  tree_.remove("proc/7");
   EXPECT_THAT(processes.allPIDs(), ElementsAre(8));
 }
 
 TEST_F(LinuxProcScanTest, AnUnreadableTableIsEmptyUntilItCanBeRead) {
-  tree.remove("proc");
+  tree_.remove("proc");
   LinuxProcScan processes = scan();
   EXPECT_THAT(processes.allPIDs(), IsEmpty());
   EXPECT_FALSE(processes.bsdInfo(7));
   EXPECT_FALSE(processes.usage(7));
   EXPECT_EQ(processes.path(7), "");
   EXPECT_EQ(processes.processName(7), "");
-  ProcessFixture{.pid = 7}.writeTo(tree);
+  ProcessFixture{.pid = 7}.writeTo(tree_);
   EXPECT_THAT(processes.allPIDs(), ElementsAre(7));
 }
 
 TEST_F(LinuxProcScanTest, TellsParentRealOwnerAndStartInWholeSeconds) {
-  ProcessFixture{.pid = 7, .ppid = "3", .startTicks = 50 * ticksPerSecond + ticksPerSecond - 1}.writeTo(tree);
+  ProcessFixture{.pid = 7, .ppid = "3", .startTicks = 50 * ticksPerSecond + ticksPerSecond - 1}.writeTo(
+      tree_);
   EXPECT_EQ(scan().bsdInfo(7), (BsdInfo{3, 1000, bootTime + 50}));
 }
 
 TEST_F(LinuxProcScanTest, AStepOfTheClockMovesNoStart) {
-  ProcessFixture{.pid = 7}.writeTo(tree);
+  ProcessFixture{.pid = 7}.writeTo(tree_);
   LinuxProcScan processes = scan();
   const auto before = processes.bsdInfo(7);
-  tree.write("proc/stat", "btime 1\n");
+  tree_.write("proc/stat", "btime 1\n");
   ASSERT_TRUE(before);
   EXPECT_EQ(processes.bsdInfo(7), before);
 }
 
 TEST_F(LinuxProcScanTest, AProcessWithoutBootTimeIsStillTold) {
-  tree.remove("proc/stat");
-  ProcessFixture{.pid = 7, .startTicks = 3 * ticksPerSecond}.writeTo(tree);
+  tree_.remove("proc/stat");
+  ProcessFixture{.pid = 7, .startTicks = 3 * ticksPerSecond}.writeTo(tree_);
   EXPECT_EQ(scan().bsdInfo(7), (BsdInfo{1, 1000, 3}));
 }
 
 TEST_F(LinuxProcScanTest, TheStatusOfAKnownProcessIsNotReadAgain) {
-  ProcessFixture{.pid = 7}.writeTo(tree);
+  ProcessFixture{.pid = 7}.writeTo(tree_);
   LinuxProcScan processes = scan();
   processes.allPIDs();
   ASSERT_TRUE(processes.bsdInfo(7));
-  tree.remove("proc/7/status");
+  tree_.remove("proc/7/status");
   processes.allPIDs();
   ASSERT_TRUE(processes.bsdInfo(7));
   EXPECT_EQ(processes.bsdInfo(7)->uid, 1000U);
@@ -110,33 +111,33 @@ TEST_F(LinuxProcScanTest, TheStatusOfAKnownProcessIsNotReadAgain) {
 
 TEST_F(LinuxProcScanTest, AProcessWithAnotherStartOrNameHasItsOwnerReadAnew) {
   LinuxProcScan processes = scan();
-  ProcessFixture{.pid = 7}.writeTo(tree);
+  ProcessFixture{.pid = 7}.writeTo(tree_);
   EXPECT_EQ(processes.bsdInfo(7)->uid, 1000U);
-  ProcessFixture{.pid = 7, .startTicks = 6000, .owners = "1\t2\t2\t2"}.writeTo(tree);
+  ProcessFixture{.pid = 7, .startTicks = 6000, .owners = "1\t2\t2\t2"}.writeTo(tree_);
   EXPECT_EQ(processes.bsdInfo(7)->uid, 1U);
-  ProcessFixture{.pid = 7, .name = "shell", .startTicks = 6000, .owners = "3\t2\t2\t2"}.writeTo(tree);
+  ProcessFixture{.pid = 7, .name = "shell", .startTicks = 6000, .owners = "3\t2\t2\t2"}.writeTo(tree_);
   EXPECT_EQ(processes.bsdInfo(7)->uid, 3U);
 }
 
 TEST_F(LinuxProcScanTest, ForgetsProcessesThatAreGone) {
   LinuxProcScan processes = scan();
-  ProcessFixture{.pid = 7}.writeTo(tree);
-  ProcessFixture{.pid = 8}.writeTo(tree);
+  ProcessFixture{.pid = 7}.writeTo(tree_);
+  ProcessFixture{.pid = 8}.writeTo(tree_);
   for (const std::int32_t pid : processes.allPIDs()) processes.bsdInfo(pid);
   EXPECT_EQ(processes.knownProcessCount(), 2U);
-  tree.remove("proc/8");
+  tree_.remove("proc/8");
   for (const std::int32_t pid : processes.allPIDs()) processes.bsdInfo(pid);
   processes.allPIDs();
   EXPECT_EQ(processes.knownProcessCount(), 1U);
 }
 
 TEST_F(LinuxProcScanTest, AProcessThatVanishesBetweenTwoCallsGivesNoValue) {
-  ProcessFixture{.pid = 7}.writeTo(tree);
-  tree.link("proc/7/exe", "/usr/bin/worker");
+  ProcessFixture{.pid = 7}.writeTo(tree_);
+  tree_.link("proc/7/exe", "/usr/bin/worker");
   LinuxProcScan processes = scan();
   ASSERT_THAT(processes.allPIDs(), ElementsAre(7));
   ASSERT_TRUE(processes.bsdInfo(7));
-  tree.remove("proc/7");
+  tree_.remove("proc/7");
   EXPECT_EQ(processes.path(7), "");
   EXPECT_FALSE(processes.usage(7));
   EXPECT_FALSE(processes.bsdInfo(7));
@@ -144,26 +145,26 @@ TEST_F(LinuxProcScanTest, AProcessThatVanishesBetweenTwoCallsGivesNoValue) {
 }
 
 TEST_F(LinuxProcScanTest, FootprintIsResidentWithoutShared) {
-  ProcessFixture{.pid = 7, .statm = "5000 300 100 5 0 123 0\n"}.writeTo(tree);
+  ProcessFixture{.pid = 7, .statm = "5000 300 100 5 0 123 0\n"}.writeTo(tree_);
   EXPECT_EQ(scan().usage(7)->footprint, 200 * pageSize);
   EXPECT_EQ(scan().footprint(7), 200 * pageSize);
 }
 
 TEST_F(LinuxProcScanTest, MoreSharedThanResidentPagesMakeNoFootprint) {
-  ProcessFixture{.pid = 7, .statm = "5000 100 300 5 0 123 0\n"}.writeTo(tree);
+  ProcessFixture{.pid = 7, .statm = "5000 100 300 5 0 123 0\n"}.writeTo(tree_);
   EXPECT_EQ(scan().usage(7)->footprint, 0U);
 }
 
 TEST_F(LinuxProcScanTest, SwapCountsOnlyWhileTheMachineUsesAny) {
-  ProcessFixture{.pid = 7, .swapLine = "VmSwap:\t     120 kB\n"}.writeTo(tree);
+  ProcessFixture{.pid = 7, .swapLine = "VmSwap:\t     120 kB\n"}.writeTo(tree_);
   LinuxProcScan processes = scan();
   processes.allPIDs();
   EXPECT_EQ(processes.usage(7)->footprint, 200 * pageSize);
-  tree.write("proc/swaps", usedSwap);
+  tree_.write("proc/swaps", usedSwap);
   EXPECT_EQ(processes.usage(7)->footprint, 200 * pageSize) << "looked at once per sweep";
   processes.allPIDs();
   EXPECT_EQ(processes.usage(7)->footprint, 200 * pageSize + std::uint64_t{120} * 1024);
-  tree.write("proc/swaps", noSwap);
+  tree_.write("proc/swaps", noSwap);
   processes.allPIDs();
   EXPECT_EQ(processes.usage(7)->footprint, 200 * pageSize);
 }
@@ -171,62 +172,62 @@ TEST_F(LinuxProcScanTest, SwapCountsOnlyWhileTheMachineUsesAny) {
 TEST_F(LinuxProcScanTest, AVeryLongListOfGroupsHidesNoSwap) {
   std::string groups = "Groups:\t";
   for (int group = 100'000; group < 105'000; ++group) groups += std::to_string(group) + " ";
-  ProcessFixture{.pid = 7, .swapLine = groups + "\nVmSwap:\t     120 kB\n"}.writeTo(tree);
-  tree.write("proc/swaps", usedSwap);
+  ProcessFixture{.pid = 7, .swapLine = groups + "\nVmSwap:\t     120 kB\n"}.writeTo(tree_);
+  tree_.write("proc/swaps", usedSwap);
   LinuxProcScan processes = scan();
   processes.allPIDs();
   EXPECT_EQ(processes.usage(7)->footprint, 200 * pageSize + std::uint64_t{120} * 1024);
 }
 
 TEST_F(LinuxProcScanTest, AnUnreadableStatusWhileSwapIsInUseIsAProcessThatIsGone) {
-  ProcessFixture{.pid = 7}.writeTo(tree);
-  tree.write("proc/swaps", usedSwap);
+  ProcessFixture{.pid = 7}.writeTo(tree_);
+  tree_.write("proc/swaps", usedSwap);
   LinuxProcScan processes = scan();
   processes.allPIDs();
-  tree.remove("proc/7/status");
+  tree_.remove("proc/7/status");
   EXPECT_FALSE(processes.usage(7));
 }
 
 TEST_F(LinuxProcScanTest, TheClockGivesTheProcessorTime) {
-  ProcessFixture{.pid = 7}.writeTo(tree);
+  ProcessFixture{.pid = 7}.writeTo(tree_);
   const std::map<std::int32_t, std::uint64_t> times{{7, 123'456'789}};
-  LinuxProcScan processes(tree.roots(), [&](std::int32_t pid) { return std::optional(times.at(pid)); });
+  LinuxProcScan processes(tree_.roots(), [&](std::int32_t pid) { return std::optional(times.at(pid)); });
   EXPECT_EQ(processes.usage(7)->cpuTime, 123'456'789U);
 }
 
 TEST_F(LinuxProcScanTest, TicksGiveTheProcessorTimeWhereTheClockDoesNot) {
-  ProcessFixture{.pid = 7, .userTicks = 100, .systemTicks = 50}.writeTo(tree);
+  ProcessFixture{.pid = 7, .userTicks = 100, .systemTicks = 50}.writeTo(tree_);
   EXPECT_EQ(scan().usage(7)->cpuTime, 150 * (1'000'000'000 / ticksPerSecond));
 }
 
 TEST_F(LinuxProcScanTest, TicksAreThoseOfTheSweep) {
-  ProcessFixture{.pid = 7, .userTicks = 0, .systemTicks = 1}.writeTo(tree);
+  ProcessFixture{.pid = 7, .userTicks = 0, .systemTicks = 1}.writeTo(tree_);
   LinuxProcScan processes = scan();
   processes.allPIDs();
   processes.bsdInfo(7);
-  ProcessFixture{.pid = 7, .userTicks = 0, .systemTicks = 2}.writeTo(tree);
+  ProcessFixture{.pid = 7, .userTicks = 0, .systemTicks = 2}.writeTo(tree_);
   EXPECT_EQ(processes.usage(7)->cpuTime, 1'000'000'000 / ticksPerSecond);
   processes.allPIDs();
   EXPECT_EQ(processes.usage(7)->cpuTime, 2 * (1'000'000'000 / ticksPerSecond));
 }
 
 TEST_F(LinuxProcScanTest, ATreeThatIsNotThisProcessesOwnTableIsNeverAskedByClock) {
-  ProcessFixture{.pid = ::getpid(), .userTicks = 0, .systemTicks = 3}.writeTo(tree);
-  tree.link("proc/self", std::to_string(::getpid()));
-  EXPECT_EQ(LinuxProcScan(tree.roots()).usage(::getpid())->cpuTime, 3 * (1'000'000'000 / ticksPerSecond));
+  ProcessFixture{.pid = ::getpid(), .userTicks = 0, .systemTicks = 3}.writeTo(tree_);
+  tree_.link("proc/self", std::to_string(::getpid()));
+  EXPECT_EQ(LinuxProcScan(tree_.roots()).usage(::getpid())->cpuTime, 3 * (1'000'000'000 / ticksPerSecond));
 }
 
 TEST_F(LinuxProcScanTest, AnExecutableThatWasReplacedKeepsItsPath) {
-  ProcessFixture{.pid = 7}.writeTo(tree);
-  tree.link("proc/7/exe", "/opt/browser/browser (deleted)");
+  ProcessFixture{.pid = 7}.writeTo(tree_);
+  tree_.link("proc/7/exe", "/opt/browser/browser (deleted)");
   EXPECT_EQ(scan().path(7), "/opt/browser/browser");
-  tree.link("proc/7/exe", "/opt/browser/browser");
+  tree_.link("proc/7/exe", "/opt/browser/browser");
   EXPECT_EQ(scan().path(7), "/opt/browser/browser");
 }
 
 TEST_F(LinuxProcScanTest, AKernelThreadHasANameAndNoPath) {
   ProcessFixture{.pid = 2, .name = "kthreadd", .ppid = "0", .statm = "0 0 0 0 0 0 0\n", .swapLine = ""}
-      .writeTo(tree);
+      .writeTo(tree_);
   LinuxProcScan processes = scan();
   EXPECT_EQ(processes.path(2), "");
   EXPECT_EQ(processes.bsdInfo(2)->ppid, 0);
@@ -235,7 +236,7 @@ TEST_F(LinuxProcScanTest, AKernelThreadHasANameAndNoPath) {
 }
 
 TEST_F(LinuxProcScanTest, ANameWithParenthesesAndLineEndsConfusesNothing) {
-  ProcessFixture{.pid = 7, .name = "a) b (c\n", .ppid = "9"}.writeTo(tree);
+  ProcessFixture{.pid = 7, .name = "a) b (c\n", .ppid = "9"}.writeTo(tree_);
   LinuxProcScan processes = scan();
   EXPECT_EQ(processes.bsdInfo(7)->ppid, 9);
   EXPECT_EQ(processes.processName(7), "a) b (c\n");
@@ -243,9 +244,9 @@ TEST_F(LinuxProcScanTest, ANameWithParenthesesAndLineEndsConfusesNothing) {
 
 TEST_F(LinuxProcScanTest, AZombieIsAProcessWithoutMemory) {
   ProcessFixture fixture{.pid = 7, .statm = "0 0 0 0 0 0 0\n", .swapLine = ""};
-  fixture.writeTo(tree);
+  fixture.writeTo(tree_);
   std::string stat = fixture.stat();
-  tree.write("proc/7/stat", stat.replace(stat.find(") S"), 3, ") Z"));
+  tree_.write("proc/7/stat", stat.replace(stat.find(") S"), 3, ") Z"));
   LinuxProcScan processes = scan();
   EXPECT_TRUE(processes.bsdInfo(7));
   EXPECT_EQ(processes.usage(7)->footprint, 0U);
@@ -254,47 +255,47 @@ TEST_F(LinuxProcScanTest, AZombieIsAProcessWithoutMemory) {
 TEST_F(LinuxProcScanTest, TheNameIsCompletedFromTheCommandLineOncePerProcess) {
   ProcessFixture fixture{
       .pid = 7, .name = "gnome-terminal-", .commandLine = "/usr/libexec/gnome-terminal-server\0"s};
-  fixture.writeTo(tree);
+  fixture.writeTo(tree_);
   LinuxProcScan processes = scan();
   EXPECT_EQ(processes.processName(7), "gnome-terminal-server");
-  tree.remove("proc/7/cmdline");
+  tree_.remove("proc/7/cmdline");
   processes.allPIDs();
   EXPECT_EQ(processes.processName(7), "gnome-terminal-server");
   fixture.name = "other";
   fixture.commandLine = "";
-  fixture.writeTo(tree);
+  fixture.writeTo(tree_);
   processes.allPIDs();
   EXPECT_EQ(processes.processName(7), "other") << "another program in the same process";
 }
 
 TEST_F(LinuxProcScanTest, ACommandLineWithoutEndCompletesNothing) {
-  ProcessFixture{.pid = 7, .commandLine = "worker" + std::string(1 << 20, 'x')}.writeTo(tree);
+  ProcessFixture{.pid = 7, .commandLine = "worker" + std::string(1 << 20, 'x')}.writeTo(tree_);
   EXPECT_EQ(scan().processName(7), "worker");
 }
 
 TEST_F(LinuxProcScanTest, GarbageGivesNoValue) {
   for (const std::string& garbage : {""s, "\n"s, "7 (worker) S 1"s, std::string(1 << 20, '9'), "\0\0\0"s}) {
-    ProcessFixture{.pid = 7}.writeTo(tree);
-    tree.write("proc/7/stat", garbage);
+    ProcessFixture{.pid = 7}.writeTo(tree_);
+    tree_.write("proc/7/stat", garbage);
     LinuxProcScan processes = scan();
     EXPECT_FALSE(processes.bsdInfo(7));
     EXPECT_FALSE(processes.usage(7)) << "there is no processor time to be had";
     EXPECT_EQ(processes.processName(7), "");
-    ProcessFixture{.pid = 7}.writeTo(tree);
-    tree.write("proc/7/statm", garbage);
+    ProcessFixture{.pid = 7}.writeTo(tree_);
+    tree_.write("proc/7/statm", garbage);
     EXPECT_FALSE(processes.usage(7));
-    tree.write("proc/7/status", garbage);
+    tree_.write("proc/7/status", garbage);
     EXPECT_FALSE(scan().bsdInfo(7));
   }
 }
 
 TEST_F(LinuxProcScanTest, FiguresBeyondTheirRangeGiveNoValue) {
   const std::string most = "18446744073709551615";
-  ProcessFixture{.pid = 7, .ppid = "4294967295"}.writeTo(tree);
-  ProcessFixture{.pid = 8, .userTicks = ~std::uint64_t{0}, .systemTicks = 1}.writeTo(tree);
-  ProcessFixture{.pid = 9, .userTicks = ~std::uint64_t{0}, .systemTicks = 0}.writeTo(tree);
-  ProcessFixture{.pid = 10, .statm = most + " " + most + " 0 0 0 0 0\n"}.writeTo(tree);
-  ProcessFixture{.pid = 11, .statm = "0 1125899906842624 0 0 0 0 0\n"}.writeTo(tree);
+  ProcessFixture{.pid = 7, .ppid = "4294967295"}.writeTo(tree_);
+  ProcessFixture{.pid = 8, .userTicks = ~std::uint64_t{0}, .systemTicks = 1}.writeTo(tree_);
+  ProcessFixture{.pid = 9, .userTicks = ~std::uint64_t{0}, .systemTicks = 0}.writeTo(tree_);
+  ProcessFixture{.pid = 10, .statm = most + " " + most + " 0 0 0 0 0\n"}.writeTo(tree_);
+  ProcessFixture{.pid = 11, .statm = "0 1125899906842624 0 0 0 0 0\n"}.writeTo(tree_);
   LinuxProcScan processes = scan();
   EXPECT_FALSE(processes.bsdInfo(7));
   EXPECT_FALSE(processes.bsdInfo(8));
@@ -314,10 +315,10 @@ TEST_F(LinuxProcScanTest, PidsThatCannotBeGiveNoValue) {
 }
 
 TEST_F(LinuxProcScanTest, APipeInThePlaceOfAFileIsNotWaitedFor) {
-  ProcessFixture{.pid = 7}.writeTo(tree);
-  for (const char* file : {"stat", "statm", "status", "cmdline"}) tree.pipe("proc/7/"s + file);
-  tree.pipe("proc/stat");
-  tree.pipe("proc/swaps");
+  ProcessFixture{.pid = 7}.writeTo(tree_);
+  for (const char* file : {"stat", "statm", "status", "cmdline"}) tree_.pipe("proc/7/"s + file);
+  tree_.pipe("proc/stat");
+  tree_.pipe("proc/swaps");
   LinuxProcScan processes = scan();
   EXPECT_THAT(processes.allPIDs(), ElementsAre(7));
   EXPECT_FALSE(processes.bsdInfo(7));

@@ -22,19 +22,19 @@ constexpr std::string_view meminfo =
 
 class LinuxSystemMemoryReaderTest : public testing::Test {
  protected:
-  LinuxSystemMemoryReaderTest() { tree.write("proc/meminfo", meminfo); }
+  LinuxSystemMemoryReaderTest() { tree_.write("proc/meminfo", meminfo); }
 
-  SystemMemory read() const { return LinuxSystemMemoryReader(tree.roots()).read(); }
+  SystemMemory read() const { return LinuxSystemMemoryReader(tree_.roots()).read(); }
 
   void addMeminfo(const std::string& lines) const {
-    tree.write("proc/meminfo", std::string(meminfo) + lines);
+    tree_.write("proc/meminfo", std::string(meminfo) + lines);
   }
 
   void writeBlock(int number, const std::string& online) const {
-    tree.write("sys/devices/system/memory/memory" + std::to_string(number) + "/online", online);
+    tree_.write("sys/devices/system/memory/memory" + std::to_string(number) + "/online", online);
   }
 
-  TemporaryTree tree;
+  TemporaryTree tree_;
 };
 
 TEST_F(LinuxSystemMemoryReaderTest, WiredIsWhatNothingElseExplains) {
@@ -42,7 +42,7 @@ TEST_F(LinuxSystemMemoryReaderTest, WiredIsWhatNothingElseExplains) {
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, CompressedMemoryIsNotWired) {
-  tree.write("sys/block/zram0/mm_stat", "4096 58 12288 0 12288 0 0 0 0\n");
+  tree_.write("sys/block/zram0/mm_stat", "4096 58 12288 0 12288 0 0 0 0\n");
   addMeminfo("Zswap: 8 kB\n");
   EXPECT_EQ(read().compressed, 20 * kibibyte);
   EXPECT_EQ(read().wired, (3630 - 20) * kibibyte);
@@ -54,15 +54,15 @@ TEST_F(LinuxSystemMemoryReaderTest, WiredIsNotBelowZero) {
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, WithoutTotalOrFreeMemoryThereIsNoWired) {
-  tree.write("proc/meminfo", "MemTotal: 10000 kB\nCached: 5 kB\n");
+  tree_.write("proc/meminfo", "MemTotal: 10000 kB\nCached: 5 kB\n");
   EXPECT_EQ(read().wired, 0U);
   EXPECT_EQ(read().cachedFiles, 5 * kibibyte);
-  tree.write("proc/meminfo", "MemFree: 10000 kB\nMlocked: 50000 kB\nCached: 5 kB\n");
+  tree_.write("proc/meminfo", "MemFree: 10000 kB\nMlocked: 50000 kB\nCached: 5 kB\n");
   EXPECT_EQ(read().wired, 0U);
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, OtherMissingFieldsCountAsNothing) {
-  tree.write("proc/meminfo", "MemTotal: 10000 kB\nMemFree: 4000 kB\n");
+  tree_.write("proc/meminfo", "MemTotal: 10000 kB\nMemFree: 4000 kB\n");
   EXPECT_EQ(read().wired, 6000 * kibibyte);
   EXPECT_EQ(read().cachedFiles, 0U);
 }
@@ -74,39 +74,39 @@ TEST_F(LinuxSystemMemoryReaderTest, CachedFilesLeaveSharedMemoryOut) {
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, CompressedSumsAllDevices) {
-  tree.write("sys/block/zram0/mm_stat", "1 2 1000 0\n");
-  tree.write("sys/block/zram1/mm_stat", "1 2 500 0\n");
-  tree.write("sys/block/zram2/mm_stat", "garbage\n");
-  tree.write("sys/block/zramble/mm_stat", "1 2 7 0\n");
-  tree.write("sys/block/sda/mm_stat", "1 2 7 0\n");
+  tree_.write("sys/block/zram0/mm_stat", "1 2 1000 0\n");
+  tree_.write("sys/block/zram1/mm_stat", "1 2 500 0\n");
+  tree_.write("sys/block/zram2/mm_stat", "garbage\n");
+  tree_.write("sys/block/zramble/mm_stat", "1 2 7 0\n");
+  tree_.write("sys/block/sda/mm_stat", "1 2 7 0\n");
   EXPECT_EQ(read().compressed, 1500U);
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, SwapUsedIsWhatLiesOnDisks) {
-  tree.write("proc/swaps",
-             std::string(swapTitles) +
-                 "/dev/zram0 partition 99 50 100\n/dev/sda2 partition 99 30 -2\n/swapfile file 99 5 -3\n");
+  tree_.write("proc/swaps",
+              std::string(swapTitles) +
+                  "/dev/zram0 partition 99 50 100\n/dev/sda2 partition 99 30 -2\n/swapfile file 99 5 -3\n");
   EXPECT_EQ(read().swapUsed, 35 * kibibyte);
   addMeminfo("Zswap: 3 kB\nZswapped: 10 kB\n");
   EXPECT_EQ(read().swapUsed, 25 * kibibyte);
-  EXPECT_EQ(LinuxSystemMemoryReader(tree.roots()).swapUsed(), 25 * kibibyte);
+  EXPECT_EQ(LinuxSystemMemoryReader(tree_.roots()).swapUsed(), 25 * kibibyte);
   addMeminfo("Zswapped: 1000 kB\n");
   EXPECT_EQ(read().swapUsed, 0U);
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, TotalIsTheMemoryOfBlocksOnline) {
-  tree.write("sys/devices/system/memory/block_size_bytes", "100000\n");
+  tree_.write("sys/devices/system/memory/block_size_bytes", "100000\n");
   for (int block = 0; block < 16; ++block) writeBlock(block, block == 3 ? "0\n" : "1\n");
-  tree.write("sys/devices/system/memory/memoryless/online", "1\n");
-  tree.write("sys/devices/system/memory/power/online", "1\n");
+  tree_.write("sys/devices/system/memory/memoryless/online", "1\n");
+  tree_.write("sys/devices/system/memory/power/online", "1\n");
   EXPECT_EQ(read().totalRAM, 15U * 0x100000U);
-  EXPECT_EQ(LinuxSystemMemoryReader(tree.roots()).totalRAM(), 15U * 0x100000U);
+  EXPECT_EQ(LinuxSystemMemoryReader(tree_.roots()).totalRAM(), 15U * 0x100000U);
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, BlocksAreCountedAgainWhenTheMemoryInUseChanged) {
-  tree.write("sys/devices/system/memory/block_size_bytes", "8000000\n");
+  tree_.write("sys/devices/system/memory/block_size_bytes", "8000000\n");
   writeBlock(0, "1\n");
-  LinuxSystemMemoryReader reader(tree.roots());
+  LinuxSystemMemoryReader reader(tree_.roots());
   EXPECT_EQ(reader.totalRAM(), 0x8000000U);
   writeBlock(1, "1\n");
   EXPECT_EQ(reader.read().totalRAM, 0x8000000U);
@@ -118,34 +118,34 @@ TEST_F(LinuxSystemMemoryReaderTest, WithoutBlocksTotalIsTheMemoryInUse) {
   EXPECT_EQ(read().totalRAM, 10000 * kibibyte);
   writeBlock(0, "1\n");
   EXPECT_EQ(read().totalRAM, 10000 * kibibyte) << "no block size";
-  tree.write("sys/devices/system/memory/block_size_bytes", "ffffffffffffffff\n");
+  tree_.write("sys/devices/system/memory/block_size_bytes", "ffffffffffffffff\n");
   writeBlock(1, "1\n");
   EXPECT_EQ(read().totalRAM, 10000 * kibibyte) << "more than 64 bits hold";
-  tree.write("sys/devices/system/memory/block_size_bytes", "1000\n");
+  tree_.write("sys/devices/system/memory/block_size_bytes", "1000\n");
   EXPECT_EQ(read().totalRAM, 10000 * kibibyte) << "less than is in use";
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, EachFigureFailsForItself) {
-  tree.write("proc/swaps", std::string(swapTitles) + "/dev/sda2 partition 99 30 -2\n");
-  tree.write("sys/devices/system/memory/block_size_bytes", "100000\n");
+  tree_.write("proc/swaps", std::string(swapTitles) + "/dev/sda2 partition 99 30 -2\n");
+  tree_.write("sys/devices/system/memory/block_size_bytes", "100000\n");
   writeBlock(0, "1\n");
-  tree.write("sys/block/zram0/mm_stat", "1 2 1000 0\n");
-  tree.remove("proc/meminfo");
+  tree_.write("sys/block/zram0/mm_stat", "1 2 1000 0\n");
+  tree_.remove("proc/meminfo");
   EXPECT_EQ(read(), (SystemMemory{0x100000, 0, 1000, 0, 30 * kibibyte}));
-  tree.remove("proc/swaps");
-  tree.remove("sys");
+  tree_.remove("proc/swaps");
+  tree_.remove("sys");
   EXPECT_EQ(read(), SystemMemory{});
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, GarbageAndPipesAreZeroAndNotWaitedFor) {
   for (const char* file : {"proc/meminfo", "proc/swaps", "sys/devices/system/memory/block_size_bytes",
                            "sys/block/zram0/mm_stat"}) {
-    tree.write(file, std::string(1 << 20, '8'));
+    tree_.write(file, std::string(1 << 20, '8'));
   }
   EXPECT_EQ(read(), SystemMemory{});
   for (const char* file : {"proc/meminfo", "proc/swaps", "sys/devices/system/memory/block_size_bytes",
                            "sys/block/zram0/mm_stat"}) {
-    tree.pipe(file);
+    tree_.pipe(file);
   }
   EXPECT_EQ(read(), SystemMemory{});
 }

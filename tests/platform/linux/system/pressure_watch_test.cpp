@@ -54,21 +54,21 @@ class PressureWatchTest : public testing::Test {
   }
 
   void setAvailable(int percent) const {
-    tree.write("proc/meminfo", "MemTotal: 10000 kB\nMemAvailable: " + std::to_string(percent * 100) +
-                                   " kB\nSwapTotal: 100 kB\nSwapFree: 100 kB\n");
+    tree_.write("proc/meminfo", "MemTotal: 10000 kB\nMemAvailable: " + std::to_string(percent * 100) +
+                                    " kB\nSwapTotal: 100 kB\nSwapFree: 100 kB\n");
   }
 
   void setStalls(std::uint64_t someMicros, std::uint64_t fullMicros,
                  const std::string& someAverage = "0.00") const {
-    tree.write("proc/pressure/memory",
-               "some avg10=" + someAverage + " avg60=0.00 avg300=0.00 total=" + std::to_string(someMicros) +
-                   "\nfull avg10=0.00 avg60=0.00 avg300=0.00 total=" + std::to_string(fullMicros) + "\n");
+    tree_.write("proc/pressure/memory",
+                "some avg10=" + someAverage + " avg60=0.00 avg300=0.00 total=" + std::to_string(someMicros) +
+                    "\nfull avg10=0.00 avg60=0.00 avg300=0.00 total=" + std::to_string(fullMicros) + "\n");
   }
 
   /// A wait that lasts as long as it may and finds the system as `change` leaves it.
   void timeOut(const std::function<void()>& change = [] {}) {
-    events.steps.emplace_back([this, change](milliseconds timeout) {
-      now += timeout;
+    events_.steps.emplace_back([this, change](milliseconds timeout) {
+      now_ += timeout;
       change();
       return PressureWake{};
     });
@@ -77,8 +77,8 @@ class PressureWatchTest : public testing::Test {
   /// A wait that the kernel ends after a second.
   void event(
       PressureWake wake, const std::function<void()>& change = [] {}) {
-    events.steps.emplace_back([this, wake, change](milliseconds /*timeout*/) {
-      now += seconds(1);
+    events_.steps.emplace_back([this, wake, change](milliseconds /*timeout*/) {
+      now_ += seconds(1);
       change();
       return wake;
     });
@@ -86,23 +86,23 @@ class PressureWatchTest : public testing::Test {
 
   std::vector<PressureFlags> run() {
     std::vector<PressureFlags> told;
-    PressureWatch(tree.roots(), events, [this] { return now; }).run([&](PressureFlags flags) {
+    PressureWatch(tree_.roots(), events_, [this] { return now_; }).run([&](PressureFlags flags) {
       told.push_back(flags);
     });
-    EXPECT_THAT(events.steps, IsEmpty()) << "the watch ended too early";
+    EXPECT_THAT(events_.steps, IsEmpty()) << "the watch ended too early";
     return told;
   }
 
-  TemporaryTree tree;
-  ScriptedEvents events;
-  PressureHysteresis::TimePoint now{};
+  TemporaryTree tree_;
+  ScriptedEvents events_;
+  PressureHysteresis::TimePoint now_{};
 };
 
 TEST_F(PressureWatchTest, RestsFor15SecondsWhereTheKernelNotifies) {
   timeOut();
   timeOut();
   EXPECT_THAT(run(), IsEmpty()) << "quiet looks that change nothing are not told";
-  EXPECT_THAT(events.timeouts, ElementsAre(seconds(15), seconds(15), seconds(15)));
+  EXPECT_THAT(events_.timeouts, ElementsAre(seconds(15), seconds(15), seconds(15)));
 }
 
 TEST_F(PressureWatchTest, TellsOfEachNotificationEvenAtTheSameLevel) {
@@ -149,18 +149,18 @@ TEST_F(PressureWatchTest, DoesNotTellTheLevelAtTheStart) {
 }
 
 TEST_F(PressureWatchTest, LooksEveryTwoSecondsWhereNotificationsAreRefused) {
-  events.armed = false;
+  events_.armed = false;
   setAvailable(30);
   timeOut([this] { setStalls(199'999, 0); });
   timeOut([this] { setStalls(399'999, 0); });
   timeOut([this] { setStalls(599'999, 0); });
   timeOut();
   EXPECT_THAT(run(), ElementsAre(warning, warning));
-  EXPECT_THAT(events.timeouts, Each(seconds(2)));
+  EXPECT_THAT(events_.timeouts, Each(seconds(2)));
 }
 
 TEST_F(PressureWatchTest, FullStallsCountWhereNotificationsAreRefused) {
-  events.armed = false;
+  events_.armed = false;
   setAvailable(10);
   timeOut([this] { setStalls(500'000, 400'000); });
   EXPECT_THAT(run(), ElementsAre(critical));
@@ -172,12 +172,12 @@ TEST_F(PressureWatchTest, GoesOnWithLooksWhenTheNotificationsGetLost) {
   timeOut([this] { setStalls(9'100'000, 0); });
   timeOut([this] { setStalls(9'300'000, 0); });
   EXPECT_THAT(run(), ElementsAre(warning));
-  EXPECT_THAT(events.timeouts, ElementsAre(seconds(15), seconds(2), seconds(2), seconds(2)));
+  EXPECT_THAT(events_.timeouts, ElementsAre(seconds(15), seconds(2), seconds(2), seconds(2)));
 }
 
 TEST_F(PressureWatchTest, WithoutStallInformationTheAvailableMemoryDecides) {
-  events.armed = false;
-  tree.remove("proc/pressure");
+  events_.armed = false;
+  tree_.remove("proc/pressure");
   timeOut([this] { setAvailable(9); });
   for (int look = 0; look < 7; ++look) timeOut([this] { setAvailable(50); });
   timeOut();
@@ -187,14 +187,14 @@ TEST_F(PressureWatchTest, WithoutStallInformationTheAvailableMemoryDecides) {
 TEST_F(PressureWatchTest, UnreadableMemoryLeavesTheLevelAsItIs) {
   setAvailable(30);
   event({.some = true});
-  timeOut([this] { tree.remove("proc/meminfo"); });
+  timeOut([this] { tree_.remove("proc/meminfo"); });
   event({.some = true, .full = true});
   EXPECT_THAT(run(), ElementsAre(warning, warning));
 }
 
 TEST_F(PressureWatchTest, NothingToReadIsNoPressure) {
-  events.armed = false;
-  tree.remove("proc");
+  events_.armed = false;
+  tree_.remove("proc");
   timeOut();
   EXPECT_THAT(run(), IsEmpty());
 }

@@ -63,18 +63,18 @@ class FloodOfEvents final : public PressureEvents {
 /// A machine with little memory left, so that each report is told.
 class PsiPressureSourceTest : public testing::Test {
  protected:
-  PsiPressureSourceTest() { tree.write("proc/meminfo", "MemTotal: 10000 kB\nMemAvailable: 3000 kB\n"); }
+  PsiPressureSourceTest() { tree_.write("proc/meminfo", "MemTotal: 10000 kB\nMemAvailable: 3000 kB\n"); }
 
   std::unique_ptr<PsiPressureSource> flooded() const {
-    return std::make_unique<PsiPressureSource>(tree.roots(), std::make_unique<FloodOfEvents>(),
+    return std::make_unique<PsiPressureSource>(tree_.roots(), std::make_unique<FloodOfEvents>(),
                                                std::chrono::steady_clock::now);
   }
 
-  TemporaryTree tree;
+  TemporaryTree tree_;
 };
 
 TEST_F(PsiPressureSourceTest, CanEndWithoutEverHavingStarted) {
-  PsiPressureSource source(tree.roots());
+  PsiPressureSource source(tree_.roots());
   PsiPressureSource live(LinuxRoots{});
 }
 
@@ -148,7 +148,7 @@ TEST_F(PsiPressureSourceTest, TheHandlerMayDestroyIt) {
 TEST_F(PsiPressureSourceTest, ARealWaitEndsAtOnceWhenItIsCancelled) {
   const auto begin = std::chrono::steady_clock::now();
   ThreadQueue queue;
-  for (const LinuxRoots& roots : {LinuxRoots{}, tree.roots()}) {
+  for (const LinuxRoots& roots : {LinuxRoots{}, tree_.roots()}) {
     PsiPressureSource source(roots);
     source.resume(queue, [](PressureFlags) {});
   }
