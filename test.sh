@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# test.sh [--all]: builds Tarn and runs its tests. --all adds what takes minutes of its own: clang-tidy over all
-# sources, and the end-to-end test of the sanitized program. Installs what is missing.
+# test.sh [--all]: builds Tarn and runs its tests, all of them under the sanitizers. --all adds what takes minutes of
+# its own: clang-tidy over all sources, and the end-to-end test of the program as it is released. Installs what is missing.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
@@ -70,11 +70,12 @@ end_to_end_sanitized() { end_to_end asan; }
 
 packages
 stage "layout of the code" scripts/check_format.sh
+stage "rooms include only what they may" scripts/check_includes.sh
 stage "tests, address and undefined sanitizers" tests_with_address_sanitizer
 stage "tests, thread sanitizer" tests_with_thread_sanitizer
-stage "end to end on a virtual desktop" end_to_end_release
+stage "end to end on a virtual desktop, sanitized" end_to_end_sanitized
 if [ -n "$all" ]; then
-  stage "end to end, sanitized" end_to_end_sanitized
+  stage "end to end on a virtual desktop, release" end_to_end_release
   stage "clang-tidy" scripts/check_tidy.sh
 fi
 

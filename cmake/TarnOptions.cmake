@@ -30,8 +30,8 @@ if(TARN_SANITIZE)
   add_link_options(-fsanitize=${TARN_SANITIZE})
 endif()
 
-# tarn_room(NAME SOURCES ... USES ...): one static library per room of the house; USES states, and so limits,
-# which rooms its files may include.
+# tarn_room(NAME SOURCES ... USES ...): one static library per room of the house; USES names the
+# rooms that it builds on.
 function(tarn_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
   add_library(${name} STATIC ${ROOM_SOURCES})

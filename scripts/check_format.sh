@@ -7,4 +7,4 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 cd "$repository"
-git ls-files -z -- '*.cpp' '*.hpp' '*.mm' | xargs -0 --no-run-if-empty clang-format --dry-run -Werror
+git -c safe.directory='*' ls-files -z -- '*.cpp' '*.hpp' '*.mm' | xargs -0 --no-run-if-empty clang-format --dry-run -Werror

@@ -43,6 +43,10 @@ for package in "${wanted[@]}"; do
 done
 [ "${#missing[@]}" -gt 0 ] || exit 0
 
+# Other distributions have apt, too, but not these names.
+grep --quiet '^ID=debian$' /etc/os-release ||
+  fail "This is not Debian. Please install what these Debian packages hold: ${missing[*]}"
+
 say "Installing: ${missing[*]}"
 as_root apt-get update --quiet --quiet || say "The package lists could not all be updated; trying with those at hand."
 as_root env DEBIAN_FRONTEND=noninteractive apt-get install --yes --quiet --quiet --no-install-recommends \

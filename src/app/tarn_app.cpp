@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QEvent>
 #include <QEventLoop>
 #include <QScreen>
 #include <cstdio>
@@ -68,21 +69,32 @@ TarnApp::TarnApp()
   connect(&prefs_, &Preferences::willChange, &labelRenderer_, &RenderScheduler::schedule);
   connect(colorScheme_.get(), &ColorSchemeWatcher::changed, this, &TarnApp::applyTheme);
   connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::itemClicked);
-  connect(item_.get(), &MenuBarItem::openRequested, this, &TarnApp::openPopover);
+  connect(item_.get(), &MenuBarItem::openRequested, this,
+          [this] { openPopover(clickAnchor(std::nullopt, platformWindowSystem())); });
   connect(item_.get(), &MenuBarItem::quitRequested, this, &QCoreApplication::quit);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::leaveForMenuBar);
+  // The filter sees the application's palette change, of which nobody else is told.
+  QCoreApplication::instance()->installEventFilter(this);
   renderLabel();
 }
 
 TarnApp::~TarnApp() {
   popover_.reset();
   item_.reset();
+  // From here on there is nothing to render to, and soon nothing to render.
   const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model_, nullptr);
   while (!inFlight.expired()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
+bool TarnApp::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::ApplicationPaletteChange && watched == QCoreApplication::instance())
+    applyTheme();
+  return QObject::eventFilter(watched, event);
+}
+
 void TarnApp::renderLabel() {
+  if (!item_) return;
   MenuBarLabel label = menuBarLabel(model_->presentation(), model_->snapshot(),
                                     prefs_.showFrontmostFootprint(), model_->frontmostFootprint());
   // Panels bring a tooltip that changes up over the open popover. There it may wait, but for what the user
@@ -117,17 +129,21 @@ void TarnApp::applyTheme() {
   popover_->setTheme(scheme == ColorScheme::dark ? Theme::dark() : Theme::light());
 }
 
-void TarnApp::openPopover() {
+void TarnApp::openPopover(std::optional<QPoint> position) {
+  if (!model_) return;
   if (popover().isVisible()) {
     popover().raise();
+    popover().activateWindow();
     return;
   }
   const WindowSystem windowSystem = platformWindowSystem();
   const PopoverStyle style = hasMenuBar_ ? styleOn(windowSystem) : PopoverStyle::regular;
-  popover().open(style, clickAnchor(std::nullopt, windowSystem), windowSystem);
+  popover().open(style, position, windowSystem);
 }
 
 void TarnApp::itemClicked(std::optional<QPoint> position) {
+  // A panel that can be clicked is a menu bar, whatever it said of itself.
+  leaveForMenuBar();
   const WindowSystem windowSystem = platformWindowSystem();
   popover().toggle(styleOn(windowSystem), clickAnchor(position, windowSystem), windowSystem);
 }
@@ -135,11 +151,15 @@ void TarnApp::itemClicked(std::optional<QPoint> position) {
 void TarnApp::showWithoutMenuBar() {
   std::fputs("tarn: no menu bar shows status items here; Tarn stays in a window of its own until one does.\n",
              stderr);
+  hasMenuBar_ = false;
   popover().open(PopoverStyle::regular, std::nullopt, platformWindowSystem());
 }
 
 void TarnApp::leaveForMenuBar() {
-  if (popover_ && popover_->style() == PopoverStyle::regular) popover_->hide();
+  hasMenuBar_ = true;
+  if (!popover_ || popover_->style() != PopoverStyle::regular) return;
+  popover_->hide();  // not closed: that would end the program
+  labelRenderer_.schedule();
 }
 
 }  // namespace tarn

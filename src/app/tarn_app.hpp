@@ -33,7 +33,11 @@ class TarnApp : public QObject {
   TarnApp& operator=(const TarnApp&) = delete;
 
   /// Shows the popover, by whatever way leads to it: the way back for somebody who can not find the item.
-  void openPopover();
+  /// `position` is the item's on the screen, where it is known.
+  void openPopover(std::optional<QPoint> position = std::nullopt);
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void renderLabel();

@@ -94,6 +94,10 @@ void AppRowButton::setContent(const RowContent& content, const AppIcon& icon) {
   updateGeometry();
 }
 
+void AppRowButton::setIcon(const AppIcon& icon) {
+  icon_->setIcon(icon);
+}
+
 bool AppRowButton::isHighlighted() const {
   return isEnabled() && (underMouse() || hasFocus());
 }
@@ -152,7 +156,10 @@ AppRow::AppRow(QWidget* parent)
 }
 
 void AppRow::setContent(const RowContent& content, const AppIcon& icon) {
-  if (content == content_) return;
+  if (content == content_) {
+    button_->setIcon(icon);  // the screen's scale may be another one
+    return;
+  }
   const bool expansionChanged = content.isExpanded != content_.isExpanded;
   content_ = content;
   button_->setContent(content, icon);

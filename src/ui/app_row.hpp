@@ -39,6 +39,7 @@ class AppRowButton : public QPushButton {
   explicit AppRowButton(QWidget* parent);
 
   void setContent(const RowContent& content, const AppIcon& icon);
+  void setIcon(const AppIcon& icon);
 
   /// Whether assistive technology is told that it opens, and if so, whether it is open.
   bool canOpen() const { return canOpen_; }

@@ -32,8 +32,7 @@ Qt::WindowFlags flagsFor(PopoverStyle style) {
     case PopoverStyle::regular:
       break;
   }
-  return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
-         Qt::WindowMinimizeButtonHint;
+  return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
 }
 
 /// The window's outline where nothing blends it: the same shape as is painted, pixel for pixel.
@@ -89,8 +88,9 @@ void PopoverWindow::toggle(PopoverStyle style, std::optional<QPoint> anchor,
     return;
   }
   // A person's click closes the popover with its press and would reopen it with its release.
-  const bool sameClick = closedByPress_ && clock_() - *closedByPress_ < reopenGuard &&
-                         (!anchor || (*anchor - lastPress_).manhattanLength() < itemReach);
+  const bool isNear =
+      style_ == PopoverStyle::tool || !anchor || (*anchor - lastPress_).manhattanLength() < itemReach;
+  const bool sameClick = isNear && closedByPress_ && clock_() - *closedByPress_ < reopenGuard;
   closedByPress_.reset();
   if (!sameClick) open(style, anchor, windowSystem);
 }
@@ -157,7 +157,9 @@ void PopoverWindow::showEvent(QShowEvent* event) {
 void PopoverWindow::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
   const bool lostFocus = event->type() == QEvent::ActivationChange && !isActiveWindow();
-  if (lostFocus && style_ == PopoverStyle::tool && isVisible()) close();
+  if (!lostFocus || style_ != PopoverStyle::tool || !isVisible()) return;
+  closedByPress_ = clock_();  // perhaps: the click on the item took the focus
+  close();
 }
 
 void PopoverWindow::closeEvent(QCloseEvent* event) {

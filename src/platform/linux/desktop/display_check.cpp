@@ -48,7 +48,9 @@ std::optional<QString> platformDisplayProblem() {
   // Another of the toolkit's platforms was asked for; whether it works is for the toolkit to say.
   const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
   if (!chosen.isEmpty() && !chosen.startsWith("xcb") && !chosen.startsWith("wayland")) return std::nullopt;
-  if (reachesX11() || reachesWayland()) return std::nullopt;
+  const bool acceptsX11 = chosen.isEmpty() || chosen.startsWith("xcb");
+  const bool acceptsWayland = chosen.isEmpty() || chosen.startsWith("wayland");
+  if ((acceptsX11 && reachesX11()) || (acceptsWayland && reachesWayland())) return std::nullopt;
   const QByteArray display = qgetenv("DISPLAY");
   const QByteArray wayland = qgetenv("WAYLAND_DISPLAY");
   if (display.isEmpty() && wayland.isEmpty()) {
