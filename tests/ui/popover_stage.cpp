@@ -193,4 +193,30 @@ void pressKey(QWidget& widget, Qt::Key key) {
   PopoverStage::settle();
 }
 
+void addThree(PopoverStage& stage) {
+  stage.add({"Editor.app", 100, {400 * megabyte, 100 * megabyte}});
+  stage.add({"Mail.app", 200, {300 * megabyte, 5 * megabyte}});
+  stage.add({"Files.app", 300, {90 * megabyte}});
+}
+
+void addMany(PopoverStage& stage, int count) {
+  for (int i = 0; i < count; ++i) {
+    const auto size = static_cast<std::uint64_t>(count - i) * 10 * megabyte;
+    stage.add({"App" + std::to_string(i) + ".app", 1000 + i, {size}});
+  }
+}
+
+std::vector<QString> namesOf(const QWidget& view) {
+  std::vector<QString> names;
+  for (const AppRow* row : shownRows(view)) names.push_back(labelsOf(*row->button()).front()->text());
+  return names;
+}
+
+void choose(const QWidget& view, const QString& tab) {
+  for (TabSegment* segment : view.findChildren<TabSegment*>()) {
+    if (segment->text() == tab) segment->click();
+  }
+  PopoverStage::settle();
+}
+
 }  // namespace tarn

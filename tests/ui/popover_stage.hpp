@@ -107,4 +107,17 @@ void pressKey(QWidget& widget, Qt::Key key);
 constexpr std::uint64_t kilobyte = 1024;
 constexpr std::uint64_t megabyte = 1024 * kilobyte;
 
+/// Three applications: "Editor" and "Mail" with two processes each, then "Files" with one; pids from 100,
+/// 200, 300.
+void addThree(PopoverStage& stage);
+
+/// Applications "App0" and so on with one process each, the heaviest first; pids from 1000.
+void addMany(PopoverStage& stage, int count);
+
+/// The names in the list, from top to bottom.
+std::vector<QString> namesOf(const QWidget& view);
+
+/// Chooses the tab with this label.
+void choose(const QWidget& view, const QString& tab);
+
 }  // namespace tarn
