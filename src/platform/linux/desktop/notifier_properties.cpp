@@ -12,13 +12,9 @@
 namespace tarn {
 namespace {
 
-// What panels ask for, from a small one at normal density to a large one at double density; a panel that
-// finds its own size need not scale.
-constexpr int pictureSizes[] = {16, 22, 24, 32, 48, 64};
-
 NotifierPixmaps pixmaps(const MenuBarLabel& label, HostKind kind) {
   NotifierPixmaps result;
-  for (const int pixels : pictureSizes) {
+  for (const int pixels : panelPictureSizes) {
     const bool wide = kind == HostKind::widePictures;
     result << notifierPixmap(wide ? labelledPicture(label, pixels) : circlePicture(label, pixels));
   }

@@ -28,7 +28,7 @@ XembedItem::XembedItem(const MenuBarLabel& label, QObject* parent) : QObject(par
 
 void XembedItem::show(const MenuBarLabel& label) {
   QIcon icon;
-  for (const int pixels : {16, 22, 24, 32, 48, 64}) {
+  for (const int pixels : panelPictureSizes) {
     icon.addPixmap(QPixmap::fromImage(circlePicture(label, pixels)));
   }
   icon_.setIcon(icon);
