@@ -6,8 +6,9 @@
 # shellcheck disable=SC2034
 repository="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
+# Prints each argument on a line of its own.
 say() {
-  printf '%s\n' "$*"
+  printf '%s\n' "$@"
 }
 
 fail() {
