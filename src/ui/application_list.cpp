@@ -17,7 +17,6 @@ namespace {
 
 constexpr int rowSpacing = 2;
 constexpr int highlightRadius = 6;
-constexpr int placeholderPadding = 8;
 constexpr int leastVisibleHeight = 80;  ///< of a list that has to scroll
 
 }  // namespace
@@ -26,16 +25,12 @@ ApplicationList::ApplicationList(AppIconProvider& icons, QWidget* parent)
     : QWidget(parent),
       icons_(icons),
       layout_(new QVBoxLayout(this)),
-      placeholder_(new TextLabel(systemFont(12), TextStyle::secondary, Overflow::cuts)),
+      placeholder_(makePlaceholder(QStringLiteral("Measuring…"))),
       beforeRows_(new QWidget(this)) {
   beforeRows_->hide();
   beforeRows_->setFocusPolicy(Qt::TabFocus);
   layout_->setContentsMargins(highlightReach, highlightRise, highlightReach, highlightRise);
   layout_->setSpacing(rowSpacing);
-  placeholder_->setText(QStringLiteral("Measuring…"));
-  placeholder_->setAlignment(Qt::AlignCenter);
-  placeholder_->setContentsMargins(0, placeholderPadding, 0, placeholderPadding);
-  placeholder_->setFixedHeight(placeholder_->sizeHint().height() + 2 * placeholderPadding);
   layout_->addWidget(placeholder_);
 }
 
@@ -48,7 +43,12 @@ void ApplicationList::setRows(const std::vector<RowContent>& rows) {
   for (AppRow*& row : arranged) {
     if (row == nullptr) row = spareRow();
   }
-  qDeleteAll(rows_);
+  // Later, since one of them may be the row whose click led here.
+  for (AppRow* spare : rows_) {
+    layout_->removeWidget(spare);
+    spare->hide();
+    spare->deleteLater();
+  }
 
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const int position = static_cast<int>(i) + 1;  // after the placeholder

@@ -18,7 +18,6 @@ constexpr int padding = 14;
 constexpr int stackSpacing = 12;
 constexpr int headerSpacing = 8;
 constexpr int headerGlyph = 14;
-constexpr int placeholderPadding = 8;
 
 /// The same text, kept from breaking anywhere but after a separator.
 QString breakingAfterSeparators(QString text) {
@@ -114,14 +113,10 @@ QWidget* PopoverView::makeApplicationSection() {
 QWidget* PopoverView::makeSystemSection() {
   auto* section = new QWidget;
   auto* stack = makeStack(section);
-  auto* reading = new TextLabel(systemFont(12), TextStyle::secondary, Overflow::cuts);
-  reading->setText(QStringLiteral("Reading…"));
-  reading->setAlignment(Qt::AlignCenter);
-  reading->setFixedHeight(reading->sizeHint().height() + 2 * placeholderPadding);
   auto* footnote = new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::wraps);
   footnote->setText(systemFootnote());
   addInset(stack, new Divider);
-  addInset(stack, reading);
+  addInset(stack, makePlaceholder(QStringLiteral("Reading…")));
   addInset(stack, new Divider);
   addInset(stack, footnote);
   return section;

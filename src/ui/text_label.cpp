@@ -51,6 +51,15 @@ void TextLabel::paintEvent(QPaintEvent* event) {
   painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shown);
 }
 
+TextLabel* makePlaceholder(const QString& text) {
+  constexpr int padding = 8;
+  auto* label = new TextLabel(systemFont(12), TextStyle::secondary, Overflow::cuts);
+  label->setText(text);
+  label->setAlignment(Qt::AlignCenter);
+  label->setFixedHeight(label->sizeHint().height() + 2 * padding);
+  return label;
+}
+
 FigureLabel::FigureLabel(const QFont& font, TextStyle style, QWidget* parent)
     : TextLabel(font, style, Overflow::cuts, parent) {
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

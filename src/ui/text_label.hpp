@@ -32,6 +32,10 @@ class TextLabel : public QLabel {
   Overflow overflow_;
 };
 
+/// What stands where figures will be once they are known: centred, with 8 points above and below. The caller
+/// owns it until it has a parent.
+TextLabel* makePlaceholder(const QString& text);
+
 /// A figure whose digits all have the same width, so that it does not jump when it changes.
 class FigureLabel : public TextLabel {
   Q_OBJECT
