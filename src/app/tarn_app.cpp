@@ -30,7 +30,7 @@ MonitorPorts platformMonitorPorts(RunLoop& mainLoop) {
   return {.mainLoop = mainLoop,
           .makeQueue = makeNamedQueue,
           .sampler = platformSamplerPort(),
-          .readExtras = nullptr,
+          .extras = platformExtrasPort(),
           .pressureLevel = platformPressureLevel,
           .pressureSource = platformPressureSource(),
           .frontmostApplication = platformFrontmostApplication(),

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "extras/battery_info.hpp"
+
 namespace tarn {
 
 /// The start-up volume.
@@ -16,16 +18,6 @@ struct StorageInfo {
   std::uint64_t available = 0;  ///< bytes available for important use
 
   bool operator==(const StorageInfo&) const = default;
-};
-
-/// The internal battery.
-struct BatteryInfo {
-  std::int64_t percent = 0;  ///< charge, at most 100
-  bool isCharging = false;
-  std::optional<std::int64_t> cycleCount;
-  std::optional<std::int64_t> healthPercent;  ///< full charge as a share of the design's, at most 100
-
-  bool operator==(const BatteryInfo&) const = default;
 };
 
 /// The machine's health in one reading; what could not be read is absent.

@@ -21,7 +21,7 @@ MonitorViewModel::MonitorViewModel(Token /*token*/, MonitorPorts ports)
       frontmostApplication_(std::move(ports.frontmostApplication)),
       activeProcessorCount_(std::move(ports.activeProcessorCount)),
       sampler_(std::move(ports.sampler)),
-      extrasReader_(std::move(ports.readExtras)),
+      extrasReader_(std::move(ports.extras)),
       sampleQueue_(makeQueue_("com.tarn.sampler")) {}
 
 void MonitorViewModel::start(std::unique_ptr<PressureSource> source,
@@ -64,7 +64,7 @@ void MonitorViewModel::refresh() {
   sampleQueue_->async([self = shared_from_this(), wantExtras]() mutable {
     MemorySnapshot snapshot = self->sampler_.sample();
     std::optional<ExtrasReading> extras;
-    if (wantExtras && self->extrasReader_) extras = self->extrasReader_();
+    if (wantExtras) extras = ExtrasReading{self->extrasReader_.read(), self->extrasReader_.thermalState()};
     // The reference moves on with the results, so that the view model never dies on this thread.
     RunLoop& mainLoop = self->mainLoop_;
     mainLoop.async(

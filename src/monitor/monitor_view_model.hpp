@@ -10,23 +10,16 @@
 #include <optional>
 #include <string>
 
-#include "extras/system_extras.hpp"
+#include "extras/extras_reader.hpp"
 #include "monitor/cpu_presentation.hpp"
 #include "monitor/frontmost_application.hpp"
 #include "monitor/memory_pressure_monitor.hpp"
 #include "monitor/pressure_source.hpp"
 #include "monitor/run_loop.hpp"
 #include "monitor/status_presentation.hpp"
-#include "monitor/thermal_state.hpp"
 #include "sampling/memory_sampler.hpp"
 
 namespace tarn {
-
-/// One gathering of the machine's health.
-struct ExtrasReading {
-  SystemExtras extras;
-  ThermalState thermalState = ThermalState::unknown;
-};
 
 /// Everything that the view model stands on.
 struct MonitorPorts {
@@ -34,8 +27,7 @@ struct MonitorPorts {
   /// Makes a serial queue whose thread bears the label.
   std::function<std::unique_ptr<TaskQueue>(const std::string& label)> makeQueue;
   SamplerPort sampler;
-  /// Gathers the extras, on the sampler's queue. Unset where nothing reads them: they then stay absent.
-  std::function<ExtrasReading()> readExtras;
+  ExtrasPort extras;
   /// The present level as the kernel's own number; nothing when it cannot be read.
   std::function<std::optional<std::int32_t>()> pressureLevel;
   std::unique_ptr<PressureSource> pressureSource;
@@ -80,6 +72,12 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
   void willChange();
 
  private:
+  /// One gathering of the machine's health.
+  struct ExtrasReading {
+    SystemExtras extras;
+    ThermalState thermalState = ThermalState::unknown;
+  };
+
   void start(std::unique_ptr<PressureSource> source, const std::optional<std::int32_t>& pressureLevel);
   void refresh();
   void scheduleTimer(double interval);
@@ -107,9 +105,9 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
   FrontmostApplicationSource frontmostApplication_;
   std::function<int()> activeProcessorCount_;
 
-  MemorySampler sampler_;                        ///< used on the sample queue only
-  std::function<ExtrasReading()> extrasReader_;  ///< likewise
-  std::unique_ptr<TaskQueue> sampleQueue_;       ///< destroyed before what its tasks use
+  MemorySampler sampler_;                   ///< used on the sample queue only
+  ExtrasReader extrasReader_;               ///< likewise
+  std::unique_ptr<TaskQueue> sampleQueue_;  ///< destroyed before what its tasks use
   std::unique_ptr<MemoryPressureMonitor> pressureMonitor_;
   std::unique_ptr<RepeatingTimer> timer_;
   bool sampling_ = false;  ///< from a request until its results are published

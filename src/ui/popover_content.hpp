@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "extras/thermal_state.hpp"
 #include "monitor/cpu_presentation.hpp"
 #include "monitor/status_presentation.hpp"
-#include "monitor/thermal_state.hpp"
 #include "monitor/tint.hpp"
 #include "sampling/snapshot.hpp"
 #include "ui/popover_tab.hpp"

@@ -7,7 +7,6 @@
 
 #include "monitor/cpu_presentation.hpp"
 #include "monitor/status_presentation.hpp"
-#include "monitor/thermal_state.hpp"
 
 namespace tarn {
 namespace {
@@ -119,20 +118,6 @@ TEST(CPUTint, IsSecondaryForImpossibleLoads) {
   EXPECT_EQ((CPUPresentation{-340, 4}.tint()), Tint::secondary);
   EXPECT_EQ((CPUPresentation{notANumber, 4}.tint()), Tint::secondary);
   EXPECT_EQ((CPUPresentation{340, 0}.tint()), Tint::secondary);
-}
-
-TEST(ThermalPhrase, PutsEachStateInWords) {
-  EXPECT_EQ(thermalPhrase(ThermalState::nominal), "Running cool");
-  EXPECT_EQ(thermalPhrase(ThermalState::fair), "Warming up");
-  EXPECT_EQ(thermalPhrase(ThermalState::serious), "Running hot");
-  EXPECT_EQ(thermalPhrase(ThermalState::critical), "Overheating");
-  EXPECT_EQ(thermalPhrase(ThermalState::unknown), "Temperature unknown");
-}
-
-TEST(ThermalPhrase, IsUnknownForAnyOtherValue) {
-  for (const int value : {-2, 4, 5, 1000}) {
-    EXPECT_EQ(thermalPhrase(static_cast<ThermalState>(value)), "Temperature unknown") << value;
-  }
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "monitor/monitor_view_model.hpp"
+#include "support/fake_extras.hpp"
 #include "support/fake_machine.hpp"
 #include "support/fake_pressure_source.hpp"
 #include "support/stepped_queue.hpp"
@@ -38,6 +39,11 @@ class ViewModelTest : public ::testing::Test {
         {.pid = 11, .path = "/opt/A.app/b", .usage = ProcessUsage{.footprint = 300}},
         {.pid = 20, .path = "/usr/bin/tool", .usage = ProcessUsage{.footprint = 50}},
     };
+    extras_.uptime = 1;
+    extras_.thermalState = ThermalState::fair;
+    extras_.onCall = [this](const std::string& operation) {
+      machine_.calls.push_back("extras " + operation);
+    };
   }
 
   MonitorPorts ports() {
@@ -48,11 +54,7 @@ class ViewModelTest : public ::testing::Test {
                   return queues_.make(label);
                 },
             .sampler = samplerPortOf(machine_),
-            .readExtras =
-                [this] {
-                  machine_.calls.emplace_back("extras");
-                  return extras_;
-                },
+            .extras = extras_.port(),
             .pressureLevel =
                 [this] {
                   machine_.calls.emplace_back("pressureLevel");
@@ -112,7 +114,7 @@ class ViewModelTest : public ::testing::Test {
   FakePressure pressure_;
   std::optional<std::int32_t> pressureLevel_ = 1;
   std::optional<FrontmostApplication> frontmost_;
-  ExtrasReading extras_{.extras = {.uptime = 1}, .thermalState = ThermalState::fair};
+  FakeExtras extras_;
   int activeProcessors_ = 8;
 
   std::vector<Published> observed_;

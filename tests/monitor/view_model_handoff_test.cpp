@@ -15,6 +15,7 @@
 #include "monitor/monitor_view_model.hpp"
 #include "monitor/qt_run_loop.hpp"
 #include "monitor/serial_queue.hpp"
+#include "support/fake_extras.hpp"
 #include "support/fake_machine.hpp"
 
 namespace tarn {
@@ -73,6 +74,11 @@ class ViewModelThreads : public ::testing::Test {
                                     .path = "/opt/App " + std::to_string(pid % 7) + ".app/run",
                                     .usage = ProcessUsage{.footprint = 1}});
     }
+    extras_.volume = VolumeValues{1, 1, "a name too long to lie within the text"};
+    extras_.onCall = [this](const std::string&) {
+      threads_.insert(std::this_thread::get_id());
+      extras_.uptime += 1;
+    };
   }
 
   std::shared_ptr<MonitorViewModel> create() {
@@ -91,11 +97,7 @@ class ViewModelThreads : public ::testing::Test {
         {.mainLoop = mainLoop_,
          .makeQueue = [](const std::string&) { return std::make_unique<SerialQueue>(); },
          .sampler = std::move(sampler),
-         .readExtras = [this]() -> ExtrasReading {
-           threads_.insert(std::this_thread::get_id());
-           return {.extras = {.storage = StorageInfo{.volumeName = "a name too long to lie within the text"},
-                              .uptime = extrasUptime_ += 1}};
-         },
+         .extras = extras_.port(),
          .pressureLevel = [] { return 1; },
          .pressureSource = std::move(pressure),
          .frontmostApplication =
@@ -113,7 +115,7 @@ class ViewModelThreads : public ::testing::Test {
 
   QtRunLoop mainLoop_;
   FakeMachine machine_;
-  double extrasUptime_ = 0;            // the sweeps' thread's own
+  FakeExtras extras_;                  // the sweeps' thread's own
   std::set<std::thread::id> threads_;  // likewise
   EagerPressureSource* pressure_ = nullptr;
   std::thread::id endedOn_;

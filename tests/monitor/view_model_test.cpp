@@ -228,7 +228,7 @@ TEST_F(ViewModelTest, GathersExtrasInASweepThatPressureRequestsWhileThePopoverIs
   startAndSettle();
   model_->popoverOpened();
   finishSweep();
-  extras_.extras.uptime = 5;
+  extras_.uptime = 5;
   reportPressure(1);
   mainTasks().runAll();
   finishSweep();

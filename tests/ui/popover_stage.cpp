@@ -56,7 +56,7 @@ void PopoverStage::start() {
       MonitorViewModel::create({.mainLoop = loop,
                                 .makeQueue = [this](const std::string& label) { return queues.make(label); },
                                 .sampler = samplerPortOf(machine),
-                                .readExtras = nullptr,
+                                .extras = extras.port(),
                                 .pressureLevel = [this] { return pressureLevel; },
                                 .pressureSource = std::make_unique<FakePressureSource>(pressure),
                                 .frontmostApplication = [] { return std::nullopt; },

@@ -16,6 +16,7 @@
 
 #include "monitor/monitor_view_model.hpp"
 #include "monitor/preferences.hpp"
+#include "support/fake_extras.hpp"
 #include "support/fake_machine.hpp"
 #include "support/fake_pressure_source.hpp"
 #include "support/stepped_queue.hpp"
@@ -67,6 +68,7 @@ class PopoverStage {
   void start();
 
   FakeMachine machine;
+  FakeExtras extras;
   FakePressure pressure;
   SteppedRunLoop loop;
   SteppedQueues queues;

@@ -7,10 +7,11 @@
 
 namespace tarn {
 
-/// Where the kernel's own file systems are found. A captured tree in their place makes a test.
+/// Where the system's files are found. A captured tree in their place makes a test.
 struct LinuxRoots {
   std::string proc = "/proc";
   std::string sys = "/sys";
+  std::string root;  ///< what stands before "/etc" and "/run", and before "/" of the root volume
 };
 
 }  // namespace tarn

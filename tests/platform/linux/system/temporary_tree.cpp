@@ -25,7 +25,7 @@ TemporaryTree::~TemporaryTree() {
 }
 
 LinuxRoots TemporaryTree::roots() const {
-  return {(root_ / "proc").string(), (root_ / "sys").string()};
+  return {(root_ / "proc").string(), (root_ / "sys").string(), root_.string()};
 }
 
 std::filesystem::path TemporaryTree::prepared(const std::string& path) const {

@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "extras/thermal_sensors.hpp"
+
+#include <utility>
+
+namespace tarn {
+
+bool isPlausibleTemperature(double celsius) {
+  constexpr double lowerBound = 1.0;
+  constexpr double upperBound = 120.0;
+  return celsius > lowerBound && celsius < upperBound;
+}
+
+ThermalSensors::ThermalSensors(SensorReadings readings) : readings_(std::move(readings)) {}
+
+std::optional<double> ThermalSensors::averageCelsius() const {
+  double sum = 0;
+  int count = 0;
+  for (const double celsius : readings_()) {
+    if (!isPlausibleTemperature(celsius)) continue;
+    sum += celsius;
+    ++count;
+  }
+  if (count == 0) return std::nullopt;
+  return sum / count;
+}
+
+}  // namespace tarn

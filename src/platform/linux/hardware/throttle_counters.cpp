@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/hardware/throttle_counters.hpp"
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "platform/linux/system/text_scan.hpp"
+
+namespace tarn {
+
+namespace {
+
+bool isProcessor(const DirectoryEntry& entry) {
+  constexpr std::string_view stem = "cpu";
+  return entry.name.starts_with(stem) &&
+         parseWholeNumber<unsigned>(std::string_view(entry.name).substr(stem.size())).has_value();
+}
+
+}  // namespace
+
+void ThrottleCounters::lookForCounters() {
+  const std::string processors = sys_ + "/devices/system/cpu";
+  std::set<std::string> countedPackages;
+  for (const DirectoryEntry& entry : listDirectory(processors)) {
+    if (!isProcessor(entry)) continue;
+    const std::string processor = processors + '/' + entry.name;
+    DeviceDirectory directory(processor + "/thermal_throttle");
+    if (directory.number("package_throttle_count")) {
+      const std::string package = DeviceDirectory(processor + "/topology").text("physical_package_id");
+      if (countedPackages.insert(package).second)
+        counters_.push_back({std::move(directory), "package_throttle_count", std::nullopt});
+    } else if (directory.number("core_throttle_count")) {
+      counters_.push_back({std::move(directory), "core_throttle_count", std::nullopt});
+    }
+  }
+}
+
+std::optional<bool> ThrottleCounters::haveRisen() {
+  if (!std::exchange(looked_, true)) lookForCounters();
+  std::optional<bool> risen;
+  for (Counter& counter : counters_) {
+    const auto count = counter.directory.number(counter.file);
+    if (!count) continue;
+    risen = risen.value_or(false) || (counter.last && *count > *counter.last);
+    counter.last = count;
+  }
+  return risen;
+}
+
+}  // namespace tarn
