@@ -38,6 +38,7 @@ fill_stage() {
   mkdir "$stage/bin"
   cp "$tarn" "$stage/bin/tarn"
   cp -r "$end_to_end" "$stage/end_to_end"
+  cp -r "$repository/tests/fixtures/linux/machines" "$stage/machines"
   if [ -f "$repository/tests/support/lsan.supp" ]; then cp "$repository/tests/support/lsan.supp" "$stage/"; fi
   local load
   for load in hold_memory burn_core; do

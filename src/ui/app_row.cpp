@@ -12,12 +12,8 @@ namespace tarn {
 
 namespace {
 
-constexpr int iconFrame = 18;
-constexpr int nameHeight = 18;
-constexpr int smallLineHeight = 14;
-constexpr int nameSpacing = 1;
-constexpr int chevronFrame = 10;
-constexpr int processIndent = 26;  ///< past the icon and its gap: lines start under the group's name
+constexpr QSize chevronFrame(10, 18);
+constexpr int processIndent = rowIconFrame + rowSpacing;  ///< lines start under the group's name
 constexpr int stackSpacing = 2;
 
 QString chevronName(const RowContent& content) {
@@ -27,8 +23,8 @@ QString chevronName(const RowContent& content) {
 
 }  // namespace
 
-AppIconView::AppIconView(QWidget* parent) : GlyphView(iconFrame, SymbolWeight::regular, parent) {
-  setFixedSize(iconFrame, iconFrame);
+AppIconView::AppIconView(QWidget* parent) : GlyphView(rowIconFrame, SymbolWeight::regular, parent) {
+  setFixedSize(rowIconFrame, rowIconFrame);
 }
 
 void AppIconView::setIcon(const AppIcon& icon) {
@@ -51,8 +47,7 @@ void AppIconView::paintEvent(QPaintEvent* event) {
 AppRowButton::AppRowButton(QWidget* parent)
     : QPushButton(parent),
       icon_(new AppIconView(this)),
-      name_(new TextLabel(systemFont(12, QFont::Medium), TextStyle::primary, Overflow::cuts)),
-      secondary_(new TextLabel(systemFont(10), TextStyle::secondary, Overflow::cuts)),
+      texts_(new RowText),
       value_(new FigureLabel(systemFont(12), TextStyle::secondary)),
       chevron_(new GlyphView(9, SymbolWeight::semibold)) {
   setAttribute(Qt::WA_Hover);
@@ -60,20 +55,13 @@ AppRowButton::AppRowButton(QWidget* parent)
   setFocusPolicy(Qt::TabFocus);
   setAutoDefault(true);  // Return presses it, too
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-  name_->setFixedHeight(nameHeight);
-  secondary_->setFixedHeight(smallLineHeight);
-  chevron_->setFixedSize(chevronFrame, nameHeight);
-
-  auto* texts = new QVBoxLayout;
-  texts->setSpacing(nameSpacing);
-  texts->addWidget(name_);
-  texts->addWidget(secondary_);
+  chevron_->setFixedSize(chevronFrame);
 
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
-  row->setSpacing(8);
+  row->setSpacing(rowSpacing);
   row->addWidget(icon_, 0, Qt::AlignVCenter);
-  row->addLayout(texts, 1);
+  row->addLayout(texts_, 1);
   row->addWidget(value_, 0, Qt::AlignVCenter);
   row->addWidget(chevron_, 0, Qt::AlignVCenter);
 }
@@ -85,9 +73,7 @@ void AppRowButton::setContent(const RowContent& content, const AppIcon& icon) {
   setAccessibleName(content.name + QStringLiteral(", ") + content.value);
   setAccessibleDescription(content.secondary.value_or(QString()));
   icon_->setIcon(icon);
-  name_->setText(content.name);
-  secondary_->setText(content.secondary.value_or(QString()));
-  secondary_->setVisible(content.secondary.has_value());
+  texts_->setTexts(content.name, content.secondary);
   value_->setText(content.value);
   value_->updateGeometry();
   chevron_->setSymbol(chevronName(content), TextStyle::tertiary);

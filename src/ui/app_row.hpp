@@ -12,6 +12,7 @@
 #include "ui/app_icon_provider.hpp"
 #include "ui/glyph_view.hpp"
 #include "ui/popover_content.hpp"
+#include "ui/row_text.hpp"
 #include "ui/text_label.hpp"
 
 namespace tarn {
@@ -60,8 +61,7 @@ class AppRowButton : public QPushButton {
   bool canOpen_ = false;
   bool isExpanded_ = false;
   AppIconView* icon_;
-  TextLabel* name_;
-  TextLabel* secondary_;
+  RowText* texts_;
   FigureLabel* value_;
   GlyphView* chevron_;
 };

@@ -15,7 +15,7 @@ namespace tarn {
 
 namespace {
 
-constexpr int rowSpacing = 2;
+constexpr int spacingOfRows = 2;
 constexpr int highlightRadius = 6;
 constexpr int leastVisibleHeight = 80;  ///< of a list that has to scroll
 
@@ -30,7 +30,7 @@ ApplicationList::ApplicationList(AppIconProvider& icons, QWidget* parent)
   beforeRows_->hide();
   beforeRows_->setFocusPolicy(Qt::TabFocus);
   layout_->setContentsMargins(highlightReach, highlightRise, highlightReach, highlightRise);
-  layout_->setSpacing(rowSpacing);
+  layout_->setSpacing(spacingOfRows);
   layout_->addWidget(placeholder_);
 }
 

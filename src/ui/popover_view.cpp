@@ -116,7 +116,7 @@ QWidget* PopoverView::makeSystemSection() {
   auto* footnote = new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::wraps);
   footnote->setText(systemFootnote());
   addInset(stack, new Divider);
-  addInset(stack, makePlaceholder(QStringLiteral("Reading…")));
+  addInset(stack, systemPanel_ = new SystemPanel);
   addInset(stack, new Divider);
   addInset(stack, footnote);
   return section;
@@ -153,7 +153,7 @@ void PopoverView::hideEvent(QHideEvent* event) {
 void PopoverView::render() {
   renderStatusLine();
   const bool showsSystem = tab_ == PopoverTab::system;
-  if (!showsSystem) renderApplications();
+  showsSystem ? renderSystem() : renderApplications();
   applicationSection_->setVisible(!showsSystem);
   systemSection_->setVisible(showsSystem);
   footer_->showPreference();
@@ -172,6 +172,10 @@ void PopoverView::renderApplications() {
   detailLine_->setText(breakingAfterSeparators(detail));
   detailLine_->setAccessibleName(detail);
   explainer_->setText(explainer(tab_));
+}
+
+void PopoverView::renderSystem() {
+  if (model_->extras()) systemPanel_->setRows(systemRows(*model_->extras(), model_->thermalState()));
 }
 
 }  // namespace tarn

@@ -17,6 +17,7 @@
 #include "ui/popover_footer.hpp"
 #include "ui/popover_tab.hpp"
 #include "ui/render_scheduler.hpp"
+#include "ui/system_panel.hpp"
 #include "ui/tab_picker.hpp"
 #include "ui/text_label.hpp"
 
@@ -56,6 +57,7 @@ class PopoverView : public QWidget {
   void render();
   void renderStatusLine();
   void renderApplications();
+  void renderSystem();
 
   std::shared_ptr<MonitorViewModel> model_;
   Preferences& prefs_;
@@ -72,6 +74,7 @@ class PopoverView : public QWidget {
   TextLabel* detailLine_ = nullptr;
   TextLabel* explainer_ = nullptr;
   QWidget* systemSection_ = nullptr;
+  SystemPanel* systemPanel_ = nullptr;
   PopoverFooter* footer_ = nullptr;
 };
 

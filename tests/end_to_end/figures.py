@@ -32,3 +32,16 @@ def parse_percent(text):
     if not re.fullmatch(PERCENT, text):
         raise ValueError(f"not a percentage: {text!r}")
     return int(text[:-1].replace(",", ""))
+
+
+def uptime_text(seconds):
+    """Seconds as Tarn writes an uptime."""
+    minutes = int(seconds) // 60
+    days, hours, rest = minutes // 1440, minutes // 60 % 24, minutes % 60
+
+    def counted(number, unit):
+        return f"{number} {unit}" + ("" if number == 1 else "s")
+
+    if days:
+        return f"{counted(days, 'day')}, {counted(hours, 'hour')}"
+    return f"{counted(hours, 'hour')}, {rest} min" if hours else f"{rest} min"

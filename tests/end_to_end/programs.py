@@ -28,10 +28,11 @@ SANITIZERS = {name: os.environ[name] for name in ("ASAN_OPTIONS", "UBSAN_OPTIONS
 
 
 class Tarn:
-    """A running Tarn with its item in the panel and its popover."""
+    """A running Tarn with its item in the panel and its popover. `wrapper` are the words of a program that runs Tarn as
+    the same process."""
 
-    def __init__(self, desktop):
-        self.process = desktop.start("tarn", [TARN], SANITIZERS)
+    def __init__(self, desktop, wrapper=(), environment=None):
+        self.process = desktop.start("tarn", [*wrapper, TARN], SANITIZERS | (environment or {}))
         self.pid = self.process.pid
         self.item = MenuBarItem(desktop, self.pid)
         self.popover = Popover(desktop, self.pid, self.item)

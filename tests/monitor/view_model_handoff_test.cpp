@@ -148,6 +148,37 @@ TEST_F(ViewModelThreads, SweepAndReportWhileThePopoverOpensAndCloses) {
   EXPECT_FALSE(threads_.contains(std::this_thread::get_id()));
 }
 
+TEST_F(ViewModelThreads, KeepTheMainThreadFreeWhileADriverDoesNotAnswer) {
+  std::atomic<bool> asked = false;
+  std::atomic<bool> answers = false;
+  extras_.onCall = [&](const std::string& operation) {
+    if (operation != "temperatures") return;
+    asked = true;
+    asked.notify_one();
+    answers.wait(false);
+  };
+  auto model = create();
+  serveUntil([&model] { return model->snapshot().has_value(); });
+  const std::uint64_t before = model->presentation().swapUsed;
+  model->popoverOpened();
+  asked.wait(false);
+
+  bool served = false;
+  mainLoop_.async([&served] { served = true; });
+  model->popoverClosed();
+  model->popoverOpened();
+  serveUntil([&served] { return served; });
+  EXPECT_EQ(model->presentation().swapUsed, before) << "that sweep is not over";
+  EXPECT_EQ(model->extras(), std::nullopt);
+
+  answers = true;
+  answers.notify_one();
+  serveUntil([&model] { return model->extras().has_value(); });
+  EXPECT_GT(model->presentation().swapUsed, before);
+  const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
+  serveUntil([&inFlight] { return inFlight.expired(); });
+}
+
 TEST_F(ViewModelThreads, EndTogetherWithTheViewModelWheneverItIsLetGo) {
   for (int round = 0; round < 50; ++round) {
     endedOn_ = {};

@@ -53,8 +53,12 @@ DeviceDirectory::DeviceDirectory(std::string path) : path_(std::move(path)) {
   }
 }
 
+bool DeviceDirectory::has(std::string_view file) const {
+  return std::binary_search(files_.begin(), files_.end(), file);
+}
+
 std::string DeviceDirectory::text(std::string_view file) const {
-  if (!std::binary_search(files_.begin(), files_.end(), file)) return {};
+  if (!has(file)) return {};
   constexpr std::size_t longestText = 4096;  // what the kernel lets a file of sysfs hold
   std::array<char, longestText> buffer{};
   std::string path = path_ + '/';

@@ -35,6 +35,7 @@ class DeviceDirectory {
   explicit DeviceDirectory(std::string path);
 
   const std::vector<std::string>& files() const { return files_; }
+  bool has(std::string_view file) const;
 
   /// The first line of a file, without blanks at its end; empty when there is no such file, or when its
   /// driver has no answer. Three system calls, none for a file that was not listed.

@@ -39,6 +39,7 @@ void ThermalZones::refresh() {
   if (!zones_.hasChanged()) return;
   known_.clear();
   for (DeviceDirectory& directory : zones_.devices()) {
+    if (!directory.has("temp")) continue;  // a cooling device
     std::string type = directory.text("type");
     const TripPoints trips = readTripPoints(directory);
     known_.push_back({std::move(directory), std::move(type), trips});

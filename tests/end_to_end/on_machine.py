@@ -1,0 +1,43 @@
+#!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+"""on_machine.py CLASSES PROGRAM [WORD...]: runs a program to which the folder CLASSES is /sys/class, by a mount that
+only it sees. Takes no privileges: the kernel must let ordinary users have name spaces of their own."""
+
+import ctypes
+import os
+import sys
+from pathlib import Path
+
+CLONE_NEWNS = 0x00020000
+CLONE_NEWUSER = 0x10000000
+MS_BIND = 0x1000
+MS_REC = 0x4000
+MS_PRIVATE = 0x40000
+
+LIBC = ctypes.CDLL(None, use_errno=True)
+
+
+def check(result, what):
+    if result != 0:
+        raise OSError(ctypes.get_errno(), f"{what}: {os.strerror(ctypes.get_errno())}")
+
+
+def enter_name_spaces():
+    user, group = os.getuid(), os.getgid()
+    check(LIBC.unshare(CLONE_NEWUSER | CLONE_NEWNS), "no name spaces of its own for an ordinary user")
+    Path("/proc/self/setgroups").write_text("deny", encoding="ascii")
+    Path("/proc/self/uid_map").write_text(f"{user} {user} 1", encoding="ascii")
+    Path("/proc/self/gid_map").write_text(f"{group} {group} 1", encoding="ascii")
+    check(LIBC.mount(None, b"/", None, MS_REC | MS_PRIVATE, None), "no mounts of its own")
+
+
+def main():
+    classes, *command = sys.argv[1:]
+    enter_name_spaces()
+    check(LIBC.mount(os.fsencode(classes), b"/sys/class", None, MS_BIND, None), f"{classes} on /sys/class")
+    os.execv(command[0], command)
+
+
+if __name__ == "__main__":
+    main()
