@@ -24,8 +24,10 @@ void writeMachine(const TemporaryTree& tree, const std::string& name) {
     }
     const std::size_t equals = line.find(" =");
     if (equals == std::string::npos) throw std::runtime_error(name + ": " + line);
+    std::string path = directory;
+    path.append("/").append(line, 0, equals);
     const std::string text = line.size() > equals + 3 ? line.substr(equals + 3) + '\n' : "";
-    tree.write(directory + '/' + line.substr(0, equals), text);
+    tree.write(path, text);
   }
 }
 

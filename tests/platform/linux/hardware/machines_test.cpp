@@ -66,8 +66,8 @@ const std::vector<Machine> machines = {
     {"odroid-xu4", none, (69 + 75 + 72 + 70) / 4.0, fair},
 };
 
-void PrintTo(const Machine& machine, std::ostream* stream) {
-  *stream << machine.name;
+std::ostream& operator<<(std::ostream& stream, const Machine& machine) {
+  return stream << machine.name;
 }
 
 class MachineTest : public ::testing::TestWithParam<Machine> {

@@ -1,0 +1,175 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/macos/readers/event_system_sensors.hpp"
+
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "extras/thermal_sensors.hpp"
+#include "platform/macos/readers/event_system_library.hpp"
+
+namespace tarn::macos {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::string libraryWithout(const std::string& function) {
+  return std::string(TARN_EVENT_LIBRARIES "/event_system_without_") + function + ".so";
+}
+
+FakeEventSystem* current = nullptr;
+std::vector<std::pair<std::string, std::int64_t>> matched;
+
+const FakeObject* known(ObjectRef object) {
+  return static_cast<const FakeObject*>(object);
+}
+
+ObjectRef createDictionary(std::span<const IntegerEntry> entries) {
+  matched.clear();
+  for (const IntegerEntry& entry : entries) matched.emplace_back(entry.key, entry.value);
+  ++current->created;
+  return new FakeObject{.kind = FakeObject::Kind::dictionary};
+}
+
+void release(ObjectRef object) {
+  ++current->released;
+  delete known(object);
+}
+
+const ObjectFunctions objects = {
+    .defaultAllocator = nullptr,
+    .createDictionary = createDictionary,
+    .isArray = [](ObjectRef object) { return known(object)->kind == FakeObject::Kind::array; },
+    .arrayCount = [](ObjectRef array) { return static_cast<std::int64_t>(known(array)->items.size()); },
+    .arrayItem = [](ObjectRef array, std::int64_t index) -> ObjectRef {
+      return known(array)->items.at(static_cast<std::size_t>(index));
+    },
+    .release = release,
+};
+
+class EventSystemSensorsTest : public ::testing::Test {
+ protected:
+  EventSystemSensorsTest() { current = &system_; }
+
+  /// What the sensors read, by a library that lacks a function or nothing.
+  std::vector<double> readingsWithout(const std::string& function) {
+    const std::string path = libraryWithout(function);
+    void* library = ::dlopen(path.c_str(), RTLD_NOW);
+    if (library == nullptr) throw std::runtime_error(::dlerror());
+    reinterpret_cast<void (*)(FakeEventSystem*)>(::dlsym(library, "prescribe"))(&system_);
+    const EventSystemFunctions functions = lookUpEventSystem(path);
+    ::dlclose(library);  // the look-up keeps it open
+    return EventSystemSensors(functions, objects).readings();
+  }
+
+  std::vector<double> readings() { return readingsWithout("nothing"); }
+
+  void expectAllReleased(int created) const {
+    EXPECT_EQ(system_.created, created);
+    EXPECT_EQ(system_.released, created);
+  }
+
+  FakeEventSystem system_;
+};
+
+TEST_F(EventSystemSensorsTest, ReadEachSensorOnceAndReleaseWhatTheyGot) {
+  system_.sensors = {{.celsius = 40}, {.celsius = 50}, {.celsius = 0}};
+  EXPECT_THAT(readings(), ElementsAre(40, 50, 0));
+  EXPECT_THAT(system_.calls, ElementsAre("create", "setMatching", "copyServices",  //
+                                         "copyEvent 15 0 0", "getFloat 983040",    //
+                                         "copyEvent 15 0 0", "getFloat 983040",    //
+                                         "copyEvent 15 0 0", "getFloat 983040"));
+  expectAllReleased(3 + 3);
+}
+
+TEST_F(EventSystemSensorsTest, MatchTheTemperatureSensorsOfTheVendorsPage) {
+  readings();
+  EXPECT_THAT(matched, ElementsAre(std::pair("PrimaryUsagePage", 65280), std::pair("PrimaryUsage", 5)));
+}
+
+TEST_F(EventSystemSensorsTest, PassOverASensorWithoutAnEvent) {
+  system_.sensors = {{.hasEvent = false}, {.celsius = 50}, {.hasEvent = false}};
+  EXPECT_THAT(readings(), ElementsAre(50));
+  expectAllReleased(3 + 1);
+}
+
+TEST_F(EventSystemSensorsTest, GiveNothingWithoutAClient) {
+  system_.refusesClients = true;
+  EXPECT_THAT(readings(), IsEmpty());
+  EXPECT_THAT(system_.calls, ElementsAre("create"));
+  expectAllReleased(0);
+}
+
+TEST_F(EventSystemSensorsTest, GiveNothingWithoutServices) {
+  EXPECT_THAT(readings(), IsEmpty());
+  expectAllReleased(3);
+  system_ = {.hasNoServices = true};
+  EXPECT_THAT(readings(), IsEmpty());
+  expectAllReleased(2);
+  system_ = {.givesServicesOfAnotherKind = true};
+  EXPECT_THAT(readings(), IsEmpty());
+  expectAllReleased(3);
+}
+
+TEST_F(EventSystemSensorsTest, MakeANewClientForEachReading) {
+  system_.sensors = {{.celsius = 40}};
+  readings();
+  system_.sensors[0].celsius = 41;
+  EXPECT_THAT(readings(), ElementsAre(41));
+  EXPECT_EQ(std::count(system_.calls.begin(), system_.calls.end(), "create"), 2);
+  expectAllReleased(2 * 4);
+}
+
+TEST_F(EventSystemSensorsTest, LeaveBoundsAndMeanToWhoeverAsks) {
+  system_.sensors = {{.celsius = 40}, {.celsius = 50}, {.celsius = 0}, {.celsius = 120}, {.celsius = -62}};
+  const ThermalSensors thermal([this] { return readings(); });
+  EXPECT_EQ(thermal.averageCelsius(), 45);
+  expectAllReleased(3 + 5);
+}
+
+TEST_F(EventSystemSensorsTest, CallNothingWhereOneFunctionIsMissing) {
+  system_.sensors = {{.celsius = 40}};
+  for (const auto* function : {"create", "setMatching", "copyServices", "copyEvent", "getFloat"}) {
+    EXPECT_FALSE(lookUpEventSystem(libraryWithout(function)).areComplete()) << function;
+    EXPECT_THAT(readingsWithout(function), IsEmpty()) << function;
+    EXPECT_THAT(system_.calls, IsEmpty()) << function;
+  }
+  expectAllReleased(0);
+}
+
+TEST(EventSystemLookUp, FindsAllButTheMissingFunction) {
+  const EventSystemFunctions found = lookUpEventSystem(libraryWithout("copyEvent"));
+  EXPECT_TRUE(found.create && found.setMatching && found.copyServices && found.getFloat);
+  EXPECT_EQ(found.copyEvent, nullptr);
+  EXPECT_TRUE(lookUpEventSystem(libraryWithout("nothing")).areComplete());
+}
+
+TEST(EventSystemLookUp, FindsNothingWithoutALibrary) {
+  for (const std::string path : {"/nowhere/at/all", "/etc/hostname", ""}) {
+    const EventSystemFunctions found = lookUpEventSystem(path);
+    EXPECT_TRUE(!found.create && !found.setMatching && !found.copyServices && !found.copyEvent &&
+                !found.getFloat)
+        << path;
+  }
+}
+
+TEST(EventSystemLookUp, NeverClosesTheLibrary) {
+  const std::string path = libraryWithout("getFloat");
+  lookUpEventSystem(path);
+  void* const library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+  ASSERT_NE(library, nullptr) << "it is no longer loaded";
+  ::dlclose(library);
+}
+
+TEST(EventSystemLookUp, AsksTheSystemsLibraryUnlessToldOtherwise) {
+  EXPECT_STREQ(eventSystemLibrary, "/System/Library/Frameworks/IOKit.framework/IOKit");
+}
+
+}  // namespace
+}  // namespace tarn::macos
