@@ -23,7 +23,7 @@ void writeMachine(const TemporaryTree& tree, const std::string& name) {
       continue;
     }
     const std::size_t equals = line.find(" =");
-    if (equals == std::string::npos) throw std::runtime_error(name + ": " + line);
+    if (equals == std::string::npos) throw std::runtime_error("not a file: " + line);
     std::string path = directory;
     path.append("/").append(line, 0, equals);
     const std::string text = line.size() > equals + 3 ? line.substr(equals + 3) + '\n' : "";
