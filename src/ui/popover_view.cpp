@@ -153,7 +153,11 @@ void PopoverView::hideEvent(QHideEvent* event) {
 void PopoverView::render() {
   renderStatusLine();
   const bool showsSystem = tab_ == PopoverTab::system;
-  showsSystem ? renderSystem() : renderApplications();
+  if (showsSystem) {
+    renderSystem();
+  } else {
+    renderApplications();
+  }
   applicationSection_->setVisible(!showsSystem);
   systemSection_->setVisible(showsSystem);
   footer_->showPreference();

@@ -64,7 +64,7 @@ QString batteryIcon(const BatteryInfo& battery) {
 }
 
 QString temperatureValue(const std::optional<double>& celsius, ThermalState thermalState) {
-  if (!celsius) return QString::fromStdString(thermalPhrase(thermalState));
+  if (!celsius || !std::isfinite(*celsius)) return QString::fromStdString(thermalPhrase(thermalState));
   return QString::number(std::llround(*celsius)) + QStringLiteral(" °C");
 }
 

@@ -36,7 +36,7 @@ def show_facts(popover):
 
 def volume_name():
     """The label of the root's file system, or else the operating system's name."""
-    label = subprocess.run(["findmnt", "-rno", "LABEL", "/"], stdout=subprocess.PIPE, text=True, check=False).stdout
+    label = subprocess.run(["findmnt", "-no", "LABEL", "/"], stdout=subprocess.PIPE, text=True, check=False).stdout
     release = dict(line.split("=", 1) for line in Path("/etc/os-release").read_text("utf-8").splitlines() if "=" in line)
     return label.strip() or release["NAME"].strip('"')
 

@@ -129,6 +129,7 @@ TEST(TemperatureRow, SaysTheThermalStateWithoutAReading) {
   EXPECT_EQ(temperatureValue(std::nullopt, ThermalState::critical), "Overheating");
   EXPECT_EQ(temperatureValue(std::nullopt, ThermalState::unknown), "Temperature unknown");
   EXPECT_EQ(temperatureValue(std::nullopt, static_cast<ThermalState>(7)), "Temperature unknown");
+  EXPECT_EQ(temperatureValue(std::numeric_limits<double>::quiet_NaN(), ThermalState::fair), "Warming up");
   EXPECT_EQ(temperatureRow(std::nullopt, ThermalState::serious),
             (ExtrasRow{"thermometer.medium", "Temperature", "Running hot", std::nullopt}));
 }

@@ -61,6 +61,9 @@ class DeviceClass {
   /// is kept of its devices is void then.
   bool hasChanged();
 
+  /// Lets the next call tell of a change, for devices that had not answered yet when they were met.
+  void lookAgain() { entries_.reset(); }
+
   /// The devices of the last listing, ordered by name.
   std::vector<DeviceDirectory> devices() const;
 

@@ -3,6 +3,7 @@
 
 #include "platform/linux/hardware/linux_extras_port.hpp"
 
+#include <chrono>
 #include <memory>
 
 #include "platform/linux/hardware/power_supplies.hpp"
@@ -26,9 +27,10 @@ struct Hardware {
     return sensors.readings(zones);
   }
 
+  /// By the zones as of the last look at the temperatures.
   ThermalState thermalState() {
     const ThermalState state = zones.state();
-    const auto risen = throttling.haveRisen();
+    const auto risen = throttling.haveRisen(std::chrono::steady_clock::now());
     if (!risen) return state;
     return graver(state, *risen ? ThermalState::serious : ThermalState::nominal);
   }

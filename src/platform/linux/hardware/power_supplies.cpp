@@ -22,49 +22,51 @@ bool add(std::int64_t& sum, std::int64_t amount) {
   return !__builtin_add_overflow(sum, amount, &sum);
 }
 
-/// The sums of two files over the packs that have both; nothing when there is no such pack, or when a sum
-/// exceeds 64 bits.
+/// The sums of two files over the packs that have both; nothing when there is no such pack, when the whole is
+/// nothing, or when a sum exceeds 64 bits.
 std::optional<Sums> sumsOver(const Packs& packs, std::string_view part, std::string_view whole) {
-  std::optional<Sums> sums;
+  Sums sums;
   for (const DeviceDirectory* pack : packs) {
     const auto partly = pack->number(part);
     if (!partly) continue;
     const auto wholly = pack->number(whole);
     if (!wholly) continue;
-    if (!sums) sums.emplace();
-    if (!add(sums->part, *partly) || !add(sums->whole, *wholly)) return std::nullopt;
+    if (!add(sums.part, *partly) || !add(sums.whole, *wholly)) return std::nullopt;
   }
+  if (sums.whole < 1) return std::nullopt;
   return sums;
 }
 
 /// Charge levels in percent: each pack counts the same.
 std::optional<Sums> percentOver(const Packs& packs) {
   constexpr std::int64_t full = 100;
-  std::optional<Sums> sums;
+  Sums sums;
   for (const DeviceDirectory* pack : packs) {
     const auto percent = pack->number("capacity");
-    if (!percent) continue;
-    if (!sums) sums.emplace();
-    if (!add(sums->part, *percent) || !add(sums->whole, full)) return std::nullopt;
+    if (percent && (!add(sums.part, *percent) || !add(sums.whole, full))) return std::nullopt;
   }
+  if (sums.whole < 1) return std::nullopt;
   return sums;
 }
 
 std::optional<Sums> chargeOver(const Packs& packs) {
-  auto sums = sumsOver(packs, "energy_now", "energy_full");
-  if (!sums) sums = sumsOver(packs, "charge_now", "charge_full");
-  if (!sums) sums = percentOver(packs);
-  return sums;
+  if (const auto energy = sumsOver(packs, "energy_now", "energy_full")) return energy;
+  if (const auto charge = sumsOver(packs, "charge_now", "charge_full")) return charge;
+  return percentOver(packs);
 }
 
 bool isCharging(const DeviceDirectory* pack) {
   return pack->text("status") == "Charging";
 }
 
+/// False for a supply that came this moment, whose driver does not answer yet.
+bool tellsWhatItIs(const DeviceDirectory& supply) {
+  return !supply.text("type").empty() && !(supply.has("scope") && supply.text("scope").empty());
+}
+
 bool isOwnBattery(const DeviceDirectory& supply) {
   if (supply.text("type") != "Battery") return false;
-  const std::string scope = supply.text("scope");
-  return scope.empty() || scope == "System";
+  return !supply.has("scope") || supply.text("scope") == "System";
 }
 
 }  // namespace
@@ -72,7 +74,9 @@ bool isOwnBattery(const DeviceDirectory& supply) {
 std::vector<std::optional<PropertyDictionary>> PowerSupplies::sources() {
   if (supplies_.hasChanged()) {
     packs_ = supplies_.devices();
+    const bool allAnswer = std::all_of(packs_.begin(), packs_.end(), tellsWhatItIs);
     std::erase_if(packs_, [](const DeviceDirectory& supply) { return !isOwnBattery(supply); });
+    if (!allAnswer) supplies_.lookAgain();
   }
   present_.clear();
   for (const DeviceDirectory& pack : packs_) {

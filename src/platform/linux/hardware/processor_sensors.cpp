@@ -23,6 +23,23 @@ bool isTemperatureInput(std::string_view file) {
   return parseWholeNumber<unsigned>(file).has_value();
 }
 
+std::string labelOf(const DeviceDirectory& chip, const std::string& input) {
+  constexpr std::string_view ending = "input";
+  return chip.text(input.substr(0, input.size() - ending.size()) + "label");
+}
+
+std::vector<std::string> temperatureInputs(const DeviceDirectory& chip) {
+  std::vector<std::string> inputs = chip.files();
+  std::erase_if(inputs, [](const std::string& file) { return !isTemperatureInput(file); });
+  // AMD's control value is the temperature of the die with an offset for the fans, of 10 to 27 degrees on
+  // some processors, which tell the die's own as well.
+  const auto isDie = [&](const std::string& input) { return labelOf(chip, input) == "Tdie"; };
+  if (std::any_of(inputs.begin(), inputs.end(), isDie)) {
+    std::erase_if(inputs, [&](const std::string& input) { return labelOf(chip, input) == "Tctl"; });
+  }
+  return inputs;
+}
+
 /// Names are written with capitals or without, with hyphens in zones and underscores in chips.
 std::string plainName(std::string_view name) {
   std::string plain(name);
@@ -34,7 +51,7 @@ std::string plainName(std::string_view name) {
 }
 
 template <typename Matches>
-std::vector<double> readingsOf(ThermalZones& zones, Matches matches) {
+std::vector<double> readingsOf(const ThermalZones& zones, Matches matches) {
   std::vector<double> readings;
   for (const ThermalZone& zone : zones.all()) {
     if (!matches(zone.type)) continue;
@@ -46,10 +63,11 @@ std::vector<double> readingsOf(ThermalZones& zones, Matches matches) {
 }  // namespace
 
 bool isProcessorSensor(std::string_view name) {
-  constexpr std::array<std::string_view, 11> names = {
-      "coretemp", "k8temp", "k10temp", "zenpower",    "via_cputemp",    "x86_pkg_temp",
-      "soc_dts0", "tcpu",   "b0d4",    "soc_thermal", "package_thermal"};
-  constexpr std::array<std::string_view, 3> beginnings = {"cpu", "bigcore", "littlecore"};
+  constexpr std::array<std::string_view, 10> names = {
+      "coretemp",     "k8temp", "k10temp",     "zenpower",        "via_cputemp",
+      "x86_pkg_temp", "b0d4",   "soc_thermal", "package_thermal", "imx_thermal_zone"};
+  constexpr std::array<std::string_view, 6> beginnings = {"cpu",     "tcpu",       "soc_dts",
+                                                          "bigcore", "littlecore", "cluster"};
   const std::string plain = plainName(name);
   return std::find(names.begin(), names.end(), plain) != names.end() ||
          std::any_of(beginnings.begin(), beginnings.end(),
@@ -58,15 +76,18 @@ bool isProcessorSensor(std::string_view name) {
 
 void ProcessorSensors::lookForSensors() {
   sensors_.clear();
+  bool allAnswer = true;
   for (DeviceDirectory& directory : chips_.devices()) {
-    if (!isProcessorSensor(directory.text("name"))) continue;
-    std::vector<std::string> inputs = directory.files();
-    std::erase_if(inputs, [](const std::string& file) { return !isTemperatureInput(file); });
-    sensors_.push_back({std::move(directory), std::move(inputs)});
+    const std::string name = directory.text("name");
+    const bool isProcessors = isProcessorSensor(name);
+    auto inputs = isProcessors ? temperatureInputs(directory) : std::vector<std::string>();
+    allAnswer = allAnswer && !name.empty() && (!isProcessors || !inputs.empty());
+    if (!inputs.empty()) sensors_.push_back({std::move(directory), std::move(inputs)});
   }
+  if (!allAnswer) chips_.lookAgain();  // one came this moment and is not complete yet
 }
 
-std::vector<double> ProcessorSensors::readings(ThermalZones& zones) {
+std::vector<double> ProcessorSensors::readings(const ThermalZones& zones) {
   if (chips_.hasChanged()) lookForSensors();
   std::vector<double> readings;
   for (const Chip& chip : sensors_) {

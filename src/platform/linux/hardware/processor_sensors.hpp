@@ -22,8 +22,8 @@ class ProcessorSensors {
  public:
   explicit ProcessorSensors(const std::string& sys) : chips_(sys + "/class/hwmon") {}
 
-  /// The readings of all sensors that give one, degrees Celsius.
-  std::vector<double> readings(ThermalZones& zones);
+  /// The readings of all sensors that give one, degrees Celsius. `zones` are refreshed by the caller.
+  std::vector<double> readings(const ThermalZones& zones);
 
  private:
   struct Chip {

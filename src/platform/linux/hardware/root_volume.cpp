@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/linux/hardware/volume_name.hpp"
+#include "platform/linux/system/bounded_file.hpp"
 
 namespace tarn {
 
@@ -34,13 +35,21 @@ std::optional<VolumeValues> RootVolume::values() {
 }
 
 std::optional<std::string> RootVolume::name() {
-  struct stat status {};
-  if (::stat((roots_.root + "/").c_str(), &status) == 0) {
-    auto label = rootLabel(roots_, {major(status.st_dev), minor(status.st_dev)});
-    if (label) return label;
-  }
+  if (auto label = this->label()) return label;
   if (!systemName_) systemName_ = systemName(roots_);
   return *systemName_;
+}
+
+std::optional<std::string> RootVolume::label() {
+  struct stat status {};
+  if (::stat((roots_.root + "/").c_str(), &status) != 0) return std::nullopt;
+  // To find the record may take many calls; the device is the same until the root is another one.
+  const DeviceNumber device{major(status.st_dev), minor(status.st_dev)};
+  if (!record_ || device != device_) {
+    device_ = device;
+    record_ = rootRecord(roots_, device);
+  }
+  return record_ ? parseLabel(readFile(*record_)) : std::nullopt;
 }
 
 }  // namespace tarn

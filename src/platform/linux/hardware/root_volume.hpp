@@ -7,6 +7,7 @@
 #include <string>
 
 #include "extras/platform_extras.hpp"
+#include "platform/linux/hardware/volume_name.hpp"
 #include "platform/linux/system/linux_roots.hpp"
 
 namespace tarn {
@@ -22,8 +23,11 @@ class RootVolume {
 
  private:
   std::optional<std::string> name();
+  std::optional<std::string> label();
 
   LinuxRoots roots_;
+  DeviceNumber device_;  ///< that the record is of
+  std::optional<std::string> record_;
   /// The operating system's name, once it was looked for.
   std::optional<std::optional<std::string>> systemName_;
 };

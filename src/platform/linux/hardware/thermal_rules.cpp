@@ -5,6 +5,12 @@
 
 namespace tarn {
 
+bool isPlausibleZone(double celsius) {
+  constexpr double tooLow = 1;
+  constexpr double tooHigh = 150;
+  return celsius > tooLow && celsius < tooHigh;
+}
+
 bool isPlausibleTrip(double celsius) {
   // Unset ones read as 0, -274 or 255; some firmware has 20.8 or 256 for good measure.
   constexpr double tooLow = 30;

@@ -20,6 +20,10 @@ struct TripPoints {
   bool operator==(const TripPoints&) const = default;
 };
 
+/// False for a temperature that no zone of a running machine has. Wider than what the sensors' mean accepts:
+/// a zone may be hotter than that on its way to its critical trip point.
+bool isPlausibleZone(double celsius);
+
 /// False for a trip point that firmware left unset or set to nonsense.
 bool isPlausibleTrip(double celsius);
 

@@ -7,8 +7,6 @@
 #include <string_view>
 #include <utility>
 
-#include "extras/thermal_sensors.hpp"
-
 namespace tarn {
 
 namespace {
@@ -16,6 +14,11 @@ namespace {
 /// Takes the lower of two trip points.
 void lower(std::optional<double>& trip, double celsius) {
   trip = std::min(trip.value_or(celsius), celsius);
+}
+
+/// The trip points of these zones are thresholds at which programs ask to be told; nothing is slowed there.
+bool hasOnlyThresholds(std::string_view type) {
+  return type == "x86_pkg_temp" || type.starts_with("soc_dts");
 }
 
 TripPoints readTripPoints(const DeviceDirectory& zone) {
@@ -41,7 +44,8 @@ void ThermalZones::refresh() {
   for (DeviceDirectory& directory : zones_.devices()) {
     if (!directory.has("temp")) continue;  // a cooling device
     std::string type = directory.text("type");
-    const TripPoints trips = readTripPoints(directory);
+    if (type.empty()) zones_.lookAgain();  // it came this moment and does not answer yet
+    const TripPoints trips = hasOnlyThresholds(type) ? TripPoints{} : readTripPoints(directory);
     known_.push_back({std::move(directory), std::move(type), trips});
   }
 }
@@ -51,7 +55,7 @@ ThermalState ThermalZones::state() const {
   for (const ThermalZone& zone : known_) {
     if (zone.trips == TripPoints{}) continue;
     const auto celsius = zone.directory.celsius("temp");
-    if (celsius && isPlausibleTemperature(*celsius)) state = graver(state, stateOf(*celsius, zone.trips));
+    if (celsius && isPlausibleZone(*celsius)) state = graver(state, stateOf(*celsius, zone.trips));
   }
   return state;
 }

@@ -24,6 +24,7 @@ bool isProcessor(const DirectoryEntry& entry) {
 
 void ThrottleCounters::lookForCounters() {
   const std::string processors = sys_ + "/devices/system/cpu";
+  counters_.clear();
   std::set<std::string> countedPackages;
   for (const DirectoryEntry& entry : listDirectory(processors)) {
     if (!isProcessor(entry)) continue;
@@ -39,13 +40,18 @@ void ThrottleCounters::lookForCounters() {
   }
 }
 
-std::optional<bool> ThrottleCounters::haveRisen() {
-  if (!std::exchange(looked_, true)) lookForCounters();
+std::optional<bool> ThrottleCounters::haveRisen(Time now) {
+  constexpr auto longAgo = std::chrono::seconds(10);
+  const bool isRecent = now - std::exchange(lastLook_, now) <= longAgo;
+  if (!std::exchange(areKnown_, true)) lookForCounters();
   std::optional<bool> risen;
   for (Counter& counter : counters_) {
     const auto count = counter.directory.number(counter.file);
-    if (!count) continue;
-    risen = risen.value_or(false) || (counter.last && *count > *counter.last);
+    if (!count) {
+      areKnown_ = false;
+      continue;
+    }
+    risen = risen.value_or(false) || (isRecent && counter.last && *count > *counter.last);
     counter.last = count;
   }
   return risen;

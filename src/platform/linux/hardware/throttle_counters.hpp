@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,8 +19,11 @@ class ThrottleCounters {
  public:
   explicit ThrottleCounters(std::string sys) : sys_(std::move(sys)) {}
 
-  /// Whether a counter rose since the last call; false at the first. Nothing when no counter can be read.
-  std::optional<bool> haveRisen();
+  using Time = std::chrono::steady_clock::time_point;
+
+  /// Whether a counter rose since the last call; false at the first one, and when the last one was more than
+  /// ten seconds ago: what happened in between may be long over. Nothing when no counter can be read.
+  std::optional<bool> haveRisen(Time now);
 
  private:
   struct Counter {
@@ -31,8 +35,9 @@ class ThrottleCounters {
   void lookForCounters();
 
   std::string sys_;
-  bool looked_ = false;  ///< processors do not change
   std::vector<Counter> counters_;
+  bool areKnown_ = false;  ///< until one no longer answers, as when its processor is switched off
+  Time lastLook_;
 };
 
 }  // namespace tarn

@@ -18,25 +18,25 @@ std::optional<std::string> unlessEmpty(std::string text) {
   return text;
 }
 
-/// The rest of the first line that begins with `key`.
-std::optional<std::string_view> lineAfter(std::string_view text, std::string_view key) {
+/// The rest of the last line that begins with `key`, without blanks at its end.
+std::optional<std::string_view> lastLineAfter(std::string_view text, std::string_view key) {
+  std::optional<std::string_view> rest;
   while (!text.empty()) {
     const std::string_view line = takeLine(text);
-    if (line.starts_with(key)) return line.substr(key.size());
+    if (line.starts_with(key))
+      rest = line.substr(key.size(), line.find_last_not_of(" \t\r") + 1 - key.size());
   }
-  return std::nullopt;
+  return rest;
 }
 
-/// Undoes the escapes of the device manager: "\x20" for a blank.
-std::string withoutHexEscapes(std::string_view text) {
-  constexpr int hexadecimal = 16;
-  constexpr std::size_t escapeLength = 4;
+/// Undoes escapes of a beginning and some digits, which stand for one byte.
+std::string withoutEscapes(std::string_view text, std::string_view beginning, std::size_t digits, int base) {
   std::string plain;
   while (!text.empty()) {
-    const std::string_view escape = text.substr(0, escapeLength);
-    const bool isEscape = escape.size() == escapeLength && escape.starts_with("\\x");
+    const std::string_view escape = text.substr(0, beginning.size() + digits);
+    const bool isEscape = escape.size() == beginning.size() + digits && escape.starts_with(beginning);
     const auto code =
-        isEscape ? parseWholeNumber<unsigned char>(escape.substr(2), hexadecimal) : std::nullopt;
+        isEscape ? parseWholeNumber<unsigned char>(escape.substr(beginning.size()), base) : std::nullopt;
     plain += code ? static_cast<char>(*code) : text.front();
     text.remove_prefix(code ? escape.size() : 1);
   }
@@ -44,9 +44,9 @@ std::string withoutHexEscapes(std::string_view text) {
 }
 
 /// The number of the device behind a path in /dev, which may be a link.
-std::optional<std::string> deviceNumber(const LinuxRoots& roots, std::string_view source) {
+std::optional<std::string> deviceNumber(const LinuxRoots& roots, const std::string& source) {
   std::error_code error;
-  const auto device = std::filesystem::canonical(roots.root + std::string(source), error);
+  const auto device = std::filesystem::canonical(roots.root + source, error);
   if (error) return std::nullopt;
   const std::string text = readFile(roots.sys + "/class/block/" + device.filename().string() + "/dev");
   std::string_view rest = text;
@@ -56,12 +56,13 @@ std::optional<std::string> deviceNumber(const LinuxRoots& roots, std::string_vie
 }  // namespace
 
 std::optional<std::string> parseLabel(std::string_view record) {
-  const auto label = lineAfter(record, "E:ID_FS_LABEL_ENC=");
+  constexpr int hexadecimal = 16;
+  const auto label = lastLineAfter(record, "E:ID_FS_LABEL_ENC=");
   if (!label) return std::nullopt;
-  return unlessEmpty(withoutHexEscapes(*label));
+  return unlessEmpty(withoutEscapes(*label, "\\x", 2, hexadecimal));
 }
 
-std::string_view parseRootSource(std::string_view mountInfo) {
+std::string parseRootSource(std::string_view mountInfo) {
   std::string_view source;
   while (!mountInfo.empty()) {
     std::string_view line = takeLine(mountInfo);
@@ -74,22 +75,23 @@ std::string_view parseRootSource(std::string_view mountInfo) {
     takeWord(line);           // kind of file system
     source = takeWord(line);  // a later mount hides an earlier one
   }
-  return source.starts_with("/dev/") ? source : std::string_view();
+  constexpr int octal = 8;
+  return source.starts_with("/dev/") ? withoutEscapes(source, "\\", 3, octal) : std::string();
 }
 
-std::optional<std::string> rootLabel(const LinuxRoots& roots, DeviceNumber device) {
+std::optional<std::string> rootRecord(const LinuxRoots& roots, DeviceNumber device) {
   std::optional<std::string> number = std::to_string(device.major) + ':' + std::to_string(device.minor);
   if (device.major == 0) {
     const std::string mounts = readFile(roots.proc + "/self/mountinfo", std::size_t{1} << 20);
-    const std::string_view source = parseRootSource(mounts);
+    const std::string source = parseRootSource(mounts);
     number = source.empty() ? std::nullopt : deviceNumber(roots, source);
   }
   if (!number) return std::nullopt;
-  return parseLabel(readFile(roots.root + "/run/udev/data/b" + *number));
+  return roots.root + "/run/udev/data/b" + *number;
 }
 
 std::optional<std::string> parseSystemName(std::string_view osRelease) {
-  const auto value = lineAfter(osRelease, "NAME=");
+  const auto value = lastLineAfter(osRelease, "NAME=");
   if (!value) return std::nullopt;
   std::string name;
   const char quote = value->starts_with('"') || value->starts_with('\'') ? value->front() : '\0';

@@ -17,19 +17,20 @@ namespace tarn {
 struct DeviceNumber {
   unsigned major = 0;  ///< 0 for file systems that have no device of their own, even if they lie on one
   unsigned minor = 0;
+
+  bool operator==(const DeviceNumber&) const = default;
 };
 
-/// The label of the file system that is mounted as the root, from the device manager's database. Where the
-/// file system has no device number of its own, by the device that it was mounted from. Nothing without a
-/// label.
-std::optional<std::string> rootLabel(const LinuxRoots& roots, DeviceNumber device);
+/// The path of the device manager's record of the device that the root lies on. Where the file system has no
+/// device number of its own, that is the device that it was mounted from. Nothing without a device.
+std::optional<std::string> rootRecord(const LinuxRoots& roots, DeviceNumber device);
 
 /// The label in a device's record of that database, its escapes undone.
 std::optional<std::string> parseLabel(std::string_view record);
 
-/// The device from which the root is mounted, such as "/dev/sda2", by a process's list of mounts; empty when
-/// it is not mounted from a device.
-std::string_view parseRootSource(std::string_view mountInfo);
+/// The device from which the root is mounted, such as "/dev/sda2", by a process's list of mounts, its escapes
+/// undone; empty when it is not mounted from a device.
+std::string parseRootSource(std::string_view mountInfo);
 
 /// The operating system's name in an os-release file, its quotes undone.
 std::optional<std::string> parseSystemName(std::string_view osRelease);

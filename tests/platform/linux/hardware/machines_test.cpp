@@ -56,7 +56,7 @@ const std::vector<Machine> machines = {
     {"desktop", none, (44.125 + 41.75 + 40.5) / 3, unknown},
     {"desktop-mouse-and-ups", none, (36 + 35 + 34 + 36 + 33) / 5.0, unknown},
     {"desktop-mainboard-sensors-only", none, none, unknown},
-    {"desktop-zenpower", none, (47.5 + 47.5 + 44) / 3, unknown},
+    {"desktop-zenpower", none, (50 + 44) / 2.0, unknown},
     {"desktop-k8", none, 42, unknown},
     {"desktop-absurd-firmware", none, 27.8, unknown},
     {"server-many-cores", none, (48 + 16 * 43.75 + 50 + 16 * 45.75) / 34, nominal},

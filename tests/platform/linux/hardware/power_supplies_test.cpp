@@ -88,6 +88,32 @@ TEST_F(PowerSuppliesTest, KnowOnlyTheMachinesOwnBatteries) {
   }
 }
 
+TEST_F(PowerSuppliesTest, GoOnToTheNextUnitWhereAFullPackHoldsNothing) {
+  set("BAT0", "type", "Battery");
+  for (const auto* file : {"energy_now", "energy_full", "energy_full_design"}) set("BAT0", file, "0");
+  set("BAT0", "capacity", "57");
+  EXPECT_EQ(battery(), (BatteryInfo{.percent = 57}));
+  set("BAT1", "type", "Battery");
+  set("BAT1", "charge_now", "900");
+  set("BAT1", "charge_full", "1000");
+  set("BAT1", "charge_full_design", "1250");
+  EXPECT_EQ(battery(), (BatteryInfo{.percent = 90, .healthPercent = 80}));
+}
+
+TEST_F(PowerSuppliesTest, DoNotTakeAMouseForABatteryWhileItsDriverDoesNotAnswer) {
+  set("hidpp_battery_0", "type", "Battery");
+  set("hidpp_battery_0", "capacity", "55");
+  tree_.write("sys/class/power_supply/hidpp_battery_0/scope", "");
+  EXPECT_EQ(battery(), std::nullopt);
+  set("hidpp_battery_0", "scope", "Device");
+  EXPECT_EQ(battery(), std::nullopt);
+  set("BAT0", "capacity", "33");
+  tree_.write("sys/class/power_supply/BAT0/type", "");
+  EXPECT_EQ(battery(), std::nullopt);
+  set("BAT0", "type", "Battery");
+  EXPECT_EQ(battery()->percent, 33);
+}
+
 TEST_F(PowerSuppliesTest, HaveNoControllerWhereNoPackTellsMoreThanItsCharge) {
   writeMachine(tree_, "tablet-percent-only");
   EXPECT_EQ(supplies_.sources().size(), 1U);

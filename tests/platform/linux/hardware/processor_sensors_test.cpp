@@ -26,9 +26,27 @@ class ProcessorSensorsTest : public ::testing::Test {
 };
 
 TEST_F(ProcessorSensorsTest, AreTheProcessorsOwn) {
-  for (const auto* name : {"coretemp", "k8temp", "k10temp", "zenpower", "via_cputemp", "cpu_thermal",
-                           "cpu-thermal", "cpu0-thermal", "CPU-therm", "x86_pkg_temp", "TCPU", "B0D4",
-                           "soc_thermal", "soc-thermal", "bigcore0-thermal", "littlecore-thermal"}) {
+  for (const auto* name : {"coretemp",
+                           "k8temp",
+                           "k10temp",
+                           "zenpower",
+                           "via_cputemp",
+                           "cpu_thermal",
+                           "cpu-thermal",
+                           "cpu0-thermal",
+                           "CPU-therm",
+                           "x86_pkg_temp",
+                           "TCPU",
+                           "B0D4",
+                           "soc_thermal",
+                           "soc-thermal",
+                           "soc_dts0",
+                           "soc_dts1",
+                           "TCPU_PCI",
+                           "cluster0-thermal",
+                           "imx_thermal_zone",
+                           "bigcore0-thermal",
+                           "littlecore-thermal"}) {
     EXPECT_TRUE(isProcessorSensor(name)) << name;
   }
   for (const auto* name : {"acpitz", "nct6797", "it8728", "nvme", "iwlwifi_1", "amdgpu", "gpu-thermal",
@@ -59,6 +77,20 @@ TEST_F(ProcessorSensorsTest, LeaveOutOnlyTheOneThatDoesNotAnswer) {
   writeMachine(tree_, "laptop-low");
   tree_.write("sys/class/hwmon/hwmon0/temp2_input", "");
   EXPECT_THAT(readings(), ElementsAre(39, 37));
+}
+
+TEST_F(ProcessorSensorsTest, LeaveOutTheControlValueWhereTheDieTellsItsOwn) {
+  writeMachine(tree_, "desktop-zenpower");
+  EXPECT_THAT(readings(), ElementsAre(50, 44));
+}
+
+TEST_F(ProcessorSensorsTest, AreLookedForAgainUntilTheirChipIsComplete) {
+  tree_.write("sys/class/hwmon/hwmon0/name", "");
+  EXPECT_THAT(readings(), IsEmpty());
+  tree_.write("sys/class/hwmon/hwmon0/name", "coretemp\n");
+  EXPECT_THAT(readings(), IsEmpty());
+  tree_.write("sys/class/hwmon/hwmon0/temp1_input", "40000\n");
+  EXPECT_THAT(readings(), ElementsAre(40));
 }
 
 TEST_F(ProcessorSensorsTest, ComeAndGo) {

@@ -8,6 +8,7 @@
 
 #include "platform/linux/hardware/machine_tree.hpp"
 #include "platform/linux/hardware/volume_name.hpp"
+#include "platform/linux/system/bounded_file.hpp"
 
 namespace tarn {
 namespace {
@@ -39,6 +40,11 @@ class VolumeNameTest : public ::testing::Test {
     tree_.write("run/udev/data/b" + device, text);
   }
 
+  std::optional<std::string> label(DeviceNumber device) const {
+    const auto record = rootRecord(tree_.roots(), device);
+    return record ? parseLabel(readFile(*record)) : std::nullopt;
+  }
+
   TemporaryTree tree_;
 };
 
@@ -47,7 +53,7 @@ TEST_F(VolumeNameTest, IsTheFileSystemsLabel) {
   writeRecord(
       "8:2",
       "S:disk/by-label/root\nE:ID_FS_LABEL=My_Disk\nE:ID_FS_LABEL_ENC=My\\x20Disk\nE:ID_FS_TYPE=ext4\n");
-  EXPECT_EQ(rootLabel(tree_.roots(), {8, 2}), "My Disk");
+  EXPECT_EQ(label({8, 2}), "My Disk");
 }
 
 TEST_F(VolumeNameTest, IsTheSystemsWhereTheVolumeHasNoLabel) {
@@ -88,7 +94,7 @@ TEST_F(VolumeNameTest, IsFoundByTheMountedDeviceWhereTheFileSystemHasNoNumber) {
   tree_.write("dev/nvme0n1p2", "");
   tree_.write("sys/class/block/nvme0n1p2/dev", "259:2\n");
   writeRecord("259:2", "E:ID_FS_LABEL_ENC=fedora\n");
-  EXPECT_EQ(rootLabel(tree_.roots(), {0, 25}), "fedora");
+  EXPECT_EQ(label({0, 25}), "fedora");
 }
 
 TEST_F(VolumeNameTest, IsFoundThroughTheLinkOfAMappedDevice) {
@@ -97,14 +103,14 @@ TEST_F(VolumeNameTest, IsFoundThroughTheLinkOfAMappedDevice) {
   tree_.link("dev/mapper/luks-root", "../dm-0");
   tree_.write("sys/class/block/dm-0/dev", "254:0\n");
   writeRecord("254:0", "E:ID_FS_LABEL_ENC=safe\n");
-  EXPECT_EQ(rootLabel(tree_.roots(), {0, 25}), "safe");
+  EXPECT_EQ(label({0, 25}), "safe");
 }
 
 TEST_F(VolumeNameTest, IsNotFoundWhereNoDeviceIsMounted) {
   tree_.write("proc/self/mountinfo", "28 1 0:25 / / rw - overlay overlay rw,lowerdir=/a\n");
-  EXPECT_EQ(rootLabel(tree_.roots(), {0, 25}), std::nullopt);
+  EXPECT_EQ(label({0, 25}), std::nullopt);
   tree_.write("proc/self/mountinfo", "28 1 0:25 / / rw - btrfs /dev/gone rw\n");
-  EXPECT_EQ(rootLabel(tree_.roots(), {0, 25}), std::nullopt);
+  EXPECT_EQ(label({0, 25}), std::nullopt);
 }
 
 TEST(MountInfo, TellsTheDeviceOfTheLastMountOnTheRoot) {
@@ -137,6 +143,7 @@ TEST(OsRelease, TellsTheNameWithItsQuotesUndone) {
   EXPECT_EQ(parseSystemName("NAME=\"A \\\"B\\\" \\$C\"\n"), "A \"B\" $C");
   EXPECT_EQ(parseSystemName("NAME='A\\B'\n"), "A\\B");
   EXPECT_EQ(parseSystemName("NAME=\"open\n"), "open");
+  EXPECT_EQ(parseSystemName("NAME=Fedora  \nNAME=Remix\t\n"), "Remix") << "the last one counts";
   EXPECT_EQ(parseSystemName("NAME=\"\n"), std::nullopt);
   EXPECT_EQ(parseSystemName("NAME=\n"), std::nullopt);
   EXPECT_EQ(parseSystemName("PRETTY_NAME=x\n"), std::nullopt);

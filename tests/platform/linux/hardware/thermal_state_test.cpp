@@ -93,12 +93,36 @@ TEST_F(ThermalZonesTest, TakeTheLowerOfHotAndCritical) {
 TEST_F(ThermalZonesTest, DoNotBelieveAnImplausibleTemperature) {
   writeMachine(tree_, "rockpro64");
   tree_.remove("sys/class/thermal/thermal_zone1");
-  for (const auto* text : {"0", "-273200", "1000", "120000", "200000", "", "hot"}) {
+  for (const auto* text : {"0", "-273200", "1000", "150000", "200000", "", "hot"}) {
     setTemperature(text);
     EXPECT_EQ(state(), unknown) << text;
   }
-  setTemperature("119000");
+  setTemperature("149000");
   EXPECT_EQ(state(), critical);
+}
+
+TEST_F(ThermalZonesTest, GrowGraverAllTheWayToAHighCriticalTripPoint) {
+  writeMachine(tree_, "laptop-energy");
+  setTemperature("119000");
+  EXPECT_EQ(state(), nominal);
+  setTemperature("124000");
+  EXPECT_EQ(state(), critical);
+}
+
+TEST_F(ThermalZonesTest, AreNotAlarmedByThresholdsThatProgramsSet) {
+  writeMachine(tree_, "laptop-energy");
+  tree_.write("sys/class/thermal/thermal_zone9/trip_point_0_temp", "48000\n");
+  EXPECT_EQ(state(), nominal);
+}
+
+TEST_F(ThermalZonesTest, AreAskedAgainWhenTheyDidNotAnswerAtOnce) {
+  writeMachine(tree_, "rockpro64");
+  tree_.write("sys/class/thermal/thermal_zone0/type", "");
+  zones_.refresh();
+  EXPECT_EQ(zones_.all()[0].type, "");
+  tree_.write("sys/class/thermal/thermal_zone0/type", "cpu-thermal\n");
+  zones_.refresh();
+  EXPECT_EQ(zones_.all()[0].type, "cpu-thermal");
 }
 
 TEST_F(ThermalZonesTest, ComeAndGo) {
