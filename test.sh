@@ -2,7 +2,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 # test.sh [--all]: builds Tarn and runs its tests, all of them under the sanitizers. --all adds what takes minutes of
-# its own: clang-tidy over all sources, and the end-to-end test of the program as it is released. Installs what is missing.
+# its own: clang-tidy over all sources, the tests on a platform that tells nothing, and the end-to-end test of the program
+# as it is released. Installs what is missing.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
@@ -65,6 +66,7 @@ end_to_end() {
 packages() { scripts/install_packages.sh build run desktop test ${all:+lint}; }
 tests_with_address_sanitizer() { build_and_test asan; }
 tests_with_thread_sanitizer() { build_and_test tsan; }
+tests_on_an_unsupported_system() { build_and_test unsupported; }
 end_to_end_release() { end_to_end release; }
 end_to_end_sanitized() { end_to_end asan; }
 
@@ -75,6 +77,7 @@ stage "tests, address and undefined sanitizers" tests_with_address_sanitizer
 stage "tests, thread sanitizer" tests_with_thread_sanitizer
 stage "end to end on a virtual desktop, sanitized" end_to_end_sanitized
 if [ -n "$all" ]; then
+  stage "tests, on a system that tells nothing" tests_on_an_unsupported_system
   stage "end to end on a virtual desktop, release" end_to_end_release
   stage "clang-tidy" scripts/check_tidy.sh
 fi

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/formatters/icu_formatters.hpp"
+#include "platform/icu/icu_formatters.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include <QTimer>
+#include <memory>
+
+#include "app/display_check.hpp"
+#include "app/single_instance.hpp"
+#include "monitor/frontmost_application.hpp"
+#include "ui/app_icon_provider.hpp"
+#include "ui/color_scheme.hpp"
+#include "ui/menu_bar_item.hpp"
+#include "ui/popover_window.hpp"
+
+namespace tarn {
+
+namespace {
+
+/// Says that there is no menu bar: Tarn then stays in a window of its own.
+class NoMenuBar final : public MenuBarItem {
+ public:
+  NoMenuBar() { QTimer::singleShot(0, this, &MenuBarItem::hostMissing); }
+  void show(const MenuBarLabel& /*label*/) override {}
+};
+
+class NoPreference final : public ColorSchemeWatcher {
+ public:
+  std::optional<ColorScheme> preference() const override { return std::nullopt; }
+};
+
+class EveryInstance final : public SingleInstance {
+ public:
+  bool claim(std::function<void()> /*launchedAgain*/) override { return true; }
+};
+
+}  // namespace
+
+std::unique_ptr<MenuBarItem> platformMenuBarItem() {
+  return std::make_unique<NoMenuBar>();
+}
+
+std::unique_ptr<ColorSchemeWatcher> platformColorScheme() {
+  return std::make_unique<NoPreference>();
+}
+
+std::unique_ptr<SingleInstance> platformSingleInstance() {
+  return std::make_unique<EveryInstance>();
+}
+
+FrontmostApplicationSource platformFrontmostApplication() {
+  return [] { return std::nullopt; };
+}
+
+FileIconLoader platformFileIcon() {
+  return [](const std::string& /*path*/) { return QIcon(); };
+}
+
+WindowSystem platformWindowSystem() {
+  return {};
+}
+
+std::optional<QString> platformDisplayProblem() {
+  return std::nullopt;
+}
+
+}  // namespace tarn
