@@ -22,6 +22,13 @@ inline std::int64_t checkedAdd(std::int64_t left, std::int64_t right) {
   return sum;
 }
 
+/// Product of a count and a size in bytes; likewise.
+inline std::uint64_t checkedMultiply(std::uint64_t left, std::uint64_t right) {
+  std::uint64_t product = 0;
+  if (__builtin_mul_overflow(left, right, &product)) std::abort();
+  return product;
+}
+
 /// Stops the program when a caller broke a contract.
 inline void require(bool condition) {
   if (!condition) std::abort();

@@ -25,7 +25,7 @@ std::vector<double> EventSystemSensors::readings() const {
   const OwnedObject matching = objects_.owned(objects_.createDictionary(temperatureSensors));
   events_.setMatching(client.get(), matching.get());
   const OwnedObject services = objects_.owned(events_.copyServices(client.get()));
-  if (!services || !objects_.isArray(services.get())) return {};
+  if (!objects_.isArray(services.get())) return {};
   return readingsOf(services.get());
 }
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 
 namespace tarn::macos {
 
@@ -23,16 +24,28 @@ struct IntegerEntry {
   std::int64_t value;
 };
 
-/// The frameworks' functions on objects.
+/// What an object is, as far as readers tell kinds apart.
+enum class ObjectKind { boolean, integer, real, string, array, dictionary, other };
+
+/// The frameworks' functions on objects. None takes null, but for `release`, which no one calls with it.
 struct ObjectFunctions {
   ObjectRef defaultAllocator;
   ObjectRef (*createDictionary)(std::span<const IntegerEntry> entries);  ///< the caller owns the result
-  bool (*isArray)(ObjectRef object);
+  ObjectKind (*kindOf)(ObjectRef object);
+  bool (*booleanValue)(ObjectRef boolean);
+  std::int64_t (*integerValue)(ObjectRef integer);
+  double (*realValue)(ObjectRef real);
+  std::string (*stringValue)(ObjectRef string);  ///< UTF-8
   std::int64_t (*arrayCount)(ObjectRef array);
-  ObjectRef (*arrayItem)(ObjectRef array, std::int64_t index);  ///< owned by the array
-  void (*release)(ObjectRef object);                            ///< not for null
+  ObjectRef (*arrayItem)(ObjectRef array, std::int64_t index);         ///< owned by the array
+  ObjectRef (*dictionaryItem)(ObjectRef dictionary, const char* key);  ///< owned by it; null without one
+  void (*release)(ObjectRef object);
 
   OwnedObject owned(ObjectRef object) const { return {object, release}; }
+  bool isArray(ObjectRef object) const { return object != nullptr && kindOf(object) == ObjectKind::array; }
+  bool isDictionary(ObjectRef object) const {
+    return object != nullptr && kindOf(object) == ObjectKind::dictionary;
+  }
 };
 
 }  // namespace tarn::macos

@@ -7,21 +7,16 @@
 
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
-using tarn::macos::FakeEventSystem;
-using tarn::macos::FakeObject;
-using tarn::macos::FakeSensor;
+using namespace tarn::macos;
 
 namespace {
 
 FakeEventSystem* prescribed = nullptr;
 
-const void* handOut(FakeObject object) {
-  ++prescribed->created;
-  return new FakeObject(std::move(object));
-}
+const FakeObject client{std::string("client")};
 
-const FakeObject* known(const void* object) {
-  return static_cast<const FakeObject*>(object);
+bool isClient(ObjectRef object) {
+  return FakeFrameworks::known(object)->value == client.value;
 }
 
 }  // namespace
@@ -36,27 +31,25 @@ EXPORTED void prescribe(FakeEventSystem* system) {
 EXPORTED const void* IOHIDEventSystemClientCreate(const void* allocator) {
   prescribed->calls.emplace_back(allocator == nullptr ? "create" : "create with an allocator");
   if (prescribed->refusesClients) return nullptr;
-  return handOut({.kind = FakeObject::Kind::client});
+  return prescribed->frameworks->handOut(client);
 }
 #endif
 
 #ifndef WITHOUT_setMatching
-EXPORTED void IOHIDEventSystemClientSetMatching(const void* client, const void* matching) {
-  const bool fits = known(client)->kind == FakeObject::Kind::client &&
-                    known(matching)->kind == FakeObject::Kind::dictionary;
+EXPORTED void IOHIDEventSystemClientSetMatching(const void* object, const void* matching) {
+  const bool fits = isClient(object) && FakeFrameworks::functions().isDictionary(matching);
   prescribed->calls.emplace_back(fits ? "setMatching" : "setMatching of the wrong objects");
 }
 #endif
 
 #ifndef WITHOUT_copyServices
-EXPORTED const void* IOHIDEventSystemClientCopyServices(const void* client) {
-  const bool fits = known(client)->kind == FakeObject::Kind::client;
-  prescribed->calls.emplace_back(fits ? "copyServices" : "copyServices of no client");
+EXPORTED const void* IOHIDEventSystemClientCopyServices(const void* object) {
+  prescribed->calls.emplace_back(isClient(object) ? "copyServices" : "copyServices of no client");
   if (prescribed->hasNoServices) return nullptr;
-  if (prescribed->givesServicesOfAnotherKind) return handOut({.kind = FakeObject::Kind::other});
-  FakeObject services{.kind = FakeObject::Kind::array};
-  for (const FakeSensor& sensor : prescribed->sensors) services.items.push_back(&sensor.service);
-  return handOut(std::move(services));
+  if (prescribed->givesServicesOfAnotherKind) return prescribed->frameworks->handOut({});
+  FakeObject::Array services;
+  for (const FakeSensor& sensor : prescribed->sensors) services.push_back(&sensor.service);
+  return prescribed->frameworks->handOut({std::move(services)});
 }
 #endif
 
@@ -67,7 +60,7 @@ EXPORTED const void* IOHIDServiceClientCopyEvent(const void* service, std::int64
                               std::to_string(timestamp));
   for (const FakeSensor& sensor : prescribed->sensors) {
     if (&sensor.service != service || !sensor.hasEvent) continue;
-    return handOut({.kind = FakeObject::Kind::event, .reading = sensor.celsius});
+    return prescribed->frameworks->handOut({sensor.celsius});
   }
   return nullptr;
 }
@@ -75,9 +68,9 @@ EXPORTED const void* IOHIDServiceClientCopyEvent(const void* service, std::int64
 
 #ifndef WITHOUT_getFloat
 EXPORTED double IOHIDEventGetFloatValue(const void* event, std::int64_t field) {
-  const bool fits = known(event)->kind == FakeObject::Kind::event;
-  prescribed->calls.push_back(fits ? "getFloat " + std::to_string(field) : "getFloat of no event");
-  return known(event)->reading;
+  const auto* reading = std::get_if<double>(&FakeFrameworks::known(event)->value);
+  prescribed->calls.push_back(reading ? "getFloat " + std::to_string(field) : "getFloat of no event");
+  return reading ? *reading : 0;
 }
 #endif
 // NOLINTEND(readability-identifier-naming)

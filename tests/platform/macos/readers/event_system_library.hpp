@@ -5,20 +5,12 @@
 
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "platform/macos/readers/fake_objects.hpp"
+
 namespace tarn::macos {
-
-/// An object of the fake frameworks.
-struct FakeObject {
-  enum class Kind { client, dictionary, array, event, other };
-
-  Kind kind = Kind::other;
-  std::vector<const FakeObject*> items;  ///< of an array; not owned
-  double reading = 0;                    ///< of an event
-};
 
 /// One sensor. Without an event it has no reading.
 struct FakeSensor {
@@ -34,9 +26,9 @@ struct FakeEventSystem {
   bool hasNoServices = false;
   bool givesServicesOfAnotherKind = false;
 
+  FakeFrameworks* frameworks = nullptr;  ///< hand out objects and count them
+
   std::vector<std::string> calls;
-  int created = 0;   ///< objects handed out to be released
-  int released = 0;  ///< by the test's own release
 };
 
 }  // namespace tarn::macos

@@ -23,39 +23,9 @@ std::string libraryWithout(const std::string& function) {
   return std::string(TARN_EVENT_LIBRARIES "/event_system_without_") + function + ".so";
 }
 
-FakeEventSystem* current = nullptr;
-std::vector<std::pair<std::string, std::int64_t>> matched;
-
-const FakeObject* known(ObjectRef object) {
-  return static_cast<const FakeObject*>(object);
-}
-
-ObjectRef createDictionary(std::span<const IntegerEntry> entries) {
-  matched.clear();
-  for (const IntegerEntry& entry : entries) matched.emplace_back(entry.key, entry.value);
-  ++current->created;
-  return new FakeObject{.kind = FakeObject::Kind::dictionary};
-}
-
-void release(ObjectRef object) {
-  ++current->released;
-  delete known(object);
-}
-
-const ObjectFunctions objects = {
-    .defaultAllocator = nullptr,
-    .createDictionary = createDictionary,
-    .isArray = [](ObjectRef object) { return known(object)->kind == FakeObject::Kind::array; },
-    .arrayCount = [](ObjectRef array) { return static_cast<std::int64_t>(known(array)->items.size()); },
-    .arrayItem = [](ObjectRef array, std::int64_t index) -> ObjectRef {
-      return known(array)->items.at(static_cast<std::size_t>(index));
-    },
-    .release = release,
-};
-
 class EventSystemSensorsTest : public ::testing::Test {
  protected:
-  EventSystemSensorsTest() { current = &system_; }
+  EventSystemSensorsTest() { system_.frameworks = &frameworks_; }
 
   /// What the sensors read, by a library that lacks a function or nothing.
   std::vector<double> readingsWithout(const std::string& function) {
@@ -65,16 +35,17 @@ class EventSystemSensorsTest : public ::testing::Test {
     reinterpret_cast<void (*)(FakeEventSystem*)>(::dlsym(library, "prescribe"))(&system_);
     const EventSystemFunctions functions = lookUpEventSystem(path);
     ::dlclose(library);  // the look-up keeps it open
-    return EventSystemSensors(functions, objects).readings();
+    return EventSystemSensors(functions, FakeFrameworks::functions()).readings();
   }
 
   std::vector<double> readings() { return readingsWithout("nothing"); }
 
   void expectAllReleased(int created) const {
-    EXPECT_EQ(system_.created, created);
-    EXPECT_EQ(system_.released, created);
+    EXPECT_EQ(frameworks_.created, created);
+    EXPECT_EQ(frameworks_.released, created);
   }
 
+  FakeFrameworks frameworks_;
   FakeEventSystem system_;
 };
 
@@ -90,7 +61,8 @@ TEST_F(EventSystemSensorsTest, ReadEachSensorOnceAndReleaseWhatTheyGot) {
 
 TEST_F(EventSystemSensorsTest, MatchTheTemperatureSensorsOfTheVendorsPage) {
   readings();
-  EXPECT_THAT(matched, ElementsAre(std::pair("PrimaryUsagePage", 65280), std::pair("PrimaryUsage", 5)));
+  EXPECT_THAT(frameworks_.lastDictionary,
+              ElementsAre(std::pair("PrimaryUsagePage", 65280), std::pair("PrimaryUsage", 5)));
 }
 
 TEST_F(EventSystemSensorsTest, PassOverASensorWithoutAnEvent) {
@@ -109,12 +81,12 @@ TEST_F(EventSystemSensorsTest, GiveNothingWithoutAClient) {
 TEST_F(EventSystemSensorsTest, GiveNothingWithoutServices) {
   EXPECT_THAT(readings(), IsEmpty());
   expectAllReleased(3);
-  system_ = {.hasNoServices = true};
+  system_.givesServicesOfAnotherKind = true;
   EXPECT_THAT(readings(), IsEmpty());
-  expectAllReleased(2);
-  system_ = {.givesServicesOfAnotherKind = true};
+  expectAllReleased(3 + 3);
+  system_.hasNoServices = true;
   EXPECT_THAT(readings(), IsEmpty());
-  expectAllReleased(3);
+  expectAllReleased(3 + 3 + 2);
 }
 
 TEST_F(EventSystemSensorsTest, MakeANewClientForEachReading) {

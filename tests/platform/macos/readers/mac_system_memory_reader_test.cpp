@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/macos/readers/mac_system_memory_reader.hpp"
+
+#include <gmock/gmock.h>
+
+#include "platform/macos/readers/fake_kernel.hpp"
+#include "sampling/memory_pressure.hpp"
+
+namespace tarn::macos {
+namespace {
+
+using testing::ElementsAre;
+
+class MacSystemMemoryTest : public ::testing::Test {
+ protected:
+  MacSystemMemoryTest() {
+    kernel_.set("hw.memsize", std::uint64_t{17'179'869'184});
+    kernel_.set("vm.swapusage", SwapRecord{.used = 1'048'576});
+    kernel_.memory = MemoryRecord{.wiredPages = 1000, .compressorPages = 200, .externalPages = 30};
+  }
+
+  SystemMemory read() { return MacSystemMemoryReader(kernel_.functions()).read(); }
+
+  MemoryPressure pressureAt(std::int32_t level) {
+    kernel_.set("kern.memorystatus_vm_pressure_level", level);
+    return memoryPressureFromReading(readPressureLevel(kernel_.functions()));
+  }
+
+  FakeKernel kernel_;
+};
+
+TEST_F(MacSystemMemoryTest, CountsPagesInBytes) {
+  EXPECT_EQ(read(), (SystemMemory{.totalRAM = 17'179'869'184,
+                                  .wired = 1000 * 16384,
+                                  .compressed = 200 * 16384,
+                                  .cachedFiles = 30 * 16384,
+                                  .swapUsed = 1'048'576}));
+}
+
+TEST_F(MacSystemMemoryTest, AsksForRecordsOfTheirSizes) {
+  read();
+  EXPECT_THAT(kernel_.calls, ElementsAre("statistics 4 62", "hw.memsize 8", "vm.swapusage 32"));
+}
+
+TEST_F(MacSystemMemoryTest, HasNoPageFiguresWhereTheStatisticsFail) {
+  kernel_.memory = std::nullopt;
+  EXPECT_EQ(read(), (SystemMemory{.totalRAM = 17'179'869'184, .swapUsed = 1'048'576}));
+}
+
+TEST_F(MacSystemMemoryTest, ReadsEachFigureWhateverHappensToTheOthers) {
+  kernel_.values.erase("hw.memsize");
+  EXPECT_EQ(read().totalRAM, 0U);
+  EXPECT_EQ(read().swapUsed, 1'048'576U);
+  kernel_.values.clear();
+  EXPECT_EQ(read().swapUsed, 0U);
+  EXPECT_EQ(read().wired, 1000U * 16384);
+  MacSystemMemoryReader reader(kernel_.functions());
+  EXPECT_EQ(reader.totalRAM(), 0U);
+  EXPECT_EQ(reader.swapUsed(), 0U);
+}
+
+TEST_F(MacSystemMemoryTest, DoesNotBelieveAValueOfAnotherSize) {
+  kernel_.set("hw.memsize", std::uint32_t{5});
+  EXPECT_EQ(read().totalRAM, 0U);
+}
+
+TEST_F(MacSystemMemoryTest, StopsTheProgramAtBytesBeyondItsRange) {
+  kernel_.pageSize = std::uint64_t{1} << 63;
+  EXPECT_DEATH(read(), "");
+  kernel_.memory = MemoryRecord{.compressorPages = 2};
+  EXPECT_DEATH(read(), "");
+  kernel_.memory = MemoryRecord{.externalPages = 2};
+  EXPECT_DEATH(read(), "");
+  kernel_.memory = MemoryRecord{.wiredPages = 1};
+  EXPECT_EQ(read().wired, std::uint64_t{1} << 63);
+}
+
+TEST_F(MacSystemMemoryTest, ReadsThePressureLevel) {
+  EXPECT_EQ(pressureAt(1), MemoryPressure::normal);
+  EXPECT_EQ(pressureAt(2), MemoryPressure::warning);
+  EXPECT_EQ(pressureAt(4), MemoryPressure::critical);
+  EXPECT_EQ(pressureAt(3), MemoryPressure::normal);
+  EXPECT_EQ(pressureAt(0), MemoryPressure::normal);
+  EXPECT_EQ(kernel_.calls.front(), "kern.memorystatus_vm_pressure_level 4");
+}
+
+TEST_F(MacSystemMemoryTest, CountsAPressureLevelThatCannotBeReadAsNormal) {
+  EXPECT_EQ(readPressureLevel(kernel_.functions()), std::nullopt);
+  EXPECT_EQ(memoryPressureFromReading(std::nullopt), MemoryPressure::normal);
+}
+
+}  // namespace
+}  // namespace tarn::macos
