@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include "app/display_check.hpp"
+#include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "app/tarn_app.hpp"
 #include "ui/accessibility.hpp"
@@ -21,7 +22,7 @@ constexpr int windowIconSize = 64;  // pixels
 
 int main(int argc, char* argv[]) {
   QCoreApplication::setApplicationName(QStringLiteral("tarn"));
-  QCoreApplication::setApplicationVersion(QStringLiteral(TARN_VERSION));
+  QCoreApplication::setApplicationVersion(tarn::platformShortVersion().value_or(QString()));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Tarn"));
   QGuiApplication::setDesktopFileName(QStringLiteral("tarn"));
   QApplication::setStyle(QStringLiteral("Fusion"));

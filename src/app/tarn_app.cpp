@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "app/program.hpp"
 #include "monitor/active_processors.hpp"
 #include "monitor/serial_queue.hpp"
 #include "monitor/thread_name.hpp"
@@ -71,7 +72,7 @@ TarnApp::TarnApp()
   connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::itemClicked);
   connect(item_.get(), &MenuBarItem::openRequested, this,
           [this] { openPopover(clickAnchor(std::nullopt, platformWindowSystem())); });
-  connect(item_.get(), &MenuBarItem::quitRequested, this, &QCoreApplication::quit);
+  connect(item_.get(), &MenuBarItem::quitRequested, this, platformTerminate);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::leaveForMenuBar);
   // The filter sees the application's palette change, of which nobody else is told.
@@ -110,10 +111,10 @@ PopoverWindow& TarnApp::popover() {
   if (!popover_) {
     auto* view = new PopoverView(model_, prefs_, platformFileIcon(), maker());
     popover_ = std::make_unique<PopoverWindow>(view);
-    connect(view, &PopoverView::quitRequested, this, &QCoreApplication::quit);
+    connect(view, &PopoverView::quitRequested, this, platformTerminate);
     connect(popover_.get(), &PopoverWindow::closed, this, [this] {
       // Without a menu bar this window is all there is of Tarn: closing it ends the program.
-      if (popover_->style() == PopoverStyle::regular) QCoreApplication::quit();
+      if (popover_->style() == PopoverStyle::regular) platformTerminate();
       labelRenderer_.schedule();
     });
     applyTheme();

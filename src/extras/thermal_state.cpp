@@ -5,6 +5,11 @@
 
 namespace tarn {
 
+ThermalState thermalStateFromRawValue(std::int64_t rawValue) {
+  if (rawValue < 0 || rawValue > static_cast<int>(ThermalState::critical)) return ThermalState::unknown;
+  return static_cast<ThermalState>(rawValue);
+}
+
 std::string thermalPhrase(ThermalState state) {
   switch (state) {
     case ThermalState::nominal:

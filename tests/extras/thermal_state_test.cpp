@@ -8,6 +8,17 @@
 namespace tarn {
 namespace {
 
+TEST(ThermalStateNumbers, AreThePlatforms) {
+  EXPECT_EQ(thermalStateFromRawValue(0), ThermalState::nominal);
+  EXPECT_EQ(thermalStateFromRawValue(1), ThermalState::fair);
+  EXPECT_EQ(thermalStateFromRawValue(2), ThermalState::serious);
+  EXPECT_EQ(thermalStateFromRawValue(3), ThermalState::critical);
+  for (const std::int64_t other :
+       {std::int64_t{-1}, std::int64_t{4}, std::int64_t{7}, std::int64_t{1} << 32}) {
+    EXPECT_EQ(thermalStateFromRawValue(other), ThermalState::unknown) << other;
+  }
+}
+
 TEST(ThermalPhrase, PutsEachStateInWords) {
   EXPECT_EQ(thermalPhrase(ThermalState::nominal), "Running cool");
   EXPECT_EQ(thermalPhrase(ThermalState::fair), "Warming up");

@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include <QCoreApplication>
 #include <QTimer>
 #include <memory>
 
 #include "app/display_check.hpp"
+#include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
 #include "ui/app_icon_provider.hpp"
@@ -61,6 +63,14 @@ WindowSystem platformWindowSystem() {
 
 std::optional<QString> platformDisplayProblem() {
   return std::nullopt;
+}
+
+std::optional<QString> platformShortVersion() {
+  return std::nullopt;
+}
+
+void platformTerminate() {
+  QCoreApplication::quit();
 }
 
 }  // namespace tarn

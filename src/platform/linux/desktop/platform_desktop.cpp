@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QGuiApplication>
 #include <chrono>
 #include <memory>
 
+#include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
 #include "platform/linux/desktop/bus_single_instance.hpp"
@@ -42,6 +44,14 @@ std::unique_ptr<SingleInstance> platformSingleInstance() {
 
 std::unique_ptr<ColorSchemeWatcher> platformColorScheme() {
   return std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
+}
+
+std::optional<QString> platformShortVersion() {
+  return QStringLiteral(TARN_VERSION);
+}
+
+void platformTerminate() {
+  QCoreApplication::quit();
 }
 
 FrontmostApplicationSource platformFrontmostApplication() {

@@ -29,7 +29,7 @@ enum class ObjectKind { boolean, integer, real, string, array, dictionary, other
 
 /// The frameworks' functions on objects. None takes null, but for `release`, which no one calls with it.
 struct ObjectFunctions {
-  ObjectRef defaultAllocator;
+  ObjectRef defaultAllocator;                                            ///< null may stand for it
   ObjectRef (*createDictionary)(std::span<const IntegerEntry> entries);  ///< the caller owns the result
   ObjectKind (*kindOf)(ObjectRef object);
   bool (*booleanValue)(ObjectRef boolean);

@@ -1,0 +1,20 @@
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+# Makes the program an application bundle, with the toolkit inside it once it is installed, and a disk image of that.
+
+set_target_properties(tarn PROPERTIES
+  OUTPUT_NAME Tarn
+  MACOSX_BUNDLE ON
+  MACOSX_BUNDLE_INFO_PLIST "${PROJECT_SOURCE_DIR}/packaging/macos/Info.plist.in")
+
+install(TARGETS tarn BUNDLE DESTINATION .)
+find_package(Qt6 REQUIRED COMPONENTS Core)
+qt_generate_deploy_app_script(TARGET tarn OUTPUT_SCRIPT deploy_script NO_UNSUPPORTED_PLATFORM_ERROR)
+install(SCRIPT "${deploy_script}")
+
+set(CPACK_GENERATOR DragNDrop)
+set(CPACK_PACKAGE_NAME Tarn)
+set(CPACK_PACKAGE_VENDOR "${TARN_MAKER_ADDRESS}")
+set(CPACK_PACKAGE_FILE_NAME "Tarn-${PROJECT_VERSION}")
+set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
+include(CPack)

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace tarn {
+
+/// This program's version, as its package states it; nothing where it states none. Each platform folder
+/// defines both. Main thread.
+std::optional<QString> platformShortVersion();
+
+/// Ends the program, as programs end on the platform.
+void platformTerminate();
+
+}  // namespace tarn

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/macos/desktop/file_icon.hpp"
+
+#include <QImage>
+#include <QPixmap>
+
+namespace tarn::macos {
+
+QIcon iconOf(const std::vector<Pixels>& picturesByScale) {
+  QIcon icon;
+  double scale = 0;
+  for (const Pixels& picture : picturesByScale) {
+    ++scale;
+    const auto bytes = static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height) * 4;
+    if (bytes == 0 || picture.rgba.size() < bytes) continue;
+    const QImage view(picture.rgba.data(), picture.width, picture.height, 4 * picture.width,
+                      QImage::Format_RGBA8888_Premultiplied);
+    QPixmap pixmap = QPixmap::fromImage(view.copy());
+    pixmap.setDevicePixelRatio(scale);
+    icon.addPixmap(pixmap);
+  }
+  return icon;
+}
+
+}  // namespace tarn::macos

@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/macos/desktop/menu_bar_status_item.hpp"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace tarn::macos {
+namespace {
+
+/// What an item was told, for as long as the item lives.
+struct Shown {
+  std::vector<StatusItemContent> contents;
+  std::function<void(ScreenPoint)> click;
+  bool isGone = false;
+};
+
+class FakeStatusItem final : public StatusItem {
+ public:
+  explicit FakeStatusItem(Shown& shown) : shown_(shown) {}
+  FakeStatusItem(const FakeStatusItem&) = delete;
+  FakeStatusItem& operator=(const FakeStatusItem&) = delete;
+  ~FakeStatusItem() override { shown_.isGone = true; }
+  void show(const StatusItemContent& content) override { shown_.contents.push_back(content); }
+
+ private:
+  Shown& shown_;
+};
+
+class MenuBarStatusItemTest : public ::testing::Test {
+ protected:
+  MenuBarStatusItemTest() {
+    label_.symbolName = QStringLiteral("circle");
+    label_.accessibilityText = QStringLiteral("Memory normal");
+    label_.hover.verdict = QStringLiteral("Your Mac has memory to spare.");
+  }
+
+  Shown shown_;
+  MenuBarStatusItem item_{[this](std::function<void(ScreenPoint)> clicked) {
+    shown_.click = std::move(clicked);
+    return std::make_unique<FakeStatusItem>(shown_);
+  }};
+  MenuBarLabel label_;
+};
+
+TEST_F(MenuBarStatusItemTest, ShowsTheCircleAloneWithItsStatusInWords) {
+  item_.show(label_);
+  ASSERT_EQ(shown_.contents.size(), 1U);
+  const StatusItemContent& content = shown_.contents.back();
+  EXPECT_EQ(content.symbolName, "circle");
+  EXPECT_EQ(content.color, StatusColor::green);
+  EXPECT_EQ(content.accessibilityLabel, "Memory normal");
+  EXPECT_EQ(content.title, std::nullopt);
+  EXPECT_EQ(content.toolTip, "Your Mac has memory to spare.");
+}
+
+TEST_F(MenuBarStatusItemTest, ShowsTheFigureBesideTheCircleAndTheDetailOnHover) {
+  label_.text = QStringLiteral("1.5 GB");
+  label_.hover.detail = QStringLiteral("Wired 1 GB");
+  item_.show(label_);
+  EXPECT_EQ(shown_.contents.back().title, "1.5 GB");
+  EXPECT_EQ(shown_.contents.back().toolTip, "Your Mac has memory to spare.\nWired 1 GB");
+}
+
+TEST_F(MenuBarStatusItemTest, HasTheColourOfTheStatus) {
+  const auto color = [this](Tint tint) {
+    label_.tint = tint;
+    return statusItemContent(label_).color;
+  };
+  EXPECT_EQ(color(Tint::green), StatusColor::green);
+  EXPECT_EQ(color(Tint::orange), StatusColor::orange);
+  EXPECT_EQ(color(Tint::red), StatusColor::red);
+}
+
+TEST_F(MenuBarStatusItemTest, TellsTheMenuBarNothingThatItKnows) {
+  item_.show(label_);
+  item_.show(label_);
+  EXPECT_EQ(shown_.contents.size(), 1U);
+  label_.tint = Tint::red;
+  item_.show(label_);
+  EXPECT_EQ(shown_.contents.size(), 2U);
+}
+
+TEST_F(MenuBarStatusItemTest, TellsWhereItWasClicked) {
+  std::vector<std::optional<QPoint>> clicks;
+  QObject::connect(&item_, &MenuBarItem::activated,
+                   [&](std::optional<QPoint> position) { clicks.push_back(position); });
+  shown_.click({.x = 1200.4, .y = 23.5});
+  EXPECT_EQ(clicks, (std::vector<std::optional<QPoint>>{QPoint(1200, 24)}));
+}
+
+TEST(MenuBarStatusItem, LeavesTheMenuBarWithTheObject) {
+  Shown shown;
+  {
+    const MenuBarStatusItem item(
+        [&](const std::function<void(ScreenPoint)>&) { return std::make_unique<FakeStatusItem>(shown); });
+    EXPECT_FALSE(shown.isGone);
+  }
+  EXPECT_TRUE(shown.isGone);
+}
+
+}  // namespace
+}  // namespace tarn::macos
