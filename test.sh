@@ -76,6 +76,7 @@ stage "rooms include only what they may" scripts/check_includes.sh
 stage "tests, address and undefined sanitizers" tests_with_address_sanitizer
 stage "tests, thread sanitizer" tests_with_thread_sanitizer
 stage "end to end on a virtual desktop, sanitized" end_to_end_sanitized
+stage "the macOS port, compiled for a Mac" scripts/check_macos.sh
 if [ -n "$all" ]; then
   stage "tests, on a system that tells nothing" tests_on_an_unsupported_system
   stage "end to end on a virtual desktop, release" end_to_end_release

