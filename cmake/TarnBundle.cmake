@@ -9,7 +9,11 @@ set_target_properties(tarn PROPERTIES
 
 install(TARGETS tarn BUNDLE DESTINATION .)
 find_package(Qt6 REQUIRED COMPONENTS Core)
-qt_generate_deploy_app_script(TARGET tarn OUTPUT_SCRIPT deploy_script NO_UNSUPPORTED_PLATFORM_ERROR)
+set(script_argument OUTPUT_SCRIPT)
+if(Qt6_VERSION VERSION_LESS 6.5)
+  set(script_argument FILENAME_VARIABLE)  # as it was called then
+endif()
+qt_generate_deploy_app_script(TARGET tarn ${script_argument} deploy_script)
 install(SCRIPT "${deploy_script}")
 
 set(CPACK_GENERATOR DragNDrop)

@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+# on_mac.sh run|test: what run.sh and test.sh do on a Mac, with Homebrew. Written for the bash that Macs bring.
+set -euo pipefail
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+fail() {
+  printf '%s\n' "$*" >&2
+  exit 1
+}
+
+install_formulas() {
+  local formula
+  command -v brew >/dev/null || fail "Homebrew is missing: https://brew.sh says how to install it."
+  xcode-select --print-path >/dev/null 2>&1 || fail "The command line tools are missing: xcode-select --install"
+  for formula in "$@"; do
+    brew list --formula "$formula" >/dev/null 2>&1 || brew install "$formula" ||
+      fail "Homebrew could not install: $formula"
+  done
+}
+
+build() {
+  cmake --preset "$1" -DCMAKE_PREFIX_PATH="$(brew --prefix qt);$(brew --prefix)"
+  cmake --build --preset "$1"
+}
+
+case "${1:-}" in
+  run)
+    install_formulas cmake ninja qt
+    build release
+    open build/release/src/app/Tarn.app
+    echo "Tarn is starting. Look for its circle in the menu bar."
+    ;;
+  test)
+    install_formulas cmake ninja qt googletest
+    build dev
+    ctest --preset dev || fail "Some tests failed; see above."
+    echo "All tests passed."
+    ;;
+  *) fail "usage: on_mac.sh run|test" ;;
+esac
