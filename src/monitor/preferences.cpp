@@ -11,9 +11,6 @@ constexpr auto showFrontmostFootprintKey = "showFrontmostFootprint";
 
 }  // namespace
 
-Preferences::Preferences()
-    : store_(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("tarn"), QStringLiteral("tarn")) {}
-
 Preferences::Preferences(const QString& storePath) : store_(storePath, QSettings::IniFormat) {}
 
 bool Preferences::showFrontmostFootprint() {

@@ -14,8 +14,8 @@ class Preferences final : public QObject {
   Q_OBJECT
 
  public:
-  /// Over the user's standard store.
-  Preferences();
+  /// Over the user's standard store for this application, by the names that the application object has.
+  Preferences() = default;
 
   /// Over a store in the given file.
   explicit Preferences(const QString& storePath);

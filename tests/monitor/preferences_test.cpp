@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -129,6 +130,8 @@ TEST_F(PreferencesTest, SurviveAStoreThatCannotBeWritten) {
 }
 
 TEST_F(PreferencesTest, LieInTheUsersOwnStore) {
+  QCoreApplication::setOrganizationName("tarn");
+  QCoreApplication::setApplicationName("tarn");
   QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, directory_.path());
   Preferences().setShowFrontmostFootprint(true);
   EXPECT_THAT(contents(path("tarn/tarn.conf")), HasSubstr("showFrontmostFootprint=true\n"));

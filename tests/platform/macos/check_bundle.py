@@ -7,7 +7,7 @@ import plistlib
 import sys
 
 REQUIRED = {
-    "CFBundleIdentifier": "example.tarn.Tarn",
+    "CFBundleIdentifier": "example.tarn.tarn",
     "CFBundleName": "Tarn",
     "CFBundlePackageType": "APPL",
     "CFBundleExecutable": "${MACOSX_BUNDLE_EXECUTABLE_NAME}",
