@@ -4,7 +4,7 @@
 # run.sh: builds Tarn and starts it in this desktop. Without a display it shows Tarn on a virtual one and leaves
 # pictures and a summary in build/screenshots. Installs what is missing.
 set -euo pipefail
-[ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" run
+[ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" run "$@"
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
 

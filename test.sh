@@ -5,7 +5,7 @@
 # its own: clang-tidy over all sources, the tests on a platform that tells nothing, and the end-to-end test of the program
 # as it is released. Installs what is missing.
 set -euo pipefail
-[ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" test
+[ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" test "$@"
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
 

@@ -37,10 +37,14 @@ add_qt_folders() {
   for library in "" /QtCore /QtGui /QtWidgets; do qt_folders+=(-isystem "$headers$library"); done
 }
 
-# compile SOURCE: into an object of the same name. The toolkit's headers are this system's: enough for their types.
+# compile SOURCE: into an object of the same name. The toolkit's headers are this system's: enough for their types. What
+# the standard library of the oldest system lacks is refused as it is there.
 compile() {
-  "$zig" c++ -target "$target" -std=c++20 -fobjc-arc -O1 -Wall -Wextra -Wpedantic -Wundeclared-selector -Werror \
-    -Wno-nullability-completeness -Wno-nullability-extension -Wno-missing-field-initializers -DQT_NO_KEYWORDS \
+  "$zig" c++ -target "$target" -std=c++20 -fobjc-arc -O1 -Wall -Wextra -Wpedantic -Wshadow -Wconversion \
+    -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wcast-qual -Wformat=2 \
+    -Wundeclared-selector -Werror -Wno-missing-field-initializers \
+    -Wno-nullability-completeness -Wno-nullability-extension -Wno-macro-redefined \
+    -D_LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS=1 -DQT_NO_KEYWORDS \
     -Isrc -isystem "$checks/declarations" "${qt_folders[@]}" -c "$1" -o "$objects/$(object_name "$1")"
 }
 

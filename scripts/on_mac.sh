@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# on_mac.sh run|test: what run.sh and test.sh do on a Mac, with Homebrew. Written for the bash that Macs bring.
+# on_mac.sh run|test [--all]: what run.sh and test.sh do on a Mac, with Homebrew; --all adds nothing there. Written for
+# the bash that Macs bring.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -21,19 +22,25 @@ install_formulas() {
   done
 }
 
+# Homebrew's libraries are made for the system they are installed on, and so is what links with them.
 build() {
-  cmake --preset "$1" -DCMAKE_PREFIX_PATH="$(brew --prefix qt);$(brew --prefix)"
+  cmake --preset "$1" -DCMAKE_PREFIX_PATH="$(brew --prefix qt);$(brew --prefix)" \
+    -DCMAKE_OSX_DEPLOYMENT_TARGET="$(sw_vers -productVersion | cut -d . -f 1).0"
   cmake --build --preset "$1"
 }
 
-case "${1:-}" in
+[ "$(uname -m)" = arm64 ] || fail "Tarn is for Macs with Apple silicon."
+
+case "$*" in
   run)
     install_formulas cmake ninja qt
     build release
+    # One that runs would be brought to the front instead of the new one.
+    osascript -e 'quit app "Tarn"' >/dev/null 2>&1 || true
     open build/release/src/app/Tarn.app
     echo "Tarn is starting. Look for its circle in the menu bar."
     ;;
-  test)
+  test | "test --all")
     install_formulas cmake ninja qt googletest
     build dev
     ctest --preset dev || fail "Some tests failed; see above."

@@ -22,9 +22,8 @@ constexpr int windowIconSize = 64;  // pixels
 
 int main(int argc, char* argv[]) {
   QCoreApplication::setApplicationName(QStringLiteral("tarn"));
-  // Together the store's name on a Mac, and so the bundle's.
+  // On a Mac the toolkit makes the store's name of the two, "com.tarn.tarn", which is the bundle's.
   QCoreApplication::setOrganizationName(QStringLiteral("tarn"));
-  QCoreApplication::setOrganizationDomain(QStringLiteral("tarn.example"));
   QCoreApplication::setApplicationVersion(tarn::platformShortVersion().value_or(QString()));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Tarn"));
   QGuiApplication::setDesktopFileName(QStringLiteral("tarn"));

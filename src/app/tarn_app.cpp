@@ -44,7 +44,8 @@ Maker maker() {
 }
 
 PopoverStyle styleOn(const WindowSystem& windowSystem) {
-  return windowSystem.clientsPlaceWindows ? PopoverStyle::popup : PopoverStyle::tool;
+  return windowSystem.clientsPlaceWindows && windowSystem.popupsTakeKeys ? PopoverStyle::popup
+                                                                         : PopoverStyle::tool;
 }
 
 /// Where the click was: the pointer knows best while windows may ask for it; a host's word is believed only
@@ -54,6 +55,7 @@ std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const W
     const QScreen* screen = QGuiApplication::screenAt(point);
     return screen != nullptr && isPlausibleAnchor(point, {screen->geometry(), screen->availableGeometry()});
   };
+  if (windowSystem.hostKnowsItsPlace && position) return position;
   if (windowSystem.clientsPlaceWindows && isPlausible(QCursor::pos())) return QCursor::pos();
   if (position && isPlausible(*position)) return position;
   return std::nullopt;

@@ -4,8 +4,8 @@
 #include "format/cpu_formatting.hpp"
 
 #include <array>
-#include <charconv>
 #include <cmath>
+#include <cstdio>
 
 namespace tarn::CPUFormatting {
 
@@ -13,10 +13,9 @@ namespace {
 
 /// Plain decimal digits for when the platform's formatter has none: no grouping, halves away from zero.
 std::string plainPercent(double percent) {
-  std::array<char, 400> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), std::round(percent),
-                                 std::chars_format::fixed);
-  return std::string(digits.data(), end.ptr) + '%';
+  std::array<char, 400> digits{};  // the largest number has 309
+  const int length = std::snprintf(digits.data(), digits.size(), "%.0f%%", std::round(percent));
+  return {digits.data(), static_cast<std::size_t>(length)};
 }
 
 }  // namespace

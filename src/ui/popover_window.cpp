@@ -102,8 +102,10 @@ void PopoverWindow::applyStyle(PopoverStyle style, const WindowSystem& windowSys
     setWindowFlags(flagsFor(style));
     setAttribute(Qt::WA_TranslucentBackground, blended);
   }
+  setAttribute(Qt::WA_MacAlwaysShowToolWindow);
   style_ = style;
   blended_ = blended;
+  isPlaced_ = windowSystem.clientsPlaceWindows && style != PopoverStyle::regular;
   const int margin = blended ? shadowReach : 0;
   layout()->setContentsMargins(margin, margin, margin, margin);
 }
@@ -129,7 +131,7 @@ void PopoverWindow::fitToContent() {
 
 void PopoverWindow::place(const QSize& size) {
   const QMargins margins = layout()->contentsMargins();
-  if (style_ == PopoverStyle::popup) {
+  if (isPlaced_) {
     setGeometry(popoverFrame(anchor_, size, screenArea()).marginsAdded(margins));
   } else {
     resize(size.grownBy(margins));

@@ -17,8 +17,8 @@ namespace tarn {
 
 /// How the popover's window behaves.
 enum class PopoverStyle {
-  popup,    ///< placed beside the item; any press outside closes it, and the focus stays where it was
-  tool,     ///< where windows may not place themselves: takes the focus, and closes when it loses it
+  popup,    ///< any press outside closes it, and the focus stays where it was
+  tool,     ///< takes the focus, and closes when it loses it
   regular,  ///< an ordinary small window that stays, for when there is no menu bar
 };
 
@@ -26,6 +26,8 @@ enum class PopoverStyle {
 struct WindowSystem {
   bool clientsPlaceWindows = true;  ///< X11 does, Wayland does not
   bool blendsWindows = false;       ///< a compositor shows translucent windows
+  bool popupsTakeKeys = true;       ///< where they do not, the popover is a window with the focus instead
+  bool hostKnowsItsPlace = false;   ///< where it says that the item was clicked is exact
 };
 
 /// Asks the running system anew, since a compositor may come and go. Main thread; each platform folder
@@ -78,6 +80,7 @@ class PopoverWindow : public QWidget {
   PopoverStyle style_ = PopoverStyle::popup;
   std::optional<QPoint> anchor_;
   bool blended_ = false;
+  bool isPlaced_ = true;  ///< beside the item
   Clock clock_;
   QPoint lastPress_;  ///< where that press was, in screen coordinates
   /// When a press outside closed the popover; absent unless that is how it was closed last.

@@ -75,6 +75,14 @@ class PopoverWindowTest : public ::testing::Test {
   PopoverWindow window_;
 };
 
+TEST_F(PopoverWindowTest, HangsBelowTheItemWithTheFocusWherePopupsTakeNoKeys) {
+  open(PopoverStyle::popup);
+  const QRect asPopup = window_.geometry();
+  window_.close();
+  open(PopoverStyle::tool, item, {.clientsPlaceWindows = true, .popupsTakeKeys = false});
+  EXPECT_EQ(window_.geometry(), asPopup);
+}
+
 TEST_F(PopoverWindowTest, IsAsWideAsItsViewAndAsHighAsItsContent) {
   open(PopoverStyle::popup);
   EXPECT_EQ(window_.width(), 320);

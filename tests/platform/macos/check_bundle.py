@@ -7,7 +7,7 @@ import plistlib
 import sys
 
 REQUIRED = {
-    "CFBundleIdentifier": "example.tarn.tarn",
+    "CFBundleIdentifier": "com.tarn.tarn",
     "CFBundleName": "Tarn",
     "CFBundlePackageType": "APPL",
     "CFBundleExecutable": "${MACOSX_BUNDLE_EXECUTABLE_NAME}",

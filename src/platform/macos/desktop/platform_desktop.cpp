@@ -72,7 +72,8 @@ FileIconLoader platformFileIcon() {
 }
 
 WindowSystem platformWindowSystem() {
-  return {.clientsPlaceWindows = true, .blendsWindows = true};
+  return {
+      .clientsPlaceWindows = true, .blendsWindows = true, .popupsTakeKeys = false, .hostKnowsItsPlace = true};
 }
 
 std::optional<QString> platformDisplayProblem() {

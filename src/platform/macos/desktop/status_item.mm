@@ -40,6 +40,8 @@ ScreenPoint middleOfLowerEdge(NSView* view) {
 }
 
 - (void)clicked:(NSView*)button {
+  // A click on the menu bar activates nothing, and keys go to the active application alone.
+  [NSApplication.sharedApplication activateIgnoringOtherApps:YES];
   _clicked(tarn::macos::middleOfLowerEdge(button));
 }
 

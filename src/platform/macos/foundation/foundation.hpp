@@ -15,6 +15,10 @@
 
 namespace tarn::macos {
 
+/// Runs what may leave objects to the thread's autorelease pool, in one of its own: the threads of our queues
+/// have none, and would keep such objects until they end.
+void withAutoreleasePool(const std::function<void()>& task);
+
 /// A byte count in the system's memory style, in bytes, KB, MB or GB. UTF-8 in the user's locale. The
 /// formatter is made at the first call and kept.
 std::string byteCountText(std::int64_t byteCount);

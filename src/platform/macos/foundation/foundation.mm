@@ -58,6 +58,12 @@ NSNumberFormatter* makePercentFormatter() {
 
 }  // namespace
 
+void withAutoreleasePool(const std::function<void()>& task) {
+  @autoreleasepool {
+    task();
+  }
+}
+
 std::string byteCountText(std::int64_t byteCount) {
   @autoreleasepool {
     static NSByteCountFormatter* const formatter = makeByteCountFormatter();

@@ -30,8 +30,8 @@ static_assert(offsetof(UsageRecord, physicalFootprint) == offsetof(rusage_info_v
 static_assert(sizeof(SwapRecord) == sizeof(xsw_usage));
 static_assert(offsetof(SwapRecord, used) == offsetof(xsw_usage, xsu_used));
 
-// The system's record grows from version to version: ours is to be no smaller.
-static_assert(sizeof(MemoryRecord) >= sizeof(vm_statistics64));
+// The system's record grows from version to version: ours has to hold what all of them have.
+static_assert(sizeof(MemoryRecord) / sizeof(integer_t) >= HOST_VM_INFO64_REV0_COUNT);
 static_assert(offsetof(MemoryRecord, wiredPages) == offsetof(vm_statistics64, wire_count));
 static_assert(offsetof(MemoryRecord, compressorPages) == offsetof(vm_statistics64, compressor_page_count));
 static_assert(offsetof(MemoryRecord, externalPages) == offsetof(vm_statistics64, external_page_count));

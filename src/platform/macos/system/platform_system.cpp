@@ -6,8 +6,10 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "extras/platform_extras.hpp"
 #include "monitor/active_processors.hpp"
@@ -24,6 +26,20 @@
 
 namespace tarn {
 
+namespace {
+
+/// The same operation with an autorelease pool around it.
+template <typename Result>
+std::function<Result()> pooled(std::function<Result()> operation) {
+  return [operation = std::move(operation)] {
+    Result result = {};
+    macos::withAutoreleasePool([&] { result = operation(); });
+    return result;
+  };
+}
+
+}  // namespace
+
 SamplerPort platformSamplerPort() {
   SamplerPort port;
   port.processes = std::make_unique<macos::MacProcScan>(macos::systemFunctions());
@@ -35,9 +51,11 @@ SamplerPort platformSamplerPort() {
 
 ExtrasPort platformExtrasPort() {
   const macos::EventSystemSensors sensors(macos::lookUpEventSystem(), macos::systemObjectFunctions());
+  PowerPort power = macos::macPowerPort(macos::systemPowerFunctions(), macos::systemObjectFunctions());
   return {.rootVolume = macos::rootVolumeValues,
-          .power = macos::macPowerPort(macos::systemPowerFunctions(), macos::systemObjectFunctions()),
-          .temperatures = [sensors] { return sensors.readings(); },
+          .power = {.powerSources = pooled(std::move(power.powerSources)),
+                    .batteryController = pooled(std::move(power.batteryController))},
+          .temperatures = pooled(SensorReadings([sensors] { return sensors.readings(); })),
           .uptime = macos::systemUptime,
           .thermalState = [] { return thermalStateFromRawValue(macos::thermalState()); }};
 }

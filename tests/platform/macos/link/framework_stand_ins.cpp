@@ -8,6 +8,10 @@
 
 namespace tarn::macos {
 
+void withAutoreleasePool(const std::function<void()>& task) {
+  task();
+}
+
 std::string byteCountText(std::int64_t byteCount) {
   return std::to_string(byteCount);
 }

@@ -25,7 +25,8 @@ struct FakeKernel {
   std::uint64_t pageSize = 16384;
   Timebase timebase = {125, 3};
   std::vector<std::int32_t> pids;
-  std::optional<int> listSize;  ///< of the call that asks for the size, where it is not that of the list
+  std::optional<int> listSize;    ///< of the call that asks for the size, where it is not that of the list
+  std::optional<int> listFilled;  ///< what the second call claims to have written
   std::optional<ProcessRecord> process;
   int processSize = sizeof(ProcessRecord);
   std::optional<UsageRecord> usage;
@@ -67,7 +68,10 @@ struct FakeKernel {
 
   static int hostStatistics(int flavor, void* record, std::uint32_t* wordCount) {
     current->calls.push_back("statistics " + std::to_string(flavor) + ' ' + std::to_string(*wordCount));
-    if (!current->memory) return 5;
+    if (!current->memory) {
+      std::memset(record, 0xFF, sizeof(MemoryRecord));
+      return 5;
+    }
     std::memcpy(record, &*current->memory, sizeof(MemoryRecord));
     return 0;
   }
@@ -84,6 +88,7 @@ struct FakeKernel {
     const int listed = static_cast<int>(current->pids.size() * sizeof(std::int32_t));
     if (buffer == nullptr) return current->listSize.value_or(listed);
     const int filled = std::min(size, listed);
+    if (current->listFilled) return *current->listFilled;
     if (filled > 0) std::memcpy(buffer, current->pids.data(), static_cast<std::size_t>(filled));
     return filled;
   }

@@ -55,6 +55,12 @@ TEST_F(MacProcScanTest, ListsNothingWhenTheSecondCallGivesNothing) {
   EXPECT_THAT(scan().allPIDs(), IsEmpty());
 }
 
+TEST_F(MacProcScanTest, DoesNotBelieveAListLongerThanItsBuffer) {
+  kernel_.pids = {1};
+  kernel_.listFilled = 1 << 20;
+  EXPECT_THAT(scan().allPIDs(), IsEmpty());
+}
+
 TEST_F(MacProcScanTest, DropsPidZeroAndWhatIsNoPid) {
   kernel_.pids = {0, 1, 0, -5, 2};
   EXPECT_THAT(scan().allPIDs(), ElementsAre(1, 2));

@@ -148,6 +148,7 @@ static const CGFloat NSVariableStatusItemLength = -1.0;
 
 @interface NSApplication : NSResponder
 @property(class, readonly, strong) __kindof NSApplication* sharedApplication;
+- (void)activateIgnoringOtherApps:(BOOL)flag;
 - (void)terminate:(nullable id)sender;
 @end
 
