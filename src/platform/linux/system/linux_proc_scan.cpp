@@ -126,6 +126,12 @@ std::string LinuxProcScan::processName(std::int32_t pid) {
   return *process->displayName;
 }
 
+std::optional<std::uint64_t> LinuxProcScan::programOf(std::int32_t pid) const {
+  const auto entry = known_.find(pid);
+  if (entry == known_.end() || entry->second.sweep != sweep_) return std::nullopt;
+  return entry->second.program;
+}
+
 std::string_view LinuxProcScan::readProcessFile(std::int32_t pid, std::string_view file,
                                                 std::vector<char>& buffer) {
   if (pid <= 0 || !openDirectory()) return {};
@@ -152,6 +158,7 @@ LinuxProcScan::KnownProcess* LinuxProcScan::refresh(std::int32_t pid) {
     process.startTicks = stat->startTicks;
     process.kernelName = stat->name;
     process.displayName.reset();
+    process.program = ++programs_;
   }
   process.ppid = stat->ppid;
   process.processorTicks = ticks;

@@ -44,6 +44,10 @@ class LinuxProcScan final : public ProcScan {
   std::optional<ProcessUsage> usage(std::int32_t pid) override;
   std::string processName(std::int32_t pid) override;
 
+  /// A number that no other process has, and this one no more once it has started another program: its kernel
+  /// name is another one then. Nothing for a process that this sweep has not met. No system call.
+  std::optional<std::uint64_t> programOf(std::int32_t pid) const;
+
   /// How many processes are remembered.
   std::size_t knownProcessCount() const { return known_.size(); }
 
@@ -54,6 +58,7 @@ class LinuxProcScan final : public ProcScan {
     std::uint64_t startTicks = 0;
     std::uint64_t processorTicks = 0;  // as of the sweep below
     std::uint64_t sweep = 0;           // in which it was last met
+    std::uint64_t program = 0;         // another number for each program
     std::int32_t ppid = 0;
     std::uint32_t owner = 0;
   };
@@ -76,6 +81,7 @@ class LinuxProcScan final : public ProcScan {
   std::uint64_t ticksPerSecond_;
   std::uint64_t pageSize_;
   std::uint64_t sweep_ = 0;
+  std::uint64_t programs_ = 0;  // met so far
   bool swapInUse_ = false;
   std::unordered_map<std::int32_t, KnownProcess> known_;
   std::vector<char> buffer_;        // for the short files

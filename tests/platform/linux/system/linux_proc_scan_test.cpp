@@ -340,5 +340,37 @@ TEST(RecordedVirtualMachine, ItsProcessesAreReadAsTheyWere) {
   EXPECT_EQ(processes.usage(1947), (ProcessUsage{27 * pageSize, 0}));
 }
 
+TEST(LinuxProcScanPrograms, HaveANumberEach) {
+  const TemporaryTree tree;
+  tree.write("proc/stat", "btime 1000\n");
+  ProcessFixture shell{.pid = 40, .name = "sh"};
+  ProcessFixture other{.pid = 41, .name = "sh"};
+  shell.writeTo(tree);
+  other.writeTo(tree);
+  LinuxProcScan scan(tree.roots(), [](std::int32_t) { return std::nullopt; });
+  EXPECT_EQ(scan.programOf(40), std::nullopt) << "not met yet";
+  const auto sweep = [&] {
+    for (const std::int32_t pid : scan.allPIDs()) scan.bsdInfo(pid);
+  };
+  sweep();
+  const auto first = scan.programOf(40);
+  ASSERT_TRUE(first);
+  EXPECT_NE(scan.programOf(41), first);
+  sweep();
+  EXPECT_EQ(scan.programOf(40), first);
+  shell.name = "firefox";
+  shell.writeTo(tree);
+  sweep();
+  const auto second = scan.programOf(40);
+  EXPECT_NE(second, first) << "it runs another program";
+  shell.startTicks += 1;
+  shell.writeTo(tree);
+  sweep();
+  EXPECT_NE(scan.programOf(40), second) << "it is another process";
+  tree.remove("proc/40");
+  sweep();
+  EXPECT_EQ(scan.programOf(40), std::nullopt);
+}
+
 }  // namespace
 }  // namespace tarn

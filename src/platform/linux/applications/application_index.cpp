@@ -1,0 +1,192 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/applications/application_index.hpp"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "platform/linux/applications/exec_line.hpp"
+#include "platform/linux/applications/process_signs.hpp"
+#include "platform/linux/system/bounded_file.hpp"
+#include "platform/linux/system/text_scan.hpp"
+#include "sampling/bundle_path.hpp"
+
+namespace tarn {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view desktopEnding = ".desktop";
+constexpr std::string_view serviceEnding = ".service";
+constexpr std::size_t mostFiles = 10'000;
+
+/// The names in a directory, in their order; none where it cannot be listed.
+std::vector<std::string> namesIn(const std::string& directory) {
+  std::error_code error;
+  std::vector<std::string> names;
+  fs::directory_iterator entry(directory, error);
+  for (; !error && entry != fs::directory_iterator() && names.size() < mostFiles; entry.increment(error)) {
+    names.push_back(entry->path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+/// The value of a key in a bus service's file; of other groups such files have none.
+std::string valueOf(std::string_view text, std::string_view key) {
+  while (!text.empty()) {
+    std::string_view line = takeLine(text);
+    if (!line.starts_with(key)) continue;
+    line.remove_prefix(key.size());
+    if (line.starts_with('=')) return std::string(line.substr(1));
+  }
+  return {};
+}
+
+}  // namespace
+
+ApplicationIndex::ApplicationIndex(LinuxRoots roots, std::vector<std::string> dataDirectories,
+                                   std::vector<std::string> programDirectories)
+    : roots_(std::move(roots)),
+      dataDirectories_(std::move(dataDirectories)),
+      programDirectories_(std::move(programDirectories)) {}
+
+fs::file_time_type ApplicationIndex::changeOf(const std::string& directory) {
+  std::error_code error;
+  const auto time = fs::last_write_time(directory, error);
+  return error ? fs::file_time_type::min() : time;
+}
+
+bool ApplicationIndex::refresh() {
+  const bool isCurrent =
+      !stamps_.empty() && std::all_of(stamps_.begin(), stamps_.end(), [](const Stamp& stamp) {
+        return changeOf(stamp.directory) == stamp.changed;
+      });
+  if (isCurrent) return false;
+  build();
+  return true;
+}
+
+void ApplicationIndex::build() {
+  stamps_.clear();
+  files_.clear();
+  for (NameTable* names : {&byId_, &byExecutable_, &byServiceExecutable_, &byDirectory_, &byDirectoryName_})
+    names->clear();
+  for (const std::string& data : dataDirectories_) addDirectory(roots_.root + data + "/applications", "", 0);
+  for (NameTable* names : {&byId_, &byExecutable_, &byDirectory_, &byDirectoryName_}) names->close();
+  knownIds_ = {};
+  for (const std::string& data : dataDirectories_) addServices(roots_.root + data + "/dbus-1/services");
+  byServiceExecutable_.close();
+  files_.shrink_to_fit();
+}
+
+void ApplicationIndex::addDirectory(const std::string& directory, const std::string& idPrefix, int depth) {
+  constexpr int deepest = 4;  // so that a link to a directory above ends somewhere
+  if (depth > deepest) return;
+  stamps_.push_back({directory, changeOf(directory)});
+  for (const std::string& name : namesIn(directory)) {
+    const std::string path = directory + '/' + name;
+    std::error_code error;
+    if (name.ends_with(desktopEnding)) {
+      addFile(path, idPrefix + name.substr(0, name.size() - desktopEnding.size()));
+    } else if (fs::is_directory(path, error)) {
+      addDirectory(path, idPrefix + name + '-', depth + 1);
+    }
+  }
+}
+
+void ApplicationIndex::addFile(const std::string& file, std::string id) {
+  if (files_.size() >= mostFiles || knownIds_.contains(id)) return;
+  const auto entry = readDesktopEntry(file);
+  const auto number = static_cast<std::uint32_t>(files_.size());
+  if (!entry) return;
+  // Paths are told as the system has them, whatever stands before its root.
+  files_.push_back(file.substr(roots_.root.size()));
+  addExecutable(*entry, id, number);
+  byId_.offer(id, number, 0);
+  knownIds_.insert(std::move(id));
+}
+
+void ApplicationIndex::addExecutable(const DesktopEntry& entry, const std::string& id, std::uint32_t file) {
+  const auto line = parseExecLine(entry.exec);
+  if (!line || !entry.isListed || entry.isInTerminal) return;
+  auto argumentCount = static_cast<std::uint32_t>(line->arguments.size());
+  std::string program = line->program;
+  if (runsOthers(lastPathComponent(program))) {
+    // The script that an interpreter runs is the application; what a launcher runs is not to be seen here.
+    if (line->arguments.empty() || !line->arguments.front().starts_with('/')) return;
+    program = line->arguments.front();
+    --argumentCount;
+  }
+  const std::string path = resolved(program);
+  const std::string_view resolvedName = lastPathComponent(path);
+  if (!path.empty() && !runsOthers(resolvedName)) {
+    byExecutable_.offer(path, file, argumentCount);
+    const auto directories = privateDirectoriesOf(path);
+    if (!directories.empty()) byDirectory_.offer(directories.front(), file, argumentCount);
+    byDirectoryName_.offer(resolvedName, file, argumentCount);
+  }
+  byDirectoryName_.offer(lastPathComponent(program), file, argumentCount);
+  byDirectoryName_.offer(id, file, argumentCount);
+}
+
+void ApplicationIndex::addServices(const std::string& directory) {
+  stamps_.push_back({directory, changeOf(directory)});
+  for (const std::string& name : namesIn(directory)) {
+    if (!name.ends_with(serviceEnding)) continue;
+    const std::string text = readFile(directory + '/' + name);
+    const auto application = byId_.find(valueOf(text, "Name"));
+    if (!application) continue;
+    const auto line = parseExecLine(valueOf(text, "Exec"));
+    if (!line || runsOthers(lastPathComponent(line->program))) continue;
+    const std::string path = resolved(line->program);
+    if (!path.empty()) byServiceExecutable_.offer(path, *application, 0);
+  }
+}
+
+std::string ApplicationIndex::resolved(const std::string& program) const {
+  const auto resolve = [this](const std::string& path) {
+    std::error_code error;
+    const fs::path target = fs::canonical(roots_.root + path, error);
+    if (error || !fs::is_regular_file(target, error)) return std::string();
+    return target.string().substr(roots_.root.size());
+  };
+  if (program.starts_with('/')) return resolve(program);
+  if (program.find('/') != std::string::npos) return {};
+  for (const std::string& directory : programDirectories_) {
+    std::string path = resolve(directory + '/' + program);
+    if (!path.empty()) return path;
+  }
+  return {};
+}
+
+const std::string* ApplicationIndex::fileOf(const NameTable& names, std::string_view name) const {
+  const auto number = names.find(name);
+  return number ? &files_[*number] : nullptr;
+}
+
+const std::string* ApplicationIndex::byId(std::string_view id) const {
+  return fileOf(byId_, id);
+}
+
+const std::string* ApplicationIndex::byExecutable(const std::string& path) const {
+  return fileOf(byExecutable_, path);
+}
+
+const std::string* ApplicationIndex::byServiceExecutable(const std::string& path) const {
+  return fileOf(byServiceExecutable_, path);
+}
+
+const std::string* ApplicationIndex::byPrivateDirectory(std::string_view path) const {
+  const auto directories = privateDirectoriesOf(path);
+  for (const std::string_view directory : directories) {
+    if (const std::string* file = fileOf(byDirectory_, directory)) return file;
+  }
+  // Only the outermost directory is an application's own by its name.
+  return directories.empty() ? nullptr : fileOf(byDirectoryName_, lastPathComponent(directories.back()));
+}
+
+}  // namespace tarn

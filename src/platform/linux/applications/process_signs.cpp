@@ -1,0 +1,165 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/applications/process_signs.hpp"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/linux/applications/exec_line.hpp"
+#include "platform/linux/system/text_scan.hpp"
+#include "sampling/bundle_path.hpp"
+
+namespace tarn {
+
+namespace {
+
+using Parts = std::vector<std::string_view>;
+
+Parts split(std::string_view text, char separator) {
+  Parts parts;
+  while (true) {
+    const std::size_t end = text.find(separator);
+    parts.push_back(text.substr(0, end));
+    if (end == std::string_view::npos) return parts;
+    text.remove_prefix(end + 1);
+  }
+}
+
+std::string joined(const Parts& parts, std::size_t begin, std::size_t end, char separator) {
+  std::string text;
+  for (std::size_t i = begin; i < end; ++i) {
+    if (i > begin) text += separator;
+    text += parts[i];
+  }
+  return text;
+}
+
+/// Undoes the manager's escapes: "\x2d" for a hyphen.
+std::string unescaped(std::string_view text) {
+  constexpr std::size_t length = 4;
+  constexpr int hexadecimal = 16;
+  std::string plain;
+  while (!text.empty()) {
+    const bool isEscape = text.size() >= length && text.starts_with("\\x");
+    const auto code =
+        isEscape ? parseWholeNumber<unsigned char>(text.substr(2, 2), hexadecimal) : std::nullopt;
+    plain += code ? static_cast<char>(*code) : text.front();
+    text.remove_prefix(code ? length : 1);
+  }
+  return plain;
+}
+
+/// Drops an ending, and says whether it was there.
+bool drop(std::string_view& text, std::string_view ending) {
+  if (!text.ends_with(ending)) return false;
+  text.remove_suffix(ending.size());
+  return true;
+}
+
+void addUnlessKnown(std::vector<std::string>& ids, std::string id) {
+  if (!id.empty() && std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(std::move(id));
+}
+
+bool takesAValue(std::string_view option) {
+  constexpr std::array<std::string_view, 7> options = {"-cp", "-classpath", "--class-path", "-W", "-X",
+                                                       "-I",  "-r"};
+  return std::find(options.begin(), options.end(), option) != options.end();
+}
+
+/// Options after which there is no script: code on the command line, or a module by name.
+bool replacesTheScript(std::string_view option) {
+  return option == "-c" || option == "-e" || option == "-m" || option == "-";
+}
+
+}  // namespace
+
+std::vector<std::string> sandboxIds(std::string_view controlGroup) {
+  constexpr std::string_view flatpak = "app-flatpak-";
+  constexpr std::string_view snap = "snap.";
+  for (std::string_view unit : split(controlGroup, '/')) {
+    if (unit.starts_with(flatpak) && drop(unit, ".scope")) {
+      unit.remove_prefix(flatpak.size());
+      return {unescaped(unit.substr(0, unit.rfind('-')))};
+    }
+    if (unit.starts_with(snap) && (drop(unit, ".scope") || drop(unit, ".service"))) {
+      const Parts parts = split(unit.substr(snap.size()), '.');
+      const std::string name = unescaped(parts.front());
+      if (parts.size() == 1) return {name + '_' + name};
+      // What follows the command is a number of the launch, after a full stop or a hyphen.
+      const std::string command = unescaped(parts[1]);
+      std::vector<std::string> ids{name + '_' + command};
+      addUnlessKnown(ids, name + '_' + command.substr(0, command.find('-')));
+      addUnlessKnown(ids, name + '_' + name);
+      return ids;
+    }
+  }
+  return {};
+}
+
+std::vector<std::string> unitIds(std::string_view controlGroup) {
+  constexpr std::string_view stem = "app-";
+  std::vector<std::string> ids;
+  for (std::string_view unit : split(controlGroup, '/')) {
+    if (!unit.starts_with(stem)) continue;
+    const bool isScope = drop(unit, ".scope");
+    if (!isScope && !drop(unit, ".service")) continue;
+    unit.remove_prefix(stem.size());
+    const std::size_t instance = unit.rfind('@');
+    Parts parts = split(unit.substr(0, instance), '-');
+    // A scope's name ends in a number of the launch.
+    if (isScope && instance == std::string_view::npos && parts.size() > 1) parts.pop_back();
+    ids.clear();  // an inner unit says more
+    addUnlessKnown(ids, unescaped(parts.back()));
+    for (std::size_t launcher = parts.size() - 1; launcher-- > 0;) {
+      addUnlessKnown(ids, unescaped(joined(parts, launcher, parts.size(), '-')));
+    }
+  }
+  return ids;
+}
+
+std::optional<std::string> scriptOf(const std::vector<std::string>& arguments) {
+  for (std::size_t i = 1; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    if (replacesTheScript(argument)) return std::nullopt;
+    if (argument.starts_with('-')) {
+      if (takesAValue(argument)) ++i;
+      continue;
+    }
+    if (argument.starts_with('/')) return argument;
+    return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> imageMountOf(std::string_view executable) {
+  constexpr std::string_view stem = "/.mount_";
+  const std::size_t mount = executable.find(stem);
+  if (mount == std::string_view::npos) return std::nullopt;
+  const std::size_t end = executable.find('/', mount + stem.size());
+  if (end == std::string_view::npos || end == mount + stem.size()) return std::nullopt;
+  return std::string(executable.substr(0, end));
+}
+
+std::vector<std::string_view> privateDirectoriesOf(std::string_view path) {
+  constexpr std::array<std::string_view, 9> roots = {
+      "/opt/",           "/usr/lib/",         "/usr/lib64/",         "/usr/libexec/",  "/usr/share/",
+      "/usr/local/lib/", "/usr/local/share/", "/usr/local/libexec/", "/usr/games/lib/"};
+  for (const std::string_view root : roots) {
+    if (!path.starts_with(root)) continue;
+    std::size_t shortest = root.size();
+    // Libraries of one kind of processor have a directory of their own, and applications theirs within it.
+    const std::string_view first = path.substr(root.size(), path.find('/', root.size()) - root.size());
+    if (first.find("-linux-gnu") != std::string_view::npos) shortest += first.size() + 1;
+    std::vector<std::string_view> directories;
+    std::size_t end = path.rfind('/');
+    while (end != std::string_view::npos && end > shortest) {
+      directories.push_back(path.substr(0, end));
+      end = path.rfind('/', end - 1);
+    }
+    return directories;
+  }
+  return {};
+}
+
+}  // namespace tarn
