@@ -23,6 +23,13 @@ constexpr std::string_view desktopEnding = ".desktop";
 constexpr std::string_view serviceEnding = ".service";
 constexpr std::size_t mostFiles = 10'000;
 
+std::string joined(const std::string& one, char separator, std::string_view other) {
+  std::string text = one;
+  text += separator;
+  text += other;
+  return text;
+}
+
 /// The names in a directory, in their order; none where it cannot be listed.
 std::vector<std::string> namesIn(const std::string& directory) {
   std::error_code error;
@@ -88,12 +95,12 @@ void ApplicationIndex::addDirectory(const std::string& directory, const std::str
   if (depth > deepest) return;
   stamps_.push_back({directory, changeOf(directory)});
   for (const std::string& name : namesIn(directory)) {
-    const std::string path = directory + '/' + name;
+    const std::string path = joined(directory, '/', name);
     std::error_code error;
     if (name.ends_with(desktopEnding)) {
       addFile(path, idPrefix + name.substr(0, name.size() - desktopEnding.size()));
     } else if (fs::is_directory(path, error)) {
-      addDirectory(path, idPrefix + name + '-', depth + 1);
+      addDirectory(path, joined(idPrefix + name, '-', {}), depth + 1);
     }
   }
 }
@@ -137,7 +144,7 @@ void ApplicationIndex::addServices(const std::string& directory) {
   stamps_.push_back({directory, changeOf(directory)});
   for (const std::string& name : namesIn(directory)) {
     if (!name.ends_with(serviceEnding)) continue;
-    const std::string text = readFile(directory + '/' + name);
+    const std::string text = readFile(joined(directory, '/', name));
     const auto application = byId_.find(valueOf(text, "Name"));
     if (!application) continue;
     const auto line = parseExecLine(valueOf(text, "Exec"));
@@ -157,7 +164,7 @@ std::string ApplicationIndex::resolved(const std::string& program) const {
   if (program.starts_with('/')) return resolve(program);
   if (program.find('/') != std::string::npos) return {};
   for (const std::string& directory : programDirectories_) {
-    std::string path = resolve(directory + '/' + program);
+    std::string path = resolve(joined(directory, '/', program));
     if (!path.empty()) return path;
   }
   return {};

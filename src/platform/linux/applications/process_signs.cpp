@@ -57,6 +57,12 @@ bool drop(std::string_view& text, std::string_view ending) {
   return true;
 }
 
+std::string snapId(std::string id, std::string_view command) {
+  id += '_';
+  id += command;
+  return id;
+}
+
 void addUnlessKnown(std::vector<std::string>& ids, std::string id) {
   if (!id.empty() && std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(std::move(id));
 }
@@ -85,12 +91,12 @@ std::vector<std::string> sandboxIds(std::string_view controlGroup) {
     if (unit.starts_with(snap) && (drop(unit, ".scope") || drop(unit, ".service"))) {
       const Parts parts = split(unit.substr(snap.size()), '.');
       const std::string name = unescaped(parts.front());
-      if (parts.size() == 1) return {name + '_' + name};
+      if (parts.size() == 1) return {snapId(name, name)};
       // What follows the command is a number of the launch, after a full stop or a hyphen.
       const std::string command = unescaped(parts[1]);
-      std::vector<std::string> ids{name + '_' + command};
-      addUnlessKnown(ids, name + '_' + command.substr(0, command.find('-')));
-      addUnlessKnown(ids, name + '_' + name);
+      std::vector<std::string> ids{snapId(name, command)};
+      addUnlessKnown(ids, snapId(name, command.substr(0, command.find('-'))));
+      addUnlessKnown(ids, snapId(name, name));
       return ids;
     }
   }

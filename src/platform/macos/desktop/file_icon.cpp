@@ -13,9 +13,10 @@ QIcon iconOf(const std::vector<Pixels>& picturesByScale) {
   double scale = 0;
   for (const Pixels& picture : picturesByScale) {
     ++scale;
-    const auto bytes = static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height) * 4;
-    if (bytes == 0 || picture.rgba.size() < bytes) continue;
-    const QImage view(picture.rgba.data(), picture.width, picture.height, 4 * picture.width,
+    const qsizetype bytesPerRow = qsizetype{4} * picture.width;
+    const qsizetype bytes = bytesPerRow * picture.height;
+    if (bytes <= 0 || picture.rgba.size() < static_cast<std::size_t>(bytes)) continue;
+    const QImage view(picture.rgba.data(), picture.width, picture.height, bytesPerRow,
                       QImage::Format_RGBA8888_Premultiplied);
     QPixmap pixmap = QPixmap::fromImage(view.copy());
     pixmap.setDevicePixelRatio(scale);

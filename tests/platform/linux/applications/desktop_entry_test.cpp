@@ -11,6 +11,8 @@
 namespace tarn {
 namespace {
 
+using namespace std::string_literals;
+
 class DesktopEntryTest : public ::testing::Test {
  protected:
   std::optional<DesktopEntry> read(const std::string& text) {
@@ -52,7 +54,7 @@ TEST_F(DesktopEntryTest, IsNotReadFromWhatIsNoFileOrTooLarge) {
 }
 
 TEST_F(DesktopEntryTest, BearsZerosAndTextThatIsNotUTF8) {
-  read(std::string("[Desktop Entry]\nType=Application\nExec=a\0b\n", 43));
+  read("[Desktop Entry]\nType=Application\nExec=a\0b\n"s);
   read("[Desktop Entry]\nType=Application\nExec=\xff\xfe\nName=\xff\n");
   readDesktopAppearance(tree_.at("a.desktop").string());
 }

@@ -53,10 +53,10 @@ struct FakeDispatch {
                   return current->refusesSources ? nullptr : static_cast<void*>(&current->source_);
                 },
             .setHandler =
-                [](void* /*source*/, void* context, void (*handler)(void*)) {
+                [](void* /*source*/, void* given, void (*called)(void*)) {
                   current->calls.emplace_back("handler");
-                  current->context = context;
-                  current->handler = handler;
+                  current->context = given;
+                  current->handler = called;
                 },
             .resume = [](void* source) { current->note("resume", source); },
             .pendingLevels = [](void* /*source*/) { return current->pending; },

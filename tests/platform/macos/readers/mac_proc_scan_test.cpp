@@ -161,8 +161,10 @@ TEST_F(MacProcScanTest, ReadsTheTimebaseOnceHoweverManyAsk) {
     return 0;
   };
   MacProcScan scan(functions);
+  constexpr int count = 4;
   std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) threads.emplace_back([&scan] { EXPECT_EQ(scan.usage(1)->cpuTime, 125U); });
+  threads.reserve(count);
+  for (int i = 0; i < count; ++i) threads.emplace_back([&scan] { EXPECT_EQ(scan.usage(1)->cpuTime, 125U); });
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(reads, 1);
 }

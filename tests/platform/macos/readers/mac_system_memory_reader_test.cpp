@@ -13,6 +13,8 @@ namespace {
 
 using testing::ElementsAre;
 
+constexpr std::uint64_t pageSize = 16384;
+
 class MacSystemMemoryTest : public ::testing::Test {
  protected:
   MacSystemMemoryTest() {
@@ -33,9 +35,9 @@ class MacSystemMemoryTest : public ::testing::Test {
 
 TEST_F(MacSystemMemoryTest, CountsPagesInBytes) {
   EXPECT_EQ(read(), (SystemMemory{.totalRAM = 17'179'869'184,
-                                  .wired = 1000 * 16384,
-                                  .compressed = 200 * 16384,
-                                  .cachedFiles = 30 * 16384,
+                                  .wired = 1000 * pageSize,
+                                  .compressed = 200 * pageSize,
+                                  .cachedFiles = 30 * pageSize,
                                   .swapUsed = 1'048'576}));
 }
 
@@ -55,7 +57,7 @@ TEST_F(MacSystemMemoryTest, ReadsEachFigureWhateverHappensToTheOthers) {
   EXPECT_EQ(read().swapUsed, 1'048'576U);
   kernel_.values.clear();
   EXPECT_EQ(read().swapUsed, 0U);
-  EXPECT_EQ(read().wired, 1000U * 16384);
+  EXPECT_EQ(read().wired, 1000 * pageSize);
   MacSystemMemoryReader reader(kernel_.functions());
   EXPECT_EQ(reader.totalRAM(), 0U);
   EXPECT_EQ(reader.swapUsed(), 0U);
