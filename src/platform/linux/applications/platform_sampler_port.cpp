@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "platform/linux/applications/application_names.hpp"
+#include "platform/linux/applications/application_information.hpp"
 #include "platform/linux/applications/data_directories.hpp"
 #include "platform/linux/applications/linux_application_rules.hpp"
 #include "platform/linux/system/linux_proc_scan.hpp"
@@ -34,7 +34,7 @@ SamplerPort platformSamplerPort() {
   port.processes = std::move(processes);
   port.memory = std::make_unique<LinuxSystemMemoryReader>(roots);
   port.uptime = uptimeSeconds;
-  port.bundleInformation = [roots](const std::string& path) { return desktopFileInformation(roots, path); };
+  port.bundleInformation = [roots](const std::string& path) { return applicationInformation(roots, path); };
   return port;
 }
 

@@ -8,6 +8,7 @@
 #include <QPixmap>
 #include <QString>
 
+#include "platform/linux/applications/application_information.hpp"
 #include "platform/linux/applications/desktop_entry.hpp"
 #include "sampling/bundle_path.hpp"
 #include "ui/app_icon_provider.hpp"
@@ -37,6 +38,15 @@ QIcon themeIcon(QString name) {
   return QIcon::fromTheme(name);
 }
 
+/// The first picture of a bundle that the toolkit can read.
+QIcon bundleIcon(const std::string& bundle) {
+  for (const std::string& picture : bundlePictures(bundle)) {
+    QIcon icon = pictureIcon(QString::fromStdString(picture));
+    if (!icon.isNull()) return icon;
+  }
+  return {};
+}
+
 QIcon namedIcon(const QString& name) {
   return name.startsWith(u'/') ? pictureIcon(name) : themeIcon(name);
 }
@@ -61,6 +71,7 @@ QIcon applicationIcon(const std::string& path) {
   QIcon icon;
   if (const auto appearance = readDesktopAppearance(path))
     icon = namedIcon(QString::fromStdString(appearance->icon));
+  if (path.ends_with(".app")) icon = bundleIcon(path);
   if (icon.isNull()) icon = themeIcon(themeIconName(path));
   return icon.isNull() ? iconForPrograms() : icon;
 }

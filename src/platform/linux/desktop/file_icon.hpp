@@ -13,8 +13,8 @@ namespace tarn {
 QIcon pictureIcon(const QString& path);
 
 /// The icon of an application by its path: the one that its desktop file names, in the icon theme or as a
-/// file; for other paths the theme's icon of the application's own name. Where there is none, the theme's
-/// icon for programs.
+/// file; the picture of a ".app" directory; for want of these the theme's icon of the application's own name.
+/// Where there is none, the theme's icon for programs.
 QIcon applicationIcon(const std::string& path);
 
 }  // namespace tarn

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/applications/application_names.hpp"
+#include "platform/linux/applications/application_information.hpp"
 #include "platform/linux/system/temporary_tree.hpp"
 
 namespace tarn {
@@ -67,11 +67,11 @@ TEST_F(DesktopEntryTest, NamesTheApplication) {
   ASSERT_TRUE(appearance);
   EXPECT_EQ(appearance->name, "Files");
   EXPECT_EQ(appearance->icon, "folder");
-  EXPECT_EQ(desktopFileInformation(tree_.roots(), path),
+  EXPECT_EQ(applicationInformation(tree_.roots(), path),
             (InformationDictionary{{"CFBundleDisplayName", "Files"}}));
-  EXPECT_EQ(desktopFileInformation(tree_.roots(), "/usr/share/applications/gone.desktop"),
+  EXPECT_EQ(applicationInformation(tree_.roots(), "/usr/share/applications/gone.desktop"),
             InformationDictionary{});
-  EXPECT_EQ(desktopFileInformation(tree_.roots(), "/opt/A.app"), InformationDictionary{});
+  EXPECT_EQ(applicationInformation(tree_.roots(), "/opt/A.app"), InformationDictionary{});
 }
 
 }  // namespace
