@@ -2,8 +2,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 # test.sh [--all]: builds Tarn and runs its tests, all of them under the sanitizers. --all adds what takes minutes of
-# its own: clang-tidy over all sources, the tests on a platform that tells nothing, and the end-to-end test of the program
-# as it is released. Installs what is missing.
+# its own: clang-tidy over all sources, the tests on a platform that tells nothing, the end-to-end test of the program as
+# it is released, and real applications, which it installs. Installs what is missing.
 set -euo pipefail
 [ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" test "$@"
 # shellcheck source=scripts/lib.sh
@@ -69,6 +69,11 @@ tests_with_address_sanitizer() { build_and_test asan; }
 tests_with_thread_sanitizer() { build_and_test tsan; }
 tests_on_an_unsupported_system() { build_and_test unsupported; }
 end_to_end_release() { end_to_end release; }
+live_applications() {
+  local results="$repository/build/results/applications"
+  scripts/install_packages.sh applications || return
+  scripts/on_virtual_desktop.sh build/asan/tests/platform/linux/applications/list_groups "$results" applications.py
+}
 end_to_end_sanitized() { end_to_end asan; }
 
 packages
@@ -81,6 +86,7 @@ stage "the macOS port, compiled for a Mac" scripts/check_macos.sh
 if [ -n "$all" ]; then
   stage "tests, on a system that tells nothing" tests_on_an_unsupported_system
   stage "end to end on a virtual desktop, release" end_to_end_release
+  stage "real applications and their processes" live_applications
   stage "clang-tidy" scripts/check_tidy.sh
 fi
 

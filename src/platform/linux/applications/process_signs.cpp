@@ -67,10 +67,13 @@ void addUnlessKnown(std::vector<std::string>& ids, std::string id) {
   if (!id.empty() && std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(std::move(id));
 }
 
+bool isClassPath(std::string_view option) {
+  return option == "-cp" || option == "-classpath" || option == "--class-path";
+}
+
 bool takesAValue(std::string_view option) {
-  constexpr std::array<std::string_view, 7> options = {"-cp", "-classpath", "--class-path", "-W", "-X",
-                                                       "-I",  "-r"};
-  return std::find(options.begin(), options.end(), option) != options.end();
+  constexpr std::array<std::string_view, 4> options = {"-W", "-X", "-I", "-r"};
+  return isClassPath(option) || std::find(options.begin(), options.end(), option) != options.end();
 }
 
 /// Options after which there is no script: code on the command line, or a module by name.
@@ -125,15 +128,16 @@ std::vector<std::string> unitIds(std::string_view controlGroup) {
 }
 
 std::optional<std::string> scriptOf(const std::vector<std::string>& arguments) {
+  std::optional<std::string> classes;
   for (std::size_t i = 1; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
     if (replacesTheScript(argument)) return std::nullopt;
-    if (argument.starts_with('-')) {
-      if (takesAValue(argument)) ++i;
-      continue;
-    }
     if (argument.starts_with('/')) return argument;
-    return std::nullopt;
+    if (!argument.starts_with('-')) return classes;
+    if (!takesAValue(argument)) continue;
+    ++i;
+    if (!isClassPath(argument) || i == arguments.size() || !arguments[i].starts_with('/')) continue;
+    classes = arguments[i].substr(0, arguments[i].find(':'));
   }
   return std::nullopt;
 }

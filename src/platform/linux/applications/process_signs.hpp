@@ -20,7 +20,8 @@ std::vector<std::string> sandboxIds(std::string_view controlGroup);
 /// hyphens from their own name and from a number, and do not all escape the hyphens within it.
 std::vector<std::string> unitIds(std::string_view controlGroup);
 
-/// The script, or the archive, that an interpreter with these arguments runs, as an absolute path.
+/// The script, or the archive, that an interpreter with these arguments runs, as an absolute path. Where it
+/// is told a class, the first place in which that is looked for.
 std::optional<std::string> scriptOf(const std::vector<std::string>& arguments);
 
 /// The directory into which the image is mounted that holds an executable, by the name that such mounts have.

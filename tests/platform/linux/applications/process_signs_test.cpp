@@ -71,6 +71,14 @@ TEST(Script, IsTheFirstArgumentThatIsNoOption) {
   EXPECT_EQ(scriptOf({"java", "-cp", "/usr/share/java/x.jar", "/opt/app/app.jar"}), "/opt/app/app.jar");
 }
 
+TEST(Script, IsWhereTheClassIsLookedFor) {
+  EXPECT_EQ(scriptOf({"java", "-classpath", "/usr/share/jedit/jedit.jar:/usr/share/java/x.jar",
+                      "org.jedit.Main", "-a"}),
+            "/usr/share/jedit/jedit.jar");
+  EXPECT_EQ(scriptOf({"java", "-cp", "/usr/share/app/a.jar", "/opt/app/app.jar"}), "/opt/app/app.jar");
+  EXPECT_EQ(scriptOf({"java", "-cp", "/usr/share/app/a.jar"}), std::nullopt) << "it runs nothing";
+}
+
 TEST(Script, IsNoneWhereTheCodeIsElsewhere) {
   EXPECT_EQ(scriptOf({"python3", "-c", "print(1)", "/usr/bin/app"}), std::nullopt);
   EXPECT_EQ(scriptOf({"python3", "-m", "http.server", "/usr/bin/app"}), std::nullopt);
