@@ -11,6 +11,7 @@
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
 #include "platform/linux/desktop/bus_single_instance.hpp"
+#include "platform/linux/desktop/compositor_frontmost.hpp"
 #include "platform/linux/desktop/panel_item.hpp"
 #include "platform/linux/desktop/portal_color_scheme.hpp"
 #include "platform/linux/desktop/x11_frontmost.hpp"
@@ -56,8 +57,16 @@ void platformTerminate() {
 
 FrontmostApplicationSource platformFrontmostApplication() {
   // Under Wayland an X server may be there too, but it knows only the windows of its own clients.
-  if (!runsOnX11()) return [] { return std::optional<FrontmostApplication>(); };
-  return x11FrontmostApplication(std::make_shared<X11Session>());
+  if (runsOnX11()) return x11FrontmostApplication(std::make_shared<X11Session>());
+  const QString sway = qEnvironmentVariable("SWAYSOCK");
+  if (!sway.isEmpty()) return swayFrontmostApplication(sway.toStdString());
+  const QString hyprland = qEnvironmentVariable("HYPRLAND_INSTANCE_SIGNATURE");
+  if (!hyprland.isEmpty()) {
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const QString socket = runtime + QStringLiteral("/hypr/") + hyprland + QStringLiteral("/.socket.sock");
+    return hyprlandFrontmostApplication(socket.toStdString());
+  }
+  return [] { return std::optional<FrontmostApplication>(); };
 }
 
 }  // namespace tarn

@@ -1,0 +1,157 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/desktop/compositor_frontmost.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+#include "platform/linux/desktop/bounded_socket.hpp"
+
+namespace tarn {
+namespace {
+
+using namespace std::string_literals;
+
+/// A compositor that answers one connection.
+class FakeCompositor {
+ public:
+  explicit FakeCompositor(std::function<void(int connection)> answer) {
+    std::string folder = (std::filesystem::temp_directory_path() / "tarn-test-XXXXXX").string();
+    folder_ = ::mkdtemp(folder.data());
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path().copy(static_cast<char*>(address.sun_path), path().size());
+    listener_ = FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    EXPECT_EQ(::bind(listener_.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(::listen(listener_.number(), 1), 0);
+    thread_ = std::thread([this, answer = std::move(answer)] {
+      const FileDescriptor connection(::accept(listener_.number(), nullptr, nullptr));
+      if (connection.valid()) answer(connection.number());
+    });
+  }
+  FakeCompositor(const FakeCompositor&) = delete;
+  FakeCompositor& operator=(const FakeCompositor&) = delete;
+  ~FakeCompositor() {
+    ::shutdown(listener_.number(), SHUT_RDWR);
+    thread_.join();
+    std::filesystem::remove_all(folder_);
+  }
+
+  std::string path() const { return folder_ + "/socket"; }
+
+ private:
+  std::string folder_;
+  FileDescriptor listener_;
+  std::thread thread_;
+};
+
+void write(int connection, const std::string& bytes) {
+  EXPECT_EQ(::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+}
+
+std::string readQuestion(int connection, std::size_t size) {
+  std::string question(size, '\0');
+  EXPECT_EQ(::recv(connection, question.data(), size, MSG_WAITALL), static_cast<ssize_t>(size));
+  return question;
+}
+
+std::string swayAnswer(const std::string& json) {
+  const auto length = static_cast<std::uint32_t>(json.size());
+  std::string answer = "i3-ipc"s + std::string(8, '\0') + json;
+  std::memcpy(answer.data() + 6, &length, sizeof length);
+  return answer;
+}
+
+constexpr auto tree = R"({"type":"root","focused":false,"nodes":[{"type":"output","nodes":[
+  {"type":"workspace","focused":false,"nodes":[{"type":"con","focused":false,"pid":11},
+   {"type":"con","focused":false,"nodes":[{"type":"con","focused":true,"pid":4711,"app_id":"foot"}]}],
+   "floating_nodes":[{"type":"floating_con","focused":false,"pid":12}]}]}]})";
+
+TEST(FocusedProcess, IsThatOfTheFocusedWindow) {
+  EXPECT_EQ(focusedProcessInTree(tree), 4711);
+  EXPECT_EQ(focusedProcessInTree(R"({"nodes":[],"floating_nodes":[{"focused":true,"pid":12}]})"), 12);
+}
+
+TEST(FocusedProcess, IsAbsentWhereNoWindowIsFocused) {
+  for (const auto* json : {"", "{}", "[]", "garbage", R"({"focused":true})", R"({"focused":true,"pid":0})",
+                           R"({"focused":true,"pid":-4})", R"({"focused":true,"pid":1e30})",
+                           R"({"focused":true,"pid":"12"})", R"({"nodes":[{"pid":12}]})", R"({"nodes":5})"}) {
+    EXPECT_EQ(focusedProcessInTree(json), std::nullopt) << json;
+  }
+  std::string deep;
+  for (int i = 0; i < 500; ++i) deep += R"({"nodes":[)";
+  EXPECT_EQ(focusedProcessInTree(deep), std::nullopt);
+}
+
+TEST(ActiveWindow, TellsItsProcess) {
+  EXPECT_EQ(processOfWindow(R"({"address":"0x1","pid":4711,"class":"foot"})"), 4711);
+  EXPECT_EQ(processOfWindow("{}"), std::nullopt);
+  EXPECT_EQ(processOfWindow("Invalid"), std::nullopt);
+}
+
+TEST(Sway, IsAskedForItsTree) {
+  const FakeCompositor sway([](int connection) {
+    EXPECT_EQ(readQuestion(connection, 14), "i3-ipc\0\0\0\0\4\0\0\0"s);
+    const std::string answer = swayAnswer(tree);
+    write(connection, answer.substr(0, 9));
+    write(connection, answer.substr(9));
+  });
+  const auto application = swayFrontmostApplication(sway.path())();
+  ASSERT_TRUE(application);
+  EXPECT_EQ(application->processIdentifier, 4711);
+  EXPECT_EQ(application->bundlePath, std::nullopt);
+}
+
+TEST(Sway, IsNotWaitedForLongerThanFiftyMilliseconds) {
+  std::atomic<bool> done = false;
+  const FakeCompositor sway([&done](int connection) {
+    readQuestion(connection, 14);
+    done.wait(false);
+  });
+  const auto start = BoundedSocket::Clock::now();
+  EXPECT_EQ(swayFrontmostApplication(sway.path())(), std::nullopt);
+  const auto waited = BoundedSocket::Clock::now() - start;
+  EXPECT_GE(waited, std::chrono::milliseconds(49));
+  EXPECT_LT(waited, std::chrono::milliseconds(500));
+  done = true;
+  done.notify_one();
+}
+
+TEST(Sway, IsNotBelievedWhenItTalksNonsense) {
+  for (const std::string& answer :
+       {"HTTP/1.1 400 Bad"s, ""s, "i3-ipc"s, "i3-ipc\xff\xff\xff\xff\4\0\0\0"s, swayAnswer("garbage")}) {
+    const FakeCompositor sway([&answer](int connection) {
+      readQuestion(connection, 14);
+      write(connection, answer);
+    });
+    EXPECT_EQ(swayFrontmostApplication(sway.path())(), std::nullopt) << answer;
+  }
+}
+
+TEST(Hyprland, IsAskedForTheActiveWindow) {
+  const FakeCompositor hyprland([](int connection) {
+    EXPECT_EQ(readQuestion(connection, 14), "j/activewindow");
+    write(connection, R"({"pid": 4711})");
+  });
+  const auto application = hyprlandFrontmostApplication(hyprland.path())();
+  ASSERT_TRUE(application);
+  EXPECT_EQ(application->processIdentifier, 4711);
+}
+
+TEST(Compositors, ThatAreNotThereAreAbsent) {
+  for (const std::string& path : {"/nowhere/at/all"s, std::string(5000, 'a'), ""s}) {
+    EXPECT_EQ(swayFrontmostApplication(path)(), std::nullopt);
+    EXPECT_EQ(hyprlandFrontmostApplication(path)(), std::nullopt);
+  }
+}
+
+}  // namespace
+}  // namespace tarn
