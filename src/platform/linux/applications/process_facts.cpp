@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "platform/linux/system/bounded_file.hpp"
+#include "platform/linux/system/process_files.hpp"
 #include "platform/linux/system/text_scan.hpp"
 
 namespace tarn {
@@ -43,9 +44,8 @@ ProcessFacts readProcessFacts(const LinuxRoots& roots, std::int32_t pid) {
   constexpr std::size_t longest = 4096;
   ProcessFacts facts;
   std::error_code refused;
-  facts.executable = std::filesystem::read_symlink(directory + "/exe", refused).string();
-  constexpr std::string_view deleted = " (deleted)";
-  if (facts.executable.ends_with(deleted)) facts.executable.resize(facts.executable.size() - deleted.size());
+  const std::string executable = std::filesystem::read_symlink(directory + "/exe", refused).string();
+  facts.executable = withoutDeletedMark(executable);
   const std::string commandLine = readFile(directory + "/cmdline", longest);
   facts.arguments = parseArguments(commandLine, commandLine.size() < longest);
   facts.controlGroup = parseControlGroup(readFile(directory + "/cgroup", longest));

@@ -37,17 +37,8 @@ std::string joined(const Parts& parts, std::size_t begin, std::size_t end, char 
 
 /// Undoes the manager's escapes: "\x2d" for a hyphen.
 std::string unescaped(std::string_view text) {
-  constexpr std::size_t length = 4;
   constexpr int hexadecimal = 16;
-  std::string plain;
-  while (!text.empty()) {
-    const bool isEscape = text.size() >= length && text.starts_with("\\x");
-    const auto code =
-        isEscape ? parseWholeNumber<unsigned char>(text.substr(2, 2), hexadecimal) : std::nullopt;
-    plain += code ? static_cast<char>(*code) : text.front();
-    text.remove_prefix(code ? length : 1);
-  }
-  return plain;
+  return withoutEscapes(text, "\\x", 2, hexadecimal);
 }
 
 /// Drops an ending, and says whether it was there.

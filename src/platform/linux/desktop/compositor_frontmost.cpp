@@ -40,7 +40,7 @@ QJsonObject focusedIn(const QJsonObject& node, int depth) {
   if (node.value(QLatin1String("focused")).toBool()) return node;
   for (const QLatin1String children : {QLatin1String("nodes"), QLatin1String("floating_nodes")}) {
     const QJsonArray below = node.value(children).toArray();
-    for (const QJsonValue& child : below) {
+    for (const auto& child : below) {
       QJsonObject found = focusedIn(child.toObject(), depth + 1);
       if (!found.isEmpty()) return found;
     }

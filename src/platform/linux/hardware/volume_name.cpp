@@ -29,20 +29,6 @@ std::optional<std::string_view> lastLineAfter(std::string_view text, std::string
   return rest;
 }
 
-/// Undoes escapes of a beginning and some digits, which stand for one byte.
-std::string withoutEscapes(std::string_view text, std::string_view beginning, std::size_t digits, int base) {
-  std::string plain;
-  while (!text.empty()) {
-    const std::string_view escape = text.substr(0, beginning.size() + digits);
-    const bool isEscape = escape.size() == beginning.size() + digits && escape.starts_with(beginning);
-    const auto code =
-        isEscape ? parseWholeNumber<unsigned char>(escape.substr(beginning.size()), base) : std::nullopt;
-    plain += code ? static_cast<char>(*code) : text.front();
-    text.remove_prefix(code ? escape.size() : 1);
-  }
-  return plain;
-}
-
 /// The number of the device behind a path in /dev, which may be a link.
 std::optional<std::string> deviceNumber(const LinuxRoots& roots, const std::string& source) {
   std::error_code error;

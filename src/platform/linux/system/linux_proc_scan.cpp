@@ -105,10 +105,7 @@ std::string LinuxProcScan::path(std::int32_t pid) {
   const ssize_t length = ::readlinkat(::dirfd(directory_.get()), link.text(), buffer_.data(), buffer_.size());
   // A target that fills the buffer may be cut off: no path is better than a wrong one.
   if (length <= 0 || static_cast<std::size_t>(length) >= buffer_.size()) return {};
-  std::string_view target(buffer_.data(), static_cast<std::size_t>(length));
-  constexpr std::string_view deleted = " (deleted)";
-  if (target.ends_with(deleted)) target.remove_suffix(deleted.size());
-  return std::string(target);
+  return std::string(withoutDeletedMark({buffer_.data(), static_cast<std::size_t>(length)}));
 }
 
 std::optional<ProcessUsage> LinuxProcScan::usage(std::int32_t pid) {

@@ -45,6 +45,12 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text) {
   return ProcessStat{text.substr(open + 1, close - open - 1), *ppid, *user, *system, *start};
 }
 
+std::string_view withoutDeletedMark(std::string_view path) {
+  constexpr std::string_view mark = " (deleted)";
+  if (path.ends_with(mark)) path.remove_suffix(mark.size());
+  return path;
+}
+
 std::optional<ProcessPages> parseProcessPages(std::string_view text) {
   takeWord(text);  // the size of the address space says nothing about memory
   const auto resident = parseWholeNumber<std::uint64_t>(takeWord(text));

@@ -23,6 +23,9 @@ struct ProcessStat {
 /// Nothing when the text is cut off, when a figure is no number, or when one exceeds its type.
 std::optional<ProcessStat> parseProcessStat(std::string_view text);
 
+/// An executable's path without what the kernel adds when its file is gone.
+std::string_view withoutDeletedMark(std::string_view path);
+
 /// What Tarn needs of `/proc/PID/statm`, in pages.
 struct ProcessPages {
   std::uint64_t resident = 0;  ///< in memory

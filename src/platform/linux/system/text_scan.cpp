@@ -40,6 +40,19 @@ std::string_view takeLine(std::string_view& rest) {
   return line;
 }
 
+std::string withoutEscapes(std::string_view text, std::string_view beginning, std::size_t digits, int base) {
+  std::string plain;
+  while (!text.empty()) {
+    const std::string_view escape = text.substr(0, beginning.size() + digits);
+    const bool isEscape = escape.size() == beginning.size() + digits && escape.starts_with(beginning);
+    const auto code =
+        isEscape ? parseWholeNumber<unsigned char>(escape.substr(beginning.size()), base) : std::nullopt;
+    plain += code ? static_cast<char>(*code) : text.front();
+    text.remove_prefix(code ? escape.size() : 1);
+  }
+  return plain;
+}
+
 std::optional<std::uint64_t> parseKibibytes(std::string_view text) {
   constexpr std::uint64_t kibibyte = 1024;
   const auto count = parseWholeNumber<std::uint64_t>(takeWord(text));

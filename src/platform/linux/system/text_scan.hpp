@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace tarn {
@@ -35,5 +36,8 @@ std::string_view takeLine(std::string_view& rest);
 /// A number of kibibytes, with or without its unit "kB" behind it, in bytes; nothing when that is not what
 /// `text` begins with, or when the bytes exceed 64 bits.
 std::optional<std::uint64_t> parseKibibytes(std::string_view text);
+
+/// The text with its escapes undone: each is a beginning and so many digits, and stands for one byte.
+std::string withoutEscapes(std::string_view text, std::string_view beginning, std::size_t digits, int base);
 
 }  // namespace tarn
