@@ -45,7 +45,7 @@ std::optional<std::string> RootVolume::label() {
   if (::stat((roots_.root + "/").c_str(), &status) != 0) return std::nullopt;
   // To find the record may take many calls; the device is the same until the root is another one.
   const DeviceNumber device{major(status.st_dev), minor(status.st_dev)};
-  if (!record_ || device != device_) {
+  if (device != device_) {
     device_ = device;
     record_ = rootRecord(roots_, device);
   }

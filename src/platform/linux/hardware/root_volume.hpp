@@ -26,8 +26,8 @@ class RootVolume {
   std::optional<std::string> label();
 
   LinuxRoots roots_;
-  DeviceNumber device_;  ///< that the record is of
-  std::optional<std::string> record_;
+  std::optional<DeviceNumber> device_;  ///< whose record was looked for last
+  std::optional<std::string> record_;   ///< absent where there is none
   /// The operating system's name, once it was looked for.
   std::optional<std::optional<std::string>> systemName_;
 };
