@@ -126,7 +126,8 @@ std::string LinuxProcScan::processName(std::int32_t pid) {
 std::optional<std::uint64_t> LinuxProcScan::programOf(std::int32_t pid) const {
   const auto entry = known_.find(pid);
   if (entry == known_.end() || entry->second.sweep != sweep_) return std::nullopt;
-  return entry->second.program;
+  const std::uint64_t program = entry->second.program;
+  return program == 0 ? std::nullopt : std::optional(program);
 }
 
 std::string_view LinuxProcScan::readProcessFile(std::int32_t pid, std::string_view file,
@@ -145,17 +146,20 @@ LinuxProcScan::KnownProcess* LinuxProcScan::refresh(std::int32_t pid) {
   }
   const auto [entry, isNew] = known_.try_emplace(pid);
   KnownProcess& process = entry->second;
-  if (isNew || process.startTicks != stat->startTicks || process.kernelName != stat->name) {
+  const bool hasOtherName = process.kernelName != stat->name;
+  // A thread of the kernel is the same by any name.
+  if (isNew || process.startTicks != stat->startTicks || (hasOtherName && !stat->isKernelThread)) {
     const auto owner = parseRealOwner(readProcessFile(pid, "status", statusBuffer_));
     if (!owner) {
       known_.erase(entry);
       return nullptr;
     }
-    process.owner = *owner;
-    process.startTicks = stat->startTicks;
+    process = {.startTicks = stat->startTicks, .owner = *owner};
+    if (!stat->isKernelThread) process.program = ++programs_;
+  }
+  if (process.kernelName != stat->name) {
     process.kernelName = stat->name;
-    process.displayName.reset();
-    process.program = ++programs_;
+    if (stat->isKernelThread) process.displayName = process.kernelName;
   }
   process.ppid = stat->ppid;
   process.processorTicks = ticks;

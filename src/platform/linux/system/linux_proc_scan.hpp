@@ -26,6 +26,7 @@ namespace tarn {
 /// A sweep costs seven system calls for a process that is known from the sweep before: open, read and close
 /// of `stat` and `statm`, and its clock. Owner and name are kept as long as the process keeps its pid, start
 /// time and kernel name; a process that changes its owner without starting another program keeps the old one.
+/// Threads of the kernel change their names all the time, and nothing but that changes.
 class LinuxProcScan final : public ProcScan {
  public:
   /// Reads the processor clocks of the running kernel where the root is its own process table, else the
@@ -45,7 +46,8 @@ class LinuxProcScan final : public ProcScan {
   std::string processName(std::int32_t pid) override;
 
   /// A number that no other process has, and this one no more once it has started another program: its kernel
-  /// name is another one then. Nothing for a process that this sweep has not met. No system call.
+  /// name is another one then. Nothing for a process that this sweep has not met, nor for a thread of the
+  /// kernel, which runs no program. No system call.
   std::optional<std::uint64_t> programOf(std::int32_t pid) const;
 
   /// How many processes are remembered.
@@ -58,7 +60,7 @@ class LinuxProcScan final : public ProcScan {
     std::uint64_t startTicks = 0;
     std::uint64_t processorTicks = 0;  // as of the sweep below
     std::uint64_t sweep = 0;           // in which it was last met
-    std::uint64_t program = 0;         // another number for each program
+    std::uint64_t program = 0;         // another number for each program; 0 without one
     std::int32_t ppid = 0;
     std::uint32_t owner = 0;
   };

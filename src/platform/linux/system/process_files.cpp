@@ -12,7 +12,15 @@ namespace tarn {
 namespace {
 
 /// Positions of the fields that follow the name.
-enum StatField : std::size_t { state, parent, userTime = 11, systemTime = 12, startTime = 19, fieldCount };
+enum StatField : std::size_t {
+  state,
+  parent,
+  flags = 6,
+  userTime = 11,
+  systemTime = 12,
+  startTime = 19,
+  fieldCount
+};
 
 /// The value behind `label` at the start of a line; empty when no line has that label.
 std::string_view valueOf(std::string_view text, std::string_view label) {
@@ -42,7 +50,10 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text) {
   const auto system = parseWholeNumber<std::uint64_t>(fields[systemTime]);
   const auto start = parseWholeNumber<std::uint64_t>(fields[startTime]);
   if (!ppid || *ppid < 0 || !user || !system || !start) return std::nullopt;
-  return ProcessStat{text.substr(open + 1, close - open - 1), *ppid, *user, *system, *start};
+  constexpr std::uint32_t kernelThread = 0x00200000;
+  const bool isKernelThread =
+      (parseWholeNumber<std::uint32_t>(fields[flags]).value_or(0) & kernelThread) != 0;
+  return ProcessStat{text.substr(open + 1, close - open - 1), *ppid, *user, *system, *start, isKernelThread};
 }
 
 std::string_view withoutDeletedMark(std::string_view path) {
@@ -62,6 +73,17 @@ std::optional<ProcessPages> parseProcessPages(std::string_view text) {
 std::optional<std::uint32_t> parseRealOwner(std::string_view status) {
   std::string_view owners = valueOf(status, "Uid:");
   return parseWholeNumber<std::uint32_t>(takeWord(owners));
+}
+
+std::optional<std::int32_t> parseInnermostPid(std::string_view status) {
+  std::string_view pids = valueOf(status, "NSpid:");
+  std::string_view innermost;
+  for (std::string_view pid = takeWord(pids); !pid.empty(); pid = takeWord(pids)) innermost = pid;
+  return parseWholeNumber<std::int32_t>(innermost);
+}
+
+bool hasMemory(std::string_view status) {
+  return !valueOf(status, "VmSize:").empty();
 }
 
 std::uint64_t parseSwappedBytes(std::string_view status) {

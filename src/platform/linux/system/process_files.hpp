@@ -18,6 +18,7 @@ struct ProcessStat {
   std::uint64_t userTicks = 0;    ///< processor time in user mode, clock ticks
   std::uint64_t systemTicks = 0;  ///< processor time in the kernel, clock ticks
   std::uint64_t startTicks = 0;   ///< start, clock ticks since the system started
+  bool isKernelThread = false;    ///< it runs no program, and is called by what it does at the moment
 };
 
 /// Nothing when the text is cut off, when a figure is no number, or when one exceeds its type.
@@ -36,6 +37,13 @@ std::optional<ProcessPages> parseProcessPages(std::string_view text);
 
 /// The real owner's user id in `/proc/PID/status`.
 std::optional<std::uint32_t> parseRealOwner(std::string_view status);
+
+/// The pid by which a process knows itself, in `/proc/PID/status`: another one than outside for a process in
+/// a name space of its own. Nothing without that line.
+std::optional<std::int32_t> parseInnermostPid(std::string_view status);
+
+/// Whether `/proc/PID/status` tells of memory: the kernel's own threads, and what has ended, have none.
+bool hasMemory(std::string_view status);
 
 /// The process's memory in swap in `/proc/PID/status`, bytes; 0 for what has no memory of its own, such as
 /// a kernel thread.

@@ -235,6 +235,27 @@ TEST_F(LinuxProcScanTest, AKernelThreadHasANameAndNoPath) {
   EXPECT_EQ(processes.processName(2), "kthreadd");
 }
 
+TEST_F(LinuxProcScanTest, AKernelThreadIsTheSameByAnyName) {
+  ProcessFixture worker{.pid = 9, .name = "kworker/0:1-events", .ppid = "2", .flags = 69238880};
+  worker.writeTo(tree_);
+  LinuxProcScan processes = scan();
+  processes.allPIDs();
+  EXPECT_EQ(processes.bsdInfo(9)->uid, 1000U);
+  EXPECT_EQ(processes.processName(9), "kworker/0:1-events");
+  EXPECT_EQ(processes.programOf(9), std::nullopt) << "it runs none";
+  worker.name = "kworker/0:1-mm_percpu_wq";
+  worker.owners = "7\t7\t7\t7";
+  worker.commandLine = "kworker/0:1-mm_percpu_wq-and-more";
+  worker.writeTo(tree_);
+  processes.allPIDs();
+  EXPECT_EQ(processes.bsdInfo(9)->uid, 1000U) << "read once";
+  EXPECT_EQ(processes.processName(9), "kworker/0:1-mm_percpu_wq") << "as the kernel calls it";
+  worker.startTicks += 1;
+  worker.writeTo(tree_);
+  processes.allPIDs();
+  EXPECT_EQ(processes.bsdInfo(9)->uid, 7U) << "another one of the same pid";
+}
+
 TEST_F(LinuxProcScanTest, ANameWithParenthesesAndLineEndsConfusesNothing) {
   ProcessFixture{.pid = 7, .name = "a) b (c\n", .ppid = "9"}.writeTo(tree_);
   LinuxProcScan processes = scan();

@@ -53,8 +53,8 @@ void TemporaryTree::remove(const std::string& path) const {
 }
 
 std::string ProcessFixture::stat() const {
-  return std::to_string(pid) + " (" + name + ") S " + ppid + " 1 1 0 -1 4194304 138 0 1 0 " +
-         std::to_string(userTicks) + " " + std::to_string(systemTicks) + " 7 8 20 0 1 0 " +
+  return std::to_string(pid) + " (" + name + ") S " + ppid + " 1 1 0 -1 " + std::to_string(flags) +
+         " 138 0 1 0 " + std::to_string(userTicks) + " " + std::to_string(systemTicks) + " 7 8 20 0 1 0 " +
          std::to_string(startTicks) + " 2990080 421 18446744073709551615 1 1 0 0 0 0 0 0 0\n";
 }
 

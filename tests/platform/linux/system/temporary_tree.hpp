@@ -44,6 +44,7 @@ struct ProcessFixture {
   std::uint64_t userTicks = 100;
   std::uint64_t systemTicks = 50;
   std::uint64_t startTicks = 5000;
+  std::uint32_t flags = 4194304;
   std::string statm = "5000 300 100 5 0 123 0\n";
   std::string owners = "1000\t1001\t1002\t1003";
   std::string swapLine = "VmSwap:\t       0 kB\n";
