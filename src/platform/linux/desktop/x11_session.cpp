@@ -15,6 +15,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/system/declared_process.hpp"
+
 namespace tarn {
 namespace {
 
@@ -43,7 +45,8 @@ void X11Session::Disconnect::operator()(xcb_connection_t* connection) const {
   xcb_disconnect(connection);
 }
 
-X11Session::X11Session(std::optional<std::string> display) : display_(std::move(display)) {}
+X11Session::X11Session(std::optional<std::string> display, LinuxRoots roots)
+    : display_(std::move(display)), roots_(std::move(roots)) {}
 
 X11Session::~X11Session() = default;
 
@@ -165,7 +168,7 @@ std::optional<std::int32_t> X11Session::declaredProcess(std::uint32_t window, Cl
                                          XCB_ATOM_CARDINAL, 0, longestProperty);
   const auto pid = number(property(declared.sequence, XCB_ATOM_CARDINAL, 32, deadline));
   if (!pid || *pid == 0 || !std::in_range<std::int32_t>(*pid)) return std::nullopt;
-  return static_cast<std::int32_t>(*pid);
+  return processThatDeclares(roots_.proc, static_cast<std::int32_t>(*pid), getuid(), deadline);
 }
 
 std::vector<std::uint8_t> X11Session::property(unsigned sequence, std::uint32_t type, std::uint8_t bits,

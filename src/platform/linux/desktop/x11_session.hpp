@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/system/linux_roots.hpp"
+
 struct xcb_connection_t;
 
 namespace tarn {
@@ -24,7 +26,7 @@ class X11Session {
   using Clock = std::chrono::steady_clock;
 
   /// `display` as in the environment; nothing stands for the environment's own.
-  explicit X11Session(std::optional<std::string> display = std::nullopt);
+  explicit X11Session(std::optional<std::string> display = std::nullopt, LinuxRoots roots = {});
   ~X11Session();
   X11Session(const X11Session&) = delete;
   X11Session& operator=(const X11Session&) = delete;
@@ -68,6 +70,7 @@ class X11Session {
   std::optional<std::int32_t> peerProcess(unsigned sequence, Clock::time_point deadline);
 
   std::optional<std::string> display_;
+  LinuxRoots roots_;
   std::unique_ptr<xcb_connection_t, Disconnect> connection_;
   int screen_ = 0;
   std::uint32_t root_ = 0;

@@ -16,6 +16,7 @@
 #include <string_view>
 
 #include "platform/linux/desktop/private_x_server.hpp"
+#include "platform/linux/system/temporary_tree.hpp"
 
 namespace tarn {
 namespace {
@@ -191,20 +192,34 @@ TEST_F(X11Frontmost, KnowsATrayOfTheOlderKind) {
 TEST(X11FrontmostWithoutTheResourceExtension, IsWhatTheWindowSaysWhenItIsFromThisMachine) {
   const test::PrivateXServer server({QStringLiteral("-extension"), QStringLiteral("X-Resource")});
   WindowClient client(server.display());
+  const auto own = static_cast<std::uint32_t>(getpid());
   X11Session session(server.display());
   client.activate(client.window());
-  client.declareProcess(4242);
+  client.declareProcess(own);
   EXPECT_EQ(session.activeProcess(soon()), std::nullopt);
   client.setText(client.window(), "WM_CLIENT_MACHINE", "elsewhere.example");
   EXPECT_EQ(session.activeProcess(soon()), std::nullopt);
   client.setText(client.window(), "WM_CLIENT_MACHINE", machineName());
-  EXPECT_EQ(session.activeProcess(soon()), 4242);
+  EXPECT_EQ(session.activeProcess(soon()), getpid());
   client.declareProcess(0);
   EXPECT_EQ(session.activeProcess(soon()), std::nullopt);
   client.declareProcess(0xffffffff);
   EXPECT_EQ(session.activeProcess(soon()), std::nullopt);
   client.setText(client.window(), "_NET_WM_PID", "4242");
   EXPECT_EQ(session.activeProcess(soon()), std::nullopt);
+}
+
+TEST(X11FrontmostWithoutTheResourceExtension, IsTheProcessThatHasTheDeclaredPidInItsSandbox) {
+  TemporaryTree tree;
+  const std::string owner = std::to_string(getuid());
+  tree.write("proc/5000/status", "Uid:\t" + owner + "\nNSpid:\t5000\t2\nVmSize:\t 9 kB\n");
+  const test::PrivateXServer server({QStringLiteral("-extension"), QStringLiteral("X-Resource")});
+  WindowClient client(server.display());
+  X11Session session(server.display(), tree.roots());
+  client.setText(client.window(), "WM_CLIENT_MACHINE", machineName());
+  client.activate(client.window());
+  client.declareProcess(2);
+  EXPECT_EQ(session.activeProcess(soon()), 5000);
 }
 
 TEST(X11FrontmostWithoutAServer, IsUnknown) {
