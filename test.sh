@@ -72,7 +72,8 @@ end_to_end_release() { end_to_end release; }
 live_applications() {
   local results="$repository/build/results/applications"
   scripts/install_packages.sh applications || return
-  scripts/on_virtual_desktop.sh build/asan/tests/platform/linux/applications/list_groups "$results" applications.py
+  scripts/on_virtual_desktop.sh --session build/asan/tests/platform/linux/applications/list_groups "$results" \
+    applications.py
 }
 end_to_end_sanitized() { end_to_end asan; }
 

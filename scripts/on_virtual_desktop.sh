@@ -1,15 +1,21 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# on_virtual_desktop.sh TARN OUTPUT SCRIPT [WORD...]: runs tests/end_to_end/SCRIPT with the program TARN as an
-# ordinary user, beside a process of root when called by root. What the script leaves in its folder "pictures"
-# and its file "counts" goes to the folder OUTPUT.
+# on_virtual_desktop.sh [--session] TARN OUTPUT SCRIPT [WORD...]: runs tests/end_to_end/SCRIPT with the program
+# TARN as an ordinary user, beside a process of root when called by root. What the script leaves in its folder
+# "pictures" and its file "counts" goes to the folder OUTPUT. With --session, where root calls, the script can
+# start a session manager and install applications in /opt, which is told by TARN_SESSION.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 readonly user=tarn-desktop
 readonly foreign_megabytes=200
+wants_session=""
+if [ "$1" = --session ]; then
+  wants_session=yes
+  shift
+fi
 tarn="$1"
 output="$2"
 script="$3"
@@ -18,6 +24,7 @@ shift 3
 end_to_end="$repository/tests/end_to_end"
 foreign=""
 harness=""
+control_group="tarn-session-$$"
 # Everything that the user needs is copied here: the clone may lie where that user can not go.
 stage="$(mktemp --directory "${TMPDIR:-/tmp}/tarn-stage.XXXXXX")"
 
@@ -28,6 +35,8 @@ clean_up() {
     kill "$pid" 2>/dev/null || true
     wait "$pid" 2>/dev/null || true
   done
+  # Empty directories, each of which takes its own removal.
+  find /sys/fs/cgroup -maxdepth 2 -name "$control_group*" -exec find {} -depth -type d -delete \; 2>/dev/null || true
   rm -rf "$stage"
 }
 trap clean_up EXIT
@@ -41,7 +50,7 @@ fill_stage() {
   cp -r "$repository/tests/fixtures/linux/machines" "$stage/machines"
   if [ -f "$repository/tests/support/lsan.supp" ]; then cp "$repository/tests/support/lsan.supp" "$stage/"; fi
   local load
-  for load in hold_memory burn_core; do
+  for load in hold_memory burn_core application_tree; do
     g++ -std=c++20 -O1 -Wall -Wextra -Werror -o "$stage/bin/$load" "$end_to_end/loads/$load.cpp"
   done
   # Where X servers put their sockets; they may not make it themselves without being root.
@@ -55,6 +64,16 @@ become_ordinary_user() {
   id "$user" >/dev/null 2>&1 || useradd --system --no-create-home --shell /usr/sbin/nologin "$user"
   chown -R "$user:" "$stage"
   become=(setpriv "--reuid=$user" "--regid=$(id -g "$user")" --init-groups)
+}
+
+# Has the command of the ordinary user run where that user can have a session manager, if we can make that.
+prepare_session() {
+  [ -n "$wants_session" ] && is_root || return 0
+  local rooms=(unshare --mount --propagation private "$repository/scripts/in_session_rooms.sh" "$user")
+  # What stands in the way is said by the trial.
+  "${rooms[@]}" "$control_group-trial" true || return 0
+  become=("${rooms[@]}" "$control_group" "${become[@]}")
+  variables+=("TARN_SESSION=yes")
 }
 
 # Starts a process of root that holds memory, so that there is one to be seen.
@@ -73,6 +92,7 @@ variables=("PATH=/usr/local/bin:/usr/bin:/bin" "HOME=$stage" "LC_ALL=C.UTF-8" "P
   "TARN_STAGE=$stage" "LSAN_OPTIONS=suppressions=$stage/lsan.supp:print_suppressions=0")
 fill_stage
 become_ordinary_user
+prepare_session
 start_foreign_process
 
 status=0

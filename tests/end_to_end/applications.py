@@ -3,54 +3,24 @@
 """Starts real applications as a person would, and compares the groups of all their processes with what is expected.
 
 The program under test is list_groups, which prints one sweep. Fails unless every process is in its application's group
-and no other process is."""
+and no other process is, among desktop files that want to mislead it."""
 
 import os
-import subprocess
 import sys
 import time
-from dataclasses import dataclass
 from pathlib import Path
 
+import hostile_files
+from application_cases import all_cases
 from processes import adopt_orphans, end_descendants, end_on_signal, parent_of, wait_until
 from programs import STAGE, TARN
 from virtual_desktop import VirtualDesktop
 
 MARK = "TARN_APPLICATION"
-SHARED = "/usr/share/applications/"
-BUNDLES = "/usr/lib/GNUstep/Applications/"
 # Daemons that the first application of a kind starts for all that follow: they belong to none.
 SHARED_SERVICES = {"gdnc", "gdomap", "gpbs"}
-COMPILE = "while :; do echo 'int main(){return 0;}' | cc -x c -O2 - -o /dev/null; done"
 
 STARTED = {}  # the pid that each case was started with
-
-
-@dataclass(frozen=True)
-class Case:
-    """An application, how it is started, and what its group is to be known by."""
-
-    name: str
-    command: tuple
-    group: str
-    least: int = 1  # processes that it has once it is up
-
-
-CASES = (
-    Case("Firefox", ("firefox-esr", "--no-remote", "about:about"), SHARED + "firefox-esr.desktop", 4),
-    # Without a network, and without a processor for pictures.
-    Case("Chromium", ("chromium", "--no-first-run", "--disable-gpu", "--disable-background-networking",
-                      "--disable-component-update", "--disable-sync", "about:blank"), SHARED + "chromium.desktop", 4),
-    Case("LibreOffice", ("libreoffice", "--norestore", "--nologo"), SHARED + "libreoffice-startcenter.desktop", 2),
-    Case("terminal", ("xterm", "-e", "bash", "-c", f"sleep 1000 & {COMPILE}"), SHARED + "debian-xterm.desktop", 3),
-    Case("second terminal", ("xterm", "-e", "sleep", "1000"), SHARED + "debian-xterm.desktop", 2),
-    # Once the terminal is gone, nothing but its own executable tells what it is.
-    Case("orphan of a terminal", ("xterm", "-e", "sh", "-c", "setsid mousepad & sleep 5"),
-         SHARED + "org.xfce.mousepad.desktop"),
-    Case("GNUstep's TextEdit", ("TextEdit",), BUNDLES + "TextEdit.app"),
-    Case("Meld (Python)", ("meld",), SHARED + "org.gnome.Meld.desktop"),
-    Case("jEdit (Java)", ("jedit",), SHARED + "jedit.desktop"),
-)
 
 
 def processes_of(case):
@@ -84,14 +54,14 @@ def wait_until_up(desktop, case, patience=90):
         now = processes_of(case)
         if now != before:
             before, since = now, time.monotonic()
-        if len(now) >= case.least and (time.monotonic() - since > 3 or case.name == "terminal"):
+        if len(now) >= case.least and (time.monotonic() - since > 3 or case.never_rests):
             return
         time.sleep(0.3)
     raise TimeoutError(f"{case.name} is not up: {[describe(pid) for pid in before]}\n{desktop.log(case.name)[-2000:]}")
 
 
 def ended(pid):
-    """Whether a child of ours has ended, be it or not that its status was taken."""
+    """Whether a process has ended, be it or not that its status was taken."""
     try:
         stat = Path(f"/proc/{pid}/stat").read_text(errors="replace")
     except OSError:
@@ -99,9 +69,9 @@ def ended(pid):
     return stat[stat.rindex(")") + 2] == "Z"
 
 
-def groups():
+def groups(desktop):
     """The group's id and name of every process."""
-    answer = subprocess.run([TARN], stdout=subprocess.PIPE, text=True, check=True, timeout=60).stdout
+    answer = desktop.run(TARN)
     lines = (line.split("\t") for line in answer.splitlines())
     return {int(pid): (group, name) for pid, group, name in lines}
 
@@ -114,11 +84,11 @@ def describe(pid):
     return f"{pid} {words[:90]}"
 
 
-def judge(cases):
+def judge(desktop, cases):
     """Prints the table; gives the number of processes that are missing in a group or wrong in one."""
     # What starts or ends between the two looks is left out.
     before = {case: processes_of(case) for case in cases}
-    found = groups()
+    found = groups(desktop)
     expected = {}
     for case in cases:
         for pid in before[case] & processes_of(case) & found.keys():
@@ -126,12 +96,12 @@ def judge(cases):
     wanted = {case.group for case in cases}
     hits = {pid for pid, group in expected.items() if found[pid][0] == group}
     strangers = {pid for pid, (group, _) in found.items() if group in wanted and pid not in expected
-                 and Path(f"/proc/{pid}").exists() and not any(pid in processes_of(case) for case in cases)}
+                 and not ended(pid) and not any(pid in processes_of(case) for case in cases)}
     wrong = {pid for pid in expected if found[pid][0] in wanted and pid not in hits} | strangers
     for case in cases:
         own = {pid for pid in before[case] if pid in expected}
         names = {found[pid][1] for pid in own & hits}
-        print(f"{case.name:22} {len(own & hits):3} of {len(own):3} in {', '.join(sorted(names))}")
+        print(f"{case.name:26} {len(own & hits):3} of {len(own):3} in {', '.join(sorted(names))}")
     for pid in sorted(set(expected) - hits):
         print(f"  missed: {describe(pid)} is in {found[pid][0]}, not in {expected[pid]}")
     for pid in sorted(strangers):
@@ -147,19 +117,21 @@ def main():
     end_on_signal()
     try:
         with VirtualDesktop(STAGE) as desktop:
-            chosen = [case for case in CASES if not sys.argv[1:] or case.name in sys.argv[1:]]
+            hostile_files.write(Path(desktop.environment["XDG_DATA_HOME"], "applications"), "xterm")
+            chosen = [case for case in all_cases(desktop) if not sys.argv[1:] or case.name in sys.argv[1:]]
             for case in chosen:
-                STARTED[case.name] = desktop.start(case.name, case.command, {MARK: case.name}).pid
+                variables = {**case.variables, MARK: case.name}
+                STARTED[case.name] = desktop.start(case.name, case.command, variables).pid
             for case in chosen:
                 wait_until_up(desktop, case)
-            wait_until(lambda: all(ended(STARTED[case.name]) for case in chosen if case.name.startswith("orphan")),
-                       "the orphan's terminal is gone", timeout=20)
-            mistakes = judge(chosen)
+            wait_until(lambda: all(ended(STARTED[case.name]) for case in chosen if case.is_orphan),
+                       "who started the orphans is gone", timeout=20)
+            mistakes = judge(desktop, chosen)
             if (STAGE / "pictures").exists() or not (STAGE / "pictures").mkdir():
                 desktop.take_picture(STAGE / "pictures/applications.png")
     finally:
         end_descendants()
-    (STAGE / "counts").write_text(f"{len(CASES) if not mistakes else 0} {mistakes}\n", encoding="ascii")
+    (STAGE / "counts").write_text(f"{len(chosen) if not mistakes else 0} {mistakes}\n", encoding="ascii")
     return 1 if mistakes else 0
 
 

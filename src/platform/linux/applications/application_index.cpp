@@ -3,7 +3,10 @@
 
 #include "platform/linux/applications/application_index.hpp"
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <filesystem>
 #include <system_error>
 #include <utility>
 
@@ -61,16 +64,16 @@ ApplicationIndex::ApplicationIndex(LinuxRoots roots, std::vector<std::string> da
       dataDirectories_(std::move(dataDirectories)),
       programDirectories_(std::move(programDirectories)) {}
 
-fs::file_time_type ApplicationIndex::changeOf(const std::string& directory) {
-  std::error_code error;
-  const auto time = fs::last_write_time(directory, error);
-  return error ? fs::file_time_type::min() : time;
+ApplicationIndex::DirectoryState ApplicationIndex::stateOf(const std::string& directory) {
+  struct stat status {};
+  if (stat(directory.c_str(), &status) != 0) return {};
+  return {status.st_dev, status.st_ino, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
 bool ApplicationIndex::refresh() {
   const bool isCurrent =
       !stamps_.empty() && std::all_of(stamps_.begin(), stamps_.end(), [](const Stamp& stamp) {
-        return changeOf(stamp.directory) == stamp.changed;
+        return stateOf(stamp.directory) == stamp.state;
       });
   if (isCurrent) return false;
   build();
@@ -91,9 +94,15 @@ void ApplicationIndex::build() {
 }
 
 void ApplicationIndex::addDirectory(const std::string& directory, const std::string& idPrefix, int depth) {
-  constexpr int deepest = 4;  // so that a link to a directory above ends somewhere
-  if (depth > deepest) return;
-  stamps_.push_back({directory, changeOf(directory)});
+  constexpr int deepest = 4;
+  constexpr std::size_t mostDirectories = 500;  // a link may lead to where there is no end of them
+  const DirectoryState state = stateOf(directory);
+  // A link may lead back: what is in a directory is known by the name that it has there first.
+  const bool wasHere = std::any_of(stamps_.begin(), stamps_.end(), [&state](const Stamp& stamp) {
+    return stamp.state != DirectoryState() && stamp.state.isSameDirectory(state);
+  });
+  if (wasHere || depth > deepest || stamps_.size() >= mostDirectories) return;
+  stamps_.push_back({directory, state});
   for (const std::string& name : namesIn(directory)) {
     const std::string path = joined(directory, '/', name);
     std::error_code error;
@@ -141,7 +150,7 @@ void ApplicationIndex::addExecutable(const DesktopEntry& entry, const std::strin
 }
 
 void ApplicationIndex::addServices(const std::string& directory) {
-  stamps_.push_back({directory, changeOf(directory)});
+  stamps_.push_back({directory, stateOf(directory)});
   for (const std::string& name : namesIn(directory)) {
     if (!name.ends_with(serviceEnding)) continue;
     const std::string text = readFile(joined(directory, '/', name));

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,10 +37,25 @@ class ApplicationIndex {
 
   std::size_t size() const { return files_.size(); }
 
+  /// How many directories are looked at to see whether something changed.
+  std::size_t watchedDirectoryCount() const { return stamps_.size(); }
+
  private:
+  /// Which directory a path leads to, and when that changed; zeros where there is none.
+  struct DirectoryState {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+    std::int64_t seconds = 0;
+    std::int64_t nanoseconds = 0;
+
+    bool isSameDirectory(const DirectoryState& other) const {
+      return device == other.device && number == other.number;
+    }
+    bool operator==(const DirectoryState&) const = default;
+  };
   struct Stamp {
     std::string directory;
-    std::filesystem::file_time_type changed;
+    DirectoryState state;
   };
 
   void build();
@@ -51,7 +65,7 @@ class ApplicationIndex {
   void addServices(const std::string& directory);
   std::string resolved(const std::string& program) const;
   const std::string* fileOf(const NameTable& names, std::string_view name) const;
-  static std::filesystem::file_time_type changeOf(const std::string& directory);
+  static DirectoryState stateOf(const std::string& directory);
 
   LinuxRoots roots_;
   std::vector<std::string> dataDirectories_;

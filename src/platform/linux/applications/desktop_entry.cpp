@@ -43,7 +43,7 @@ KeyFile load(const std::string& path) {
   KeyFile file(g_key_file_new(), g_key_file_free);
   const std::string text = readFile(path, largest + 1);
   const bool isApplication =
-      !text.empty() && text.size() <= largest &&
+      !text.empty() && text.size() <= largest && text.find('\0') == std::string::npos &&
       g_key_file_load_from_data(file.get(), text.data(), text.size(), G_KEY_FILE_NONE, nullptr) != 0 &&
       textOf(file, "Type") == "Application" && !isTrue(file, "Hidden");
   if (!isApplication) file.reset();

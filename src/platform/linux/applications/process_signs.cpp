@@ -103,7 +103,8 @@ std::vector<std::string> unitIds(std::string_view controlGroup) {
   for (std::string_view unit : split(controlGroup, '/')) {
     if (!unit.starts_with(stem)) continue;
     const bool isScope = drop(unit, ".scope");
-    if (!isScope && !drop(unit, ".service")) continue;
+    // The processes of an application that makes units of its own lie below its slice.
+    if (!isScope && !drop(unit, ".service") && !drop(unit, ".slice")) continue;
     unit.remove_prefix(stem.size());
     const std::size_t instance = unit.rfind('@');
     Parts parts = split(unit.substr(0, instance), '-');

@@ -166,8 +166,31 @@ TEST_F(ApplicationIndexTest, BearsHostileFiles) {
   tree_.write("usr/share/applications/folder.desktop/a.desktop", "[Desktop Entry]\n");
   EXPECT_EQ(byExecutable("/usr/bin/editor"), "editor");
   EXPECT_EQ(index_.byId("huge"), nullptr);
+  EXPECT_EQ(index_.byId("zeros"), nullptr);
   EXPECT_EQ(index_.byId("pipe"), nullptr);
   EXPECT_EQ(index_.byId("device"), nullptr);
+}
+
+TEST_F(ApplicationIndexTest, EntersADirectoryOnceHoweverManyLinksLeadThere) {
+  addProgram("usr/bin/editor");
+  add("editor", "editor");
+  for (int link = 0; link < 30; ++link) {
+    tree_.link("usr/share/applications/a" + std::to_string(link), ".");
+  }
+  index_.refresh();
+  EXPECT_EQ(index_.size(), 1U);
+  EXPECT_EQ(byExecutable("/usr/bin/editor"), "editor");
+  EXPECT_EQ(index_.byId("a0-editor"), nullptr);
+}
+
+TEST_F(ApplicationIndexTest, EndsWhereALinkLeadsToNoEndOfDirectories) {
+  addProgram("usr/bin/editor");
+  add("editor", "editor");
+  for (int folder = 0; folder < 2'000; ++folder) tree_.write("much/" + std::to_string(folder) + "/x", "");
+  tree_.link("usr/share/applications/z", tree_.at("much").string());
+  index_.refresh();
+  EXPECT_EQ(byExecutable("/usr/bin/editor"), "editor");
+  EXPECT_LE(index_.watchedDirectoryCount(), 600U);
 }
 
 TEST_F(ApplicationIndexTest, IsEmptyWhereThereIsNothing) {

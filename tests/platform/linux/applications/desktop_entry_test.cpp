@@ -54,7 +54,7 @@ TEST_F(DesktopEntryTest, IsNotReadFromWhatIsNoFileOrTooLarge) {
 }
 
 TEST_F(DesktopEntryTest, BearsZerosAndTextThatIsNotUTF8) {
-  read("[Desktop Entry]\nType=Application\nExec=a\0b\n"s);
+  EXPECT_EQ(read("[Desktop Entry]\nType=Application\nExec=a\0b\n"s), std::nullopt) << "that is no text";
   read("[Desktop Entry]\nType=Application\nExec=\xff\xfe\nName=\xff\n");
   readDesktopAppearance(tree_.at("a.desktop").string());
 }

@@ -57,6 +57,12 @@ TEST(UnitIds, AreThoseOfTheInnermostUnit) {
   EXPECT_THAT(unitIds(inSlice("app-org.gnome.Terminal-1.scope/app-code-2.scope")), ElementsAre("code"));
 }
 
+TEST(UnitIds, AreThoseOfTheApplicationsSliceWhereItsUnitsHaveOtherNames) {
+  EXPECT_THAT(unitIds(inSlice("app-org.gnome.Terminal.slice/vte-spawn-5f1b8fbc.scope")),
+              ElementsAre("org.gnome.Terminal"));
+  EXPECT_THAT(unitIds(inSlice("app-org.gnome.Terminal.slice/app-code-2.scope")), ElementsAre("code"));
+}
+
 TEST(UnitIds, AreNoneOfOtherUnits) {
   for (const auto* group : {"", "/", "/user.slice/session-2.scope", "/system.slice/cron.service",
                             "/app.slice", "/app-x", "/user.slice/vte-spawn-1234.scope"}) {

@@ -1,0 +1,120 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// What a sweep over this machine's processes costs, as strace sees it.
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <set>
+#include <vector>
+
+#include "platform/linux/system/bounded_file.hpp"
+#include "platform/linux/system/memory_files.hpp"
+#include "platform/linux/system/temporary_tree.hpp"
+#include "platform/linux/system/text_scan.hpp"
+
+namespace tarn {
+namespace {
+
+/// The files below a process's directory that were opened, and the system calls from the first of them to the
+/// next process.
+struct ProcessCost {
+  std::multiset<std::string> files;
+  int calls = 0;
+};
+
+struct SweepCost {
+  std::map<std::int32_t, ProcessCost> processes;
+  int otherCalls = 0;
+};
+
+/// The pid and the file in `openat(3, "PID/file", …` or `openat(AT_FDCWD, "/proc/PID/file", …`; nothing for
+/// other calls.
+std::optional<std::pair<std::int32_t, std::string>> openedFile(std::string_view call) {
+  constexpr std::string_view table = "/proc/";
+  const std::size_t quote = call.find('"');
+  if (call.find("openat(") == std::string_view::npos || quote == std::string_view::npos) return std::nullopt;
+  std::string_view path = call.substr(quote + 1, call.find('"', quote + 1) - quote - 1);
+  if (path.starts_with(table)) path.remove_prefix(table.size());
+  const std::size_t slash = path.find('/');
+  const auto pid = parseWholeNumber<std::int32_t>(path.substr(0, slash));
+  if (!pid || slash == std::string_view::npos) return std::nullopt;
+  return std::pair(*pid, std::string(path.substr(slash + 1)));
+}
+
+/// The machine's clock, which takes no system call where the kernel lends it to programs.
+bool readsTheTime(std::string_view call) {
+  return call.find("clock_gettime(CLOCK_") != std::string_view::npos;
+}
+
+std::vector<SweepCost> traceSweeps(int count) {
+  const TemporaryTree tree;
+  const std::string log = tree.at("calls").string();
+  const std::string command = "ASAN_OPTIONS=detect_leaks=0 strace -f -qq -e 'trace=!%memory' -o '" + log +
+                              "' '" TARN_SWEEP_PROCESSES "' " + std::to_string(count);
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
+  EXPECT_EQ(std::system(command.c_str()), 0) << "is strace installed? " << command;
+  std::vector<SweepCost> sweeps;
+  ProcessCost* process = nullptr;
+  std::ifstream lines(log);
+  for (std::string call; std::getline(lines, call);) {
+    if (call.find("/begin-sweep") != std::string::npos) {
+      sweeps.emplace_back();
+      process = nullptr;
+    } else if (!sweeps.empty()) {
+      if (const auto opened = openedFile(call)) {
+        process = &sweeps.back().processes[opened->first];
+        process->files.insert(opened->second);
+      } else if (call.find("openat(") != std::string::npos || readsTheTime(call)) {
+        process = nullptr;  // the figures of the whole system follow
+      }
+      ++(process != nullptr ? process->calls : sweeps.back().otherCalls);
+    }
+  }
+  sweeps.pop_back();  // what follows the last sweep
+  return sweeps;
+}
+
+TEST(ASweep, TakesSevenSystemCallsForEachProcessThatItKnows) {
+  if (parseSwaps(readFile("/proc/swaps")).used > 0) GTEST_SKIP() << "swap is in use: that takes three more";
+  const std::vector<SweepCost> sweeps = traceSweeps(3);
+  ASSERT_EQ(sweeps.size(), 3U);
+  const SweepCost& steady = sweeps[2];
+  int known = 0;
+  int strange = 0;
+  for (const auto& [pid, process] : steady.processes) {
+    // Processes come and go on a machine that is in use, and start other programs.
+    if (process.files == std::multiset<std::string>{"stat", "statm"} && sweeps[1].processes.contains(pid)) {
+      ++known;
+      EXPECT_EQ(process.calls, 7) << pid;
+    } else {
+      ++strange;
+    }
+  }
+  std::printf("%d processes known: 7 system calls each; %d others; %d system calls for the whole\n", known,
+              strange, steady.otherCalls);
+  EXPECT_GT(known, 20);
+  EXPECT_LT(strange, known / 2);
+  EXPECT_LE(steady.otherCalls, 60);
+}
+
+TEST(ASweep, ReadsMoreOfAProcessOnlyWhenItIsNew) {
+  const std::vector<SweepCost> sweeps = traceSweeps(2);
+  ASSERT_EQ(sweeps.size(), 2U);
+  int looked = 0;
+  for (const auto& [pid, process] : sweeps[0].processes) looked += process.files.contains("cgroup") ? 1 : 0;
+  EXPECT_GT(looked, 20) << "the first sweep looks for the application of each";
+  for (const auto& [pid, process] : sweeps[1].processes) {
+    const auto before = sweeps[0].processes.find(pid);
+    if (before == sweeps[0].processes.end() || process.files.contains("status")) continue;
+    EXPECT_FALSE(process.files.contains("cgroup")) << pid;
+    EXPECT_FALSE(process.files.contains("cmdline")) << pid;
+  }
+}
+
+}  // namespace
+}  // namespace tarn

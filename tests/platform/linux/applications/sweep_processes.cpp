@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// sweep_processes COUNT: sweeps over this machine so many times, for whoever counts what that costs. Before
+// each sweep, and after the last, it asks for a file that is not there: "/begin-sweep".
+
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "sampling/memory_sampler.hpp"
+
+int main(int argumentCount, char** arguments) {
+  if (argumentCount != 2) return 2;
+  tarn::MemorySampler sampler(tarn::platformSamplerPort());
+  std::size_t groups = 0;
+  for (int left = std::atoi(arguments[1]); left > 0; --left) {
+    static_cast<void>(access("/begin-sweep", F_OK));
+    groups = sampler.sample().groups.size();
+  }
+  static_cast<void>(access("/begin-sweep", F_OK));
+  return groups > 0 ? 0 : 1;
+}
