@@ -4,6 +4,9 @@
 #include "sampling/memory_sampler.hpp"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "sampling/bundle_path.hpp"
@@ -14,7 +17,7 @@ namespace tarn {
 namespace {
 
 constexpr double nanosecondsPerSecond = 1'000'000'000.0;
-constexpr int ancestorSteps = 8;
+constexpr std::size_t ancestorSteps = 8;
 
 constexpr auto largestFootprintFirst = [](const auto& left, const auto& right) {
   return left.footprint > right.footprint;
@@ -27,38 +30,38 @@ MemorySampler::MemorySampler(SamplerPort port) : port_(std::move(port)) {}
 MemorySnapshot MemorySampler::sample() {
   const double start = port_.uptime();
   const std::vector<std::int32_t> pids = port_.processes->allPIDs();
-  Sweep sweep = beginSweep(start, pids.size());
-  for (const std::int32_t pid : pids) measure(pid, sweep);
-  endSweep(sweep, start);
+  beginSweep(start, pids.size());
+  for (const std::int32_t pid : pids) measure(pid);
+  endSweep(start);
 
   MemorySnapshot snapshot;
-  snapshot.groups = finishGroups(gatherGroups(sweep));
+  snapshot.groups = makeGroups(tallyGroups());
   snapshot.sweepDuration = port_.uptime() - start;
   // Outside the measured duration: the system's figures are not part of the sweep over processes.
   snapshot.system = port_.memory->read();
   return snapshot;
 }
 
-MemorySampler::Sweep MemorySampler::beginSweep(double uptime, std::size_t processCount) const {
-  Sweep sweep;
+void MemorySampler::beginSweep(double uptime, std::size_t processCount) {
+  sweep_.interval.reset();
   if (previousUptime_ && uptime > *previousUptime_) {
-    sweep.interval = (uptime - *previousUptime_) * nanosecondsPerSecond;
+    sweep_.interval = (uptime - *previousUptime_) * nanosecondsPerSecond;
   }
-  sweep.live.reserve(processCount);
-  sweep.ppidByPID.reserve(processCount);
-  sweep.pathByPID.reserve(processCount);
-  sweep.cpu.reserve(processCount);
-  sweep.samples.reserve(processCount);
-  return sweep;
+  sweep_.live.clear();
+  sweep_.live.reserve(processCount);
+  sweep_.cpu.clear();
+  sweep_.cpu.reserve(processCount);
+  sweep_.samples.clear();
+  sweep_.samples.reserve(processCount);
 }
 
-void MemorySampler::measure(std::int32_t pid, Sweep& sweep) {
+void MemorySampler::measure(std::int32_t pid) {
   // A process table that changes while it is read may name a process twice.
-  if (!sweep.live.insert(pid).second) return;
+  const auto [ancestor, isFirst] = sweep_.live.tryEmplace(pid);
+  if (!isFirst) return;
   const std::optional<BsdInfo> info = port_.processes->bsdInfo(pid);
-  if (info) sweep.ppidByPID[pid] = info->ppid;
-  std::string path = executablePath(pid, info);
-  if (!path.empty()) sweep.pathByPID[pid] = path;
+  Executable program = executable(pid, info);
+  *ancestor = {.ppid = info ? info->ppid : 0, .path = program.path, .root = std::move(program.bundle)};
 
   const std::optional<ProcessUsage> usage = port_.processes->usage(pid);
   if (!usage) return;
@@ -67,82 +70,115 @@ void MemorySampler::measure(std::int32_t pid, Sweep& sweep) {
     const CachedCPU current{info->startSec, usage->cpuTime};
     sample.ppid = info->ppid;
     sample.uid = info->uid;
-    sample.cpuPercent = cpuPercent(pid, current, sweep);
-    sweep.cpu[pid] = current;
+    sample.cpuPercent = cpuPercent(pid, current);
+    sweep_.cpu[pid] = current;
   }
-  sample.name = processName(pid, path);
-  sample.path = std::move(path);
-  sweep.samples.push_back(std::move(sample));
+  sample.name = program.path.empty() ? nameWithoutPath(pid) : std::move(program.name);
+  sample.path = std::move(program.path);
+  sweep_.samples.push_back(std::move(sample));
 }
 
-std::string MemorySampler::executablePath(std::int32_t pid, const std::optional<BsdInfo>& info) {
+MemorySampler::Executable MemorySampler::executable(std::int32_t pid, const std::optional<BsdInfo>& info) {
   // Without a start time nothing says whether a cached path is still this process's.
-  if (!info) return port_.processes->path(pid);
-  const auto cached = pathCache_.find(pid);
-  if (cached != pathCache_.end() && cached->second.startSec == info->startSec) return cached->second.path;
+  if (!info) return readExecutable(pid);
+  const auto [cached, isNew] = pathCache_.tryEmplace(pid);
+  if (isNew || cached->startSec != info->startSec) *cached = {info->startSec, readExecutable(pid)};
+  return cached->executable;
+}
+
+MemorySampler::Executable MemorySampler::readExecutable(std::int32_t pid) {
   std::string path = port_.processes->path(pid);
-  pathCache_[pid] = {info->startSec, path};
-  return path;
+  if (path.empty()) return {};
+  std::string name(lastPathComponent(path));
+  const SharedText& bundle = bundleRootText(path);
+  return {std::move(path), std::move(name), bundle};
 }
 
-double MemorySampler::cpuPercent(std::int32_t pid, const CachedCPU& current, const Sweep& sweep) const {
-  const auto previous = previousCPU_.find(pid);
-  if (!sweep.interval || previous == previousCPU_.end()) return 0;
-  const CachedCPU& before = previous->second;
-  if (before.startSec != current.startSec || current.cpuTime < before.cpuTime) return 0;
-  return static_cast<double>(current.cpuTime - before.cpuTime) / *sweep.interval * 100;
+double MemorySampler::cpuPercent(std::int32_t pid, const CachedCPU& current) const {
+  const CachedCPU* const before = previousCPU_.find(pid);
+  if (!sweep_.interval || before == nullptr) return 0;
+  if (before->startSec != current.startSec || current.cpuTime < before->cpuTime) return 0;
+  return static_cast<double>(current.cpuTime - before->cpuTime) / *sweep_.interval * 100;
 }
 
-std::string MemorySampler::processName(std::int32_t pid, const std::string& path) {
-  if (!path.empty()) return std::string(lastPathComponent(path));
-  std::string name = port_.processes->processName(pid);
-  return name.empty() ? "PID " + std::to_string(pid) : name;
+SharedText MemorySampler::nameWithoutPath(std::int32_t pid) {
+  SharedText name = port_.processes->processName(pid);
+  return name.empty() ? SharedText("PID " + std::to_string(pid)) : name;
 }
 
-void MemorySampler::endSweep(Sweep& sweep, double uptime) {
-  previousCPU_ = std::move(sweep.cpu);
+void MemorySampler::endSweep(double uptime) {
+  std::swap(previousCPU_, sweep_.cpu);
   previousUptime_ = uptime;
-  if (sweep.live.size() < pathCache_.size()) {
-    std::erase_if(pathCache_, [&](const auto& entry) { return !sweep.live.contains(entry.first); });
+  if (sweep_.live.size() < pathCache_.size()) {
+    pathCache_.eraseIf([this](std::int32_t pid, const auto&) { return !sweep_.live.contains(pid); });
   }
 }
 
-MemorySampler::GroupMap MemorySampler::gatherGroups(Sweep& sweep) {
-  GroupMap groups;
-  for (ProcessSample& sample : sweep.samples) {
-    std::optional<std::string> root = ownRoot(sample.pid, sample.path);
-    if (!root) root = ancestorBundleRoot(sample.pid, sweep.pathByPID, sweep.ppidByPID);
-    const std::string id = root ? *root : "pid:" + std::to_string(sample.pid);
-    const auto [entry, isNew] = groups.try_emplace(id);
-    if (isNew) {
-      entry->second.name = root ? displayName(*root) : sample.name;
-      entry->second.bundlePath = std::move(root);
-    }
-    entry->second.procs.push_back(std::move(sample));
+MemorySampler::Tallies MemorySampler::tallyGroups() {
+  Tallies tallies;
+  tallies.groupOfSample.reserve(sweep_.samples.size());
+  std::unordered_map<std::string_view, std::size_t> groupOfRoot;
+  for (std::size_t i = 0; i < sweep_.samples.size(); ++i) {
+    const ProcessSample& sample = sweep_.samples[i];
+    SharedText root = ownRoot(sample.pid, *sweep_.live.find(sample.pid));
+    if (root.empty()) root = ancestorBundleRoot(sample.pid);
+    std::size_t group = tallies.groups.size();
+    // A root's text lasts: whoever has it keeps it until the next sweep.
+    if (!root.empty()) group = groupOfRoot.try_emplace(root.string(), group).first->second;
+    if (group == tallies.groups.size()) tallies.groups.push_back({.root = std::move(root), .firstSample = i});
+    Tally& tally = tallies.groups[group];
+    ++tally.count;
+    tally.footprint = checkedAdd(tally.footprint, sample.footprint);
+    tally.rawCPU += sample.cpuPercent;
+    tallies.groupOfSample.push_back(group);
   }
-  return groups;
+  return tallies;
 }
 
-std::vector<AppGroup> MemorySampler::finishGroups(GroupMap entries) {
+std::vector<AppGroup> MemorySampler::makeGroups(const Tallies& tallies) {
+  // What is sorted are places: groups are large to move.
+  std::vector<std::size_t> order(tallies.groups.size());
+  for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+  std::sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
+    const std::uint64_t one = tallies.groups[left].footprint;
+    const std::uint64_t other = tallies.groups[right].footprint;
+    return one != other ? one > other : left < right;
+  });
+
   std::vector<AppGroup> groups;
-  groups.reserve(entries.size());
-  for (auto& [id, entry] : entries) {
-    AppGroup group{.id = id, .name = std::move(entry.name), .bundlePath = std::move(entry.bundlePath)};
-    double raw = 0;
-    for (const ProcessSample& process : entry.procs) {
-      group.footprint = checkedAdd(group.footprint, process.footprint);
-      raw += process.cpuPercent;
-    }
-    group.cpuPercent = smoothed(id, raw);
-    group.processes = std::move(entry.procs);
-    std::stable_sort(group.processes.begin(), group.processes.end(), largestFootprintFirst);
-    groups.push_back(std::move(group));
+  groups.reserve(order.size());
+  std::vector<std::size_t> place(order.size());
+  for (const std::size_t group : order) {
+    place[group] = groups.size();
+    groups.push_back(makeGroup(tallies.groups[group]));
   }
-  std::stable_sort(groups.begin(), groups.end(), largestFootprintFirst);
-  if (entries.size() < smoothedCPU_.size()) {
-    std::erase_if(smoothedCPU_, [&](const auto& remembered) { return !entries.contains(remembered.first); });
+  for (std::size_t i = 0; i < sweep_.samples.size(); ++i) {
+    groups[place[tallies.groupOfSample[i]]].processes.push_back(std::move(sweep_.samples[i]));
+  }
+  for (AppGroup& group : groups) {
+    if (group.processes.size() < 2) continue;
+    std::stable_sort(group.processes.begin(), group.processes.end(), largestFootprintFirst);
+  }
+  if (groups.size() < smoothedCPU_.size()) {
+    std::unordered_set<std::string_view> ids;
+    for (const AppGroup& group : groups) ids.insert(group.id);
+    std::erase_if(smoothedCPU_, [&](const auto& remembered) { return !ids.contains(remembered.first); });
   }
   return groups;
+}
+
+AppGroup MemorySampler::makeGroup(const Tally& tally) {
+  const ProcessSample& first = sweep_.samples[tally.firstSample];
+  AppGroup group{.id = tally.root.string(), .name = first.name, .footprint = tally.footprint};
+  if (tally.root.empty()) {
+    group.id = "pid:" + std::to_string(first.pid);
+  } else {
+    group.name = displayNameText(group.id);
+    group.bundlePath = group.id;
+  }
+  group.cpuPercent = smoothed(group.id, tally.rawCPU);
+  group.processes.reserve(tally.count);
+  return group;
 }
 
 double MemorySampler::smoothed(const std::string& groupID, double raw) {
@@ -151,50 +187,57 @@ double MemorySampler::smoothed(const std::string& groupID, double raw) {
   return remembered->second;
 }
 
-std::optional<std::string> MemorySampler::ownRoot(std::int32_t pid, const std::string& path) {
-  std::optional<std::string> root = bundleRoot(path);
-  if (!root && port_.applicationRules) root = port_.applicationRules->applicationRoot(pid, path);
-  return root;
+const SharedText& MemorySampler::ownRoot(std::int32_t pid, Ancestor& process) {
+  if (process.root.empty() && !process.isAsked && port_.applicationRules) {
+    process.root = port_.applicationRules->applicationRoot(pid, process.path.string());
+  }
+  process.isAsked = true;
+  return process.root;
 }
 
-std::optional<std::string> MemorySampler::ancestorBundleRoot(std::int32_t startPID,
-                                                             const PathByPID& pathByPID,
-                                                             const ParentByPID& ppidByPID) {
-  static const std::string noPath;
-  std::unordered_set<std::int32_t> visited;
-  std::int32_t pid = startPID;
-  for (int step = 0; step < ancestorSteps; ++step) {
-    const auto parent = ppidByPID.find(pid);
+SharedText MemorySampler::ancestorBundleRoot(std::int32_t startPID) {
+  std::array<std::int32_t, ancestorSteps> visited{};
+  Ancestor* process = sweep_.live.find(startPID);
+  for (std::size_t step = 0; step < visited.size() && process != nullptr; ++step) {
+    const std::int32_t parent = process->ppid;
     // Pids 0 and 1 own no application; a parent met before means the table changed while it was read.
-    if (parent == ppidByPID.end() || parent->second < 2) return std::nullopt;
-    pid = parent->second;
-    if (!visited.insert(pid).second) return std::nullopt;
-    const auto path = pathByPID.find(pid);
-    if (auto root = ownRoot(pid, path == pathByPID.end() ? noPath : path->second)) return root;
+    if (parent < 2 || std::find(visited.begin(), visited.end(), parent) != visited.end()) break;
+    visited[step] = parent;
+    process = sweep_.live.find(parent);
+    if (process != nullptr && !ownRoot(parent, *process).empty()) return process->root;
   }
-  return std::nullopt;
+  return {};
 }
 
 std::optional<std::string> MemorySampler::bundleRoot(const std::string& forPath) {
-  const auto cached = bundleRootCache_.find(forPath);
+  const SharedText& root = bundleRootText(forPath);
+  return root.empty() ? std::nullopt : std::optional(root.string());
+}
+
+const SharedText& MemorySampler::bundleRootText(const std::string& path) {
+  const auto cached = bundleRootCache_.find(path);
   if (cached != bundleRootCache_.end()) return cached->second;
-  return bundleRootCache_.emplace(forPath, outermostBundle(forPath)).first->second;
+  return bundleRootCache_.emplace(path, outermostBundle(path).value_or("")).first->second;
 }
 
 std::string MemorySampler::displayName(const std::string& forBundleRoot) {
-  const auto cached = displayNameCache_.find(forBundleRoot);
+  return displayNameText(forBundleRoot).string();
+}
+
+const SharedText& MemorySampler::displayNameText(const std::string& bundleRoot) {
+  const auto cached = displayNameCache_.find(bundleRoot);
   if (cached != displayNameCache_.end()) return cached->second;
 
   InformationDictionary information;
-  if (port_.bundleInformation) information = port_.bundleInformation(forBundleRoot);
-  std::string name(deletingPathExtension(lastPathComponent(forBundleRoot)));
+  if (port_.bundleInformation) information = port_.bundleInformation(bundleRoot);
+  std::string name(deletingPathExtension(lastPathComponent(bundleRoot)));
   for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
     const auto entry = information.find(key);
     if (entry == information.end() || entry->second.empty()) continue;
     name = entry->second;
     break;
   }
-  return displayNameCache_.emplace(forBundleRoot, std::move(name)).first->second;
+  return displayNameCache_.emplace(bundleRoot, std::move(name)).first->second;
 }
 
 }  // namespace tarn

@@ -7,9 +7,9 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
+#include "sampling/pid_map.hpp"
 #include "sampling/platform_readers.hpp"
 #include "sampling/snapshot.hpp"
 
@@ -22,9 +22,6 @@ namespace tarn {
 /// share of each group, and, for its whole life, bundle roots and display names.
 class MemorySampler {
  public:
-  using PathByPID = std::unordered_map<std::int32_t, std::string>;
-  using ParentByPID = std::unordered_map<std::int32_t, std::int32_t>;
-
   explicit MemorySampler(SamplerPort port = platformSamplerPort());
 
   MemorySampler(const MemorySampler&) = delete;
@@ -40,56 +37,80 @@ class MemorySampler {
   std::string displayName(const std::string& forBundleRoot);
 
  private:
+  /// An executable, and what its path alone tells.
+  struct Executable {
+    SharedText path;
+    SharedText name;
+    SharedText bundle;  ///< root of the bundle that holds it; empty without one
+  };
   struct CachedPath {
     std::uint64_t startSec = 0;
-    std::string path;
+    Executable executable;
   };
   struct CachedCPU {
     std::uint64_t startSec = 0;
     std::uint64_t cpuTime = 0;  ///< nanoseconds
   };
-  struct GroupEntry {
-    std::string name;
-    std::optional<std::string> bundlePath;
-    std::vector<ProcessSample> procs;
-  };
-  using GroupMap = std::unordered_map<std::string, GroupEntry>;
 
-  /// What one sweep gathers before it groups.
+  /// What a listed process is to its descendants.
+  struct Ancestor {
+    std::int32_t ppid = 0;  ///< 0 when unknown
+    bool isAsked = false;   ///< whether the platform's rules were asked in this sweep
+    SharedText path;
+    SharedText root;  ///< of its own application; empty without one, or before it is asked
+  };
+
+  /// What one sweep gathers before it groups. The room that it takes is kept for the next one.
   struct Sweep {
     std::optional<double> interval;  ///< nanoseconds since the previous sweep; absent when it did not advance
-    std::unordered_set<std::int32_t> live;
-    ParentByPID ppidByPID;
-    PathByPID pathByPID;
-    std::unordered_map<std::int32_t, CachedCPU> cpu;
+    PidMap<Ancestor> live;           ///< every process that was listed
+    PidMap<CachedCPU> cpu;
     std::vector<ProcessSample> samples;
   };
 
-  Sweep beginSweep(double uptime, std::size_t processCount) const;
-  void measure(std::int32_t pid, Sweep& sweep);
-  std::string executablePath(std::int32_t pid, const std::optional<BsdInfo>& info);
-  double cpuPercent(std::int32_t pid, const CachedCPU& current, const Sweep& sweep) const;
-  std::string processName(std::int32_t pid, const std::string& path);
-  void endSweep(Sweep& sweep, double uptime);
+  /// A group before its records are made.
+  struct Tally {
+    SharedText root;  ///< empty for a process on its own
+    std::size_t firstSample = 0;
+    std::size_t count = 0;
+    std::uint64_t footprint = 0;
+    double rawCPU = 0;
+  };
+  struct Tallies {
+    std::vector<Tally> groups;
+    std::vector<std::size_t> groupOfSample;
+  };
 
-  GroupMap gatherGroups(Sweep& sweep);
-  std::vector<AppGroup> finishGroups(GroupMap entries);
+  void beginSweep(double uptime, std::size_t processCount);
+  void measure(std::int32_t pid);
+  Executable executable(std::int32_t pid, const std::optional<BsdInfo>& info);
+  Executable readExecutable(std::int32_t pid);
+  double cpuPercent(std::int32_t pid, const CachedCPU& current) const;
+  SharedText nameWithoutPath(std::int32_t pid);
+  void endSweep(double uptime);
+
+  Tallies tallyGroups();
+  std::vector<AppGroup> makeGroups(const Tallies& tallies);
+  AppGroup makeGroup(const Tally& tally);
   double smoothed(const std::string& groupID, double raw);
 
-  /// The application of one process by its path, else by the platform's rules.
-  std::optional<std::string> ownRoot(std::int32_t pid, const std::string& path);
+  /// The application of a listed process by its path, else by the platform's rules; empty without one.
+  const SharedText& ownRoot(std::int32_t pid, Ancestor& process);
 
-  /// The application of the nearest of at most eight ancestors that has one.
-  std::optional<std::string> ancestorBundleRoot(std::int32_t startPID, const PathByPID& pathByPID,
-                                                const ParentByPID& ppidByPID);
+  /// The application of the nearest of at most eight ancestors that has one; empty without one.
+  SharedText ancestorBundleRoot(std::int32_t startPID);
+
+  const SharedText& bundleRootText(const std::string& path);
+  const SharedText& displayNameText(const std::string& bundleRoot);
 
   SamplerPort port_;
-  std::unordered_map<std::string, std::optional<std::string>> bundleRootCache_;  ///< never pruned
-  std::unordered_map<std::string, std::string> displayNameCache_;                ///< never pruned
-  std::unordered_map<std::int32_t, CachedPath> pathCache_;
-  std::unordered_map<std::int32_t, CachedCPU> previousCPU_;
+  std::unordered_map<std::string, SharedText> bundleRootCache_;   ///< empty: it has none; never pruned
+  std::unordered_map<std::string, SharedText> displayNameCache_;  ///< never pruned
+  PidMap<CachedPath> pathCache_;
+  PidMap<CachedCPU> previousCPU_;
   std::optional<double> previousUptime_;  ///< seconds, at the start of the previous sweep
   std::unordered_map<std::string, double> smoothedCPU_;
+  Sweep sweep_;
   static constexpr double cpuSmoothing = 0.4;  ///< weight of the newest value
 };
 

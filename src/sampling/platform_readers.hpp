@@ -58,7 +58,7 @@ class ProcScan {
 
   /// What the system calls a process whose path is unknown, for display only; empty when it has no name for
   /// it.
-  virtual std::string processName(std::int32_t pid) = 0;
+  virtual SharedText processName(std::int32_t pid) = 0;
 
   /// The footprint alone, through `usage`.
   std::optional<std::uint64_t> footprint(std::int32_t pid);
@@ -79,8 +79,9 @@ class ApplicationRules {
  public:
   virtual ~ApplicationRules() = default;
 
-  /// Root path of the application that owns the process, or nothing. `path` may be empty.
-  virtual std::optional<std::string> applicationRoot(std::int32_t pid, const std::string& path) = 0;
+  /// Root path of the application that owns the process, or empty. `path` may be empty. Asked in every sweep,
+  /// at most once for each process.
+  virtual SharedText applicationRoot(std::int32_t pid, const std::string& path) = 0;
 };
 
 /// The text entries of a bundle's information dictionary; entries of other types are left out.

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "sampling/shared_text.hpp"
+
 namespace tarn {
 
 /// System-wide memory figures in bytes. A figure that could not be read is 0.
@@ -26,8 +28,8 @@ struct ProcessSample {
   std::int32_t pid = 0;
   std::int32_t ppid = 0;        ///< parent pid; 0 when unknown
   std::uint32_t uid = 0;        ///< owning user; 0 when unknown
-  std::string path;             ///< executable path; empty when unknown
-  std::string name;             ///< for display, never for grouping
+  SharedText path;              ///< executable path; empty when unknown
+  SharedText name;              ///< for display, never for grouping
   std::uint64_t footprint = 0;  ///< bytes
   double cpuPercent = 0;        ///< share of one core over the last interval, unsmoothed; may exceed 100
 
@@ -36,8 +38,8 @@ struct ProcessSample {
 
 /// Processes gathered under one key, identified by that key.
 struct AppGroup {
-  std::string id;    ///< application root, "pid:N", or "everything-else"
-  std::string name;  ///< display name
+  std::string id;   ///< application root, "pid:N", or "everything-else"
+  SharedText name;  ///< display name
   std::optional<std::string>
       bundlePath;               ///< application root; absent for ungrouped processes and the aggregate
   std::uint64_t footprint = 0;  ///< sum over the members, bytes

@@ -59,7 +59,7 @@ class FakeProcScan final : public ProcScan {
   std::optional<BsdInfo> bsdInfo(std::int32_t pid) override { return asked("bsdInfo", pid).info; }
   std::string path(std::int32_t pid) override { return asked("path", pid).path; }
   std::optional<ProcessUsage> usage(std::int32_t pid) override { return asked("usage", pid).usage; }
-  std::string processName(std::int32_t pid) override { return asked("processName", pid).systemName; }
+  SharedText processName(std::int32_t pid) override { return asked("processName", pid).systemName; }
 
  private:
   const FakeProcess& asked(const std::string& query, std::int32_t pid) {

@@ -19,7 +19,7 @@ class NoProcesses final : public ProcScan {
   std::optional<BsdInfo> bsdInfo(std::int32_t /*pid*/) override { return std::nullopt; }
   std::string path(std::int32_t /*pid*/) override { return {}; }
   std::optional<ProcessUsage> usage(std::int32_t /*pid*/) override { return std::nullopt; }
-  std::string processName(std::int32_t /*pid*/) override { return {}; }
+  SharedText processName(std::int32_t /*pid*/) override { return {}; }
 };
 
 class NoMemoryFigures final : public SystemMemoryReader {

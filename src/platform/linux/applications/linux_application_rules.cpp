@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::size_t leastSizeToPrune = 512;
 
-std::optional<std::string> valueOf(const std::string* path) {
-  return path == nullptr ? std::nullopt : std::optional(*path);
+std::string valueOf(const std::string* path) {
+  return path == nullptr ? std::string() : *path;
 }
 
 }  // namespace
@@ -32,16 +32,15 @@ LinuxApplicationRules::LinuxApplicationRules(LinuxRoots roots, ApplicationIndex 
       clock_(std::move(clock)),
       sizeToPrune_(leastSizeToPrune) {}
 
-std::optional<std::string> LinuxApplicationRules::applicationRoot(std::int32_t pid,
-                                                                  const std::string& /*path*/) {
+SharedText LinuxApplicationRules::applicationRoot(std::int32_t pid, const std::string& /*path*/) {
   // The path given may be that of the program before: a process that starts another one keeps its place in
   // whoever's memory that was.
   const auto generation = generationOf_(pid);
-  if (!generation) return std::nullopt;
-  const auto known = found_.find(pid);
-  if (known != found_.end() && known->second.generation == *generation) return known->second.root;
+  if (!generation) return {};
+  const Found* const known = found_.find(pid);
+  if (known != nullptr && known->generation == *generation) return known->root;
   refreshIndex();
-  auto root = find(readProcessFacts(roots_, pid));
+  SharedText root = find(readProcessFacts(roots_, pid));
   forgetTheGone();
   found_[pid] = {*generation, root};
   return root;
@@ -58,12 +57,12 @@ void LinuxApplicationRules::refreshIndex() {
 
 void LinuxApplicationRules::forgetTheGone() {
   if (found_.size() < sizeToPrune_) return;
-  std::erase_if(found_,
-                [this](const auto& entry) { return generationOf_(entry.first) != entry.second.generation; });
+  found_.eraseIf(
+      [this](std::int32_t pid, const Found& found) { return generationOf_(pid) != found.generation; });
   sizeToPrune_ = std::max(leastSizeToPrune, 2 * found_.size());
 }
 
-std::optional<std::string> LinuxApplicationRules::find(const ProcessFacts& facts) const {
+std::string LinuxApplicationRules::find(const ProcessFacts& facts) const {
   // Paths within a sandbox mean nothing outside of it.
   const auto sandbox = sandboxIds(facts.controlGroup);
   if (!sandbox.empty()) return valueOf(byAnyId(sandbox));
@@ -89,16 +88,16 @@ const std::string* LinuxApplicationRules::byAnyId(const std::vector<std::string>
   return nullptr;
 }
 
-std::optional<std::string> LinuxApplicationRules::inImage(const std::string& executable) const {
+std::string LinuxApplicationRules::inImage(const std::string& executable) const {
   const auto mount = imageMountOf(executable);
-  if (!mount) return std::nullopt;
+  if (!mount) return {};
   std::error_code error;
   std::filesystem::directory_iterator entry(roots_.root + *mount, error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
     if (entry->path().extension() != ".desktop") continue;
     return *mount + '/' + entry->path().filename().string();
   }
-  return std::nullopt;
+  return {};
 }
 
 }  // namespace tarn

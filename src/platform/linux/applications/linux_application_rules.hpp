@@ -8,10 +8,10 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <unordered_map>
 
 #include "platform/linux/applications/application_index.hpp"
 #include "platform/linux/applications/process_facts.hpp"
+#include "sampling/pid_map.hpp"
 #include "sampling/platform_readers.hpp"
 
 namespace tarn {
@@ -31,7 +31,7 @@ class LinuxApplicationRules final : public ApplicationRules {
                         Clock clock = std::chrono::steady_clock::now);
 
   /// The path of the application's desktop file.
-  std::optional<std::string> applicationRoot(std::int32_t pid, const std::string& path) override;
+  SharedText applicationRoot(std::int32_t pid, const std::string& path) override;
 
   /// How many processes are remembered.
   std::size_t knownProcessCount() const { return found_.size(); }
@@ -39,22 +39,22 @@ class LinuxApplicationRules final : public ApplicationRules {
  private:
   struct Found {
     std::uint64_t generation = 0;
-    std::optional<std::string> root;
+    SharedText root;  ///< empty: it belongs to none
   };
 
   void refreshIndex();
   void forgetTheGone();
-  std::optional<std::string> find(const ProcessFacts& facts) const;
+  std::string find(const ProcessFacts& facts) const;
   const std::string* byProgram(const std::string& path) const;
   const std::string* byAnyId(const std::vector<std::string>& ids) const;
-  std::optional<std::string> inImage(const std::string& executable) const;
+  std::string inImage(const std::string& executable) const;
 
   LinuxRoots roots_;
   ApplicationIndex index_;
   Generation generationOf_;
   Clock clock_;
   std::optional<std::chrono::steady_clock::time_point> lastRefresh_;
-  std::unordered_map<std::int32_t, Found> found_;
+  PidMap<Found> found_;
   std::size_t sizeToPrune_;
 };
 

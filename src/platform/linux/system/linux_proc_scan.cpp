@@ -71,7 +71,7 @@ bool LinuxProcScan::openDirectory() {
 }
 
 std::vector<std::int32_t> LinuxProcScan::allPIDs() {
-  std::erase_if(known_, [this](const auto& entry) { return entry.second.sweep != sweep_; });
+  known_.eraseIf([this](std::int32_t, const KnownProcess& process) { return process.sweep != sweep_; });
   ++sweep_;
   swapInUse_ = parseSwaps(readFile(roots_.proc + "/swaps")).used > 0;
 
@@ -116,7 +116,7 @@ std::optional<ProcessUsage> LinuxProcScan::usage(std::int32_t pid) {
   return ProcessUsage{*footprint, *processorTime};
 }
 
-std::string LinuxProcScan::processName(std::int32_t pid) {
+SharedText LinuxProcScan::processName(std::int32_t pid) {
   KnownProcess* const process = metInThisSweep(pid);
   if (!process) return {};
   if (!process->displayName) process->displayName = readDisplayName(pid, process->kernelName);
@@ -124,10 +124,9 @@ std::string LinuxProcScan::processName(std::int32_t pid) {
 }
 
 std::optional<std::uint64_t> LinuxProcScan::programOf(std::int32_t pid) const {
-  const auto entry = known_.find(pid);
-  if (entry == known_.end() || entry->second.sweep != sweep_) return std::nullopt;
-  const std::uint64_t program = entry->second.program;
-  return program == 0 ? std::nullopt : std::optional(program);
+  const KnownProcess* const process = known_.find(pid);
+  if (process == nullptr || process->sweep != sweep_ || process->program == 0) return std::nullopt;
+  return process->program;
 }
 
 std::string_view LinuxProcScan::readProcessFile(std::int32_t pid, std::string_view file,
@@ -144,14 +143,14 @@ LinuxProcScan::KnownProcess* LinuxProcScan::refresh(std::int32_t pid) {
     known_.erase(pid);
     return nullptr;
   }
-  const auto [entry, isNew] = known_.try_emplace(pid);
-  KnownProcess& process = entry->second;
+  const auto [known, isNew] = known_.tryEmplace(pid);
+  KnownProcess& process = *known;
   const bool hasOtherName = process.kernelName != stat->name;
   // A thread of the kernel is the same by any name.
   if (isNew || process.startTicks != stat->startTicks || (hasOtherName && !stat->isKernelThread)) {
     const auto owner = parseRealOwner(readProcessFile(pid, "status", statusBuffer_));
     if (!owner) {
-      known_.erase(entry);
+      known_.erase(pid);
       return nullptr;
     }
     process = {.startTicks = stat->startTicks, .owner = *owner};
@@ -169,9 +168,8 @@ LinuxProcScan::KnownProcess* LinuxProcScan::refresh(std::int32_t pid) {
 
 /// What this sweep has read of a process already, else what there is to read.
 LinuxProcScan::KnownProcess* LinuxProcScan::metInThisSweep(std::int32_t pid) {
-  const auto entry = known_.find(pid);
-  if (entry != known_.end() && entry->second.sweep == sweep_) return &entry->second;
-  return refresh(pid);
+  KnownProcess* const process = known_.find(pid);
+  return process != nullptr && process->sweep == sweep_ ? process : refresh(pid);
 }
 
 std::optional<std::uint64_t> LinuxProcScan::readFootprint(std::int32_t pid) {

@@ -3,20 +3,18 @@
 
 #pragma once
 
-#include <dirent.h>
-
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "platform/linux/system/directory_stream.hpp"
 #include "platform/linux/system/linux_roots.hpp"
 #include "platform/linux/system/process_clock.hpp"
 #include "platform/linux/system/process_files.hpp"
+#include "sampling/pid_map.hpp"
 #include "sampling/platform_readers.hpp"
 
 namespace tarn {
@@ -43,7 +41,7 @@ class LinuxProcScan final : public ProcScan {
   std::optional<BsdInfo> bsdInfo(std::int32_t pid) override;
   std::string path(std::int32_t pid) override;
   std::optional<ProcessUsage> usage(std::int32_t pid) override;
-  std::string processName(std::int32_t pid) override;
+  SharedText processName(std::int32_t pid) override;
 
   /// A number that no other process has, and this one no more once it has started another program: its kernel
   /// name is another one then. Nothing for a process that this sweep has not met, nor for a thread of the
@@ -56,16 +54,13 @@ class LinuxProcScan final : public ProcScan {
  private:
   struct KnownProcess {
     std::string kernelName;
-    std::optional<std::string> displayName;  // read when first asked for
+    std::optional<SharedText> displayName;  // read when first asked for
     std::uint64_t startTicks = 0;
     std::uint64_t processorTicks = 0;  // as of the sweep below
     std::uint64_t sweep = 0;           // in which it was last met
     std::uint64_t program = 0;         // another number for each program; 0 without one
     std::int32_t ppid = 0;
     std::uint32_t owner = 0;
-  };
-  struct CloseDirectory {
-    void operator()(DIR* directory) const { ::closedir(directory); }
   };
 
   bool openDirectory();
@@ -78,14 +73,14 @@ class LinuxProcScan final : public ProcScan {
 
   LinuxRoots roots_;
   ProcessClock clock_;
-  std::unique_ptr<DIR, CloseDirectory> directory_;
+  DirectoryStream directory_;
   std::uint64_t bootTime_;  // seconds since the epoch; read once, so that a clock step renames no process
   std::uint64_t ticksPerSecond_;
   std::uint64_t pageSize_;
   std::uint64_t sweep_ = 0;
   std::uint64_t programs_ = 0;  // met so far
   bool swapInUse_ = false;
-  std::unordered_map<std::int32_t, KnownProcess> known_;
+  PidMap<KnownProcess> known_;
   std::vector<char> buffer_;        // for the short files
   std::vector<char> statusBuffer_;  // `status` can hold a list of thousands of groups
 };

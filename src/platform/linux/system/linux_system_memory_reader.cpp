@@ -4,14 +4,13 @@
 #include "platform/linux/system/linux_system_memory_reader.hpp"
 
 #include <algorithm>
-#include <filesystem>
 #include <initializer_list>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "platform/linux/system/bounded_file.hpp"
+#include "platform/linux/system/directory_stream.hpp"
 #include "platform/linux/system/text_scan.hpp"
 
 namespace tarn {
@@ -36,13 +35,13 @@ std::uint64_t difference(const Amount& from, const Amount& less) {
 
 /// Calls `visit` with the path of each entry that is named by the stem and a number.
 template <typename Visit>
-void forEachNumbered(const std::string& directory, std::string_view stem, Visit visit) {
-  std::error_code error;
-  std::filesystem::directory_iterator entry(directory, error);
-  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    const std::string name = entry->path().filename().string();
-    if (!name.starts_with(stem)) continue;
-    if (parseWholeNumber<unsigned>(std::string_view(name).substr(stem.size()))) visit(entry->path().string());
+void forEachNumbered(const std::string& path, std::string_view stem, Visit visit) {
+  const DirectoryStream directory(::opendir(path.c_str()));
+  if (!directory) return;
+  while (const dirent* const entry = ::readdir(directory.get())) {
+    const std::string_view name = static_cast<const char*>(entry->d_name);
+    if (!name.starts_with(stem) || !parseWholeNumber<unsigned>(name.substr(stem.size()))) continue;
+    visit((path + '/').append(name));
   }
 }
 

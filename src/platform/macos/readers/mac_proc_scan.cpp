@@ -53,7 +53,7 @@ std::optional<ProcessUsage> MacProcScan::usage(std::int32_t pid) {
   return ProcessUsage{record.physicalFootprint, nanoseconds(record.userTime + record.systemTime)};
 }
 
-std::string MacProcScan::processName(std::int32_t /*pid*/) {
+SharedText MacProcScan::processName(std::int32_t /*pid*/) {
   return {};
 }
 

@@ -30,7 +30,7 @@ class MacProcScan final : public ProcScan {
   std::optional<ProcessUsage> usage(std::int32_t pid) override;
 
   /// Always empty: here a process without a path has no other name.
-  std::string processName(std::int32_t pid) override;
+  SharedText processName(std::int32_t pid) override;
 
  private:
   std::uint64_t nanoseconds(std::uint64_t ticks);

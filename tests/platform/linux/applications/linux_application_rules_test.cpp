@@ -49,8 +49,7 @@ class ApplicationRulesTest : public ::testing::Test {
 
   /// The id of the application of a process; "" without one.
   std::string applicationOf(std::int32_t pid) {
-    const auto root = rules_.applicationRoot(pid, "");
-    return root ? std::filesystem::path(*root).stem().string() : "";
+    return std::filesystem::path(rules_.applicationRoot(pid, "").string()).stem().string();
   }
   std::string applicationOf(const Process& process) {
     start(99, process);

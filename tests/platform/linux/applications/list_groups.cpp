@@ -13,7 +13,7 @@ int main() {
   const tarn::MemorySnapshot snapshot = sampler.sample();
   for (const tarn::AppGroup& group : snapshot.groups) {
     for (const tarn::ProcessSample& process : group.processes) {
-      std::printf("%d\t%s\t%s\n", process.pid, group.id.c_str(), group.name.c_str());
+      std::printf("%d\t%s\t%s\n", process.pid, group.id.c_str(), group.name.string().c_str());
     }
   }
   return 0;

@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// sweep_against_floor PROCESSES ROUNDS: starts processes until there are so many, then lets a sweep and the
+// floor take turns. Prints the medians of what each round costs in processor time, in microseconds.
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <vector>
+
+#include "floor_sweep.hpp"
+#include "sampling/memory_sampler.hpp"
+#include "support/idle_processes.hpp"
+
+namespace {
+
+double processorMicroseconds() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
+}
+
+template <typename Work>
+double costOf(Work&& work) {
+  const double begin = processorMicroseconds();
+  work();
+  return processorMicroseconds() - begin;
+}
+
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+  if (argumentCount != 3) {
+    std::fputs("usage: sweep_against_floor PROCESSES ROUNDS\n", stderr);
+    return 2;
+  }
+  const std::size_t wanted = std::strtoul(arguments[1], nullptr, 10);
+  const int rounds = std::atoi(arguments[2]);
+  tarn::FloorSweep floor;
+  const std::size_t present = floor.run();
+  const tarn::IdleProcesses idle(wanted - std::min(wanted, present));
+  tarn::MemorySampler sampler(tarn::platformSamplerPort());
+  // The first two sweeps look at each process more closely.
+  for (int warmUp = 0; warmUp < 2; ++warmUp) sampler.sample();
+
+  std::vector<double> sweeps;
+  std::vector<double> floors;
+  std::vector<double> ratios;
+  for (int round = 0; round < rounds; ++round) {
+    sweeps.push_back(costOf([&] { sampler.sample(); }));
+    floors.push_back(costOf([&] { floor.run(); }));
+    ratios.push_back(sweeps.back() / floors.back());
+  }
+  std::printf("%zu %.1f %.1f %.4f\n", floor.run(), median(sweeps), median(floors), median(ratios));
+  return 0;
+}

@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// How often a sweep over this machine's processes asks for memory.
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "platform/linux/system/process_files.hpp"
+#include "sampling/memory_sampler.hpp"
+#include "support/allocation_count.hpp"
+#include "support/idle_processes.hpp"
+
+namespace tarn {
+namespace {
+
+TEST(ASteadySweep, AllocatesAtMostOnceForEachProcess) {
+  const IdleProcesses idle(200);
+  MemorySampler sampler(platformSamplerPort());
+  for (int warmUp = 0; warmUp < 3; ++warmUp) sampler.sample();
+  MemorySnapshot snapshot;
+  const std::size_t count = allocationsOf([&] { snapshot = sampler.sample(); });
+  std::size_t processes = 0;
+  for (const AppGroup& group : snapshot.groups) processes += group.processCount();
+  std::printf("%zu allocations in a sweep over %zu processes\n", count, processes);
+  EXPECT_GE(processes, 200U);
+  // What the whole takes does not grow with the number of processes.
+  constexpr std::size_t whole = 30;
+  EXPECT_LE(count, processes + whole);
+}
+
+TEST(Parsing, AllocatesNothing) {
+  constexpr std::string_view stat =
+      "40 (a process with a name) S 1 1 1 0 -1 4194304 138 0 1 0 100 50 7 8 20 0 1 0 5000 2990080 421 1\n";
+  constexpr std::string_view status =
+      "Name:\ta\nUid:\t1000\t1001\t1002\t1003\nNSpid:\t40\nVmSwap:\t  12 kB\n";
+  const std::size_t count = allocationsOf([&] {
+    EXPECT_EQ(parseProcessStat(stat)->startTicks, 5000U);
+    EXPECT_EQ(parseProcessPages("5000 300 100 5 0 123 0\n")->resident, 300U);
+    EXPECT_EQ(parseRealOwner(status), 1000U);
+    EXPECT_EQ(parseSwappedBytes(status), 12288U);
+    EXPECT_EQ(parseInnermostPid(status), 40);
+    EXPECT_EQ(completedName("gnome-terminal-", std::string_view("/usr/libexec/gnome-terminal-server\0", 35)),
+              "gnome-terminal-server");
+  });
+  EXPECT_EQ(count, 0U);
+}
+
+}  // namespace
+}  // namespace tarn
