@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# on_virtual_desktop.sh [--session] TARN OUTPUT SCRIPT [WORD...]: runs tests/end_to_end/SCRIPT with the program
-# TARN as an ordinary user, beside a process of root when called by root. What the script leaves in its folder
-# "pictures" and its file "counts" goes to the folder OUTPUT. With --session, where root calls, the script can
-# start a session manager and install applications in /opt, which is told by TARN_SESSION.
+# on_virtual_desktop.sh [--session] [--with FILE]... TARN OUTPUT SCRIPT [WORD...]: runs tests/end_to_end/SCRIPT with
+# the program TARN as an ordinary user, beside a process of root when called by root. What the script leaves in its
+# folder "pictures" and its file "counts" goes to the folder OUTPUT. With --session, where root calls, the script
+# can start a session manager and install applications in /opt, which is told by TARN_SESSION. With --with, a
+# program lies beside TARN, or a script beside those in tests/end_to_end.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -12,10 +13,15 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 readonly user=tarn-desktop
 readonly foreign_megabytes=200
 wants_session=""
-if [ "$1" = --session ]; then
-  wants_session=yes
+others=()
+while true; do
+  case "$1" in
+    --session) wants_session=yes ;;
+    --with) others+=("$2") && shift ;;
+    *) break ;;
+  esac
   shift
-fi
+done
 tarn="$1"
 output="$2"
 script="$3"
@@ -47,6 +53,13 @@ fill_stage() {
   mkdir "$stage/bin"
   cp "$tarn" "$stage/bin/tarn"
   cp -r "$end_to_end" "$stage/end_to_end"
+  local other
+  for other in "${others[@]}"; do
+    case "$other" in
+      *.py) cp "$other" "$stage/end_to_end/" ;;
+      *) cp "$other" "$stage/bin/" ;;
+    esac
+  done
   cp -r "$repository/tests/fixtures/linux/machines" "$stage/machines"
   if [ -f "$repository/tests/support/lsan.supp" ]; then cp "$repository/tests/support/lsan.supp" "$stage/"; fi
   local load

@@ -100,12 +100,8 @@ void TarnApp::renderLabel() {
   if (!item_) return;
   MenuBarLabel label = menuBarLabel(model_->presentation(), model_->snapshot(),
                                     prefs_.showFrontmostFootprint(), model_->frontmostFootprint());
-  // Panels bring a tooltip that changes up over the open popover. There it may wait, but for what the user
-  // has just switched on or off.
-  const bool popoverIsOpen = popover_ && popover_->isVisible();
-  if (popoverIsOpen && label.hover.text.has_value() == shownHover_.text.has_value())
-    label.hover = shownHover_;
-  shownHover_ = label.hover;
+  label.hover = hoverToTell(toldHover_, label.hover, popover_ && popover_->isVisible());
+  toldHover_ = label.hover;
   item_->show(label);
 }
 

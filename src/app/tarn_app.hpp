@@ -53,7 +53,7 @@ class TarnApp : public QObject {
   std::unique_ptr<ColorSchemeWatcher> colorScheme_;
   std::unique_ptr<MenuBarItem> item_;
   RenderScheduler labelRenderer_;
-  MenuBarHover shownHover_;
+  MenuBarHover toldHover_;
   bool hasMenuBar_ = true;                  ///< until the item says otherwise
   std::unique_ptr<PopoverWindow> popover_;  ///< made at its first opening and kept
 };

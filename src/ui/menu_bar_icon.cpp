@@ -10,7 +10,8 @@
 namespace tarn::MenuBarIcon {
 
 QImage image(const QString& symbolName, const QColor& color, int pixels) {
-  QImage image(pixels, pixels, QImage::Format_ARGB32);
+  // In other formats the toolkit fills shapes with threads of its own, for want of a way that is fast enough.
+  QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);

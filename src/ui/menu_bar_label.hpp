@@ -18,6 +18,7 @@ struct MenuBarHover {
   QString verdict;              ///< one sentence
   QString detail;               ///< the memory figures behind it; empty while there are none
   std::optional<QString> text;  ///< the frontmost application's footprint, for hosts that show it only here
+  std::optional<SystemMemory> memory;  ///< the figures of `detail`
 
   bool operator==(const MenuBarHover&) const = default;
 };
@@ -37,5 +38,10 @@ struct MenuBarLabel {
 /// for it and it is known.
 MenuBarLabel menuBarLabel(const StatusPresentation& status, const std::optional<MemorySnapshot>& snapshot,
                           bool showFrontmostFootprint, std::optional<std::uint64_t> frontmostFootprint);
+
+/// What a host that was told `told` is to be told now: that again, while nothing else would be worth its
+/// while. Each telling wakes the host, which then asks for more; and over an open popover a tooltip that
+/// changes comes up, so there it may wait, but for what the user has just switched on or off.
+MenuBarHover hoverToTell(const MenuBarHover& told, const MenuBarHover& now, bool popoverIsOpen);
 
 }  // namespace tarn

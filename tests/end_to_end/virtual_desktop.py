@@ -19,12 +19,14 @@ HUMAN_PRESS = 0.12  # seconds between press and release of a person's click
 
 
 class VirtualDesktop:
-    """`folder` takes the desktop's home, runtime files and logs. With `panel` false nothing shows status items."""
+    """`folder` takes the desktop's home, runtime files and logs. With `panel` false nothing shows status items; with
+    `accessible` false no program describes itself to assistive technology, which costs it memory."""
 
-    def __init__(self, folder, scheme="light", panel=True):
+    def __init__(self, folder, scheme="light", panel=True, accessible=True):
         self._folder = Path(tempfile.mkdtemp(prefix="desktop.", dir=folder))
         self._scheme = scheme
         self._panel = panel
+        self._accessible = accessible
         self._children = []
         self.environment = {}
         self.session = None
@@ -52,12 +54,15 @@ class VirtualDesktop:
             "XDG_DATA_HOME": str(home / ".local/share"), "XDG_CURRENT_DESKTOP": "XFCE", "XDG_SESSION_TYPE": "x11",
             # The locale need not be installed: texts and figures must be right all the same.
             "LANG": "en_US.UTF-8", "LC_CTYPE": "C.UTF-8",
-            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "GSETTINGS_BACKEND": "memory",
+            "GSETTINGS_BACKEND": "memory",
         }
+        if self._accessible:
+            self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         self.environment["DISPLAY"] = self._start_display()
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_session_bus()
         self.session = MessageBus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
-        self.accessibility = AccessibilityBus(self.session)
+        if self._accessible:
+            self.accessibility = AccessibilityBus(self.session)
         self._portal = self.start("portal", ["python3", Path(__file__).with_name("settings_portal.py"), self._scheme],
                                   stdin=subprocess.PIPE)
         wait_until(lambda: self.session.has_owner(PORTAL), "the settings portal answers")

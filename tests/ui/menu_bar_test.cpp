@@ -117,5 +117,48 @@ TEST(MenuBarIcon, StandsOutOnALightBarAndOnADarkOne) {
   EXPECT_EQ(colours.size(), 4U);
 }
 
+constexpr std::uint64_t megabyte = 1 << 20;
+
+MenuBarHover hoverOf(const SystemMemory& memory) {
+  return {.verdict = QStringLiteral("All is well."), .detail = QStringLiteral("Wired …"), .memory = memory};
+}
+
+TEST(HoverToTell, IsTheSameAgainWhileTheFiguresHardlyMove) {
+  const MenuBarHover told = hoverOf({.wired = 1000 * megabyte, .cachedFiles = 50 * megabyte});
+  MenuBarHover now = hoverOf({.wired = 1020 * megabyte, .cachedFiles = 60 * megabyte});
+  now.detail = QStringLiteral("Wired, a little more");
+  EXPECT_EQ(hoverToTell(told, now, false), told);
+  now.memory->wired += megabyte;
+  EXPECT_EQ(hoverToTell(told, now, false), now) << "more than 2 percent";
+  now = hoverOf({.wired = 1000 * megabyte, .cachedFiles = 39 * megabyte});
+  EXPECT_EQ(hoverToTell(told, now, false), now) << "less, by more than 10 MB";
+  EXPECT_EQ(hoverToTell(told, hoverOf({.wired = 1000 * megabyte, .swapUsed = 11 * megabyte}), false)
+                .memory->swapUsed,
+            11 * megabyte);
+  EXPECT_EQ(hoverToTell(told, hoverOf({.wired = 1000 * megabyte, .compressed = 11 * megabyte}), false)
+                .memory->compressed,
+            11 * megabyte);
+}
+
+TEST(HoverToTell, IsNewWhenTheVerdictOrTheFootprintIs) {
+  const MenuBarHover told = hoverOf({});
+  MenuBarHover now = told;
+  now.verdict = QStringLiteral("All is lost.");
+  EXPECT_EQ(hoverToTell(told, now, false), now);
+  now = told;
+  now.text = QStringLiteral("3 MB");
+  EXPECT_EQ(hoverToTell(told, now, false), now);
+  EXPECT_EQ(hoverToTell({}, told, false), told) << "the first figures";
+}
+
+TEST(HoverToTell, WaitsWhileThePopoverIsOpenButForWhatIsSwitched) {
+  const MenuBarHover told = hoverOf({});
+  MenuBarHover now = hoverOf({.wired = 5000 * megabyte});
+  now.verdict = QStringLiteral("All is lost.");
+  EXPECT_EQ(hoverToTell(told, now, true), told);
+  now.text = QStringLiteral("3 MB");
+  EXPECT_EQ(hoverToTell(told, now, true), now);
+}
+
 }  // namespace
 }  // namespace tarn

@@ -40,7 +40,7 @@ SharedText LinuxApplicationRules::applicationRoot(std::int32_t pid, const std::s
   const Found* const known = found_.find(pid);
   if (known != nullptr && known->generation == *generation) return known->root;
   refreshIndex();
-  SharedText root = find(readProcessFacts(roots_, pid));
+  SharedText root = find(pid, readProcessFacts(roots_, pid));
   forgetTheGone();
   found_[pid] = {*generation, root};
   return root;
@@ -62,14 +62,14 @@ void LinuxApplicationRules::forgetTheGone() {
   sizeToPrune_ = std::max(leastSizeToPrune, 2 * found_.size());
 }
 
-std::string LinuxApplicationRules::find(const ProcessFacts& facts) const {
+std::string LinuxApplicationRules::find(std::int32_t pid, const ProcessFacts& facts) const {
   // Paths within a sandbox mean nothing outside of it.
   const auto sandbox = sandboxIds(facts.controlGroup);
   if (!sandbox.empty()) return valueOf(byAnyId(sandbox));
   if (const auto* file = byProgram(facts.executable)) return *file;
   if (const auto* file = index_.byServiceExecutable(facts.executable)) return *file;
   if (runsOthers(lastPathComponent(facts.executable))) {
-    const auto script = scriptOf(facts.arguments);
+    const auto script = scriptOf(readArguments(roots_, pid));
     if (const auto* file = script ? byProgram(*script) : nullptr) return *file;
   }
   if (const auto* file = byAnyId(unitIds(facts.controlGroup))) return *file;

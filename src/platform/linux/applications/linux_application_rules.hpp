@@ -44,7 +44,7 @@ class LinuxApplicationRules final : public ApplicationRules {
 
   void refreshIndex();
   void forgetTheGone();
-  std::string find(const ProcessFacts& facts) const;
+  std::string find(std::int32_t pid, const ProcessFacts& facts) const;
   const std::string* byProgram(const std::string& path) const;
   const std::string* byAnyId(const std::vector<std::string>& ids) const;
   std::string inImage(const std::string& executable) const;

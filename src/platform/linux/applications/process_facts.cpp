@@ -3,16 +3,27 @@
 
 #include "platform/linux/applications/process_facts.hpp"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <array>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 
 #include "platform/linux/system/bounded_file.hpp"
 #include "platform/linux/system/process_files.hpp"
 #include "platform/linux/system/text_scan.hpp"
 
 namespace tarn {
+
+namespace {
+
+constexpr std::size_t longest = 4096;  // of what is read of a process
+
+std::string directoryOf(const LinuxRoots& roots, std::int32_t pid) {
+  return roots.proc + '/' + std::to_string(pid);
+}
+
+}  // namespace
 
 std::string parseControlGroup(std::string_view text) {
   std::string managers;
@@ -40,16 +51,23 @@ std::vector<std::string> parseArguments(std::string_view text, bool isWhole) {
 }
 
 ProcessFacts readProcessFacts(const LinuxRoots& roots, std::int32_t pid) {
-  const std::string directory = roots.proc + '/' + std::to_string(pid);
-  constexpr std::size_t longest = 4096;
+  const std::string directory = directoryOf(roots, pid);
+  std::array<char, longest> buffer{};
   ProcessFacts facts;
-  std::error_code refused;
-  const std::string executable = std::filesystem::read_symlink(directory + "/exe", refused).string();
-  facts.executable = withoutDeletedMark(executable);
-  const std::string commandLine = readFile(directory + "/cmdline", longest);
-  facts.arguments = parseArguments(commandLine, commandLine.size() < longest);
-  facts.controlGroup = parseControlGroup(readFile(directory + "/cgroup", longest));
+  const ssize_t length = ::readlink((directory + "/exe").c_str(), buffer.data(), buffer.size());
+  // A target that fills the buffer may be cut off.
+  if (length > 0 && static_cast<std::size_t>(length) < buffer.size()) {
+    facts.executable = withoutDeletedMark({buffer.data(), static_cast<std::size_t>(length)});
+  }
+  facts.controlGroup = parseControlGroup(readOnce(AT_FDCWD, (directory + "/cgroup").c_str(), buffer));
   return facts;
+}
+
+std::vector<std::string> readArguments(const LinuxRoots& roots, std::int32_t pid) {
+  std::array<char, longest> buffer{};
+  const std::string path = directoryOf(roots, pid) + "/cmdline";
+  const std::string_view commandLine = readOnce(AT_FDCWD, path.c_str(), buffer);
+  return parseArguments(commandLine, commandLine.size() < buffer.size());
 }
 
 }  // namespace tarn

@@ -13,13 +13,15 @@ namespace tarn {
 
 /// What tells which application a process belongs to.
 struct ProcessFacts {
-  std::string executable;              ///< as its own name space sees it; empty when it is refused
-  std::vector<std::string> arguments;  ///< at most the first dozen
-  std::string controlGroup;            ///< path in the hierarchy that the session manager makes
+  std::string executable;    ///< as its own name space sees it; empty when it is refused
+  std::string controlGroup;  ///< path in the hierarchy that the session manager makes
 };
 
 /// Reads the facts of a process; what is refused is empty.
 ProcessFacts readProcessFacts(const LinuxRoots& roots, std::int32_t pid);
+
+/// At most the first dozen arguments of a process; none when they are refused.
+std::vector<std::string> readArguments(const LinuxRoots& roots, std::int32_t pid);
 
 /// The path of a process's control group in `/proc/PID/cgroup`: the unified one, else the manager's own.
 std::string parseControlGroup(std::string_view text);

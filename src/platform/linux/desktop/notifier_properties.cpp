@@ -10,19 +10,6 @@
 #include "platform/linux/desktop/notifier_types.hpp"
 
 namespace tarn {
-namespace {
-
-NotifierPixmaps pixmaps(const MenuBarLabel& label, HostKind kind) {
-  NotifierPixmaps result;
-  for (const int pixels : panelPictureSizes) {
-    const bool wide = kind == HostKind::widePictures;
-    result << notifierPixmap(wide ? labelledPicture(label, pixels) : circlePicture(label, pixels));
-  }
-  return result;
-}
-
-}  // namespace
-
 QString notifierMenuPath() {
   return QStringLiteral("/StatusNotifierItem/Menu");
 }
@@ -39,7 +26,16 @@ QString notifierToolTipText(const MenuBarLabel& label) {
   return lines.join(u'\n');
 }
 
-QVariantMap notifierProperties(const MenuBarLabel& label, HostKind kind) {
+QVariant notifierPictures(const MenuBarLabel& label, HostKind kind) {
+  NotifierPixmaps pictures;
+  for (const int pixels : panelPictureSizes) {
+    const bool wide = kind == HostKind::widePictures;
+    pictures << notifierPixmap(wide ? labelledPicture(label, pixels) : circlePicture(label, pixels));
+  }
+  return QVariant::fromValue(pictures);
+}
+
+QVariantMap notifierProperties(const MenuBarLabel& label, HostKind kind, const QVariant& pictures) {
   const NotifierToolTip toolTip{
       QString(), {}, label.hover.verdict, notifierToolTipText(label).toHtmlEscaped()};
   QVariantMap properties{
@@ -48,7 +44,7 @@ QVariantMap notifierProperties(const MenuBarLabel& label, HostKind kind) {
       {QStringLiteral("Title"), notifierTitle(label)},
       {QStringLiteral("Status"), QStringLiteral("Active")},
       {QStringLiteral("IconName"), QString()},
-      {QStringLiteral("IconPixmap"), QVariant::fromValue(pixmaps(label, kind))},
+      {QStringLiteral("IconPixmap"), pictures},
       {QStringLiteral("IconAccessibleDesc"), label.accessibilityText},
       {QStringLiteral("ToolTip"), QVariant::fromValue(toolTip)},
       {QStringLiteral("ItemIsMenu"), false},

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QString>
+#include <QVariant>
 #include <QVariantMap>
 
 #include "platform/linux/desktop/host_kind.hpp"
@@ -14,9 +15,12 @@ namespace tarn {
 /// Where the item's menu lives on the bus.
 QString notifierMenuPath();
 
-/// What an item that shows `label` tells a panel of `kind`: property names and their values as they travel.
-/// A property that this panel must not see is not in it.
-QVariantMap notifierProperties(const MenuBarLabel& label, HostKind kind);
+/// The pictures of `label` in every size that a panel of `kind` may want, as they travel.
+QVariant notifierPictures(const MenuBarLabel& label, HostKind kind);
+
+/// What an item that shows `label` tells a panel of `kind`: property names and their values as they travel,
+/// the pictures among them. A property that this panel must not see is not in it.
+QVariantMap notifierProperties(const MenuBarLabel& label, HostKind kind, const QVariant& pictures);
 
 /// The item in one line, with the label's text when there is one.
 QString notifierTitle(const MenuBarLabel& label);

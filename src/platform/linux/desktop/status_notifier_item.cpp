@@ -15,6 +15,10 @@ namespace {
 // No compositor's token is nearly as long.
 constexpr qsizetype longestToken = 4096;
 
+QString picturesKey() {
+  return QStringLiteral("IconPixmap");
+}
+
 QString methodsAndSignals() {
   return QStringLiteral(
       "<method name=\"Activate\"><arg name=\"x\" type=\"i\" direction=\"in\"/>"
@@ -53,21 +57,25 @@ QVariantMap changes(const QVariantMap& before, const QVariantMap& after) {
 StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, MenuBarLabel label, QObject* parent)
     : QObject(parent),
       label_(std::move(label)),
-      properties_((registerNotifierTypes(), notifierProperties(label_, kind_))),
+      properties_(
+          (registerNotifierTypes(), notifierProperties(label_, kind_, notifierPictures(label_, kind_)))),
       object_(bus, QStringLiteral("/StatusNotifierItem"), interface()) {
   connect(this, &StatusNotifierItem::clicked, this, &StatusNotifierItem::activated, Qt::QueuedConnection);
 }
 
 void StatusNotifierItem::show(const MenuBarLabel& label) {
   if (label == label_) return;
+  const bool looksTheSame =
+      label.symbolName == label_.symbolName && label.tint == label_.tint && label.text == label_.text;
   label_ = label;
-  update();
+  // Pictures take longer than all the rest, and hardly ever change.
+  update(looksTheSame ? properties_.value(picturesKey()) : notifierPictures(label_, kind_));
 }
 
 void StatusNotifierItem::setHostKind(HostKind kind) {
   if (kind == kind_) return;
   kind_ = kind;
-  update();
+  update(notifierPictures(label_, kind_));
 }
 
 BusInterface StatusNotifierItem::interface() {
@@ -93,14 +101,14 @@ BusInterface StatusNotifierItem::interface() {
           methodsAndSignals()};
 }
 
-void StatusNotifierItem::update() {
-  const QVariantMap before = std::exchange(properties_, notifierProperties(label_, kind_));
+void StatusNotifierItem::update(const QVariant& pictures) {
+  const QVariantMap before = std::exchange(properties_, notifierProperties(label_, kind_, pictures));
   const QVariantMap changed = changes(before, properties_);
   if (changed.isEmpty()) return;
   // Panels that keep copies take the new values from here, before the signals below make them look.
   object_.sendPropertiesChanged(changed);
   if (changed.contains(QStringLiteral("Title"))) object_.sendSignal(QStringLiteral("NewTitle"));
-  if (changed.contains(QStringLiteral("IconPixmap"))) object_.sendSignal(QStringLiteral("NewIcon"));
+  if (changed.contains(picturesKey())) object_.sendSignal(QStringLiteral("NewIcon"));
   if (changed.contains(QStringLiteral("ToolTip"))) object_.sendSignal(QStringLiteral("NewToolTip"));
   if (changed.contains(QStringLiteral("IconAccessibleDesc"))) {
     object_.sendSignal(QStringLiteral("NewIconAccessibleDesc"));

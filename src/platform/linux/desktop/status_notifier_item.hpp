@@ -42,7 +42,7 @@ class StatusNotifierItem final : public QObject {
 
  private:
   BusInterface interface();
-  void update();
+  void update(const QVariant& pictures);
 
   MenuBarLabel label_;
   HostKind kind_ = HostKind::plain;

@@ -21,7 +21,7 @@ TEST(CirclePicture, IsTheCircleInItsColourOnATransparentSquare) {
 TEST(CirclePicture, IsTransparentForAnUnknownSymbol) {
   MenuBarLabel label = test::ordinaryLabel();
   label.symbolName = QStringLiteral("nothing.known");
-  QImage empty(22, 22, QImage::Format_ARGB32);
+  QImage empty(22, 22, QImage::Format_ARGB32_Premultiplied);
   empty.fill(Qt::transparent);
   EXPECT_EQ(circlePicture(label, 22), empty);
 }

@@ -1,0 +1,212 @@
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+"""What Tarn, a bare program of its toolkit and other monitors cost on the same desktop, one after the other. Writes
+figures.json: a list of values for each figure."""
+
+import json
+import os
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+import proc_reader
+from menu_bar import INTERFACE
+from processes import adopt_orphans, end_descendants, end_on_signal, wait_until
+from programs import STAGE, TARN
+from sweep_watch import SWEEP_THREAD
+from virtual_desktop import WATCHER, VirtualDesktop
+
+BARE = STAGE / "bin/bare_tray_program"
+POPOVER_WIDTH = 300  # at least; pixels
+MONITORS = ("mate-system-monitor", "lxtask", "xfce4-taskmanager", "gnome-system-monitor")
+TERMINAL_MONITORS = ()
+SETTLED = 4  # seconds after which a program has drawn itself and looked around once
+SNAPSHOTS = 10  # seconds that hold three sweeps of the open popover
+IDLE_PROCESSES = 300
+
+
+class Figures:
+    """Every value of every figure, in the order in which they were measured."""
+
+    def __init__(self):
+        self.values = {}
+
+    def add(self, name, value):
+        self.values.setdefault(name, []).append(value)
+        print(f"  {name}: {value:.6g}", flush=True)
+
+
+def processor_time(pid):
+    """Processor time of all threads of a process, ended ones too, in seconds."""
+    return time.clock_gettime(~pid << 3 | 2)
+
+
+def thread_time(pid, thread):
+    """Processor time of one thread, in seconds."""
+    return int(Path(f"/proc/{pid}/task/{thread}/schedstat").read_text().split()[0]) / 1e9
+
+
+def switches(pid):
+    """How often the threads of a process have gone to sleep."""
+    return sum(proc_reader.voluntary_switches(pid, thread) for thread in os.listdir(f"/proc/{pid}/task"))
+
+
+class Program:
+    """A running program that shows an item in the panel; knows what it had cost when the item was registered."""
+
+    def __init__(self, desktop, path):
+        self._desktop = desktop
+        self.process = desktop.start(path.name, [path])
+        self.pid = self.process.pid
+        self.owner, self.path = wait_until(self._item, f"the item of {path.name} is registered", 20, 0.002)
+        self.start_cost = processor_time(self.pid)
+
+    def _item(self):
+        items = self._desktop.session.property(WATCHER, "/StatusNotifierWatcher", WATCHER,
+                                               "RegisteredStatusNotifierItems")
+        for item in items:
+            owner, slash, path = item.partition("/")
+            if self._desktop.session.process_of(owner) == self.pid:
+                return owner, slash + path
+        return None
+
+    def footprint(self):
+        return proc_reader.footprint(self.pid)
+
+    def activate(self):
+        """What the panel does on a click."""
+        self._desktop.session.call(self.owner, self.path, INTERFACE, "Activate", _position())
+
+    def is_open(self):
+        return bool(self._desktop.windows_of(self.pid))
+
+    def end(self):
+        self.process.terminate()
+        self.process.wait()
+        wait_until(lambda: not self._item_is_left(), "the panel has let go of the item")
+
+    def _item_is_left(self):
+        items = self._desktop.session.property(WATCHER, "/StatusNotifierWatcher", WATCHER,
+                                               "RegisteredStatusNotifierItems")
+        return any(item.startswith(self.owner) for item in items)
+
+
+def _position():
+    from gi.repository import GLib
+    return GLib.Variant("(ii)", (1200, 12))
+
+
+def open_and_time(desktop, tarn, figures):
+    """Opens the popover and measures the time to its first frame."""
+    watch = subprocess.Popen([STAGE / "bin/first_frame", str(POPOVER_WIDTH)], env=desktop.environment,
+                             stdout=subprocess.PIPE, text=True)
+    watch.stdout.readline()
+    begin = time.monotonic()
+    tarn.activate()
+    painted, colours = watch.stdout.readline().split()
+    watch.wait(timeout=10)
+    figures.add("click to first frame, s", float(painted) - begin)
+    figures.add("colours of the first frame", int(colours))
+
+
+def close(tarn):
+    tarn.activate()
+    wait_until(lambda: not tarn.is_open(), "the popover is closed", 5)
+
+
+def measure_main_thread(tarn, figures, seconds):
+    """The main thread's processor time for each sweep, while the popover is open."""
+    last, previous, last_sweep, costs = None, 0, None, []
+    sampler = proc_reader.thread_named(tarn.pid, SWEEP_THREAD)
+    end = time.monotonic() + seconds
+    begin_time, begin_sweep = thread_time(tarn.pid, tarn.pid), None
+    while time.monotonic() < end:
+        time.sleep(0.1)
+        now = thread_time(tarn.pid, tarn.pid)
+        swept = thread_time(tarn.pid, sampler)
+        if last is not None and swept > last_sweep + 1e-4:
+            costs.append(now - previous)
+            previous = now
+        elif last is None:
+            previous = now
+        last, last_sweep = now, swept
+    for cost in costs[1:]:
+        figures.add("main thread per snapshot, s", cost)
+
+
+def measure_tarn(desktop, figures):
+    tarn = Program(desktop, TARN)
+    figures.add("start of tarn, s", tarn.start_cost)
+    time.sleep(SETTLED)
+    figures.add("tarn closed, B", tarn.footprint())
+    tarn.activate()  # what it costs to open once is not warm
+    wait_until(tarn.is_open, "the popover is open", 5)
+    time.sleep(SNAPSHOTS)
+    figures.add("tarn open, B", tarn.footprint())
+    close(tarn)
+    time.sleep(SETTLED)
+    figures.add("tarn closed again, B", tarn.footprint())
+    open_and_time(desktop, tarn, figures)
+    close(tarn)
+    tarn.end()
+
+
+def measure_bare(desktop, figures):
+    bare = Program(desktop, BARE)
+    figures.add("start of bare, s", bare.start_cost)
+    time.sleep(SETTLED)
+    figures.add("bare, B", bare.footprint())
+    bare.end()
+
+
+def measure_monitor(desktop, figures, name):
+    process = desktop.start(name, [name])
+    wait_until(lambda: desktop.windows_of(process.pid), f"the window of {name} shows", 20)
+    time.sleep(SETTLED)
+    figures.add(f"{name}, B", proc_reader.footprint(process.pid))
+    process.terminate()
+    process.wait()
+
+
+def measure_rest(desktop, figures, seconds):
+    """What the closed popover costs on a machine with a usual number of processes."""
+    idle = desktop.start("idle", [STAGE / "bin/idle_processes", IDLE_PROCESSES])
+    wait_until(lambda: "ready" in desktop.log("idle"), "the idle processes are there")
+    tarn = Program(desktop, TARN)
+    time.sleep(SETTLED)
+    begin, asleep, busy = time.monotonic(), switches(tarn.pid), processor_time(tarn.pid)
+    time.sleep(seconds)
+    span = time.monotonic() - begin
+    figures.add("switches per minute at rest", (switches(tarn.pid) - asleep) * 60 / span)
+    figures.add("share of a core at rest", (processor_time(tarn.pid) - busy) / span)
+    tarn.activate()
+    wait_until(tarn.is_open, "the popover is open", 5)
+    measure_main_thread(tarn, figures, 30)
+    tarn.end()
+    idle.terminate()
+    idle.wait()
+
+
+def main():
+    rounds, rest_seconds = int(sys.argv[1]), int(sys.argv[2])
+    adopt_orphans()
+    end_on_signal()
+    figures = Figures()
+    try:
+        with VirtualDesktop(STAGE, accessible=False) as desktop:
+            for _ in range(rounds):
+                measure_tarn(desktop, figures)
+                measure_bare(desktop, figures)
+                for name in MONITORS:
+                    measure_monitor(desktop, figures, name)
+            measure_rest(desktop, figures, rest_seconds)
+    finally:
+        end_descendants()
+    (STAGE / "pictures").mkdir(exist_ok=True)
+    (STAGE / "pictures/figures.json").write_text(json.dumps(figures.values, indent=1), encoding="ascii")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
