@@ -2,9 +2,6 @@
 // SPDX-License-Identifier: MIT
 
 #include <QApplication>
-#include <QColor>
-#include <QIcon>
-#include <QPixmap>
 #include <cstdio>
 
 #include "app/display_check.hpp"
@@ -12,13 +9,6 @@
 #include "app/single_instance.hpp"
 #include "app/tarn_app.hpp"
 #include "ui/accessibility.hpp"
-#include "ui/menu_bar_icon.hpp"
-
-namespace {
-
-constexpr int windowIconSize = 64;  // pixels
-
-}  // namespace
 
 int main(int argc, char* argv[]) {
   QCoreApplication::setApplicationName(QStringLiteral("tarn"));
@@ -27,7 +17,6 @@ int main(int argc, char* argv[]) {
   QCoreApplication::setApplicationVersion(tarn::platformShortVersion().value_or(QString()));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Tarn"));
   QGuiApplication::setDesktopFileName(QStringLiteral("tarn"));
-  QApplication::setStyle(QStringLiteral("Fusion"));
   QApplication::setQuitOnLastWindowClosed(false);
 
   if (const auto problem = tarn::platformDisplayProblem()) {
@@ -35,10 +24,6 @@ int main(int argc, char* argv[]) {
     return 1;
   }
   const QApplication application(argc, argv);
-  QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
-  const QColor iconColor = tarn::MenuBarIcon::color(tarn::Tint::green);
-  QApplication::setWindowIcon(
-      QPixmap::fromImage(tarn::MenuBarIcon::image(QStringLiteral("circle"), iconColor, windowIconSize)));
   tarn::installAccessibility();
 
   tarn::TarnApp* running = nullptr;

@@ -7,7 +7,10 @@
 #include <QCursor>
 #include <QEvent>
 #include <QEventLoop>
+#include <QIcon>
+#include <QPixmap>
 #include <QScreen>
+#include <chrono>
 #include <cstdio>
 #include <utility>
 
@@ -15,21 +18,29 @@
 #include "monitor/active_processors.hpp"
 #include "monitor/serial_queue.hpp"
 #include "monitor/thread_name.hpp"
+#include "ui/menu_bar_icon.hpp"
 #include "ui/popover_placement.hpp"
 
 namespace tarn {
 
 namespace {
 
-std::unique_ptr<TaskQueue> makeNamedQueue(const std::string& label) {
+/// Makes a queue whose tasks begin once `begin` is there: a first sweep costs as much as the whole start of a
+/// program, and would come before the user sees anything.
+std::unique_ptr<TaskQueue> makeNamedQueue(const std::string& label, const std::shared_future<void>& begin) {
+  constexpr auto longEnough = std::chrono::seconds(1);
   auto queue = std::make_unique<SerialQueue>();
-  queue->async([label] { setCurrentThreadName(label); });
+  queue->async([label, begin, longEnough] {
+    setCurrentThreadName(label);
+    begin.wait_for(longEnough);
+  });
   return queue;
 }
 
-MonitorPorts platformMonitorPorts(RunLoop& mainLoop) {
+MonitorPorts platformMonitorPorts(RunLoop& mainLoop, std::shared_future<void> begin) {
   return {.mainLoop = mainLoop,
-          .makeQueue = makeNamedQueue,
+          .makeQueue =
+              [begin = std::move(begin)](const std::string& label) { return makeNamedQueue(label, begin); },
           .sampler = platformSamplerPort(),
           .extras = platformExtrasPort(),
           .pressureLevel = platformPressureLevel,
@@ -48,6 +59,15 @@ PopoverStyle styleOn(const WindowSystem& windowSystem) {
                                                                          : PopoverStyle::tool;
 }
 
+/// What only windows need: the item is there sooner without it.
+void prepareForWindows() {
+  constexpr int iconSize = 64;  // pixels
+  QApplication::setStyle(QStringLiteral("Fusion"));
+  QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
+  QApplication::setWindowIcon(QPixmap::fromImage(
+      MenuBarIcon::image(QStringLiteral("circle"), MenuBarIcon::color(Tint::green), iconSize)));
+}
+
 /// Where the click was: the pointer knows best while windows may ask for it; a host's word is believed only
 /// when it can be true.
 std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const WindowSystem& windowSystem) {
@@ -64,7 +84,7 @@ std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const W
 }  // namespace
 
 TarnApp::TarnApp()
-    : model_(MonitorViewModel::create(platformMonitorPorts(runLoop_))),
+    : model_(MonitorViewModel::create(platformMonitorPorts(runLoop_, sweepsMayBegin_.get_future().share()))),
       colorScheme_(platformColorScheme()),
       item_(platformMenuBarItem()),
       labelRenderer_([this] { renderLabel(); }) {
@@ -75,6 +95,7 @@ TarnApp::TarnApp()
   connect(item_.get(), &MenuBarItem::openRequested, this,
           [this] { openPopover(clickAnchor(std::nullopt, platformWindowSystem())); });
   connect(item_.get(), &MenuBarItem::quitRequested, this, platformTerminate);
+  connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::letSweepsBegin);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::leaveForMenuBar);
   // The filter sees the application's palette change, of which nobody else is told.
@@ -83,6 +104,7 @@ TarnApp::TarnApp()
 }
 
 TarnApp::~TarnApp() {
+  letSweepsBegin();
   popover_.reset();
   item_.reset();
   // From here on there is nothing to render to, and soon nothing to render.
@@ -96,6 +118,10 @@ bool TarnApp::eventFilter(QObject* watched, QEvent* event) {
   return QObject::eventFilter(watched, event);
 }
 
+void TarnApp::letSweepsBegin() {
+  if (!std::exchange(sweepsBegan_, true)) sweepsMayBegin_.set_value();
+}
+
 void TarnApp::renderLabel() {
   if (!item_) return;
   MenuBarLabel label = menuBarLabel(model_->presentation(), model_->snapshot(),
@@ -107,6 +133,8 @@ void TarnApp::renderLabel() {
 
 PopoverWindow& TarnApp::popover() {
   if (!popover_) {
+    letSweepsBegin();
+    prepareForWindows();
     auto* view = new PopoverView(model_, prefs_, platformFileIcon(), maker());
     popover_ = std::make_unique<PopoverWindow>(view);
     connect(view, &PopoverView::quitRequested, this, platformTerminate);

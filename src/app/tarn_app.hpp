@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QPoint>
+#include <future>
 #include <memory>
 #include <optional>
 
@@ -40,6 +41,7 @@ class TarnApp : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void letSweepsBegin();
   void renderLabel();
   void applyTheme();
   void itemClicked(std::optional<QPoint> position);
@@ -48,6 +50,8 @@ class TarnApp : public QObject {
   PopoverWindow& popover();
 
   QtRunLoop runLoop_;
+  std::promise<void> sweepsMayBegin_;
+  bool sweepsBegan_ = false;
   std::shared_ptr<MonitorViewModel> model_;
   Preferences prefs_;
   std::unique_ptr<ColorSchemeWatcher> colorScheme_;

@@ -3,8 +3,12 @@
 
 #include "platform/linux/system/linux_system_memory_reader.hpp"
 
+#include <fcntl.h>
+
 #include <algorithm>
+#include <array>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -45,21 +49,23 @@ void forEachNumbered(const std::string& path, std::string_view stem, Visit visit
   }
 }
 
-std::string firstWordOf(const std::string& path) {
-  const std::string text = readFile(path);
-  std::string_view rest = text;
-  return std::string(takeWord(rest));
+/// The first word of a short file; valid until the buffer is used again.
+std::string_view firstWordOf(const std::string& path, std::span<char> buffer) {
+  std::string_view text = readOnce(AT_FDCWD, path.c_str(), buffer);
+  return takeWord(text);
 }
 
 /// Bytes in memory blocks that are online; 0 when that cannot be told.
 std::uint64_t readBlockMemory(const std::string& directory) {
   constexpr int hexadecimal = 16;
+  // There are hundreds of blocks: each is asked with as little ado as can be.
+  std::array<char, 64> buffer{};
   const auto blockSize =
-      parseWholeNumber<std::uint64_t>(firstWordOf(directory + "/block_size_bytes"), hexadecimal);
+      parseWholeNumber<std::uint64_t>(firstWordOf(directory + "/block_size_bytes", buffer), hexadecimal);
   if (!blockSize) return 0;
   std::uint64_t blocks = 0;
   forEachNumbered(directory, "memory", [&](const std::string& block) {
-    if (firstWordOf(block + "/online") == "1") ++blocks;
+    if (firstWordOf(block + "/online", buffer) == "1") ++blocks;
   });
   std::uint64_t bytes = 0;
   return __builtin_mul_overflow(blocks, *blockSize, &bytes) ? 0 : bytes;

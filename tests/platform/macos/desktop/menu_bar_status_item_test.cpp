@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <vector>
 
 namespace tarn::macos {
@@ -72,6 +73,19 @@ TEST_F(MenuBarStatusItemTest, HasTheColourOfTheStatus) {
   EXPECT_EQ(color(Tint::green), StatusColor::green);
   EXPECT_EQ(color(Tint::orange), StatusColor::orange);
   EXPECT_EQ(color(Tint::red), StatusColor::red);
+}
+
+TEST_F(MenuBarStatusItemTest, IsInTheMenuBarFromItsFirstLabelOn) {
+  int appeared = 0;
+  QObject::connect(&item_, &MenuBarItem::hostAppeared, [&appeared] { ++appeared; });
+  item_.show(label_);
+  EXPECT_EQ(appeared, 0) << "whoever shows it may not be ready yet";
+  QCoreApplication::sendPostedEvents(&item_);
+  EXPECT_EQ(appeared, 1);
+  label_.tint = Tint::red;
+  item_.show(label_);
+  QCoreApplication::sendPostedEvents(&item_);
+  EXPECT_EQ(appeared, 1);
 }
 
 TEST_F(MenuBarStatusItemTest, TellsTheMenuBarNothingThatItKnows) {
