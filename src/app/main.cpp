@@ -11,6 +11,7 @@
 #include "ui/accessibility.hpp"
 
 int main(int argc, char* argv[]) {
+  tarn::platformSpareMemory();
   QCoreApplication::setApplicationName(QStringLiteral("tarn"));
   // On a Mac the toolkit makes the store's name of the two, "com.tarn.tarn", which is the bundle's.
   QCoreApplication::setOrganizationName(QStringLiteral("tarn"));

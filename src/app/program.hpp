@@ -9,8 +9,12 @@
 namespace tarn {
 
 /// This program's version, as its package states it; nothing where it states none. Each platform folder
-/// defines both. Main thread.
+/// defines these. Main thread.
 std::optional<QString> platformShortVersion();
+
+/// Makes the memory allocator sparing, where it can be told to be: before anything else, while there is one
+/// thread.
+void platformSpareMemory();
 
 /// Ends the program, as programs end on the platform.
 void platformTerminate();

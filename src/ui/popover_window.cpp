@@ -13,6 +13,8 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "ui/rounded_frame.hpp"
+
 namespace tarn {
 
 namespace {
@@ -49,6 +51,7 @@ QBitmap roundedMask(const QSize& size) {
 /// Thin layers that add up to a soft shadow, densest at the content's edge.
 void paintShadow(QPainter& painter, const QRectF& content) {
   constexpr int layers = 14;
+  painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
   for (int layer = layers; layer >= 1; --layer) {
     const double reach = static_cast<double>(layer) * (shadowReach - shadowDrop) / layers;
@@ -186,20 +189,14 @@ void PopoverWindow::mousePressEvent(QMouseEvent* event) {
 
 void PopoverWindow::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
   const Theme& theme = themeOf(*this);
   if (style_ == PopoverStyle::regular) {
-    painter.fillRect(rect(), theme.background);
+    painter.fillRect(event->rect(), theme.background);
     return;
   }
-  const QRectF content = contentFrame();
+  const QRect content = contentFrame();
   if (blended_ && !content.contains(event->rect())) paintShadow(painter, content);
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(theme.background);
-  painter.drawRoundedRect(content, cornerRadius, cornerRadius);
-  painter.setPen(QPen(theme.border, 1));
-  painter.setBrush(Qt::NoBrush);
-  painter.drawRoundedRect(content.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5, cornerRadius - 0.5);
+  paintRoundedFrame(painter, content, cornerRadius, {theme.background, theme.border}, event->rect());
 }
 
 }  // namespace tarn

@@ -69,6 +69,8 @@ std::optional<QString> platformShortVersion() {
   return std::nullopt;
 }
 
+void platformSpareMemory() {}
+
 void platformTerminate() {
   QCoreApplication::quit();
 }

@@ -61,7 +61,7 @@ LinuxProcScan::LinuxProcScan(LinuxRoots roots, ProcessClock clock)
       ticksPerSecond_(systemConstant(_SC_CLK_TCK, 100)),
       pageSize_(systemConstant(_SC_PAGESIZE, 4096)),
       buffer_(shortFile),
-      statusBuffer_(statusFile) {
+      statusBuffer_(std::make_unique_for_overwrite<char[]>(statusFile)) {
   openDirectory();
 }
 
@@ -130,9 +130,13 @@ std::optional<std::uint64_t> LinuxProcScan::programOf(std::int32_t pid) const {
 }
 
 std::string_view LinuxProcScan::readProcessFile(std::int32_t pid, std::string_view file,
-                                                std::vector<char>& buffer) {
+                                                std::span<char> buffer) {
   if (pid <= 0 || !openDirectory()) return {};
   return readOnce(::dirfd(directory_.get()), ProcessFilePath(pid, file).text(), buffer);
+}
+
+std::string_view LinuxProcScan::readStatus(std::int32_t pid) {
+  return readProcessFile(pid, "status", {statusBuffer_.get(), statusFile});
 }
 
 /// Reads `stat` and, for a process that was not known, its owner. Null, and forgotten, when it is gone.
@@ -148,7 +152,7 @@ LinuxProcScan::KnownProcess* LinuxProcScan::refresh(std::int32_t pid) {
   const bool hasOtherName = process.kernelName != stat->name;
   // A thread of the kernel is the same by any name.
   if (isNew || process.startTicks != stat->startTicks || (hasOtherName && !stat->isKernelThread)) {
-    const auto owner = parseRealOwner(readProcessFile(pid, "status", statusBuffer_));
+    const auto owner = parseRealOwner(readStatus(pid));
     if (!owner) {
       known_.erase(pid);
       return nullptr;
@@ -179,7 +183,7 @@ std::optional<std::uint64_t> LinuxProcScan::readFootprint(std::int32_t pid) {
   const std::uint64_t anonymous = pages->resident - std::min(pages->resident, pages->shared);
   if (__builtin_mul_overflow(anonymous, pageSize_, &bytes)) return std::nullopt;
   if (swapInUse_) {
-    const std::string_view status = readProcessFile(pid, "status", statusBuffer_);
+    const std::string_view status = readStatus(pid);
     if (status.empty() || __builtin_add_overflow(bytes, parseSwappedBytes(status), &bytes))
       return std::nullopt;
   }

@@ -4,8 +4,11 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -64,7 +67,8 @@ class LinuxProcScan final : public ProcScan {
   };
 
   bool openDirectory();
-  std::string_view readProcessFile(std::int32_t pid, std::string_view file, std::vector<char>& buffer);
+  std::string_view readProcessFile(std::int32_t pid, std::string_view file, std::span<char> buffer);
+  std::string_view readStatus(std::int32_t pid);
   KnownProcess* refresh(std::int32_t pid);
   KnownProcess* metInThisSweep(std::int32_t pid);
   std::optional<std::uint64_t> readFootprint(std::int32_t pid);
@@ -81,8 +85,10 @@ class LinuxProcScan final : public ProcScan {
   std::uint64_t programs_ = 0;  // met so far
   bool swapInUse_ = false;
   PidMap<KnownProcess> known_;
-  std::vector<char> buffer_;        // for the short files
-  std::vector<char> statusBuffer_;  // `status` can hold a list of thousands of groups
+  std::vector<char> buffer_;  // for the short files
+  // `status` can hold a list of thousands of groups. What is not used of it takes no memory: it is not filled
+  // beforehand.
+  std::unique_ptr<char[]> statusBuffer_;
 };
 
 }  // namespace tarn

@@ -86,6 +86,8 @@ std::optional<QString> platformShortVersion() {
   return QString::fromStdString(*version);
 }
 
+void platformSpareMemory() {}
+
 void platformTerminate() {
   macos::terminate();
 }
