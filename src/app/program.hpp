@@ -16,6 +16,9 @@ std::optional<QString> platformShortVersion();
 /// thread.
 void platformSpareMemory();
 
+/// Gives back to the system what the allocator keeps for later: after much was freed that is not soon wanted.
+void platformReturnMemory();
+
 /// Ends the program, as programs end on the platform.
 void platformTerminate();
 

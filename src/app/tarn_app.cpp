@@ -10,6 +10,7 @@
 #include <QIcon>
 #include <QPixmap>
 #include <QScreen>
+#include <QTimer>
 #include <chrono>
 #include <cstdio>
 #include <utility>
@@ -61,11 +62,15 @@ PopoverStyle styleOn(const WindowSystem& windowSystem) {
 
 /// What only windows need: the item is there sooner without it.
 void prepareForWindows() {
-  constexpr int iconSize = 64;  // pixels
   QApplication::setStyle(QStringLiteral("Fusion"));
   QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
-  QApplication::setWindowIcon(QPixmap::fromImage(
-      MenuBarIcon::image(QStringLiteral("circle"), MenuBarIcon::color(Tint::green), iconSize)));
+}
+
+/// The icon that window managers show beside the title of an ordinary window.
+QIcon windowIcon() {
+  constexpr int size = 64;  // pixels
+  return QPixmap::fromImage(
+      MenuBarIcon::image(QStringLiteral("circle"), MenuBarIcon::color(Tint::green), size));
 }
 
 /// Where the click was: the pointer knows best while windows may ask for it; a host's word is believed only
@@ -142,6 +147,7 @@ PopoverWindow& TarnApp::popover() {
       // Without a menu bar this window is all there is of Tarn: closing it ends the program.
       if (popover_->style() == PopoverStyle::regular) platformTerminate();
       labelRenderer_.schedule();
+      QTimer::singleShot(0, this, platformReturnMemory);  // once the window has let go of its own
     });
     applyTheme();
   }
@@ -179,6 +185,7 @@ void TarnApp::showWithoutMenuBar() {
   std::fputs("tarn: no menu bar shows status items here; Tarn stays in a window of its own until one does.\n",
              stderr);
   hasMenuBar_ = false;
+  popover().setWindowIcon(windowIcon());
   popover().open(PopoverStyle::regular, std::nullopt, platformWindowSystem());
 }
 

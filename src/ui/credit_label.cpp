@@ -22,6 +22,8 @@ QFont emojiFontBeside(const QFont& text) {
   for (const QString& family : {QStringLiteral("Noto Color Emoji"), QStringLiteral("Apple Color Emoji")}) {
     if (!families.contains(family)) continue;
     font.setFamily(family);
+    // One glyph needs no shaping, and the tables for it are as large as the glyphs are many.
+    font.setStyleStrategy(QFont::PreferNoShaping);
     break;
   }
   return font;

@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <utility>
 
 #include "ui/rounded_frame.hpp"
@@ -139,11 +140,15 @@ void PopoverWindow::place(const QSize& size) {
   } else {
     resize(size.grownBy(margins));
   }
-  if (style_ == PopoverStyle::regular || blended_) {
-    clearMask();
-  } else {
-    setMask(roundedMask(this->size()));
-  }
+  cutCorners();
+}
+
+/// Where nothing blends the corners, the window itself is cut. The toolkit's own mask of a widget would also
+/// be what everything is clipped to that is painted in it, which costs time and memory.
+void PopoverWindow::cutCorners() {
+  if (windowHandle() == nullptr) return;
+  const bool isCut = style_ != PopoverStyle::regular && !blended_;
+  windowHandle()->setMask(isCut ? QRegion(roundedMask(size())) : QRegion());
 }
 
 bool PopoverWindow::event(QEvent* event) {

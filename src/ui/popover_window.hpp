@@ -73,6 +73,7 @@ class PopoverWindow : public QWidget {
   void applyStyle(PopoverStyle style, const WindowSystem& windowSystem);
   void fitToContent();
   void place(const QSize& size);
+  void cutCorners();
   QRect contentFrame() const;
   ScreenArea screenArea() const;
 

@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QWindow>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -115,7 +116,7 @@ TEST_F(PopoverWindowTest, LeavesRoomForItsShadowWhereWindowsAreBlended) {
   EXPECT_GT(window_.width(), 320);
   EXPECT_EQ(view_->width(), 320);
   EXPECT_TRUE(window_.testAttribute(Qt::WA_TranslucentBackground));
-  EXPECT_TRUE(window_.mask().isEmpty());
+  EXPECT_TRUE(window_.windowHandle()->mask().isEmpty());
   window_.close();
   open(PopoverStyle::popup, item, plain);
   EXPECT_EQ(window_.width(), 320);
@@ -125,13 +126,13 @@ TEST_F(PopoverWindowTest, LeavesRoomForItsShadowWhereWindowsAreBlended) {
 TEST_F(PopoverWindowTest, CutsItsCornersOnlyWhereItHasNoFrame) {
   for (const PopoverStyle style : {PopoverStyle::popup, PopoverStyle::tool}) {
     open(style);
-    EXPECT_FALSE(window_.mask().isEmpty());
-    EXPECT_FALSE(window_.mask().contains(QPoint(0, 0)));
-    EXPECT_TRUE(window_.mask().contains(window_.rect().center()));
+    EXPECT_FALSE(window_.windowHandle()->mask().isEmpty());
+    EXPECT_FALSE(window_.windowHandle()->mask().contains(QPoint(0, 0)));
+    EXPECT_TRUE(window_.windowHandle()->mask().contains(window_.rect().center()));
     window_.close();
   }
   open(PopoverStyle::regular);
-  EXPECT_TRUE(window_.mask().isEmpty());
+  EXPECT_TRUE(window_.windowHandle()->mask().isEmpty());
 }
 
 TEST_F(PopoverWindowTest, ClosesOnEscapeUnlessItIsAnOrdinaryWindow) {

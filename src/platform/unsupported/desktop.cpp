@@ -71,6 +71,8 @@ std::optional<QString> platformShortVersion() {
 
 void platformSpareMemory() {}
 
+void platformReturnMemory() {}
+
 void platformTerminate() {
   QCoreApplication::quit();
 }

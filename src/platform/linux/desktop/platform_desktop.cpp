@@ -63,6 +63,10 @@ void platformSpareMemory() {
   mallopt(M_TOP_PAD, step);
 }
 
+void platformReturnMemory() {
+  malloc_trim(0);
+}
+
 void platformTerminate() {
   QCoreApplication::quit();
 }

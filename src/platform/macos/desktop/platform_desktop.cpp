@@ -88,6 +88,8 @@ std::optional<QString> platformShortVersion() {
 
 void platformSpareMemory() {}
 
+void platformReturnMemory() {}
+
 void platformTerminate() {
   macos::terminate();
 }
