@@ -1,7 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""What Tarn, a bare program of its toolkit and other monitors cost on the same desktop, one after the other. Writes
-figures.json: a list of values for each figure."""
+"""desktop_costs.py ROUNDS REST MONITOR...: what Tarn, a bare program of its toolkit and other monitors cost on the same
+desktop, one after the other, so many times; and what Tarn costs at rest, over so many seconds. Writes figures.json: a
+list of values for each figure."""
 
 import json
 import os
@@ -9,6 +10,8 @@ import subprocess
 import sys
 import time
 from pathlib import Path
+
+from gi.repository import GLib
 
 import proc_reader
 from menu_bar import INTERFACE
@@ -19,8 +22,7 @@ from virtual_desktop import WATCHER, VirtualDesktop
 
 BARE = STAGE / "bin/bare_tray_program"
 POPOVER_WIDTH = 300  # at least; pixels
-MONITORS = ("mate-system-monitor", "lxtask", "xfce4-taskmanager", "gnome-system-monitor")
-TERMINAL_MONITORS = ()
+WATCHED = 4  # seconds for which the processor time of a monitor is watched
 SETTLED = 4  # seconds after which a program has drawn itself and looked around once
 SNAPSHOTS = 10  # seconds that hold three sweeps of the open popover
 IDLE_PROCESSES = 300
@@ -76,7 +78,8 @@ class Program:
 
     def activate(self):
         """What the panel does on a click."""
-        self._desktop.session.call(self.owner, self.path, INTERFACE, "Activate", _position())
+        self._desktop.session.call(self.owner, self.path, INTERFACE, "Activate",
+                                   GLib.Variant("(ii)", (1200, 12)))
 
     def is_open(self):
         return bool(self._desktop.windows_of(self.pid))
@@ -92,11 +95,6 @@ class Program:
         return any(item.startswith(self.owner) for item in items)
 
 
-def _position():
-    from gi.repository import GLib
-    return GLib.Variant("(ii)", (1200, 12))
-
-
 def open_and_time(desktop, tarn, figures):
     """Opens the popover and measures the time to its first frame."""
     watch = subprocess.Popen([STAGE / "bin/first_frame", str(POPOVER_WIDTH)], env=desktop.environment,
@@ -104,10 +102,10 @@ def open_and_time(desktop, tarn, figures):
     watch.stdout.readline()
     begin = time.monotonic()
     tarn.activate()
-    painted, colours = watch.stdout.readline().split()
+    painted, first, later = watch.stdout.readline().split()
     watch.wait(timeout=10)
     figures.add("click to first frame, s", float(painted) - begin)
-    figures.add("colours of the first frame", int(colours))
+    figures.add("share of the colours in the first frame", int(first) / int(later))
 
 
 def close(tarn):
@@ -117,22 +115,21 @@ def close(tarn):
 
 def measure_main_thread(tarn, figures, seconds):
     """The main thread's processor time for each sweep, while the popover is open."""
-    last, previous, last_sweep, costs = None, 0, None, []
     sampler = proc_reader.thread_named(tarn.pid, SWEEP_THREAD)
+    swept, drawn = thread_time(tarn.pid, sampler), thread_time(tarn.pid, tarn.pid)
+    first, quiet_since = True, None
     end = time.monotonic() + seconds
-    begin_time, begin_sweep = thread_time(tarn.pid, tarn.pid), None
     while time.monotonic() < end:
-        time.sleep(0.1)
-        now = thread_time(tarn.pid, tarn.pid)
-        swept = thread_time(tarn.pid, sampler)
-        if last is not None and swept > last_sweep + 1e-4:
-            costs.append(now - previous)
-            previous = now
-        elif last is None:
-            previous = now
-        last, last_sweep = now, swept
-    for cost in costs[1:]:
-        figures.add("main thread per snapshot, s", cost)
+        time.sleep(0.05)
+        now = thread_time(tarn.pid, sampler)
+        if now > swept:
+            swept, quiet_since = now, time.monotonic()
+        elif quiet_since and time.monotonic() - quiet_since > 1:
+            # A second after a sweep all that follows from it is done.
+            before, drawn, quiet_since = drawn, thread_time(tarn.pid, tarn.pid), None
+            if not first:
+                figures.add("main thread per snapshot, s", drawn - before)
+            first = False
 
 
 def measure_tarn(desktop, figures):
@@ -162,8 +159,12 @@ def measure_bare(desktop, figures):
 
 def measure_monitor(desktop, figures, name):
     process = desktop.start(name, [name])
-    wait_until(lambda: desktop.windows_of(process.pid), f"the window of {name} shows", 20)
+    if name != "conky":  # which draws on the wallpaper
+        wait_until(lambda: desktop.windows_of(process.pid), f"the window of {name} shows", 20)
     time.sleep(SETTLED)
+    busy = processor_time(process.pid)
+    time.sleep(WATCHED)
+    figures.add(f"{name}, share of a core", (processor_time(process.pid) - busy) / WATCHED)
     figures.add(f"{name}, B", proc_reader.footprint(process.pid))
     process.terminate()
     process.wait()
@@ -189,7 +190,7 @@ def measure_rest(desktop, figures, seconds):
 
 
 def main():
-    rounds, rest_seconds = int(sys.argv[1]), int(sys.argv[2])
+    rounds, rest_seconds, monitors = int(sys.argv[1]), int(sys.argv[2]), sys.argv[3:]
     adopt_orphans()
     end_on_signal()
     figures = Figures()
@@ -198,9 +199,10 @@ def main():
             for _ in range(rounds):
                 measure_tarn(desktop, figures)
                 measure_bare(desktop, figures)
-                for name in MONITORS:
+                for name in monitors:
                     measure_monitor(desktop, figures, name)
-            measure_rest(desktop, figures, rest_seconds)
+            if rest_seconds:
+                measure_rest(desktop, figures, rest_seconds)
     finally:
         end_descendants()
     (STAGE / "pictures").mkdir(exist_ok=True)

@@ -90,7 +90,10 @@ std::vector<std::int32_t> LinuxProcScan::allPIDs() {
 }
 
 std::optional<BsdInfo> LinuxProcScan::bsdInfo(std::int32_t pid) {
-  const KnownProcess* const process = refresh(pid);
+  KnownProcess* process = known_.find(pid);
+  const bool isMet =
+      process != nullptr && process->sweep == sweep_ && std::exchange(process->wasMetEarly, false);
+  if (!isMet) process = refresh(pid);
   if (!process) return std::nullopt;
   std::uint64_t startSeconds = 0;
   if (__builtin_add_overflow(bootTime_, process->startTicks / ticksPerSecond_, &startSeconds)) {
@@ -109,11 +112,14 @@ std::string LinuxProcScan::path(std::int32_t pid) {
 }
 
 std::optional<ProcessUsage> LinuxProcScan::usage(std::int32_t pid) {
-  const auto footprint = readFootprint(pid);
-  if (!footprint) return std::nullopt;
-  const auto processorTime = readProcessorTime(pid);
-  if (!processorTime) return std::nullopt;
-  return ProcessUsage{*footprint, *processorTime};
+  KnownProcess* const process = metInThisSweep(pid);
+  const bool isQuiet = process != nullptr && process->isQuiet;
+  const auto footprint = isQuiet ? process->footprint : readFootprint(pid);
+  // What it uses can be told of a process, too, about whose origin nothing can be.
+  const auto time = process != nullptr ? processorTime(*process) : clock_(pid);
+  if (process != nullptr) process->footprint = footprint;
+  if (!footprint || !time) return std::nullopt;
+  return ProcessUsage{*footprint, *time};
 }
 
 SharedText LinuxProcScan::processName(std::int32_t pid) {
@@ -139,16 +145,60 @@ std::string_view LinuxProcScan::readStatus(std::int32_t pid) {
   return readProcessFile(pid, "status", {statusBuffer_.get(), statusFile});
 }
 
-/// Reads `stat` and, for a process that was not known, its owner. Null, and forgotten, when it is gone.
+/// The start of a process's parent, which tells it from another one of its pid; 0 when it is not known. A
+/// parent that this sweep has yet to meet is met now, which moves what is known of others.
+std::uint64_t LinuxProcScan::startOfParent(std::int32_t ppid) {
+  constexpr int deepest = 16;
+  const KnownProcess* parent = known_.find(ppid);
+  if (parent != nullptr && parent->sweep != sweep_) {
+    if (parentDepth_ >= deepest) return 0;
+    ++parentDepth_;
+    KnownProcess* const met = refresh(ppid);
+    --parentDepth_;
+    if (met != nullptr) met->wasMetEarly = true;
+    parent = met;
+  }
+  return parent == nullptr ? 0 : parent->startTicks;
+}
+
+/// Whether nothing about a process can have changed if it has not run.
+bool LinuxProcScan::mayBeQuiet(std::int32_t pid) {
+  constexpr std::uint64_t sweepsBetween = 10;
+  const KnownProcess* const process = known_.find(pid);
+  const bool isDue = (sweep_ + static_cast<std::uint64_t>(pid)) % sweepsBetween == 0;
+  if (process == nullptr || isDue || swapInUse_ || !process->clockTime || !process->footprint) return false;
+  if (process->ppid == 0) return true;
+  // Who loses its parent gets another one without running.
+  const std::uint64_t start = process->parentStartTicks;
+  return start != 0 && start == startOfParent(process->ppid);
+}
+
+/// Looks whether a process has run and, if so, reads it anew. Null, and forgotten, when it is gone.
 LinuxProcScan::KnownProcess* LinuxProcScan::refresh(std::int32_t pid) {
+  const bool mayHaveSlept = mayBeQuiet(pid);
+  const auto time = clock_(pid);
+  KnownProcess* const known = known_.find(pid);
+  if (mayHaveSlept && known != nullptr && time == known->clockTime) {
+    known->isQuiet = true;
+    known->wasMetEarly = false;
+    known->sweep = sweep_;
+    return known;
+  }
+  KnownProcess* const process = readAnew(pid);
+  if (process != nullptr) process->clockTime = time;
+  return process;
+}
+
+/// Reads `stat` and, for a process that was not known, its owner. Null, and forgotten, when it is gone.
+LinuxProcScan::KnownProcess* LinuxProcScan::readAnew(std::int32_t pid) {
   const auto stat = parseProcessStat(readProcessFile(pid, "stat", buffer_));
   std::uint64_t ticks = 0;
   if (!stat || __builtin_add_overflow(stat->userTicks, stat->systemTicks, &ticks)) {
     known_.erase(pid);
     return nullptr;
   }
-  const auto [known, isNew] = known_.tryEmplace(pid);
-  KnownProcess& process = *known;
+  const auto [entry, isNew] = known_.tryEmplace(pid);
+  KnownProcess& process = *entry;
   const bool hasOtherName = process.kernelName != stat->name;
   // A thread of the kernel is the same by any name.
   if (isNew || process.startTicks != stat->startTicks || (hasOtherName && !stat->isKernelThread)) {
@@ -167,7 +217,12 @@ LinuxProcScan::KnownProcess* LinuxProcScan::refresh(std::int32_t pid) {
   process.ppid = stat->ppid;
   process.processorTicks = ticks;
   process.sweep = sweep_;
-  return &process;
+  process.isQuiet = false;
+  process.wasMetEarly = false;
+  const std::uint64_t startOfItsParent = startOfParent(process.ppid);
+  KnownProcess* const known = known_.find(pid);
+  if (known != nullptr) known->parentStartTicks = startOfItsParent;
+  return known;
 }
 
 /// What this sweep has read of a process already, else what there is to read.
@@ -191,14 +246,12 @@ std::optional<std::uint64_t> LinuxProcScan::readFootprint(std::int32_t pid) {
   return bytes;
 }
 
-std::optional<std::uint64_t> LinuxProcScan::readProcessorTime(std::int32_t pid) {
-  if (const auto time = clock_(pid)) return time;
+std::optional<std::uint64_t> LinuxProcScan::processorTime(const KnownProcess& process) const {
+  if (process.clockTime) return process.clockTime;
   constexpr std::uint64_t nanosPerSecond = 1'000'000'000;
-  const KnownProcess* const process = metInThisSweep(pid);
   std::uint64_t nanos = 0;
-  if (!process || __builtin_mul_overflow(process->processorTicks, nanosPerSecond / ticksPerSecond_, &nanos)) {
+  if (__builtin_mul_overflow(process.processorTicks, nanosPerSecond / ticksPerSecond_, &nanos))
     return std::nullopt;
-  }
   return nanos;
 }
 

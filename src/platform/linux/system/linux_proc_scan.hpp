@@ -24,10 +24,15 @@ namespace tarn {
 
 /// The process table below `/proc`.
 ///
-/// A sweep costs seven system calls for a process that is known from the sweep before: open, read and close
-/// of `stat` and `statm`, and its clock. Owner and name are kept as long as the process keeps its pid, start
-/// time and kernel name; a process that changes its owner without starting another program keeps the old one.
-/// Threads of the kernel change their names all the time, and nothing but that changes.
+/// A process that has not run since the sweep before costs one system call: its clock says so. Nothing else
+/// about it can have changed then: its parent is the same while that lives, and memory of its own is neither
+/// gained nor given back by who sleeps, unless the machine swaps. (The kernel may still merge or split pages
+/// on its own, so each process is read again in every tenth sweep.) One that has run costs seven: open, read
+/// and close of `stat` and `statm`, and its clock.
+///
+/// Owner and name are kept as long as the process keeps its pid, start time and kernel name; a process that
+/// changes its owner without starting another program keeps the old one. Threads of the kernel change their
+/// names all the time, and nothing but that changes.
 class LinuxProcScan final : public ProcScan {
  public:
   /// Reads the processor clocks of the running kernel where the root is its own process table, else the
@@ -59,9 +64,14 @@ class LinuxProcScan final : public ProcScan {
     std::string kernelName;
     std::optional<SharedText> displayName;  // read when first asked for
     std::uint64_t startTicks = 0;
-    std::uint64_t processorTicks = 0;  // as of the sweep below
-    std::uint64_t sweep = 0;           // in which it was last met
-    std::uint64_t program = 0;         // another number for each program; 0 without one
+    std::uint64_t parentStartTicks = 0;      // 0 when the parent was not met before it
+    std::uint64_t processorTicks = 0;        // as of the sweep below
+    std::optional<std::uint64_t> clockTime;  // nanoseconds, as of the sweep below; nothing without a clock
+    std::optional<std::uint64_t> footprint;  // bytes, when it was last asked for
+    std::uint64_t sweep = 0;                 // in which it was last met
+    bool isQuiet = false;                    // it has not run since the sweep before that
+    bool wasMetEarly = false;                // by a child, before its own turn in the sweep
+    std::uint64_t program = 0;               // another number for each program; 0 without one
     std::int32_t ppid = 0;
     std::uint32_t owner = 0;
   };
@@ -70,9 +80,12 @@ class LinuxProcScan final : public ProcScan {
   std::string_view readProcessFile(std::int32_t pid, std::string_view file, std::span<char> buffer);
   std::string_view readStatus(std::int32_t pid);
   KnownProcess* refresh(std::int32_t pid);
+  KnownProcess* readAnew(std::int32_t pid);
+  bool mayBeQuiet(std::int32_t pid);
+  std::uint64_t startOfParent(std::int32_t ppid);
   KnownProcess* metInThisSweep(std::int32_t pid);
   std::optional<std::uint64_t> readFootprint(std::int32_t pid);
-  std::optional<std::uint64_t> readProcessorTime(std::int32_t pid);
+  std::optional<std::uint64_t> processorTime(const KnownProcess& process) const;
   std::string readDisplayName(std::int32_t pid, const std::string& kernelName);
 
   LinuxRoots roots_;
@@ -83,6 +96,7 @@ class LinuxProcScan final : public ProcScan {
   std::uint64_t pageSize_;
   std::uint64_t sweep_ = 0;
   std::uint64_t programs_ = 0;  // met so far
+  int parentDepth_ = 0;         // parents that are being met for their children's sake
   bool swapInUse_ = false;
   PidMap<KnownProcess> known_;
   std::vector<char> buffer_;  // for the short files

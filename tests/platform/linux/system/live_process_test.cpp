@@ -77,6 +77,7 @@ TEST(LiveProcess, EveryThreadCounts) {
   LinuxProcScan processes(LinuxRoots{});
   const auto before = processes.usage(::getpid());
   std::thread([] { burn(50'000'000); }).join();
+  processes.allPIDs();  // the next sweep
   const auto after = processes.usage(::getpid());
   ASSERT_TRUE(before && after);
   EXPECT_GE(after->cpuTime - before->cpuTime, 50'000'000U);

@@ -10,7 +10,7 @@
 #include <ctime>
 #include <vector>
 
-#include "floor_sweep.hpp"
+#include "programs/floor_sweep.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/idle_processes.hpp"
 

@@ -82,7 +82,10 @@ int main(int argumentCount, char** arguments) {
       const auto* const damage = reinterpret_cast<const xcb_damage_notify_event_t*>(event.get());
       if (damage->geometry.width < width || damage->area.width < width / 2) continue;
       const double painted = now();
-      std::printf("%.6f %zu\n", painted, colourCount(connection, damage->drawable));
+      const std::size_t first = colourCount(connection, damage->drawable);
+      const timespec aWhile{.tv_sec = 0, .tv_nsec = 300'000'000};
+      nanosleep(&aWhile, nullptr);
+      std::printf("%.6f %zu %zu\n", painted, first, colourCount(connection, damage->drawable));
       return 0;
     }
   }

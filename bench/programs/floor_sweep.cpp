@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "floor_sweep.hpp"
+#include "programs/floor_sweep.hpp"
 
 #include <fcntl.h>
 #include <unistd.h>

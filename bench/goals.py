@@ -1,0 +1,43 @@
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+"""The figures that Tarn is measured by, and what each may be at most."""
+
+from dataclasses import dataclass
+
+
+@dataclass(frozen=True)
+class Goal:
+    """A figure by its name, the most that it may be, and how it is printed."""
+
+    name: str
+    most: float
+    form: str = "{:.2f}"
+
+
+SWEEP = (
+    Goal("sweep ÷ floor, 1,000 processes", 1.20),
+    Goal("sweep ÷ floor, 5,000 processes", 1.20),
+    Goal("sweep per process, 10,000 ÷ 1,000 processes", 1.10),
+    Goal("sweep ÷ refresh of top", 0.65),
+    Goal("sweep ÷ refresh of htop", 0.30),
+    Goal("sweep ÷ refresh of btop", 0.65),
+    Goal("sweep ÷ ps -eo pid,ppid,uid,rss,cputimes,comm", 0.35),
+    Goal("growth over 10,000 sweeps among 50 that come and go, KB", 256, "{:.0f}"),
+    Goal("index of 500 desktop files, ms", 60, "{:.1f}"),
+    Goal("index of 500 desktop files, KB", 400, "{:.0f}"),
+)
+
+DESKTOP = (
+    Goal("footprint closed ÷ bare tray program", 1.8),
+    Goal("footprint open ÷ bare tray program", 2.4),
+    Goal("footprint closed again ÷ bare tray program", 2.0),
+    Goal("footprint open ÷ mate-system-monitor", 0.5),
+    Goal("footprint open ÷ lxtask", 2.0),
+    Goal("start to item ÷ bare tray program", 1.3),
+    Goal("voluntary switches per minute at rest", 14, "{:.1f}"),
+    Goal("share of a core at rest, 300 processes", 0.0003, "{:.5f}"),
+    Goal("main thread per snapshot, popover open, ms", 4, "{:.2f}"),
+    Goal("longest main thread for a snapshot, ms", 16, "{:.2f}"),
+    Goal("click to first frame, ms", 60, "{:.1f}"),
+    Goal("colours that the first frame lacks, share", 0.2),
+)

@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// What it costs to know the applications: once, and for each process that is new.
+
+#include <benchmark/benchmark.h>
+
+#include <fstream>
+#include <string>
+
+#include "platform/linux/applications/application_index.hpp"
+#include "platform/linux/applications/process_facts.hpp"
+#include "platform/linux/system/temporary_tree.hpp"
+
+namespace tarn {
+namespace {
+
+constexpr int files = 500;
+constexpr int languages = 60;
+
+void writeApplications(const TemporaryTree& tree) {
+  std::string translations;
+  for (int language = 0; language < languages; ++language) {
+    const std::string key = "[l" + std::to_string(language) + "]=";
+    translations +=
+        "Name" + key + "Application in some language\nComment" + key + "What it does, in some words\n";
+  }
+  for (int i = 0; i < files; ++i) {
+    const std::string number = std::to_string(i);
+    tree.write("usr/bin/program" + number, "");
+    tree.write("usr/share/applications/org.example.Application" + number + ".desktop",
+               "[Desktop Entry]\nType=Application\nExec=program" + number + " %U\n" + translations);
+  }
+}
+
+double ownKilobytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string word; status >> word;) {
+    double kilobytes = 0;
+    if (word == "RssAnon:" && status >> kilobytes) return kilobytes;
+  }
+  return 0;
+}
+
+void buildIndexOf500Files(benchmark::State& state) {
+  const TemporaryTree tree;
+  writeApplications(tree);
+  static double grown = 0;  // by the first one: those after it use again what that one freed
+  for (auto _ : state) {
+    const double before = ownKilobytes();
+    ApplicationIndex index(tree.roots(), {"/usr/share"}, {"/usr/bin"});
+    benchmark::DoNotOptimize(index.refresh());
+    if (grown == 0) grown = ownKilobytes() - before;
+  }
+  state.counters["KB"] = grown;
+}
+BENCHMARK(buildIndexOf500Files)
+    ->Iterations(1)
+    ->Repetitions(9)
+    ->ReportAggregatesOnly()
+    ->Unit(benchmark::kMillisecond);
+
+void lookAtANewProcess(benchmark::State& state) {
+  const LinuxRoots roots;
+  for (auto _ : state) benchmark::DoNotOptimize(readProcessFacts(roots, 1));
+}
+BENCHMARK(lookAtANewProcess);
+
+}  // namespace
+}  // namespace tarn
+
+BENCHMARK_MAIN();

@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// What the main thread does with a snapshot: texts, rows, pictures.
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QIcon>
+#include <QImage>
+#include <string>
+#include <vector>
+
+#include "format/byte_formatting.hpp"
+#include "format/cpu_formatting.hpp"
+#include "ui/app_icon_provider.hpp"
+#include "ui/application_list.hpp"
+#include "ui/menu_bar_icon.hpp"
+#include "ui/symbols.hpp"
+
+namespace tarn {
+namespace {
+
+void formatBytes(benchmark::State& state) {
+  std::uint64_t bytes = 1'234'567;
+  for (auto _ : state) benchmark::DoNotOptimize(ByteFormatting::string(bytes += 7919));
+}
+BENCHMARK(formatBytes);
+
+void formatShare(benchmark::State& state) {
+  double share = 0;
+  for (auto _ : state) benchmark::DoNotOptimize(CPUFormatting::string(share += 0.37));
+}
+BENCHMARK(formatShare);
+
+std::vector<RowContent> rows(int round) {
+  std::vector<RowContent> rows;
+  for (int i = 0; i < 9; ++i) {
+    rows.push_back({.id = "pid:" + std::to_string(i),
+                    .name = QStringLiteral("Application %1").arg(i),
+                    .symbol = QStringLiteral("gearshape.fill"),
+                    .value = QStringLiteral("%1.%2 MB").arg(round % 1000).arg(i),
+                    .canOpen = true});
+  }
+  return rows;
+}
+
+void updateNineRows(benchmark::State& state) {
+  AppIconProvider icons([](const std::string&) { return QIcon(); });
+  ApplicationList list(icons);
+  list.resize(320, 300);
+  int round = 0;
+  for (auto _ : state) list.setRows(rows(++round));
+}
+BENCHMARK(updateNineRows)->Unit(benchmark::kMicrosecond);
+
+void updateAndPaintNineRows(benchmark::State& state) {
+  AppIconProvider icons([](const std::string&) { return QIcon(); });
+  ApplicationList list(icons);
+  list.resize(320, 300);
+  QImage image(list.size(), QImage::Format_ARGB32_Premultiplied);
+  int round = 0;
+  for (auto _ : state) {
+    list.setRows(rows(++round));
+    list.render(&image);
+  }
+}
+BENCHMARK(updateAndPaintNineRows)->Unit(benchmark::kMicrosecond);
+
+void renderCircle(benchmark::State& state) {
+  const auto pixels = static_cast<int>(state.range(0));
+  const QColor green = MenuBarIcon::color(Tint::green);
+  for (auto _ : state)
+    benchmark::DoNotOptimize(MenuBarIcon::image(QStringLiteral("circle.lefthalf.filled"), green, pixels));
+}
+BENCHMARK(renderCircle)->Arg(22)->Arg(64)->Unit(benchmark::kMicrosecond);
+
+void renderGear(benchmark::State& state) {
+  for (auto _ : state)
+    benchmark::DoNotOptimize(symbolPixmap(QStringLiteral("gearshape.fill"), 16, Qt::black, 2));
+}
+BENCHMARK(renderGear)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace tarn
+
+int main(int argumentCount, char** arguments) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QApplication application(argumentCount, arguments);
+  benchmark::Initialize(&argumentCount, arguments);
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}
