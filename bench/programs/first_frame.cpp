@@ -8,13 +8,16 @@
 #include <xcb/damage.h>
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <map>
 #include <memory>
 #include <set>
+#include <vector>
 
 namespace {
 
@@ -30,24 +33,33 @@ double now() {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
-/// How many colours a window shows; 0 when it cannot be read.
-std::size_t colourCount(xcb_connection_t* connection, xcb_window_t window) {
+using Pixels = std::vector<std::uint32_t>;
+
+/// What a window shows; nothing when it cannot be read.
+Pixels pixelsOf(xcb_connection_t* connection, xcb_window_t window) {
   const Owned<xcb_get_geometry_reply_t> size(
       xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
-  if (!size) return 0;
+  if (!size) return {};
   const Owned<xcb_get_image_reply_t> image(xcb_get_image_reply(
       connection,
       xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0, size->width, size->height, ~0U),
       nullptr));
-  if (!image) return 0;
-  const std::uint8_t* const bytes = xcb_get_image_data(image.get());
-  std::set<std::uint32_t> colours;
-  for (int i = 0; i + 4 <= xcb_get_image_data_length(image.get()); i += 4) {
-    std::uint32_t pixel = 0;
-    std::memcpy(&pixel, bytes + i, sizeof pixel);
-    colours.insert(pixel & 0xffffffU);
-  }
-  return colours.size();
+  if (!image) return {};
+  Pixels pixels(static_cast<std::size_t>(xcb_get_image_data_length(image.get())) / sizeof(std::uint32_t));
+  std::memcpy(pixels.data(), xcb_get_image_data(image.get()), pixels.size() * sizeof(std::uint32_t));
+  return pixels;
+}
+
+std::size_t colourCount(const Pixels& pixels) {
+  return std::set<std::uint32_t>(pixels.begin(), pixels.end()).size();
+}
+
+/// Whether a window has its background: as long as it is not painted it shows what lies below, a gradient.
+bool isPainted(const Pixels& pixels) {
+  std::map<std::uint32_t, std::size_t> counts;
+  std::size_t most = 0;
+  for (const std::uint32_t pixel : pixels) most = std::max(most, ++counts[pixel]);
+  return most > pixels.size() * 2 / 5;
 }
 
 }  // namespace
@@ -82,10 +94,12 @@ int main(int argumentCount, char** arguments) {
       const auto* const damage = reinterpret_cast<const xcb_damage_notify_event_t*>(event.get());
       if (damage->geometry.width < width || damage->area.width < width / 2) continue;
       const double painted = now();
-      const std::size_t first = colourCount(connection, damage->drawable);
+      const Pixels first = pixelsOf(connection, damage->drawable);
+      if (!isPainted(first)) continue;
       const timespec aWhile{.tv_sec = 0, .tv_nsec = 300'000'000};
       nanosleep(&aWhile, nullptr);
-      std::printf("%.6f %zu %zu\n", painted, first, colourCount(connection, damage->drawable));
+      std::printf("%.6f %zu %zu\n", painted, colourCount(first),
+                  colourCount(pixelsOf(connection, damage->drawable)));
       return 0;
     }
   }

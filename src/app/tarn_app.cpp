@@ -10,7 +10,6 @@
 #include <QIcon>
 #include <QPixmap>
 #include <QScreen>
-#include <QTimer>
 #include <chrono>
 #include <cstdio>
 #include <utility>
@@ -147,7 +146,9 @@ PopoverWindow& TarnApp::popover() {
       // Without a menu bar this window is all there is of Tarn: closing it ends the program.
       if (popover_->style() == PopoverStyle::regular) platformTerminate();
       labelRenderer_.schedule();
-      QTimer::singleShot(0, this, platformReturnMemory);  // once the window has let go of its own
+      // Once the window has let go of its own.
+      QMetaObject::invokeMethod(
+          this, [] { platformReturnMemory(); }, Qt::QueuedConnection);
     });
     applyTheme();
   }
