@@ -14,6 +14,6 @@ case "$*" in
 esac
 
 cd "$repository"
-scripts/install_packages.sh build run desktop bench
+scripts/install_packages.sh build run desktop bench peers
 scripts/build.sh bench
 python3 bench/compare.py "$@"

@@ -57,16 +57,18 @@ def measure_pieces(found, quick):
 
 
 def sweep_and_floor(processes, rounds):
-    """Number of processes, cost of a sweep and of the floor in microseconds, and their ratio."""
+    """Number of processes, cost of a sweep and of the floor in microseconds, their ratio, and that of a sweep among
+    processes of which none sleeps."""
     return [float(word) for word in run(PROGRAMS / "sweep_against_floor", processes, rounds).split()]
 
 
 def measure_sweeps(found, quick):
     for processes in (1_000,) if quick else (100, 1_000, 5_000, 10_000):
-        count, sweep, floor, ratio = sweep_and_floor(processes, 9 if quick else 21)
+        count, sweep, floor, ratio, busy_ratio = sweep_and_floor(processes, 9 if quick else 21)
         found.add(f"sweep per process, {processes:,} processes, s", sweep / count / 1e6)
         found.add(f"floor per process, {processes:,} processes, s", floor / count / 1e6)
         found.add(f"sweep ÷ floor, {processes:,} processes", ratio)
+        found.add(f"sweep ÷ floor, {processes:,} processes that all ran", busy_ratio)
 
 
 def measure_terminal_monitors(found, rounds, processes=1_000):

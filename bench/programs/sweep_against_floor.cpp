@@ -8,8 +8,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <memory>
+#include <optional>
 #include <vector>
 
+#include "platform/linux/system/linux_proc_scan.hpp"
 #include "programs/floor_sweep.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/idle_processes.hpp"
@@ -35,6 +38,19 @@ double median(std::vector<double> values) {
   return *middle;
 }
 
+/// This machine, with clocks by which no process ever sleeps.
+tarn::SamplerPort busyMachine() {
+  const tarn::LinuxRoots roots;
+  tarn::SamplerPort port = tarn::platformSamplerPort();
+  port.applicationRules = nullptr;  // they ask the process table that is replaced
+  port.processes = std::make_unique<tarn::LinuxProcScan>(
+      roots, [read = tarn::processClockFor(roots.proc), moved = std::uint64_t{0}](std::int32_t pid) mutable {
+        const auto time = read(pid);
+        return time ? std::optional(*time + ++moved) : std::nullopt;
+      });
+  return port;
+}
+
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
@@ -48,17 +64,24 @@ int main(int argumentCount, char** arguments) {
   const std::size_t present = floor.run();
   const tarn::IdleProcesses idle(wanted - std::min(wanted, present));
   tarn::MemorySampler sampler(tarn::platformSamplerPort());
+  tarn::MemorySampler busySampler(busyMachine());
   // The first two sweeps look at each process more closely.
-  for (int warmUp = 0; warmUp < 2; ++warmUp) sampler.sample();
+  for (int warmUp = 0; warmUp < 2; ++warmUp) {
+    sampler.sample();
+    busySampler.sample();
+  }
 
   std::vector<double> sweeps;
   std::vector<double> floors;
   std::vector<double> ratios;
+  std::vector<double> busyRatios;
   for (int round = 0; round < rounds; ++round) {
     sweeps.push_back(costOf([&] { sampler.sample(); }));
     floors.push_back(costOf([&] { floor.run(); }));
     ratios.push_back(sweeps.back() / floors.back());
+    busyRatios.push_back(costOf([&] { busySampler.sample(); }) / floors.back());
   }
-  std::printf("%zu %.1f %.1f %.4f\n", floor.run(), median(sweeps), median(floors), median(ratios));
+  std::printf("%zu %.1f %.1f %.4f %.4f\n", floor.run(), median(sweeps), median(floors), median(ratios),
+              median(busyRatios));
   return 0;
 }

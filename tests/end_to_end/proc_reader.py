@@ -86,3 +86,8 @@ def thread_named(pid, name):
 def voluntary_switches(pid, thread):
     """How often a thread has gone to sleep of its own accord."""
     return _fields(f"/proc/{pid}/task/{thread}/status")["voluntary_ctxt_switches"]
+
+
+def all_voluntary_switches(pid):
+    """How often the threads of a process have gone to sleep of their own accord, taken together."""
+    return sum(voluntary_switches(pid, thread) for thread in os.listdir(f"/proc/{pid}/task"))

@@ -257,10 +257,15 @@ class RhythmTest(DesktopTest):
             closed = time.monotonic()
             # One that was under way while the popover closed may still show; the rhythm starts at the closing.
             time.sleep(1.5)
+            switches = proc_reader.all_voluntary_switches(self.tarn.pid)
             moments = [closed] + [sweep.time for sweep in
                                   watch.wait_for_sweeps(2, since=closed + 1.5, timeout=75)]
             for earlier, later in zip(moments, moments[1:]):
                 self.assertAlmostEqual(later - earlier, 30, delta=1.5)
+            switches = proc_reader.all_voluntary_switches(self.tarn.pid) - switches
+        # In a minute: four looks at the available memory, and two sweeps, each of which wakes the timer's thread, its own,
+        # the timer's again, waits for the window system, and may have the panel ask for a new tooltip.
+        self.assertLessEqual(switches, 4 + 2 * (4 + 5))
         self.assert_alive()
 
 
