@@ -22,8 +22,8 @@ void writeApplications(const TemporaryTree& tree) {
   std::string translations;
   for (int language = 0; language < languages; ++language) {
     const std::string key = "[l" + std::to_string(language) + "]=";
-    translations +=
-        "Name" + key + "Application in some language\nComment" + key + "What it does, in some words\n";
+    translations.append("Name").append(key).append("Application in some language\nComment");
+    translations.append(key).append("What it does, in some words\n");
   }
   for (int i = 0; i < files; ++i) {
     const std::string number = std::to_string(i);
@@ -46,7 +46,7 @@ void buildIndexOf500Files(benchmark::State& state) {
   const TemporaryTree tree;
   writeApplications(tree);
   static double grown = 0;  // by the first one: those after it use again what that one freed
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     const double before = ownKilobytes();
     ApplicationIndex index(tree.roots(), {"/usr/share"}, {"/usr/bin"});
     benchmark::DoNotOptimize(index.refresh());
@@ -62,7 +62,7 @@ BENCHMARK(buildIndexOf500Files)
 
 void lookAtANewProcess(benchmark::State& state) {
   const LinuxRoots roots;
-  for (auto _ : state) benchmark::DoNotOptimize(readProcessFacts(roots, 1));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(readProcessFacts(roots, 1));
 }
 BENCHMARK(lookAtANewProcess);
 

@@ -21,12 +21,12 @@ void parseStat(benchmark::State& state) {
   constexpr std::string_view text =
       "28197 (gnome-terminal-) S 2210 28197 28197 0 -1 4194304 41385 1203 12 3 1830 411 7 8 20 0 5 0 5817702 "
       "564695040 13291 18446744073709551615 1 1 0 0 0 0 0 4096 65536 0 0 0 17 3 0 0 0 0 0 0 0 0 0 0 0 0 0\n";
-  for (auto _ : state) benchmark::DoNotOptimize(parseProcessStat(text));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(parseProcessStat(text));
 }
 BENCHMARK(parseStat);
 
 void parsePages(benchmark::State& state) {
-  for (auto _ : state) benchmark::DoNotOptimize(parseProcessPages("137865 13291 9187 80 0 14210 0\n"));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(parseProcessPages("137865 13291 9187 80 0 14210 0\n"));
 }
 BENCHMARK(parsePages);
 
@@ -35,7 +35,7 @@ void findInPidMap(benchmark::State& state) {
   PidMap<std::uint64_t> map;
   for (std::int32_t pid = 1; pid <= count; ++pid) map[pid * 7] = 1;
   std::int32_t pid = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     pid = pid % count + 1;
     benchmark::DoNotOptimize(map.find(pid * 7));
   }
@@ -87,14 +87,14 @@ SamplerPort cheapPort(std::int64_t processes) {
 void groupAndSmooth(benchmark::State& state) {
   MemorySampler sampler(cheapPort(state.range(0)));
   sampler.sample();
-  for (auto _ : state) benchmark::DoNotOptimize(sampler.sample());
+  while (state.KeepRunning()) benchmark::DoNotOptimize(sampler.sample());
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(groupAndSmooth)->Arg(300)->Arg(10'000)->Unit(benchmark::kMicrosecond);
 
 void rankTopGroups(benchmark::State& state) {
   const MemorySnapshot snapshot = MemorySampler(cheapPort(state.range(0))).sample();
-  for (auto _ : state) benchmark::DoNotOptimize(snapshot.topGroups(SortMetric::cpu, 8));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(snapshot.topGroups(SortMetric::cpu, 8));
 }
 BENCHMARK(rankTopGroups)->Arg(300)->Arg(10'000)->Unit(benchmark::kMicrosecond);
 

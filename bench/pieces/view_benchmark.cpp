@@ -23,13 +23,13 @@ namespace {
 
 void formatBytes(benchmark::State& state) {
   std::uint64_t bytes = 1'234'567;
-  for (auto _ : state) benchmark::DoNotOptimize(ByteFormatting::string(bytes += 7919));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(ByteFormatting::string(bytes += 7919));
 }
 BENCHMARK(formatBytes);
 
 void formatShare(benchmark::State& state) {
   double share = 0;
-  for (auto _ : state) benchmark::DoNotOptimize(CPUFormatting::string(share += 0.37));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(CPUFormatting::string(share += 0.37));
 }
 BENCHMARK(formatShare);
 
@@ -50,7 +50,7 @@ void updateNineRows(benchmark::State& state) {
   ApplicationList list(icons);
   list.resize(320, 300);
   int round = 0;
-  for (auto _ : state) list.setRows(rows(++round));
+  while (state.KeepRunning()) list.setRows(rows(++round));
 }
 BENCHMARK(updateNineRows)->Unit(benchmark::kMicrosecond);
 
@@ -60,7 +60,7 @@ void updateAndPaintNineRows(benchmark::State& state) {
   list.resize(320, 300);
   QImage image(list.size(), QImage::Format_ARGB32_Premultiplied);
   int round = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     list.setRows(rows(++round));
     list.render(&image);
   }
@@ -70,13 +70,13 @@ BENCHMARK(updateAndPaintNineRows)->Unit(benchmark::kMicrosecond);
 void renderCircle(benchmark::State& state) {
   const auto pixels = static_cast<int>(state.range(0));
   const QColor green = MenuBarIcon::color(Tint::green);
-  for (auto _ : state)
+  while (state.KeepRunning())
     benchmark::DoNotOptimize(MenuBarIcon::image(QStringLiteral("circle.lefthalf.filled"), green, pixels));
 }
 BENCHMARK(renderCircle)->Arg(22)->Arg(64)->Unit(benchmark::kMicrosecond);
 
 void renderGear(benchmark::State& state) {
-  for (auto _ : state)
+  while (state.KeepRunning())
     benchmark::DoNotOptimize(symbolPixmap(QStringLiteral("gearshape.fill"), 16, Qt::black, 2));
 }
 BENCHMARK(renderGear)->Unit(benchmark::kMicrosecond);
