@@ -26,10 +26,11 @@ void writeApplications(const TemporaryTree& tree) {
     translations.append(key).append("What it does, in some words\n");
   }
   for (int i = 0; i < files; ++i) {
-    const std::string number = std::to_string(i);
-    tree.write("usr/bin/program" + number, "");
-    tree.write("usr/share/applications/org.example.Application" + number + ".desktop",
-               "[Desktop Entry]\nType=Application\nExec=program" + number + " %U\n" + translations);
+    const std::string program = "program" + std::to_string(i);
+    std::string entry = "[Desktop Entry]\nType=Application\nExec=";
+    entry.append(program).append(" %U\n").append(translations);
+    tree.write("usr/bin/" + program, "");
+    tree.write("usr/share/applications/org.example." + program + ".desktop", entry);
   }
 }
 

@@ -34,8 +34,10 @@ void formatShare(benchmark::State& state) {
 BENCHMARK(formatShare);
 
 std::vector<RowContent> rows(int round) {
+  constexpr int count = 9;
   std::vector<RowContent> rows;
-  for (int i = 0; i < 9; ++i) {
+  rows.reserve(count);
+  for (int i = 0; i < count; ++i) {
     rows.push_back({.id = "pid:" + std::to_string(i),
                     .name = QStringLiteral("Application %1").arg(i),
                     .symbol = QStringLiteral("gearshape.fill"),

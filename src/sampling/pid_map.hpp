@@ -72,6 +72,7 @@ class PidMap {
     constexpr std::size_t least = 16;
     std::vector<Slot> before(std::bit_ceil(std::max(least, count * 2)));
     before.swap(slots_);
+    shift_ = 32 - std::countr_zero(slots_.size());
     for (Slot& slot : before) {
       if (slot.pid != 0) slots_[placeOf(slot.pid)] = std::move(slot);
     }
@@ -96,8 +97,7 @@ class PidMap {
   /// Pids that follow one another are spread, so that none has to move far from its place.
   std::size_t home(std::int32_t pid) const {
     constexpr std::uint32_t golden = 2654435769;
-    const std::uint32_t spread = static_cast<std::uint32_t>(pid) * golden;
-    return spread >> (32 - std::bit_width(slots_.size() - 1));
+    return (static_cast<std::uint32_t>(pid) * golden) >> shift_;
   }
 
   /// Where a pid is, or else the free slot for it. At least half of them are free.
@@ -108,6 +108,7 @@ class PidMap {
   }
 
   std::vector<Slot> slots_;  // a power of two of them
+  int shift_ = 31;           // leaves as many bits as number them
   std::size_t size_ = 0;
 };
 
