@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <ctime>
@@ -36,8 +37,8 @@ std::size_t FloorSweep::run() {
 
 bool FloorSweep::read(const char* pid, const char* file) {
   std::array<char, 32> path{};  // at most 10 digits and 6 letters
-  std::memcpy(static_cast<char*>(::memccpy(path.data(), pid, '\0', path.size())) - 1, file,
-              std::strlen(file));
+  char* const end = std::copy(pid, pid + std::strlen(pid), path.data());
+  *std::copy(file, file + std::strlen(file), end) = '\0';
   const int descriptor = ::openat(::dirfd(directory_.get()), path.data(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) return false;
   const ssize_t length = ::read(descriptor, buffer_.data(), buffer_.size());
