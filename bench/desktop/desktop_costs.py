@@ -22,9 +22,9 @@ from virtual_desktop import WATCHER, VirtualDesktop
 
 BARE = STAGE / "bin/bare_tray_program"
 POPOVER_WIDTH = 300  # at least; pixels
-WATCHED = 4  # seconds for which the processor time of a monitor is watched
-SETTLED = 4  # seconds after which a program has drawn itself and looked around once
-SNAPSHOTS = 10  # seconds that hold three sweeps of the open popover
+WATCHED = 2  # seconds for which the processor time of a monitor is watched
+SETTLED = 3  # seconds after which a program has drawn itself and looked around once
+SNAPSHOTS = 7  # seconds that hold three sweeps of the open popover
 IDLE_PROCESSES = 300
 STARTS = 15
 
