@@ -146,10 +146,9 @@ PopoverWindow& TarnApp::popover() {
       // Without a menu bar this window is all there is of Tarn: closing it ends the program.
       if (popover_->style() == PopoverStyle::regular) platformTerminate();
       labelRenderer_.schedule();
-      // Once the window has let go of its own.
-      QMetaObject::invokeMethod(
-          this, [] { platformReturnMemory(); }, Qt::QueuedConnection);
     });
+    // Once the window has let go of its own.
+    connect(popover_.get(), &PopoverWindow::closed, this, &platformReturnMemory, Qt::QueuedConnection);
     applyTheme();
   }
   return *popover_;

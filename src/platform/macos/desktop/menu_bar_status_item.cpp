@@ -49,7 +49,7 @@ MenuBarStatusItem::MenuBarStatusItem(const Maker& make)
 void MenuBarStatusItem::show(const MenuBarLabel& label) {
   if (label == shown_) return;
   // The menu bar is always there. Who made the item is told once he can be.
-  if (!shown_) QMetaObject::invokeMethod(this, &MenuBarStatusItem::hostAppeared, Qt::QueuedConnection);
+  if (!shown_) QMetaObject::invokeMethod(this, "hostAppeared", Qt::QueuedConnection);
   shown_ = label;
   item_->show(statusItemContent(label));
 }
