@@ -85,7 +85,12 @@ void ApplicationIndex::build() {
   files_.clear();
   for (NameTable* names : {&byId_, &byExecutable_, &byServiceExecutable_, &byDirectory_, &byDirectoryName_})
     names->clear();
-  for (const std::string& data : dataDirectories_) addDirectory(roots_.root + data + "/applications", "", 0);
+  for (const std::string& data : dataDirectories_) {
+    // A link may lead to where there is no end of directories. That is its own data directory's loss alone.
+    constexpr std::size_t mostDirectories = 500;
+    directoryLimit_ = stamps_.size() + mostDirectories;
+    addDirectory(roots_.root + data + "/applications", "", 0);
+  }
   for (NameTable* names : {&byId_, &byExecutable_, &byDirectory_, &byDirectoryName_}) names->close();
   knownIds_ = {};
   for (const std::string& data : dataDirectories_) addServices(roots_.root + data + "/dbus-1/services");
@@ -95,13 +100,12 @@ void ApplicationIndex::build() {
 
 void ApplicationIndex::addDirectory(const std::string& directory, const std::string& idPrefix, int depth) {
   constexpr int deepest = 4;
-  constexpr std::size_t mostDirectories = 500;  // a link may lead to where there is no end of them
   const DirectoryState state = stateOf(directory);
   // A link may lead back: what is in a directory is known by the name that it has there first.
   const bool wasHere = std::any_of(stamps_.begin(), stamps_.end(), [&state](const Stamp& stamp) {
     return stamp.state != DirectoryState() && stamp.state.isSameDirectory(state);
   });
-  if (wasHere || depth > deepest || stamps_.size() >= mostDirectories) return;
+  if (wasHere || depth > deepest || stamps_.size() >= directoryLimit_) return;
   stamps_.push_back({directory, state});
   for (const std::string& name : namesIn(directory)) {
     const std::string path = joined(directory, '/', name);
