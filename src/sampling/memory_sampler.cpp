@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -35,7 +36,11 @@ MemorySnapshot MemorySampler::sample() {
   endSweep(start);
 
   MemorySnapshot snapshot;
-  snapshot.groups = makeGroups(tallyGroups());
+  tallyGroups();
+  rankGroups();
+  snapshot.groups = makeGroups();
+  std::swap(smoothedProcessCPU_, sweep_.smoothedCPU);
+  forgetVanishedApplications(snapshot.groups);
   snapshot.sweepDuration = port_.uptime() - start;
   // Outside the measured duration: the system's figures are not part of the sweep over processes.
   snapshot.system = port_.memory->read();
@@ -60,8 +65,8 @@ void MemorySampler::measure(std::int32_t pid) {
   const auto [ancestor, isFirst] = sweep_.live.tryEmplace(pid);
   if (!isFirst) return;
   const std::optional<BsdInfo> info = port_.processes->bsdInfo(pid);
-  Executable program = executable(pid, info);
-  *ancestor = {.ppid = info ? info->ppid : 0, .path = program.path, .root = std::move(program.bundle)};
+  const Executable& program = executable(pid, info);
+  *ancestor = {.ppid = info ? info->ppid : 0, .executable = &program, .root = program.bundle};
 
   const std::optional<ProcessUsage> usage = port_.processes->usage(pid);
   if (!usage) return;
@@ -73,25 +78,29 @@ void MemorySampler::measure(std::int32_t pid) {
     sample.cpuPercent = cpuPercent(pid, current);
     sweep_.cpu[pid] = current;
   }
-  sample.name = program.path.empty() ? nameWithoutPath(pid) : std::move(program.name);
-  sample.path = std::move(program.path);
+  sample.name = program.path.empty() ? nameWithoutPath(pid) : program.name;
+  sample.path = program.path;
   sweep_.samples.push_back(std::move(sample));
 }
 
-MemorySampler::Executable MemorySampler::executable(std::int32_t pid, const std::optional<BsdInfo>& info) {
+const MemorySampler::Executable& MemorySampler::executable(std::int32_t pid,
+                                                           const std::optional<BsdInfo>& info) {
   // Without a start time nothing says whether a cached path is still this process's.
-  if (!info) return readExecutable(pid);
+  if (!info) return executableAt(port_.processes->path(pid));
   const auto [cached, isNew] = pathCache_.tryEmplace(pid);
-  if (isNew || cached->startSec != info->startSec) *cached = {info->startSec, readExecutable(pid)};
-  return cached->executable;
+  if (isNew || cached->startSec != info->startSec) {
+    *cached = {info->startSec, &executableAt(port_.processes->path(pid))};
+  }
+  return *cached->executable;
 }
 
-MemorySampler::Executable MemorySampler::readExecutable(std::int32_t pid) {
-  std::string path = port_.processes->path(pid);
-  if (path.empty()) return {};
-  std::string name(lastPathComponent(path));
-  const SharedText& bundle = bundleRootText(path);
-  return {std::move(path), std::move(name), bundle};
+const MemorySampler::Executable& MemorySampler::executableAt(std::string_view path) {
+  const auto cached = bundleRootCache_.find(path);
+  if (cached != bundleRootCache_.end()) return cached->second;
+  Executable executable{std::string(path), std::string(lastPathComponent(path)),
+                        outermostBundle(path).value_or("")};
+  const std::string_view key = executable.path;
+  return bundleRootCache_.emplace(key, std::move(executable)).first->second;
 }
 
 double MemorySampler::cpuPercent(std::int32_t pid, const CachedCPU& current) const {
@@ -114,57 +123,62 @@ void MemorySampler::endSweep(double uptime) {
   }
 }
 
-MemorySampler::Tallies MemorySampler::tallyGroups() {
-  Tallies tallies;
-  tallies.groupOfSample.reserve(sweep_.samples.size());
-  std::unordered_map<std::string_view, std::size_t> groupOfRoot;
+void MemorySampler::tallyGroups() {
+  sweep_.tallies.clear();
+  sweep_.tallyOfSample.clear();
+  sweep_.smoothedCPU.clear();
+  std::unordered_map<std::string_view, std::size_t> tallyOfRoot;
   for (std::size_t i = 0; i < sweep_.samples.size(); ++i) {
     const ProcessSample& sample = sweep_.samples[i];
     SharedText root = ownRoot(sample.pid, *sweep_.live.find(sample.pid));
     if (root.empty()) root = ancestorBundleRoot(sample.pid);
-    std::size_t group = tallies.groups.size();
+    std::size_t place = sweep_.tallies.size();
     // A root's text lasts: whoever has it keeps it until the next sweep.
-    if (!root.empty()) group = groupOfRoot.try_emplace(root.string(), group).first->second;
-    if (group == tallies.groups.size()) tallies.groups.push_back({.root = std::move(root), .firstSample = i});
-    Tally& tally = tallies.groups[group];
+    if (!root.empty()) place = tallyOfRoot.try_emplace(root.string(), place).first->second;
+    if (place == sweep_.tallies.size()) sweep_.tallies.push_back({.root = std::move(root), .firstSample = i});
+    Tally& tally = sweep_.tallies[place];
     ++tally.count;
     tally.footprint = checkedAdd(tally.footprint, sample.footprint);
     tally.rawCPU += sample.cpuPercent;
-    tallies.groupOfSample.push_back(group);
+    sweep_.tallyOfSample.push_back(place);
   }
-  return tallies;
+  sweep_.applications = tallyOfRoot.size();
 }
 
-std::vector<AppGroup> MemorySampler::makeGroups(const Tallies& tallies) {
-  // What is sorted are places: groups are large to move.
-  std::vector<std::size_t> order(tallies.groups.size());
-  for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
-  std::sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
-    const std::uint64_t one = tallies.groups[left].footprint;
-    const std::uint64_t other = tallies.groups[right].footprint;
+void MemorySampler::rankGroups() {
+  // What is sorted are places: tallies are large to move.
+  sweep_.ranking.resize(sweep_.tallies.size());
+  std::iota(sweep_.ranking.begin(), sweep_.ranking.end(), std::size_t{0});
+  std::sort(sweep_.ranking.begin(), sweep_.ranking.end(), [this](std::size_t left, std::size_t right) {
+    const std::uint64_t one = sweep_.tallies[left].footprint;
+    const std::uint64_t other = sweep_.tallies[right].footprint;
     return one != other ? one > other : left < right;
   });
+}
 
+std::vector<AppGroup> MemorySampler::makeGroups() {
   std::vector<AppGroup> groups;
-  groups.reserve(order.size());
-  std::vector<std::size_t> place(order.size());
-  for (const std::size_t group : order) {
-    place[group] = groups.size();
-    groups.push_back(makeGroup(tallies.groups[group]));
+  groups.reserve(sweep_.tallies.size());
+  for (const std::size_t ranked : sweep_.ranking) {
+    sweep_.tallies[ranked].place = groups.size();
+    groups.push_back(makeGroup(sweep_.tallies[ranked]));
   }
   for (std::size_t i = 0; i < sweep_.samples.size(); ++i) {
-    groups[place[tallies.groupOfSample[i]]].processes.push_back(std::move(sweep_.samples[i]));
+    const Tally& tally = sweep_.tallies[sweep_.tallyOfSample[i]];
+    groups[tally.place].processes.push_back(std::move(sweep_.samples[i]));
   }
   for (AppGroup& group : groups) {
     if (group.processes.size() < 2) continue;
     std::stable_sort(group.processes.begin(), group.processes.end(), largestFootprintFirst);
   }
-  if (groups.size() < smoothedCPU_.size()) {
-    std::unordered_set<std::string_view> ids;
-    for (const AppGroup& group : groups) ids.insert(group.id);
-    std::erase_if(smoothedCPU_, [&](const auto& remembered) { return !ids.contains(remembered.first); });
-  }
   return groups;
+}
+
+void MemorySampler::forgetVanishedApplications(const std::vector<AppGroup>& groups) {
+  if (sweep_.applications == smoothedCPU_.size()) return;
+  std::unordered_set<std::string_view> roots;
+  for (const AppGroup& group : groups) roots.insert(group.id);
+  std::erase_if(smoothedCPU_, [&](const auto& remembered) { return !roots.contains(remembered.first); });
 }
 
 AppGroup MemorySampler::makeGroup(const Tally& tally) {
@@ -172,24 +186,30 @@ AppGroup MemorySampler::makeGroup(const Tally& tally) {
   AppGroup group{.id = tally.root.string(), .name = first.name, .footprint = tally.footprint};
   if (tally.root.empty()) {
     group.id = "pid:" + std::to_string(first.pid);
+    group.cpuPercent = smoothedOfProcess(first.pid, tally.rawCPU);
   } else {
     group.name = displayNameText(group.id);
     group.bundlePath = group.id;
+    group.cpuPercent = smoothedOfApplication(group.id, tally.rawCPU);
   }
-  group.cpuPercent = smoothed(group.id, tally.rawCPU);
   group.processes.reserve(tally.count);
   return group;
 }
 
-double MemorySampler::smoothed(const std::string& groupID, double raw) {
-  const auto [remembered, isNew] = smoothedCPU_.try_emplace(groupID, raw);
+double MemorySampler::smoothedOfApplication(const std::string& root, double raw) {
+  const auto [remembered, isNew] = smoothedCPU_.try_emplace(root, raw);
   if (!isNew) remembered->second += (raw - remembered->second) * cpuSmoothing;
   return remembered->second;
 }
 
+double MemorySampler::smoothedOfProcess(std::int32_t pid, double raw) {
+  const double* const remembered = smoothedProcessCPU_.find(pid);
+  return sweep_.smoothedCPU[pid] = remembered ? *remembered + (raw - *remembered) * cpuSmoothing : raw;
+}
+
 const SharedText& MemorySampler::ownRoot(std::int32_t pid, Ancestor& process) {
   if (process.root.empty() && !process.isAsked && port_.applicationRules) {
-    process.root = port_.applicationRules->applicationRoot(pid, process.path.string());
+    process.root = port_.applicationRules->applicationRoot(pid, process.executable->path.string());
   }
   process.isAsked = true;
   return process.root;
@@ -210,14 +230,8 @@ SharedText MemorySampler::ancestorBundleRoot(std::int32_t startPID) {
 }
 
 std::optional<std::string> MemorySampler::bundleRoot(const std::string& forPath) {
-  const SharedText& root = bundleRootText(forPath);
+  const SharedText& root = executableAt(forPath).bundle;
   return root.empty() ? std::nullopt : std::optional(root.string());
-}
-
-const SharedText& MemorySampler::bundleRootText(const std::string& path) {
-  const auto cached = bundleRootCache_.find(path);
-  if (cached != bundleRootCache_.end()) return cached->second;
-  return bundleRootCache_.emplace(path, outermostBundle(path).value_or("")).first->second;
 }
 
 std::string MemorySampler::displayName(const std::string& forBundleRoot) {

@@ -37,7 +37,8 @@ class MemorySampler {
   std::string displayName(const std::string& forBundleRoot);
 
  private:
-  /// An executable, and what its path alone tells.
+  /// An executable, and what its path alone tells. Processes of one path share one, which lasts as long as
+  /// the sampler.
   struct Executable {
     SharedText path;
     SharedText name;
@@ -45,7 +46,7 @@ class MemorySampler {
   };
   struct CachedPath {
     std::uint64_t startSec = 0;
-    Executable executable;
+    const Executable* executable = nullptr;
   };
   struct CachedCPU {
     std::uint64_t startSec = 0;
@@ -56,16 +57,8 @@ class MemorySampler {
   struct Ancestor {
     std::int32_t ppid = 0;  ///< 0 when unknown
     bool isAsked = false;   ///< whether the platform's rules were asked in this sweep
-    SharedText path;
+    const Executable* executable = nullptr;
     SharedText root;  ///< of its own application; empty without one, or before it is asked
-  };
-
-  /// What one sweep gathers before it groups. The room that it takes is kept for the next one.
-  struct Sweep {
-    std::optional<double> interval;  ///< nanoseconds since the previous sweep; absent when it did not advance
-    PidMap<Ancestor> live;           ///< every process that was listed
-    PidMap<CachedCPU> cpu;
-    std::vector<ProcessSample> samples;
   };
 
   /// A group before its records are made.
@@ -75,24 +68,37 @@ class MemorySampler {
     std::size_t count = 0;
     std::uint64_t footprint = 0;
     double rawCPU = 0;
+    std::size_t place = 0;  ///< among the snapshot's groups
   };
-  struct Tallies {
-    std::vector<Tally> groups;
-    std::vector<std::size_t> groupOfSample;
+
+  /// What one sweep gathers before it makes groups. The room that it takes is kept for the next one.
+  struct Sweep {
+    std::optional<double> interval;  ///< nanoseconds since the previous sweep; absent when it did not advance
+    PidMap<Ancestor> live;           ///< every process that was listed
+    PidMap<CachedCPU> cpu;
+    std::vector<ProcessSample> samples;
+    std::vector<Tally> tallies;
+    std::vector<std::size_t> tallyOfSample;
+    std::vector<std::size_t> ranking;  ///< places in `tallies`, largest footprint first
+    std::size_t applications = 0;      ///< how many of them have a root
+    PidMap<double> smoothedCPU;        ///< of those without one, by the only process of each
   };
 
   void beginSweep(double uptime, std::size_t processCount);
   void measure(std::int32_t pid);
-  Executable executable(std::int32_t pid, const std::optional<BsdInfo>& info);
-  Executable readExecutable(std::int32_t pid);
+  const Executable& executable(std::int32_t pid, const std::optional<BsdInfo>& info);
+  const Executable& executableAt(std::string_view path);
   double cpuPercent(std::int32_t pid, const CachedCPU& current) const;
   SharedText nameWithoutPath(std::int32_t pid);
   void endSweep(double uptime);
 
-  Tallies tallyGroups();
-  std::vector<AppGroup> makeGroups(const Tallies& tallies);
+  void tallyGroups();
+  void rankGroups();
+  std::vector<AppGroup> makeGroups();
+  void forgetVanishedApplications(const std::vector<AppGroup>& groups);
   AppGroup makeGroup(const Tally& tally);
-  double smoothed(const std::string& groupID, double raw);
+  double smoothedOfApplication(const std::string& root, double raw);
+  double smoothedOfProcess(std::int32_t pid, double raw);
 
   /// The application of a listed process by its path, else by the platform's rules; empty without one.
   const SharedText& ownRoot(std::int32_t pid, Ancestor& process);
@@ -100,16 +106,16 @@ class MemorySampler {
   /// The application of the nearest of at most eight ancestors that has one; empty without one.
   SharedText ancestorBundleRoot(std::int32_t startPID);
 
-  const SharedText& bundleRootText(const std::string& path);
   const SharedText& displayNameText(const std::string& bundleRoot);
 
   SamplerPort port_;
-  std::unordered_map<std::string, SharedText> bundleRootCache_;   ///< empty: it has none; never pruned
-  std::unordered_map<std::string, SharedText> displayNameCache_;  ///< never pruned
+  std::unordered_map<std::string_view, Executable> bundleRootCache_;  ///< by their own paths; never pruned
+  std::unordered_map<std::string, SharedText> displayNameCache_;      ///< never pruned
   PidMap<CachedPath> pathCache_;
   PidMap<CachedCPU> previousCPU_;
-  std::optional<double> previousUptime_;  ///< seconds, at the start of the previous sweep
-  std::unordered_map<std::string, double> smoothedCPU_;
+  std::optional<double> previousUptime_;                 ///< seconds, at the start of the previous sweep
+  std::unordered_map<std::string, double> smoothedCPU_;  ///< of groups that have a root, by it
+  PidMap<double> smoothedProcessCPU_;                    ///< of groups of one process without a root
   Sweep sweep_;
   static constexpr double cpuSmoothing = 0.4;  ///< weight of the newest value
 };

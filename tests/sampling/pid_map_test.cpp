@@ -42,13 +42,17 @@ TEST(PidMap, KeepsItsRoomWhenCleared) {
   EXPECT_EQ(*first, 0) << "as new";
 }
 
-TEST(PidMap, AgreesWithAMapOverRandomChanges) {
+/// Pids that the map is tried with: neighbours, and such as lie far apart.
+class PidMapOverTime : public testing::TestWithParam<std::int32_t> {};
+
+TEST_P(PidMapOverTime, AgreesWithAMapOverRandomChanges) {
+  const std::int32_t apart = GetParam();
   std::mt19937 random(1);
   PidMap<int> map;
   std::map<std::int32_t, int> expected;
   for (int step = 0; step < 20'000; ++step) {
     // Few pids, so that runs of neighbours form, grow and break.
-    const auto pid = static_cast<std::int32_t>(1 + random() % 300);
+    const auto pid = static_cast<std::int32_t>(1 + random() % 300) * apart;
     if (random() % 2 == 0) {
       map[pid] = step;
       expected[pid] = step;
@@ -58,10 +62,10 @@ TEST(PidMap, AgreesWithAMapOverRandomChanges) {
     }
     ASSERT_EQ(map.size(), expected.size());
   }
-  map.eraseIf([](std::int32_t pid, int) { return pid % 3 == 0; });
-  std::erase_if(expected, [](const auto& entry) { return entry.first % 3 == 0; });
+  map.eraseIf([=](std::int32_t pid, int) { return pid / apart % 3 == 0; });
+  std::erase_if(expected, [=](const auto& entry) { return entry.first / apart % 3 == 0; });
   EXPECT_EQ(map.size(), expected.size());
-  for (std::int32_t pid = 1; pid <= 300; ++pid) {
+  for (std::int32_t pid = apart; pid <= 300 * apart; pid += apart) {
     const auto entry = expected.find(pid);
     ASSERT_EQ(map.contains(pid), entry != expected.end()) << pid;
     if (entry != expected.end()) {
@@ -69,6 +73,8 @@ TEST(PidMap, AgreesWithAMapOverRandomChanges) {
     }
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Pids, PidMapOverTime, testing::Values(1, 8, 4096, 7'000'001));
 
 }  // namespace
 }  // namespace tarn
