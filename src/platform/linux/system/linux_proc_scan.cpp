@@ -82,11 +82,27 @@ std::vector<std::int32_t> LinuxProcScan::allPIDs() {
   errno = 0;
   while (const dirent* const entry = ::readdir(directory_.get())) {
     const auto pid = parseWholeNumber<std::int32_t>(static_cast<const char*>(entry->d_name));
-    if (pid && *pid > 0) pids.push_back(*pid);
+    if (pid && *pid > 0) {
+      pids.push_back(*pid);
+      askClockEarly(*pid);
+    }
     errno = 0;
   }
   if (errno != 0) return {};
   return pids;
+}
+
+/// What the kernel keeps of a process that it has just listed is still in the processor's caches.
+void LinuxProcScan::askClockEarly(std::int32_t pid) {
+  KnownProcess* const known = known_.find(pid);
+  if (known == nullptr) return;
+  known->clockAtListing = clock_(pid);
+  known->listing = sweep_;
+}
+
+/// A process's clock as of its listing, if that is news, else as of now.
+std::optional<std::uint64_t> LinuxProcScan::clockOf(std::int32_t pid, KnownProcess& known) const {
+  return std::exchange(known.listing, 0) == sweep_ ? known.clockAtListing : clock_(pid);
 }
 
 std::optional<BsdInfo> LinuxProcScan::bsdInfo(std::int32_t pid) {
@@ -176,16 +192,21 @@ bool LinuxProcScan::mayBeQuiet(std::int32_t pid) {
 /// Looks whether a process has run and, if so, reads it anew. Null, and forgotten, when it is gone.
 LinuxProcScan::KnownProcess* LinuxProcScan::refresh(std::int32_t pid) {
   const bool mayHaveSlept = mayBeQuiet(pid);
-  const auto time = clock_(pid);
-  KnownProcess* const known = known_.find(pid);
-  if (mayHaveSlept && known != nullptr && time == known->clockTime) {
-    known->isQuiet = true;
-    known->wasMetEarly = false;
-    known->sweep = sweep_;
-    return known;
+  std::optional<std::uint64_t> start;
+  std::optional<std::uint64_t> time;
+  if (KnownProcess* const known = known_.find(pid)) {
+    start = known->startTicks;
+    time = clockOf(pid, *known);
+    if (mayHaveSlept && time == known->clockTime) {
+      known->isQuiet = true;
+      known->wasMetEarly = false;
+      known->sweep = sweep_;
+      return known;
+    }
   }
   KnownProcess* const process = readAnew(pid);
-  if (process != nullptr) process->clockTime = time;
+  // What was asked for may have been the clock of another process, which has ended and left its pid.
+  if (process != nullptr) process->clockTime = process->startTicks == start ? time : clock_(pid);
   return process;
 }
 

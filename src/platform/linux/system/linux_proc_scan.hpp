@@ -68,10 +68,12 @@ class LinuxProcScan final : public ProcScan {
     std::uint64_t processorTicks = 0;        // as of the sweep below
     std::optional<std::uint64_t> clockTime;  // nanoseconds, as of the sweep below; nothing without a clock
     std::optional<std::uint64_t> footprint;  // bytes, when it was last asked for
-    std::uint64_t sweep = 0;                 // in which it was last met
-    bool isQuiet = false;                    // it has not run since the sweep before that
-    bool wasMetEarly = false;                // by a child, before its own turn in the sweep
-    std::uint64_t program = 0;               // another number for each program; 0 without one
+    std::optional<std::uint64_t> clockAtListing;
+    std::uint64_t listing = 0;  // the sweep of that, until it is used
+    std::uint64_t sweep = 0;    // in which it was last met
+    bool isQuiet = false;       // it has not run since the sweep before that
+    bool wasMetEarly = false;   // by a child, before its own turn in the sweep
+    std::uint64_t program = 0;  // another number for each program; 0 without one
     std::int32_t ppid = 0;
     std::uint32_t owner = 0;
   };
@@ -79,6 +81,8 @@ class LinuxProcScan final : public ProcScan {
   bool openDirectory();
   std::string_view readProcessFile(std::int32_t pid, std::string_view file, std::span<char> buffer);
   std::string_view readStatus(std::int32_t pid);
+  void askClockEarly(std::int32_t pid);
+  std::optional<std::uint64_t> clockOf(std::int32_t pid, KnownProcess& known) const;
   KnownProcess* refresh(std::int32_t pid);
   KnownProcess* readAnew(std::int32_t pid);
   bool mayBeQuiet(std::int32_t pid);

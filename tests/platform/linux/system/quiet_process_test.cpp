@@ -66,6 +66,27 @@ TEST_F(QuietProcessTest, IsNotReadAgainUntilItHasRun) {
   EXPECT_EQ(usage_->cpuTime, 5001U);
 }
 
+TEST_F(QuietProcessTest, HasItsOwnClockWhenItTakesAPidThatWasListedForAnother) {
+  clocks_[pid] = 7000;
+  processes_.allPIDs();
+  process_.startTicks += 1000;
+  process_.writeTo(tree_);
+  clocks_[pid] = 3;
+  processes_.bsdInfo(pid);
+  EXPECT_EQ(processes_.usage(pid)->cpuTime, 3U);
+}
+
+TEST_F(QuietProcessTest, IsAskedForItsClockOnceInASweep) {
+  std::uint64_t asked = 0;
+  LinuxProcScan processes(tree_.roots(), [&asked](std::int32_t) { return std::optional(++asked); });
+  for (std::uint64_t sweep = 1; sweep <= 3; ++sweep) {
+    processes.allPIDs();
+    processes.bsdInfo(40);
+    EXPECT_EQ(processes.usage(40)->cpuTime, sweep);
+  }
+  EXPECT_EQ(asked, 3U);
+}
+
 TEST_F(QuietProcessTest, IsReadWhenItsParentIsGone) {
   process_.ppid = "1";
   process_.writeTo(tree_);
