@@ -12,11 +12,11 @@ namespace tarn {
 
 namespace {
 
-/// Whether a figure of the tooltip is as good as another one: within 2 percent, or 10 MB.
+/// Whether a figure of the tooltip is as good as another one: within 5 percent, or 20 MB.
 bool isHardlyAnother(std::uint64_t told, std::uint64_t now) {
-  constexpr std::uint64_t little = std::uint64_t{10} << 20U;
+  constexpr std::uint64_t little = std::uint64_t{20} << 20U;
   const std::uint64_t difference = std::max(told, now) - std::min(told, now);
-  return difference <= std::max(little, told / 50);
+  return difference <= std::max(little, told / 20);
 }
 
 bool areHardlyOthers(const SystemMemory& told, const SystemMemory& now) {

@@ -125,19 +125,19 @@ MenuBarHover hoverOf(const SystemMemory& memory) {
 
 TEST(HoverToTell, IsTheSameAgainWhileTheFiguresHardlyMove) {
   const MenuBarHover told = hoverOf({.wired = 1000 * megabyte, .cachedFiles = 50 * megabyte});
-  MenuBarHover now = hoverOf({.wired = 1020 * megabyte, .cachedFiles = 60 * megabyte});
+  MenuBarHover now = hoverOf({.wired = 1050 * megabyte, .cachedFiles = 70 * megabyte});
   now.detail = QStringLiteral("Wired, a little more");
   EXPECT_EQ(hoverToTell(told, now, false), told);
   now.memory->wired += megabyte;
-  EXPECT_EQ(hoverToTell(told, now, false), now) << "more than 2 percent";
-  now = hoverOf({.wired = 1000 * megabyte, .cachedFiles = 39 * megabyte});
-  EXPECT_EQ(hoverToTell(told, now, false), now) << "less, by more than 10 MB";
-  EXPECT_EQ(hoverToTell(told, hoverOf({.wired = 1000 * megabyte, .swapUsed = 11 * megabyte}), false)
+  EXPECT_EQ(hoverToTell(told, now, false), now) << "more than 5 percent";
+  now = hoverOf({.wired = 1000 * megabyte, .cachedFiles = 29 * megabyte});
+  EXPECT_EQ(hoverToTell(told, now, false), now) << "less, by more than 20 MB";
+  EXPECT_EQ(hoverToTell(told, hoverOf({.wired = 1000 * megabyte, .swapUsed = 21 * megabyte}), false)
                 .memory->swapUsed,
-            11 * megabyte);
-  EXPECT_EQ(hoverToTell(told, hoverOf({.wired = 1000 * megabyte, .compressed = 11 * megabyte}), false)
+            21 * megabyte);
+  EXPECT_EQ(hoverToTell(told, hoverOf({.wired = 1000 * megabyte, .compressed = 21 * megabyte}), false)
                 .memory->compressed,
-            11 * megabyte);
+            21 * megabyte);
 }
 
 TEST(HoverToTell, IsNewWhenTheVerdictOrTheFootprintIs) {
