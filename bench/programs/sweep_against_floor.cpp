@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 // sweep_against_floor PROCESSES ROUNDS: starts processes until there are so many, then lets a sweep and the
-// floor take turns. Prints the medians of what each round costs in processor time, in microseconds.
+// floor take turns, each after others have used the processor's caches. Prints the medians of what each round
+// costs in processor time, in microseconds.
 
 #include <algorithm>
 #include <cstdio>
@@ -25,8 +26,17 @@ double processorMicroseconds() {
   return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
 }
 
+/// Between two sweeps lie seconds in which others have the processor: fills its caches with something else.
+void letOthersUseTheCaches() {
+  constexpr std::size_t largerThanCaches = std::size_t{64} << 20U;
+  constexpr std::size_t cacheLine = 64;
+  static std::vector<char> others(largerThanCaches);
+  for (std::size_t i = 0; i < others.size(); i += cacheLine) ++others[i];
+}
+
 template <typename Work>
 double costOf(Work&& work) {
+  letOthersUseTheCaches();
   const double begin = processorMicroseconds();
   work();
   return processorMicroseconds() - begin;
