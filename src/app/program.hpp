@@ -3,7 +3,10 @@
 
 #pragma once
 
+#include <QObject>
 #include <QString>
+#include <functional>
+#include <memory>
 #include <optional>
 
 namespace tarn {
@@ -18,6 +21,10 @@ void platformSpareMemory();
 
 /// Gives back to the system what the allocator keeps for later: after much was freed that is not soon wanted.
 void platformReturnMemory();
+
+/// Calls `switched` each time the user goes to another workspace, until the watch is destroyed. Null where
+/// nothing tells, or where popovers close by themselves then.
+std::unique_ptr<QObject> platformWorkspaceWatch(std::function<void()> switched);
 
 /// Ends the program, as programs end on the platform.
 void platformTerminate();

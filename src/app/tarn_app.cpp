@@ -147,6 +147,10 @@ PopoverWindow& TarnApp::popover() {
       if (popover_->style() == PopoverStyle::regular) platformTerminate();
       labelRenderer_.schedule();
     });
+    workspaceWatch_ = platformWorkspaceWatch([this] {
+      const bool isPopover = popover_ && popover_->isVisible() && popover_->style() != PopoverStyle::regular;
+      if (isPopover) popover_->close();
+    });
     // Once the window has let go of its own.
     connect(popover_.get(), &PopoverWindow::closed, this, &platformReturnMemory, Qt::QueuedConnection);
     applyTheme();

@@ -58,8 +58,9 @@ class TarnApp : public QObject {
   std::unique_ptr<MenuBarItem> item_;
   RenderScheduler labelRenderer_;
   MenuBarHover toldHover_;
-  bool hasMenuBar_ = true;                  ///< until the item says otherwise
-  std::unique_ptr<PopoverWindow> popover_;  ///< made at its first opening and kept
+  bool hasMenuBar_ = true;                   ///< until the item says otherwise
+  std::unique_ptr<PopoverWindow> popover_;   ///< made at its first opening and kept
+  std::unique_ptr<QObject> workspaceWatch_;  ///< likewise; null where there is none
 };
 
 }  // namespace tarn

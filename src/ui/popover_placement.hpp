@@ -6,6 +6,7 @@
 #include <QPoint>
 #include <QRect>
 #include <QSize>
+#include <functional>
 #include <optional>
 
 namespace tarn {
@@ -14,6 +15,21 @@ namespace tarn {
 struct ScreenArea {
   QRect whole;
   QRect available;  ///< without panels
+};
+
+/// What a compositor tells of where a window of ours goes.
+struct CompositorPlace {
+  ScreenArea screen;
+  QPoint pointer;  ///< its position, on that screen
+};
+
+/// How a compositor that alone places windows is asked to place ours, once it shows it; both empty where none
+/// is to be asked. Main thread.
+struct CompositorPlacement {
+  /// Where the pointer is; nothing while the compositor does not know the window. May move the window there.
+  std::function<std::optional<CompositorPlace>()> locate;
+  /// Moves the window's upper left corner.
+  std::function<void(const QPoint& corner)> moveTo;
 };
 
 /// Whether a position that a host sent for a click can be one: on the screen, and near an edge, where panels

@@ -26,6 +26,11 @@ constexpr int shadowDrop = 6;    ///< how far below the content the shadow lies
 constexpr std::chrono::milliseconds reopenGuard{400};  ///< in which a click's release follows its press
 constexpr int itemReach = 48;                          ///< a press this close to the click was the same click
 
+// A compositor knows a window some milliseconds after the toolkit has shown it, and draws its next frame up
+// to 16 later: by then it is to be in its place.
+constexpr std::chrono::milliseconds compositorInterval{4};
+constexpr int compositorPatience = 75;  ///< attempts
+
 Qt::WindowFlags flagsFor(PopoverStyle style) {
   switch (style) {
     case PopoverStyle::popup:
@@ -70,6 +75,8 @@ PopoverWindow::PopoverWindow(PopoverView* view, Clock clock) : view_(view), cloc
   frame->setContentsMargins(0, 0, 0, 0);
   frame->setSizeConstraint(QLayout::SetNoConstraint);
   frame->addWidget(view_);
+  compositorTimer_.setSingleShot(true);
+  connect(&compositorTimer_, &QTimer::timeout, this, &PopoverWindow::askCompositor);
 }
 
 void PopoverWindow::setTheme(const Theme& theme) {
@@ -78,6 +85,7 @@ void PopoverWindow::setTheme(const Theme& theme) {
 
 void PopoverWindow::open(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem) {
   anchor_ = anchor;
+  isAtPointer_ = false;
   closedByPress_.reset();
   applyStyle(style, windowSystem);
   show();
@@ -96,7 +104,9 @@ void PopoverWindow::toggle(PopoverStyle style, std::optional<QPoint> anchor,
       style_ == PopoverStyle::tool || !anchor || (*anchor - lastPress_).manhattanLength() < itemReach;
   const bool sameClick = isNear && closedByPress_ && clock_() - *closedByPress_ < reopenGuard;
   closedByPress_.reset();
-  if (!sameClick) open(style, anchor, windowSystem);
+  if (sameClick) return;
+  open(style, anchor, windowSystem);
+  isAtPointer_ = true;
 }
 
 void PopoverWindow::applyStyle(PopoverStyle style, const WindowSystem& windowSystem) {
@@ -110,6 +120,7 @@ void PopoverWindow::applyStyle(PopoverStyle style, const WindowSystem& windowSys
   style_ = style;
   blended_ = blended;
   isPlaced_ = windowSystem.clientsPlaceWindows && style != PopoverStyle::regular;
+  compositor_ = style == PopoverStyle::regular ? CompositorPlacement() : windowSystem.compositor;
   const int margin = blended ? shadowReach : 0;
   layout()->setContentsMargins(margin, margin, margin, margin);
 }
@@ -119,6 +130,7 @@ QRect PopoverWindow::contentFrame() const {
 }
 
 ScreenArea PopoverWindow::screenArea() const {
+  if (compositorPlace_) return compositorPlace_->screen;
   const QScreen* screen = anchor_ ? QGuiApplication::screenAt(*anchor_) : nullptr;
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();
   if (screen == nullptr) return {};
@@ -139,8 +151,29 @@ void PopoverWindow::place(const QSize& size) {
     setGeometry(popoverFrame(anchor_, size, screenArea()).marginsAdded(margins));
   } else {
     resize(size.grownBy(margins));
+    moveByCompositor(size);
   }
   cutCorners();
+}
+
+/// Asks again and again until the compositor knows the window; it stays where it is if that never happens.
+void PopoverWindow::askCompositor() {
+  if (!isVisible()) return;
+  compositorPlace_ = compositor_.locate();
+  if (compositorPlace_) {
+    fitToContent();
+  } else if (--compositorAttempts_ > 0) {
+    compositorTimer_.start(compositorInterval);
+  }
+}
+
+void PopoverWindow::moveByCompositor(const QSize& size) {
+  if (!compositorPlace_) return;
+  const auto& [screen, pointer] = *compositorPlace_;
+  const bool isBeside = isAtPointer_ && isPlausibleAnchor(pointer, screen);
+  const QRect frame = popoverFrame(isBeside ? std::optional(pointer) : std::nullopt, size, screen);
+  const QPoint corner = frame.marginsAdded(layout()->contentsMargins()).topLeft();
+  if (std::exchange(compositorCorner_, corner) != corner) compositor_.moveTo(corner);
 }
 
 /// Where nothing blends the corners, the window itself is cut. The toolkit's own mask of a widget would also
@@ -159,7 +192,13 @@ bool PopoverWindow::event(QEvent* event) {
 
 void PopoverWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
+  compositorPlace_.reset();
+  compositorCorner_.reset();
   fitToContent();
+  if (compositor_.locate) {
+    compositorAttempts_ = compositorPatience;
+    compositorTimer_.start(compositorInterval);
+  }
   // Nothing is ringed until somebody uses the keyboard; Tab then goes to the first control.
   setFocus(Qt::OtherFocusReason);
 }

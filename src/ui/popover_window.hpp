@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QTimer>
 #include <QWidget>
 #include <chrono>
 #include <functional>
@@ -28,6 +29,7 @@ struct WindowSystem {
   bool blendsWindows = false;       ///< a compositor shows translucent windows
   bool popupsTakeKeys = true;       ///< where they do not, the popover is a window with the focus instead
   bool hostKnowsItsPlace = false;   ///< where it says that the item was clicked is exact
+  CompositorPlacement compositor;   ///< where clients do not place windows
 };
 
 /// Asks the running system anew, since a compositor may come and go. Main thread; each platform folder
@@ -71,6 +73,8 @@ class PopoverWindow : public QWidget {
 
  private:
   void applyStyle(PopoverStyle style, const WindowSystem& windowSystem);
+  void askCompositor();
+  void moveByCompositor(const QSize& size);
   void fitToContent();
   void place(const QSize& size);
   void cutCorners();
@@ -82,6 +86,12 @@ class PopoverWindow : public QWidget {
   std::optional<QPoint> anchor_;
   bool blended_ = false;
   bool isPlaced_ = true;  ///< beside the item
+  CompositorPlacement compositor_;
+  std::optional<CompositorPlace> compositorPlace_;  ///< once the compositor has told it of the open window
+  std::optional<QPoint> compositorCorner_;          ///< where it was told to move the window
+  bool isAtPointer_ = false;                        ///< it was opened by a click
+  QTimer compositorTimer_;
+  int compositorAttempts_ = 0;
   Clock clock_;
   QPoint lastPress_;  ///< where that press was, in screen coordinates
   /// When a press outside closed the popover; absent unless that is how it was closed last.

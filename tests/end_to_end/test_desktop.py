@@ -212,6 +212,12 @@ class ClicksTest(DesktopTest):
         self.desktop.click((SIZE[0] // 4, SIZE[1] // 2))
         self.popover.wait_until_closed()
 
+    def test_going_to_another_workspace_closes_it(self):
+        self.popover.open()
+        self.desktop.run("xdotool", "set_desktop", "1")
+        self.popover.wait_until_closed()
+        self.desktop.run("xdotool", "set_desktop", "0")
+
     def test_it_is_320_wide_and_hangs_below_the_item(self):
         content = self.popover.open()
         window = next(node for node in self.desktop.accessibility.tree_of(self.tarn.pid).children

@@ -73,6 +73,10 @@ void platformSpareMemory() {}
 
 void platformReturnMemory() {}
 
+std::unique_ptr<QObject> platformWorkspaceWatch(std::function<void()> /*switched*/) {
+  return nullptr;
+}
+
 void platformTerminate() {
   QCoreApplication::quit();
 }

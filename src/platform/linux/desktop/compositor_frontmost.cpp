@@ -7,19 +7,14 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonValue>
-#include <chrono>
-#include <cstring>
 #include <limits>
 #include <utility>
 
-#include "platform/linux/desktop/bounded_socket.hpp"
+#include "platform/linux/desktop/compositor_sockets.hpp"
 
 namespace tarn {
 
 namespace {
-
-constexpr auto patience = std::chrono::milliseconds(50);
-constexpr std::size_t longestAnswer = std::size_t{4} << 20;
 
 QJsonObject objectIn(std::string_view json) {
   const QByteArray bytes(json.data(), static_cast<qsizetype>(json.size()));
@@ -48,29 +43,6 @@ QJsonObject focusedIn(const QJsonObject& node, int depth) {
   return {};
 }
 
-std::optional<std::string> askSway(const std::string& path) {
-  constexpr std::string_view magic = "i3-ipc";
-  constexpr std::uint32_t getTree = 4;
-  constexpr std::size_t numbers = 2 * sizeof(std::uint32_t);  // length, kind; in the machine's own order
-  BoundedSocket socket(path, BoundedSocket::Clock::now() + patience);
-  std::string question(magic);
-  const std::uint32_t head[] = {0, getTree};
-  question.append(reinterpret_cast<const char*>(head), numbers);
-  if (!socket.send(question)) return std::nullopt;
-  const auto answer = socket.receive(magic.size() + numbers);
-  std::uint32_t length = 0;
-  if (!answer || !answer->starts_with(magic)) return std::nullopt;
-  std::memcpy(&length, answer->data() + magic.size(), sizeof length);
-  if (length > longestAnswer) return std::nullopt;
-  return socket.receive(length);
-}
-
-std::optional<std::string> askHyprland(const std::string& path) {
-  BoundedSocket socket(path, BoundedSocket::Clock::now() + patience);
-  if (!socket.send("j/activewindow")) return std::nullopt;
-  return socket.receiveAll(longestAnswer);
-}
-
 std::optional<FrontmostApplication> applicationOf(std::optional<std::int32_t> pid) {
   if (!pid) return std::nullopt;
   return FrontmostApplication{std::nullopt, *pid};
@@ -88,14 +60,14 @@ std::optional<std::int32_t> processOfWindow(std::string_view json) {
 
 FrontmostApplicationSource swayFrontmostApplication(std::string socket) {
   return [socket = std::move(socket)] {
-    const auto tree = askSway(socket);
+    const auto tree = askSway(socket, SwayQuestion::getTree);
     return applicationOf(tree ? focusedProcessInTree(*tree) : std::nullopt);
   };
 }
 
 FrontmostApplicationSource hyprlandFrontmostApplication(std::string socket) {
   return [socket = std::move(socket)] {
-    const auto window = askHyprland(socket);
+    const auto window = askHyprland(socket, "j/activewindow");
     return applicationOf(window ? processOfWindow(*window) : std::nullopt);
   };
 }

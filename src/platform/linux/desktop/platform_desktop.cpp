@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include <QtGui/qguiapplication_platform.h>
 #include <malloc.h>
 
 #include <QCoreApplication>
@@ -8,15 +9,18 @@
 #include <QGuiApplication>
 #include <chrono>
 #include <memory>
+#include <utility>
 
 #include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
 #include "platform/linux/desktop/bus_single_instance.hpp"
 #include "platform/linux/desktop/compositor_frontmost.hpp"
+#include "platform/linux/desktop/compositor_sockets.hpp"
 #include "platform/linux/desktop/panel_item.hpp"
 #include "platform/linux/desktop/portal_color_scheme.hpp"
 #include "platform/linux/desktop/x11_frontmost.hpp"
+#include "platform/linux/desktop/x11_workspace_watch.hpp"
 #include "ui/color_scheme.hpp"
 #include "ui/menu_bar_item.hpp"
 
@@ -67,6 +71,13 @@ void platformReturnMemory() {
   malloc_trim(0);
 }
 
+std::unique_ptr<QObject> platformWorkspaceWatch(std::function<void()> switched) {
+  // On Wayland the popover has the focus, and loses it.
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (x11 == nullptr) return nullptr;
+  return std::make_unique<X11WorkspaceWatch>(x11->connection(), std::move(switched));
+}
+
 void platformTerminate() {
   QCoreApplication::quit();
 }
@@ -74,14 +85,9 @@ void platformTerminate() {
 FrontmostApplicationSource platformFrontmostApplication() {
   // Under Wayland an X server may be there too, but it knows only the windows of its own clients.
   if (runsOnX11()) return x11FrontmostApplication(std::make_shared<X11Session>());
-  const QString sway = qEnvironmentVariable("SWAYSOCK");
-  if (!sway.isEmpty()) return swayFrontmostApplication(sway.toStdString());
-  const QString hyprland = qEnvironmentVariable("HYPRLAND_INSTANCE_SIGNATURE");
-  if (!hyprland.isEmpty()) {
-    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    const QString socket = runtime + QStringLiteral("/hypr/") + hyprland + QStringLiteral("/.socket.sock");
-    return hyprlandFrontmostApplication(socket.toStdString());
-  }
+  if (const std::string sway = swaySocket(); !sway.empty()) return swayFrontmostApplication(sway);
+  if (const std::string hyprland = hyprlandSocket(); !hyprland.empty())
+    return hyprlandFrontmostApplication(hyprland);
   return [] { return std::optional<FrontmostApplication>(); };
 }
 

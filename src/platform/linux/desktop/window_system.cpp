@@ -8,7 +8,10 @@
 #include <QGuiApplication>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
+#include "platform/linux/desktop/compositor_placement.hpp"
+#include "platform/linux/desktop/compositor_sockets.hpp"
 #include "ui/popover_window.hpp"
 
 namespace tarn {
@@ -34,13 +37,22 @@ bool hasCompositor(xcb_connection_t* connection) {
   return owner && owner->owner != XCB_NONE;
 }
 
+CompositorPlacement compositorPlacement() {
+  if (std::string sway = swaySocket(); !sway.empty()) return swayPlacement(std::move(sway));
+  if (std::string hyprland = hyprlandSocket(); !hyprland.empty())
+    return hyprlandPlacement(std::move(hyprland));
+  return {};
+}
+
 }  // namespace
 
 WindowSystem platformWindowSystem() {
   const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (x11 != nullptr) return {.clientsPlaceWindows = true, .blendsWindows = hasCompositor(x11->connection())};
   const bool isWayland = QGuiApplication::platformName().startsWith(u"wayland");
-  return {.clientsPlaceWindows = !isWayland, .blendsWindows = isWayland};
+  return {.clientsPlaceWindows = !isWayland,
+          .blendsWindows = isWayland,
+          .compositor = isWayland ? compositorPlacement() : CompositorPlacement()};
 }
 
 }  // namespace tarn

@@ -90,6 +90,10 @@ void platformSpareMemory() {}
 
 void platformReturnMemory() {}
 
+std::unique_ptr<QObject> platformWorkspaceWatch(std::function<void()> /*switched*/) {
+  return nullptr;  // the popover has the focus, and loses it
+}
+
 void platformTerminate() {
   macos::terminate();
 }

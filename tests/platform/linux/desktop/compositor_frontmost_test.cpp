@@ -4,71 +4,18 @@
 #include "platform/linux/desktop/compositor_frontmost.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 
+#include <atomic>
 #include <chrono>
-#include <cstring>
-#include <filesystem>
-#include <functional>
-#include <thread>
+#include <string>
 
 #include "platform/linux/desktop/bounded_socket.hpp"
+#include "platform/linux/desktop/fake_compositor.hpp"
 
 namespace tarn {
 namespace {
 
 using namespace std::string_literals;
-
-/// A compositor that answers one connection.
-class FakeCompositor {
- public:
-  explicit FakeCompositor(std::function<void(int connection)> answer) {
-    std::string folder = (std::filesystem::temp_directory_path() / "tarn-test-XXXXXX").string();
-    folder_ = ::mkdtemp(folder.data());
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path().copy(static_cast<char*>(address.sun_path), path().size());
-    listener_ = FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    EXPECT_EQ(::bind(listener_.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(::listen(listener_.number(), 1), 0);
-    thread_ = std::thread([this, answer = std::move(answer)] {
-      const FileDescriptor connection(::accept(listener_.number(), nullptr, nullptr));
-      if (connection.valid()) answer(connection.number());
-    });
-  }
-  FakeCompositor(const FakeCompositor&) = delete;
-  FakeCompositor& operator=(const FakeCompositor&) = delete;
-  ~FakeCompositor() {
-    ::shutdown(listener_.number(), SHUT_RDWR);
-    thread_.join();
-    std::filesystem::remove_all(folder_);
-  }
-
-  std::string path() const { return folder_ + "/socket"; }
-
- private:
-  std::string folder_;
-  FileDescriptor listener_;
-  std::thread thread_;
-};
-
-void write(int connection, const std::string& bytes) {
-  EXPECT_EQ(::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
-}
-
-std::string readQuestion(int connection, std::size_t size) {
-  std::string question(size, '\0');
-  EXPECT_EQ(::recv(connection, question.data(), size, MSG_WAITALL), static_cast<ssize_t>(size));
-  return question;
-}
-
-std::string swayAnswer(const std::string& json) {
-  const auto length = static_cast<std::uint32_t>(json.size());
-  std::string answer = "i3-ipc"s + std::string(8, '\0') + json;
-  std::memcpy(answer.data() + 6, &length, sizeof length);
-  return answer;
-}
 
 constexpr auto tree = R"({"type":"root","focused":false,"nodes":[{"type":"output","nodes":[
   {"type":"workspace","focused":false,"nodes":[{"type":"con","focused":false,"pid":11},
