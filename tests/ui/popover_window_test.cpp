@@ -13,9 +13,11 @@
 #include <QSignalSpy>
 #include <QWindow>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ui/popover_stage.hpp"
@@ -267,6 +269,29 @@ TEST_F(PopoverWindowTest, RingsNothingWhenItOpens) {
   pressKey(*QApplication::focusWidget(), Qt::Key_Tab);
   ASSERT_NE(QApplication::focusWidget(), nullptr);
   EXPECT_NE(qobject_cast<TabSegment*>(QApplication::focusWidget()), nullptr);
+}
+
+TEST_F(PopoverWindowTest, TellsTheModelOnceWhenItOpensAndOnceWhenItClosesHoweverItDoes) {
+  const std::vector<std::pair<PopoverStyle, std::function<void()>>> ways{
+      {PopoverStyle::popup, [this] { pressKey(window_, Qt::Key_Escape); }},
+      {PopoverStyle::popup, [this] { press(window_.geometry().bottomRight() + QPoint(40, 40)); }},
+      {PopoverStyle::popup, [this] { toggle(); }},
+      {PopoverStyle::tool, [this] { pressKey(*view_, Qt::Key_Escape); }},
+      {PopoverStyle::tool, [] { QApplication::setActiveWindow(nullptr); }},
+      {PopoverStyle::tool, [this] { toggle(item, PopoverStyle::tool); }},
+      {PopoverStyle::regular, [this] { window_.close(); }}};
+  std::vector<double> expected = stage_.timerIntervals();
+  for (const auto& [style, close] : ways) {
+    now_ += 1s;
+    open(style);
+    expected.push_back(3);
+    EXPECT_EQ(stage_.timerIntervals(), expected);
+    close();
+    PopoverStage::settle();
+    expected.push_back(30);
+    EXPECT_EQ(stage_.timerIntervals(), expected);
+    EXPECT_FALSE(window_.isVisible());
+  }
 }
 
 TEST_F(PopoverWindowTest, ChangesItsStyleWhileItIsOpen) {
