@@ -25,6 +25,7 @@ int main(int argc, char* argv[]) {
     return 1;
   }
   const QApplication application(argc, argv);
+  const auto endings = tarn::platformEndOnSignals();
   tarn::installAccessibility();
 
   tarn::TarnApp* running = nullptr;

@@ -26,6 +26,10 @@ void platformReturnMemory();
 /// nothing tells, or where popovers close by themselves then.
 std::unique_ptr<QObject> platformWorkspaceWatch(std::function<void()> switched);
 
+/// Has the program end, as by `platformTerminate`, when the system or the user asks it to by a signal, until
+/// the answer is destroyed. Null where signals have no such meaning.
+std::unique_ptr<QObject> platformEndOnSignals();
+
 /// Ends the program, as programs end on the platform.
 void platformTerminate();
 

@@ -213,6 +213,7 @@ class ClicksTest(DesktopTest):
         self.popover.wait_until_closed()
 
     def test_going_to_another_workspace_closes_it(self):
+        self.desktop.run("xdotool", "set_num_desktops", "2")
         self.popover.open()
         self.desktop.run("xdotool", "set_desktop", "1")
         self.popover.wait_until_closed()

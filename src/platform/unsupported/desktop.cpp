@@ -77,6 +77,10 @@ std::unique_ptr<QObject> platformWorkspaceWatch(std::function<void()> /*switched
   return nullptr;
 }
 
+std::unique_ptr<QObject> platformEndOnSignals() {
+  return nullptr;
+}
+
 void platformTerminate() {
   QCoreApplication::quit();
 }

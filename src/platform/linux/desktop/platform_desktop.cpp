@@ -19,6 +19,7 @@
 #include "platform/linux/desktop/compositor_sockets.hpp"
 #include "platform/linux/desktop/panel_item.hpp"
 #include "platform/linux/desktop/portal_color_scheme.hpp"
+#include "platform/linux/desktop/termination_signals.hpp"
 #include "platform/linux/desktop/x11_frontmost.hpp"
 #include "platform/linux/desktop/x11_workspace_watch.hpp"
 #include "ui/color_scheme.hpp"
@@ -76,6 +77,10 @@ std::unique_ptr<QObject> platformWorkspaceWatch(std::function<void()> switched) 
   const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (x11 == nullptr) return nullptr;
   return std::make_unique<X11WorkspaceWatch>(x11->connection(), std::move(switched));
+}
+
+std::unique_ptr<QObject> platformEndOnSignals() {
+  return std::make_unique<TerminationSignals>(platformTerminate);
 }
 
 void platformTerminate() {

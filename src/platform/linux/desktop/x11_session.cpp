@@ -15,16 +15,13 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/desktop/xcb_reply.hpp"
 #include "platform/linux/system/declared_process.hpp"
 
 namespace tarn {
 namespace {
 
 constexpr std::uint32_t longestProperty = 64;  // four-byte units
-
-xcb_intern_atom_cookie_t askForAtom(xcb_connection_t* connection, std::string_view name) {
-  return xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-}
 
 std::optional<std::uint32_t> number(const std::vector<std::uint8_t>& bytes) {
   std::uint32_t value = 0;
@@ -62,7 +59,7 @@ std::optional<std::int32_t> X11Session::activeProcess(Clock::time_point deadline
 std::optional<bool> X11Session::hasEmbeddingTray(Clock::time_point deadline) {
   if (!isReady(deadline)) return std::nullopt;
   const auto cookie = xcb_get_selection_owner(connection_.get(), names_->trayOwner);
-  const Owned<xcb_get_selection_owner_reply_t> reply(
+  const XcbReply<xcb_get_selection_owner_reply_t> reply(
       static_cast<xcb_get_selection_owner_reply_t*>(awaitReply(cookie.sequence, deadline)));
   if (!reply) return std::nullopt;
   return reply->owner != XCB_WINDOW_NONE;
@@ -96,7 +93,7 @@ bool X11Session::learnNames(Clock::time_point deadline) {
                            askForAtom(connection, "_NET_WM_PID"), askForAtom(connection, tray)};
   std::array<std::uint32_t, cookies.size()> atoms{};
   for (std::size_t index = 0; index < cookies.size(); ++index) {
-    const Owned<xcb_intern_atom_reply_t> reply(
+    const XcbReply<xcb_intern_atom_reply_t> reply(
         static_cast<xcb_intern_atom_reply_t*>(awaitReply(cookies[index].sequence, deadline)));
     if (!reply) {
       while (++index < cookies.size()) xcb_discard_reply(connection, cookies[index].sequence);
@@ -173,7 +170,7 @@ std::optional<std::int32_t> X11Session::declaredProcess(std::uint32_t window, Cl
 
 std::vector<std::uint8_t> X11Session::property(unsigned sequence, std::uint32_t type, std::uint8_t bits,
                                                Clock::time_point deadline) {
-  const Owned<xcb_get_property_reply_t> reply(
+  const XcbReply<xcb_get_property_reply_t> reply(
       static_cast<xcb_get_property_reply_t*>(awaitReply(sequence, deadline)));
   if (!reply || reply->format != bits || (type != XCB_GET_PROPERTY_TYPE_ANY && reply->type != type))
     return {};
@@ -182,7 +179,7 @@ std::vector<std::uint8_t> X11Session::property(unsigned sequence, std::uint32_t 
 }
 
 std::optional<std::int32_t> X11Session::peerProcess(unsigned sequence, Clock::time_point deadline) {
-  const Owned<xcb_res_query_client_ids_reply_t> reply(
+  const XcbReply<xcb_res_query_client_ids_reply_t> reply(
       static_cast<xcb_res_query_client_ids_reply_t*>(awaitReply(sequence, deadline)));
   if (!reply) return std::nullopt;
   auto identities = xcb_res_query_client_ids_ids_iterator(reply.get());

@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,11 +42,6 @@ class X11Session {
   struct Disconnect {
     void operator()(xcb_connection_t* connection) const;
   };
-  struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-  };
-  template <typename Reply>
-  using Owned = std::unique_ptr<Reply, Free>;
 
   // Everything that is asked by name, known once per connection.
   struct Names {

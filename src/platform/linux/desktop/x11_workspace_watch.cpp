@@ -4,20 +4,14 @@
 #include "platform/linux/desktop/x11_workspace_watch.hpp"
 
 #include <QCoreApplication>
-#include <cstdlib>
-#include <memory>
-#include <string_view>
 #include <utility>
+
+#include "platform/linux/desktop/xcb_reply.hpp"
 
 namespace tarn {
 
 X11WorkspaceWatch::X11WorkspaceWatch(xcb_connection_t* connection, std::function<void()> switched)
-    : switched_(std::move(switched)) {
-  constexpr std::string_view name = "_NET_CURRENT_DESKTOP";
-  const auto question = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-  const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> answer(
-      xcb_intern_atom_reply(connection, question, nullptr), &std::free);
-  if (answer) currentWorkspace_ = answer->atom;
+    : switched_(std::move(switched)), currentWorkspace_(atomOf(connection, "_NET_CURRENT_DESKTOP")) {
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
 

@@ -22,7 +22,7 @@ class X11WorkspaceWatch final : public QObject, private QAbstractNativeEventFilt
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
   std::function<void()> switched_;
-  xcb_atom_t currentWorkspace_ = XCB_ATOM_NONE;
+  xcb_atom_t currentWorkspace_;
 };
 
 }  // namespace tarn

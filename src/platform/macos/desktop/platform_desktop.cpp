@@ -94,6 +94,10 @@ std::unique_ptr<QObject> platformWorkspaceWatch(std::function<void()> /*switched
   return nullptr;  // the popover has the focus, and loses it
 }
 
+std::unique_ptr<QObject> platformEndOnSignals() {
+  return nullptr;  // the system ends applications by an event of its own
+}
+
 void platformTerminate() {
   macos::terminate();
 }
