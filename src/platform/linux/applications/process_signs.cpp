@@ -48,6 +48,13 @@ bool drop(std::string_view& text, std::string_view ending) {
   return true;
 }
 
+/// Likewise a beginning.
+bool dropStem(std::string_view& text, std::string_view stem) {
+  if (!text.starts_with(stem)) return false;
+  text.remove_prefix(stem.size());
+  return true;
+}
+
 std::string snapId(std::string id, std::string_view command) {
   id += '_';
   id += command;
@@ -77,35 +84,34 @@ bool replacesTheScript(std::string_view option) {
 std::vector<std::string> sandboxIds(std::string_view controlGroup) {
   constexpr std::string_view flatpak = "app-flatpak-";
   constexpr std::string_view snap = "snap.";
+  std::vector<std::string> ids;
   for (std::string_view unit : split(controlGroup, '/')) {
-    if (unit.starts_with(flatpak) && drop(unit, ".scope")) {
-      unit.remove_prefix(flatpak.size());
-      return {unescaped(unit.substr(0, unit.rfind('-')))};
+    if (dropStem(unit, flatpak) && drop(unit, ".scope")) {
+      addUnlessKnown(ids, unescaped(unit.substr(0, unit.rfind('-'))));
+      return ids;
     }
-    if (unit.starts_with(snap) && (drop(unit, ".scope") || drop(unit, ".service"))) {
-      const Parts parts = split(unit.substr(snap.size()), '.');
+    if (dropStem(unit, snap) && (drop(unit, ".scope") || drop(unit, ".service"))) {
+      const Parts parts = split(unit, '.');
       const std::string name = unescaped(parts.front());
-      if (parts.size() == 1) return {snapId(name, name)};
       // What follows the command is a number of the launch, after a full stop or a hyphen.
-      const std::string command = unescaped(parts[1]);
-      std::vector<std::string> ids{snapId(name, command)};
+      const std::string command = parts.size() == 1 ? name : unescaped(parts[1]);
+      addUnlessKnown(ids, snapId(name, command));
       addUnlessKnown(ids, snapId(name, command.substr(0, command.find('-'))));
       addUnlessKnown(ids, snapId(name, name));
       return ids;
     }
   }
-  return {};
+  return ids;
 }
 
 std::vector<std::string> unitIds(std::string_view controlGroup) {
   constexpr std::string_view stem = "app-";
   std::vector<std::string> ids;
   for (std::string_view unit : split(controlGroup, '/')) {
-    if (!unit.starts_with(stem)) continue;
+    if (!dropStem(unit, stem)) continue;
     const bool isScope = drop(unit, ".scope");
     // The processes of an application that makes units of its own lie below its slice.
     if (!isScope && !drop(unit, ".service") && !drop(unit, ".slice")) continue;
-    unit.remove_prefix(stem.size());
     const std::size_t instance = unit.rfind('@');
     Parts parts = split(unit.substr(0, instance), '-');
     // A scope's name ends in a number of the launch.

@@ -79,7 +79,8 @@ std::optional<std::int32_t> parseInnermostPid(std::string_view status) {
   std::string_view pids = valueOf(status, "NSpid:");
   std::string_view innermost;
   for (std::string_view pid = takeWord(pids); !pid.empty(); pid = takeWord(pids)) innermost = pid;
-  return parseWholeNumber<std::int32_t>(innermost);
+  const auto pid = parseWholeNumber<std::int32_t>(innermost);
+  return pid && *pid > 0 ? pid : std::nullopt;
 }
 
 bool hasMemory(std::string_view status) {

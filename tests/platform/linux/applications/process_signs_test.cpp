@@ -30,6 +30,12 @@ TEST(SandboxIds, AreASnaps) {
   EXPECT_THAT(sandboxIds("/system.slice/snap.lxd.daemon.service"), ElementsAre("lxd_daemon", "lxd_lxd"));
 }
 
+TEST(SandboxIds, AreNoneWhereTheUnitIsNamedForNothing) {
+  for (const auto* unit : {"snap.scope", "snap.service", "app-flatpak-.scope"}) {
+    EXPECT_THAT(sandboxIds(inSlice(unit)), IsEmpty()) << unit;
+  }
+}
+
 TEST(SandboxIds, AreNoneOutsideOfSandboxes) {
   for (const auto* group :
        {"", "/", "/init.scope", "/user.slice/session-2.scope", "/snap", "/app-flatpak-x"}) {
