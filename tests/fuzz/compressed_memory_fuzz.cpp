@@ -1,0 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "fuzz/fuzz_input.hpp"
+#include "platform/linux/system/memory_files.hpp"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  tarn::parseCompressedDeviceMemory(tarn::textOf(data, size));
+  return 0;
+}

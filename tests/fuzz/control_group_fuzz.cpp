@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "fuzz/fuzz_input.hpp"
+#include "platform/linux/applications/process_facts.hpp"
+#include "platform/linux/applications/process_signs.hpp"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view text = tarn::textOf(data, size);
+  const std::string group = tarn::parseControlGroup(text);
+  for (const std::string_view path : {std::string_view(group), text}) {
+    for (const auto& ids : {tarn::sandboxIds(path), tarn::unitIds(path)}) {
+      for (const std::string& id : ids) tarn::require(!id.empty());
+    }
+    for (const std::string_view part : tarn::privateDirectoriesOf(path))
+      tarn::require(tarn::isWithin(part, path));
+    tarn::imageMountOf(path);
+  }
+  return 0;
+}
