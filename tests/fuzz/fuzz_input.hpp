@@ -9,6 +9,7 @@
 #include <string_view>
 
 /// What the fuzzer calls with each input. Each program defines one.
+// NOLINTNEXTLINE(readability-identifier-naming): that is what it is called there
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace tarn {
