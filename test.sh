@@ -3,7 +3,8 @@
 # SPDX-License-Identifier: MIT
 # test.sh [--all]: builds Tarn and runs its tests, all of them under the sanitizers. --all adds what takes minutes of
 # its own: clang-tidy over all sources, the tests on a platform that tells nothing, the end-to-end test of the program as
-# it is released, real applications, which it installs, and the benchmarks. Installs what is missing.
+# it is released, real applications, which it installs, the Debian package in a fresh Debian, and the benchmarks. Installs
+# what is missing.
 set -euo pipefail
 [ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" test "$@"
 # shellcheck source=scripts/lib.sh
@@ -98,6 +99,7 @@ if [ -n "$all" ]; then
   stage "tests, on a system that tells nothing" tests_on_an_unsupported_system
   stage "end to end on a virtual desktop, release" end_to_end_release
   stage "real applications and their processes" live_applications
+  stage "what is installed, and the Debian package" scripts/check_packages.sh
   stage "benchmarks are built and run" benchmarks
   stage "clang-tidy" scripts/check_tidy.sh
 fi

@@ -50,7 +50,7 @@ grep --quiet '^ID=debian$' /etc/os-release ||
 say "Installing: ${missing[*]}"
 as_root apt-get update --quiet --quiet || say "The package lists could not all be updated; trying with those at hand."
 as_root env DEBIAN_FRONTEND=noninteractive apt-get install --yes --quiet --quiet --no-install-recommends \
-  -o Dpkg::Use-Pty=0 "${missing[@]}" || fail "apt-get could not install: ${missing[*]}"
+  -o Dpkg::Use-Pty=0 -o DPkg::Lock::Timeout=300 "${missing[@]}" || fail "apt-get could not install: ${missing[*]}"
 for package in "${missing[@]}"; do
   is_installed "$package" || fail "Still missing after the installation: $package"
 done

@@ -17,7 +17,7 @@ int main(int argc, char* argv[]) {
   QCoreApplication::setOrganizationName(QStringLiteral("tarn"));
   QCoreApplication::setApplicationVersion(tarn::platformShortVersion().value_or(QString()));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Tarn"));
-  QGuiApplication::setDesktopFileName(QStringLiteral("tarn"));
+  QGuiApplication::setDesktopFileName(QStringLiteral(TARN_APPLICATION_ID));
   QApplication::setQuitOnLastWindowClosed(false);
 
   if (const auto problem = tarn::platformDisplayProblem()) {

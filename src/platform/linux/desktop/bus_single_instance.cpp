@@ -12,14 +12,16 @@ namespace {
 
 constexpr int patience = 2000;  ///< milliseconds that a second launch waits for the first Tarn's answer
 
+/// Where desktops look for the object of an application: its name, written as a path.
 QString objectPath() {
-  return QStringLiteral("/example/tarn/Tarn");
+  QString path = QLatin1Char('/') + singleInstanceName();
+  return path.replace(QLatin1Char('.'), QLatin1Char('/')).replace(QLatin1Char('-'), QLatin1Char('_'));
 }
 
 }  // namespace
 
 QString singleInstanceName() {
-  return QStringLiteral("example.tarn.Tarn");
+  return QStringLiteral(TARN_APPLICATION_ID);
 }
 
 BusSingleInstance::BusSingleInstance(QDBusConnection bus) : bus_(std::move(bus)) {}
