@@ -4,9 +4,11 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QPoint>
 #include <QVariantMap>
+#include <chrono>
 
 #include "platform/linux/desktop/bus_object.hpp"
 #include "platform/linux/desktop/host_kind.hpp"
@@ -20,6 +22,9 @@ class StatusNotifierItem final : public QObject {
   Q_OBJECT
 
  public:
+  /// No hand clicks twice within this time: more clicks are not passed on.
+  static constexpr std::chrono::milliseconds clickInterval{50};
+
   /// Present on `bus` from now on, showing `label`.
   StatusNotifierItem(const QDBusConnection& bus, MenuBarLabel label, QObject* parent = nullptr);
 
@@ -47,6 +52,7 @@ class StatusNotifierItem final : public QObject {
   MenuBarLabel label_;
   HostKind kind_ = HostKind::plain;
   QVariantMap properties_;
+  QDeadlineTimer nextClick_{0};  ///< expired when the next click may come
   BusObject object_;
 };
 
