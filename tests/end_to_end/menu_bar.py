@@ -49,6 +49,10 @@ class MenuBarItem:
     def property(self, name):
         return self._desktop.session.property(self._owner, self._path, INTERFACE, name)
 
+    def send(self, method, arguments):
+        """Calls one of the item's methods as the panel does, without waiting for an answer."""
+        self._desktop.session.send(self._owner, self._path, INTERFACE, method, arguments)
+
     def title(self):
         return self.property("Title")
 

@@ -22,6 +22,14 @@ class MessageBus:
                                            Gio.DBusCallFlags.NONE, int(timeout * 1000), None)
         return reply.unpack()
 
+    def send(self, name, path, interface, method, arguments=None):
+        """Calls without waiting for a reply, or for the call to have left."""
+        self._connection.call(name, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE, 1000, None, None)
+
+    def flush(self):
+        """Waits until all that was sent has left."""
+        self._connection.flush_sync(None)
+
     def property(self, name, path, interface, key):
         arguments = GLib.Variant("(ss)", (interface, key))
         return self.call(name, path, "org.freedesktop.DBus.Properties", "Get", arguments)[0]

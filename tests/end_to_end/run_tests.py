@@ -15,7 +15,7 @@ def main():
     loader = unittest.TestLoader()
     loader.testNamePatterns = [f"*{word}*" for word in sys.argv[1:]] or None
     try:
-        suite = loader.loadTestsFromNames(("test_desktop", "test_endings", "test_hostile_applications", "test_system_tab"))
+        suite = loader.loadTestsFromNames(("test_desktop", "test_endings", "test_faults", "test_hostile_applications", "test_system_tab"))
         result = unittest.TextTestRunner(verbosity=2, stream=sys.stdout).run(suite)
     finally:
         end_descendants()
