@@ -1,0 +1,168 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// Real processes that start and end all the time, and pids that pass from one to the next. Wants a pid name
+// space of its own, where it may choose pids. TARN_STORM_SWEEPS tells for how many sweeps the storm lasts.
+
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "sampling/memory_sampler.hpp"
+
+namespace tarn {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A child that does `work` and is ended with the test.
+class Child {
+ public:
+  explicit Child(const std::function<void()>& work) : pid_(::fork()) {
+    if (pid_ != 0) return;
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    work();
+    ::_exit(0);
+  }
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child() {
+    ::kill(pid_, SIGKILL);
+    ::waitpid(pid_, nullptr, 0);
+  }
+
+  pid_t pid() const { return pid_; }
+
+ private:
+  pid_t pid_;
+};
+
+[[noreturn]] void burn() {
+  while (true) std::atomic_signal_fence(std::memory_order_seq_cst);
+}
+
+/// Starts processes at an even pace, each of which ends at once, on three generations of parents.
+[[noreturn]] void raiseStorm() {
+  ::signal(SIGCHLD, SIG_IGN);
+  constexpr auto pace = std::chrono::microseconds(1'000'000 / 300);
+  for (auto next = std::chrono::steady_clock::now();; next += pace) {
+    if (::fork() == 0) {
+      if (::fork() == 0) ::usleep(2'000);
+      ::_exit(0);
+    }
+    std::this_thread::sleep_until(next);
+  }
+}
+
+int stormSweeps() {
+  const char* const told = std::getenv("TARN_STORM_SWEEPS");
+  return told == nullptr ? 100 : std::atoi(told);
+}
+
+std::ptrdiff_t openFiles() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+const ProcessSample* sampleOf(const MemorySnapshot& snapshot, pid_t pid) {
+  for (const AppGroup& group : snapshot.groups) {
+    for (const ProcessSample& sample : group.processes) {
+      if (sample.pid == pid) return &sample;
+    }
+  }
+  return nullptr;
+}
+
+/// Has the next process that starts in this name space bear a pid.
+bool choosePid(pid_t pid) {
+  std::ofstream last("/proc/sys/kernel/ns_last_pid");
+  last << pid - 1 << std::flush;
+  return last.good();
+}
+
+TEST(ProcessStorm, NeverTellsMoreThanTheLoadCanBeNorKeepsFilesOpen) {
+  const Child storm(raiseStorm);
+  const Child burner(burn);
+  MemorySampler sampler(platformSamplerPort());
+  sampler.sample();
+  std::this_thread::sleep_for(50ms);
+  sampler.sample();
+  const std::ptrdiff_t before = openFiles();
+  double most = 0;
+  int seen = 0;
+  for (int sweep = 0; sweep < stormSweeps(); ++sweep) {
+    std::this_thread::sleep_for(50ms);
+    const MemorySnapshot snapshot = sampler.sample();
+    const ProcessSample* const sample = sampleOf(snapshot, burner.pid());
+    ASSERT_NE(sample, nullptr);
+    most = std::max(most, sample->cpuPercent);
+    seen += sample->cpuPercent > 5 ? 1 : 0;
+    for (const AppGroup& group : snapshot.groups) {
+      ASSERT_GE(group.cpuPercent, 0);
+      ASSERT_LE(group.cpuPercent, 100.0 * std::thread::hardware_concurrency() + 10) << group.name;
+    }
+  }
+  EXPECT_LE(most, 110) << "one thread";
+  EXPECT_GT(seen, stormSweeps() / 2) << "the load is a load";
+  EXPECT_EQ(openFiles(), before);
+}
+
+TEST(ProcessStorm, TellsNothingOfAProcessThatTookAPidInAnotherSecond) {
+  constexpr pid_t pid = 20'000;
+  MemorySampler sampler(platformSamplerPort());
+  for (int times = 0; times < 3; ++times) {
+    {
+      ASSERT_TRUE(choosePid(pid));
+      const Child before(burn);
+      ASSERT_EQ(before.pid(), pid);
+      std::this_thread::sleep_for(30ms);
+      sampler.sample();
+    }
+    std::this_thread::sleep_for(1'100ms);
+    ASSERT_TRUE(choosePid(pid));
+    const Child after(burn);
+    ASSERT_EQ(after.pid(), pid);
+    std::this_thread::sleep_for(200ms);  // more than the one before it
+    const MemorySnapshot snapshot = sampler.sample();
+    const ProcessSample* const sample = sampleOf(snapshot, pid);
+    ASSERT_NE(sample, nullptr);
+    EXPECT_EQ(sample->cpuPercent, 0);
+  }
+}
+
+TEST(ProcessStorm, TellsNothingOfAProcessThatTookAPidInTheSameSecondAndDidLess) {
+  constexpr pid_t pid = 21'000;
+  MemorySampler sampler(platformSamplerPort());
+  for (int times = 0; times < 5; ++times) {
+    {
+      ASSERT_TRUE(choosePid(pid));
+      const Child before(burn);
+      ASSERT_EQ(before.pid(), pid);
+      std::this_thread::sleep_for(200ms);
+      sampler.sample();
+    }
+    ASSERT_TRUE(choosePid(pid));
+    const Child after([] { ::pause(); });
+    ASSERT_EQ(after.pid(), pid);
+    std::this_thread::sleep_for(10ms);
+    const MemorySnapshot snapshot = sampler.sample();
+    const ProcessSample* const sample = sampleOf(snapshot, pid);
+    ASSERT_NE(sample, nullptr);
+    EXPECT_EQ(sample->cpuPercent, 0);
+  }
+}
+
+}  // namespace
+}  // namespace tarn
