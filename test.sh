@@ -52,12 +52,14 @@ build_and_test() {
   return "$status"
 }
 
+# end_to_end PRESET GROUP...: the end-to-end tests of some groups, on the program of a preset.
 end_to_end() {
   local preset="$1" status=0 tests_passed tests_failed
-  local results="$repository/build/results/end_to_end-$preset"
+  local results="$repository/build/results/end_to_end-$preset$2"
+  shift
   rm -rf "$results"
   scripts/build.sh "$preset" || return
-  scripts/on_virtual_desktop.sh "build/$preset/src/app/tarn" "$results" run_tests.py || status=$?
+  scripts/on_virtual_desktop.sh "build/$preset/src/app/tarn" "$results" run_tests.py "$@" || status=$?
   if read -r tests_passed tests_failed 2>/dev/null <"$results/counts"; then
     stage_passed="$tests_passed"
     stage_failed="$tests_failed"
@@ -69,7 +71,8 @@ packages() { scripts/install_packages.sh build run desktop test ${all:+lint}; }
 tests_with_address_sanitizer() { build_and_test asan; }
 tests_with_thread_sanitizer() { build_and_test tsan; }
 tests_on_an_unsupported_system() { build_and_test unsupported; }
-end_to_end_release() { end_to_end release; }
+end_to_end_release() { end_to_end release --use; }
+end_to_end_faults() { end_to_end asan --faults; }
 live_applications() {
   local results="$repository/build/results/applications"
   scripts/install_packages.sh applications || return
@@ -86,7 +89,7 @@ benchmarks() {
   done
   build/bench/bench/sweep_against_floor 100 3
 }
-end_to_end_sanitized() { end_to_end asan; }
+end_to_end_sanitized() { end_to_end asan --use; }
 
 packages
 stage "layout of the code" scripts/check_format.sh
@@ -98,6 +101,7 @@ stage "the macOS port, compiled for a Mac" scripts/check_macos.sh
 if [ -n "$all" ]; then
   stage "tests, on a system that tells nothing" tests_on_an_unsupported_system
   stage "end to end on a virtual desktop, release" end_to_end_release
+  stage "end to end, floods and failures, sanitized" end_to_end_faults
   stage "real applications and their processes" live_applications
   stage "what is installed, and the Debian package" scripts/check_packages.sh
   stage "benchmarks are built and run" benchmarks

@@ -11,6 +11,7 @@
 
 #include "ui/app_row.hpp"
 #include "ui/controls.hpp"
+#include "ui/popover_window.hpp"
 #include "ui/tab_picker.hpp"
 
 namespace tarn {
@@ -55,6 +56,12 @@ class RowAccessible : public QAccessibleWidget {
 class TabPickerAccessible : public QAccessibleWidget {
  public:
   explicit TabPickerAccessible(TabPicker* picker) : QAccessibleWidget(picker, QAccessible::Grouping) {}
+};
+
+/// The popover, which the toolkit takes for a mere container because it is a popup.
+class PopoverAccessible : public QAccessibleWidget {
+ public:
+  explicit PopoverAccessible(PopoverWindow* window) : QAccessibleWidget(window, QAccessible::Dialog) {}
 };
 
 class LinkAccessible : public QAccessibleWidget {
@@ -113,6 +120,7 @@ class ApplicationAccessible : public QAccessibleObject {
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
   if (auto* row = qobject_cast<AppRowButton*>(object)) return new RowAccessible(row);
   if (auto* picker = qobject_cast<TabPicker*>(object)) return new TabPickerAccessible(picker);
+  if (auto* window = qobject_cast<PopoverWindow*>(object)) return new PopoverAccessible(window);
   if (auto* link = qobject_cast<LinkButton*>(object)) return new LinkAccessible(link);
   if (auto* application = qobject_cast<QApplication*>(object)) return new ApplicationAccessible(application);
   return nullptr;

@@ -16,9 +16,10 @@ constexpr QSize chevronFrame(10, 18);
 constexpr int processIndent = rowIconFrame + rowSpacing;  ///< lines start under the group's name
 constexpr int stackSpacing = 2;
 
-QString chevronName(const RowContent& content) {
+QString chevronName(const RowContent& content, bool isRightToLeft) {
   if (!content.canOpen) return {};
-  return content.isExpanded ? QStringLiteral("chevron.down") : QStringLiteral("chevron.right");
+  if (content.isExpanded) return QStringLiteral("chevron.down");
+  return isRightToLeft ? QStringLiteral("chevron.left") : QStringLiteral("chevron.right");
 }
 
 }  // namespace
@@ -76,7 +77,7 @@ void AppRowButton::setContent(const RowContent& content, const AppIcon& icon) {
   texts_->setTexts(content.name, content.secondary);
   value_->setText(content.value);
   value_->updateGeometry();
-  chevron_->setSymbol(chevronName(content), TextStyle::tertiary);
+  chevron_->setSymbol(chevronName(content, isRightToLeft()), TextStyle::tertiary);
   updateGeometry();
 }
 
@@ -119,8 +120,9 @@ ProcessLineView::ProcessLineView(QWidget* parent)
   name_->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
   pid_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   auto* line = new QHBoxLayout(this);
-  line->setContentsMargins(processIndent, 0, 0, 0);
+  line->setContentsMargins(0, 0, 0, 0);
   line->setSpacing(6);
+  line->addSpacing(processIndent);
   line->addWidget(name_);
   line->addWidget(pid_);
   line->addStretch(1);

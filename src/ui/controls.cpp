@@ -6,6 +6,7 @@
 #include <QDesktopServices>
 #include <QFontMetrics>
 #include <QPainter>
+#include <QStyle>
 #include <QUrl>
 
 #include "ui/focus_ring.hpp"
@@ -19,6 +20,8 @@ namespace {
 constexpr int boxSize = 14;
 constexpr int boxGap = 6;
 constexpr double boxRadius = 3.5;
+constexpr int labelReach = 4;  ///< of the focus ring beyond the label, in the gap and at the end
+constexpr double labelRingRadius = 4;
 constexpr int pillPadding = 10;
 constexpr int pillHeight = 18;
 
@@ -45,7 +48,7 @@ CheckBox::CheckBox(const QString& label, QWidget* parent) : QCheckBox(label, par
 
 QSize CheckBox::sizeHint() const {
   const QSize label = textSize(*this, text());
-  return {boxSize + boxGap + label.width(), qMax(boxSize, label.height()) + 2};
+  return {boxSize + boxGap + label.width() + labelReach, qMax(boxSize, label.height() + labelReach)};
 }
 
 bool CheckBox::hitButton(const QPoint& position) const {
@@ -56,9 +59,8 @@ void CheckBox::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   const Theme& theme = themeOf(*this);
-  const bool mirrored = isRightToLeft();
-  const int boxTop = (height() - boxSize) / 2;
-  const QRectF box(mirrored ? width() - boxSize : 0, boxTop, boxSize, boxSize);
+  const QRectF box =
+      QStyle::visualRect(layoutDirection(), rect(), {0, (height() - boxSize) / 2, boxSize, boxSize});
   if (isChecked()) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.accent);
@@ -66,15 +68,17 @@ void CheckBox::paintEvent(QPaintEvent* /*event*/) {
     drawSymbol(painter, QStringLiteral("checkmark"), box.adjusted(1, 1, -1, -1), Qt::white,
                SymbolWeight::semibold);
   } else {
-    painter.setPen(QPen(theme.tertiary, 1));
+    painter.setPen(QPen(underMouse() ? theme.secondary : theme.tertiary, 1));
     painter.setBrush(underMouse() ? theme.control : Qt::transparent);
     painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), boxRadius - 0.5, boxRadius - 0.5);
   }
-  if (hasFocus()) drawFocusRing(painter, box.adjusted(-1, -1, 1, 1), boxRadius + 1, theme);
+  const QRect label =
+      QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(boxSize + boxGap, 0, -labelReach, 0));
+  // Around the label: around the box it would hardly show beside the colour of a tick.
+  if (hasFocus())
+    drawFocusRing(painter, label.adjusted(-labelReach, 0, labelReach, 0), labelRingRadius, theme);
   painter.setPen(theme.primary);
-  const int start = boxSize + boxGap;
-  painter.drawText(rect().adjusted(mirrored ? 0 : start, 0, mirrored ? -start : 0, 0),
-                   Qt::AlignVCenter | Qt::AlignLeading, text());
+  painter.drawText(label, Qt::AlignCenter, text());
 }
 
 PillButton::PillButton(const QString& label, QWidget* parent) : QPushButton(label, parent) {
@@ -119,12 +123,12 @@ void LinkButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   const Theme& theme = themeOf(*this);
+  if (hasFocus()) drawFocusLine(painter, rect(), theme);
   QFont underlined = font();
-  underlined.setUnderline(underMouse());
+  underlined.setUnderline(underMouse() && !hasFocus());
   painter.setFont(underlined);
   painter.setPen(theme.secondary);
   painter.drawText(rect(), Qt::AlignCenter, text());
-  if (hasFocus()) drawFocusRing(painter, rect(), 3, theme);
 }
 
 }  // namespace tarn

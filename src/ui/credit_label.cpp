@@ -60,6 +60,7 @@ QSize CreditLabel::sizeHint() const {
 void CreditLabel::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setPen(palette().color(foregroundRole()));
+  painter.setLayoutDirection(layoutDirection());
   const double baseline = (height() + fontMetrics().ascent() - fontMetrics().descent()) / 2.0;
   double x = 0;
   for (const Run& run : runs()) {

@@ -59,6 +59,7 @@ QWidget* PopoverFooter::makeAboutLine(const Maker& maker) {
   version->setText(QStringLiteral(" · v") + appVersion());
 
   auto* line = new QWidget;
+  line->setLayoutDirection(Qt::LeftToRight);  // its pieces are one English sentence
   auto* row = new QHBoxLayout(line);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(0);

@@ -95,7 +95,8 @@ QWidget* PopoverView::makeApplicationSection() {
   // Wider than the text beside it: the highlight of a row reaches into the padding, and the scroll bar, where
   // one is needed, takes the rest of it on the trailing side.
   auto* wide = new QHBoxLayout;
-  wide->setContentsMargins(padding - ApplicationList::highlightReach, 0, 0, 0);
+  wide->setContentsMargins(0, 0, 0, 0);
+  wide->addSpacing(padding - ApplicationList::highlightReach);
   applicationList_->setFixedWidth(popoverWidth - 2 * (padding - ApplicationList::highlightReach));
   wide->addWidget(scroller);
   addInset(list, new Divider);

@@ -184,6 +184,10 @@ void chevronRight(SymbolSketch& sketch) {
   sketch.strokeLine({{-2.6, -5.2}, {2.6, 0}, {-2.6, 5.2}}, smallSignBoldness * sketch.strokeWidth());
 }
 
+void chevronLeft(SymbolSketch& sketch) {
+  sketch.strokeLine({{2.6, -5.2}, {-2.6, 0}, {2.6, 5.2}}, smallSignBoldness * sketch.strokeWidth());
+}
+
 void chevronDown(SymbolSketch& sketch) {
   sketch.strokeLine({{-5.2, -2.6}, {0, 2.6}, {5.2, -2.6}}, smallSignBoldness * sketch.strokeWidth());
 }
@@ -216,6 +220,7 @@ constexpr std::array namedShapes{
     NamedShape{QLatin1String("thermometer.medium"), thermometerMedium},
     NamedShape{QLatin1String("clock"), clock},
     NamedShape{QLatin1String("chevron.right"), chevronRight},
+    NamedShape{QLatin1String("chevron.left"), chevronLeft},
     NamedShape{QLatin1String("chevron.down"), chevronDown},
     NamedShape{QLatin1String("checkmark"), checkmark},
 };

@@ -22,7 +22,7 @@ constexpr int segmentRadius = 5;
 
 TabSegment::TabSegment(const QString& label, QWidget* parent) : QRadioButton(label, parent) {
   setAttribute(Qt::WA_Hover);
-  setFocusPolicy(Qt::TabFocus);
+  setFocusPolicy(Qt::NoFocus);  // until it is chosen
   setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding);
 }
 
@@ -71,6 +71,8 @@ TabPicker::TabPicker(QWidget* parent) : QWidget(parent), segments_(new QButtonGr
   add(PopoverTab::cpu, QStringLiteral("CPU"));
   add(PopoverTab::system, QStringLiteral("System"));
   connect(segments_, &QButtonGroup::idToggled, this, [this](int id, bool checked) {
+    // The toolkit would have Tab enter the segment that had the focus last, chosen or not.
+    segments_->button(id)->setFocusPolicy(checked ? Qt::TabFocus : Qt::NoFocus);
     if (checked) Q_EMIT tabChosen(static_cast<PopoverTab>(id));
   });
 }

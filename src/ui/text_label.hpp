@@ -4,6 +4,8 @@
 #pragma once
 
 #include <QLabel>
+#include <QString>
+#include <vector>
 
 #include "ui/theme.hpp"
 
@@ -15,7 +17,8 @@ enum class Overflow {
   cuts,   ///< one line, with an ellipsis at its end
 };
 
-/// Plain text in one of the text styles.
+/// Plain text in one of the text styles. It lies at the leading edge, and runs in the direction of its own
+/// language.
 class TextLabel : public QLabel {
   Q_OBJECT
 
@@ -29,6 +32,8 @@ class TextLabel : public QLabel {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  Qt::LayoutDirection textDirection() const;
+
   Overflow overflow_;
 };
 
@@ -36,7 +41,8 @@ class TextLabel : public QLabel {
 /// owns it until it has a parent.
 TextLabel* makePlaceholder(const QString& text);
 
-/// A figure whose digits all have the same width, so that it does not jump when it changes.
+/// A figure whose digits all have the same width, so that it does not jump when it changes; always written
+/// from left to right.
 class FigureLabel : public TextLabel {
   Q_OBJECT
 
@@ -50,9 +56,14 @@ class FigureLabel : public TextLabel {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  /// Width of the widest of the ten digits.
-  int digitWidth() const;
-  int textWidth() const;
+  /// A character and the room that it has, in which it is centred.
+  struct Cell {
+    QString character;
+    int advance = 0;
+    int width = 0;
+  };
+
+  std::vector<Cell> cells() const;
 };
 
 }  // namespace tarn

@@ -27,6 +27,7 @@ Theme makeLight() {
           .controlHover = translucent(Qt::black, 0.11),
           .controlSelected = QColor(Qt::white),
           .accent = QColor(0x3584e4),
+          .focusRing = QColor(0x2a7ade),
           .green = QColor(0x26a269),
           .orange = QColor(0xe66100),
           .red = QColor(0xe01b24)};
@@ -44,6 +45,7 @@ Theme makeDark() {
           .controlHover = translucent(Qt::white, 0.13),
           .controlSelected = QColor(0x5e5e63),
           .accent = QColor(0x3584e4),
+          .focusRing = QColor(0x7ab6ff),
           .green = QColor(0x33d17a),
           .orange = QColor(0xff9a3c),
           .red = QColor(0xff6a5e)};

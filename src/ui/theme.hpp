@@ -28,7 +28,8 @@ struct Theme {
   QColor control;          ///< behind buttons and the tab picker
   QColor controlHover;     ///< behind a button under the pointer
   QColor controlSelected;  ///< behind the selected tab
-  QColor accent;           ///< a ticked box, the focus ring
+  QColor accent;           ///< a ticked box
+  QColor focusRing;        ///< stands out on every background and fill above
   QColor green;
   QColor orange;
   QColor red;

@@ -12,8 +12,8 @@ ROOT = "/org/a11y/atspi/accessible/root"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 SCREEN_COORDINATES = 0
 
-STATES = {1: "active", 4: "checked", 5: "collapsed", 9: "expandable", 10: "expanded", 12: "focused", 20: "pressed",
-          23: "selected", 24: "sensitive", 25: "showing", 30: "visible"}
+STATES = {1: "active", 4: "checked", 5: "collapsed", 9: "expandable", 10: "expanded", 11: "focusable", 12: "focused",
+          20: "pressed", 23: "selected", 24: "sensitive", 25: "showing", 30: "visible"}
 
 
 @dataclass

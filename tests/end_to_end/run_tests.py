@@ -1,6 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Runs the end-to-end tests; words select some of them. Leaves "passed failed" counts in the stage folder."""
+"""run_tests.py [--GROUP...] [WORD...]: runs the end-to-end tests, or those of some groups: "use", what people do with
+Tarn; "faults", what befalls it. Words select some of them. Leaves "passed failed" counts in the stage folder."""
 
 import sys
 import unittest
@@ -8,14 +9,19 @@ import unittest
 from processes import adopt_orphans, end_descendants, end_on_signal
 from programs import STAGE
 
+GROUPS = {"use": ("test_desktop", "test_accessibility", "test_hostile_applications", "test_system_tab"),
+          "faults": ("test_endings", "test_faults")}
+
 
 def main():
+    groups = [word.removeprefix("--") for word in sys.argv[1:] if word.startswith("--")]
+    words = [word for word in sys.argv[1:] if not word.startswith("--")]
     adopt_orphans()
     end_on_signal()
     loader = unittest.TestLoader()
-    loader.testNamePatterns = [f"*{word}*" for word in sys.argv[1:]] or None
+    loader.testNamePatterns = [f"*{word}*" for word in words] or None
     try:
-        suite = loader.loadTestsFromNames(("test_desktop", "test_endings", "test_faults", "test_hostile_applications", "test_system_tab"))
+        suite = loader.loadTestsFromNames(module for group in groups or GROUPS for module in GROUPS[group])
         result = unittest.TextTestRunner(verbosity=2, stream=sys.stdout).run(suite)
     finally:
         end_descendants()

@@ -80,6 +80,11 @@ TEST_F(AccessibilityTest, ListsThePopoverAmongTheApplicationsWindowsWhileItIsSho
   EXPECT_EQ(application->childCount(), 0);
 }
 
+TEST_F(AccessibilityTest, PresentsThePopoverAsADialog) {
+  EXPECT_EQ(accessible(window_.get())->role(), QAccessible::Dialog);
+  EXPECT_EQ(accessible(window_.get())->childCount(), 1);
+}
+
 TEST_F(AccessibilityTest, PresentsRowsAsButtonsNamedByNameAndFigure) {
   QAccessibleInterface* button = accessible(firstRow()->button());
   EXPECT_EQ(button->role(), QAccessible::Button);

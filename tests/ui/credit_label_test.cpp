@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QGuiApplication>
 #include <QImage>
 
 #include "ui/theme.hpp"
@@ -16,10 +17,7 @@ namespace {
 QImage painted(CreditLabel& label) {
   label.setPalette(Theme::light().palette());
   label.resize(label.sizeHint());
-  QImage image(label.size(), QImage::Format_RGB32);
-  image.fill(Qt::white);
-  label.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
-  return image;
+  return label.grab().toImage();
 }
 
 /// Pixels that are clearly red, which no text style is.
@@ -53,6 +51,16 @@ TEST(CreditLabel, IsAsWideAsItsTextAndItsEmojiTogether) {
   label.setText(QStringLiteral("Made with \u2764\ufe0f by "));
   EXPECT_GT(label.sizeHint().width(), text + 5);
   EXPECT_LT(label.sizeHint().width(), text + 25);
+}
+
+TEST(CreditLabel, LooksTheSameWhereTheDesktopReadsFromRightToLeft) {
+  CreditLabel label(systemFont(10), TextStyle::tertiary);
+  label.setLayoutDirection(Qt::LeftToRight);
+  label.setText(QStringLiteral("Made with \u2764\ufe0f by "));
+  const QImage image = painted(label);
+  QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+  EXPECT_EQ(painted(label), image);
+  QGuiApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
 TEST(CreditLabel, IsReadOutAsOneText) {

@@ -220,5 +220,22 @@ TEST(PopoverTabs, MoveWithTheArrowKeys) {
   EXPECT_EQ(view.tab(), PopoverTab::cpu);
 }
 
+TEST(PopoverTabs, AreEnteredAtTheChosenOneHoweverItWasChosen) {
+  PopoverStage stage;
+  PopoverView& view = stage.showView();
+  view.activateWindow();
+  const auto segments = view.findChildren<TabSegment*>();
+  const auto enter = [&] {
+    view.findChild<LinkButton*>()->setFocus(Qt::TabFocusReason);
+    pressKey(*view.findChild<LinkButton*>(), Qt::Key_Tab);
+    return view.focusWidget();
+  };
+  EXPECT_EQ(enter(), segments[0]);
+  click(*segments[2]);
+  EXPECT_EQ(enter(), segments[2]);
+  click(*segments[1]);
+  EXPECT_EQ(enter(), segments[1]);
+}
+
 }  // namespace
 }  // namespace tarn

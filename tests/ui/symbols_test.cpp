@@ -25,15 +25,12 @@ QStringList statusNames() {
 }
 
 QStringList allNames() {
-  return statusNames() + QStringList{"memorychip",         "cpu",
-                                     "desktopcomputer",    "ellipsis.circle.fill",
-                                     "gearshape.fill",     "chevron.right",
-                                     "chevron.down",       "internaldrive",
-                                     "battery.0",          "battery.25",
-                                     "battery.50",         "battery.75",
-                                     "battery.100",        "battery.100.bolt",
-                                     "thermometer.medium", "clock",
-                                     "checkmark"};
+  return statusNames() +
+         QStringList{"memorychip",     "cpu",           "desktopcomputer",  "ellipsis.circle.fill",
+                     "gearshape.fill", "chevron.right", "chevron.left",     "chevron.down",
+                     "internaldrive",  "battery.0",     "battery.25",       "battery.50",
+                     "battery.75",     "battery.100",   "battery.100.bolt", "thermometer.medium",
+                     "clock",          "checkmark"};
 }
 
 QImage transparentImage(int side) {
@@ -287,6 +284,8 @@ TEST(Chevrons, AreOneShapeTurned) {
     ASSERT_EQ(swappedAxes.size(), down.size());
     EXPECT_LE(largestDifference(swappedAxes, down), roundingOfCoverage);
     EXPECT_LE(largestDifference(right.mirrored(false, true), right), roundingOfCoverage);
+    const QImage left = rendered("chevron.left", size, SymbolWeight::semibold);
+    EXPECT_LE(largestDifference(right.mirrored(true, false), left), roundingOfCoverage);
   }
 }
 
@@ -294,6 +293,9 @@ TEST(Chevrons, PointWhereTheirNamesSay) {
   const QImage right = rendered("chevron.right", 32);
   EXPECT_GT(alphaAt(right, 20, 16), 200);
   EXPECT_EQ(alphaAt(right, 10, 16), 0);
+  const QImage left = rendered("chevron.left", 32);
+  EXPECT_GT(alphaAt(left, 11, 16), 200);
+  EXPECT_EQ(alphaAt(left, 21, 16), 0);
   const QImage down = rendered("chevron.down", 32);
   EXPECT_GT(alphaAt(down, 16, 20), 200);
   EXPECT_EQ(alphaAt(down, 16, 10), 0);

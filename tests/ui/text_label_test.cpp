@@ -7,7 +7,11 @@
 
 #include <QFontInfo>
 #include <QImage>
+#include <QPainter>
 #include <QWidget>
+#include <algorithm>
+#include <cstdint>
+#include <ios>
 
 namespace tarn {
 namespace {
@@ -62,6 +66,48 @@ TEST(FigureLabel, EndsAtItsRightEdge) {
   const QImage tight = painted(label, "12.5 MB");
   const QImage loose = painted(label, "12.5 MB", tight.width() + 40);
   EXPECT_EQ(rightPart(loose, tight.width()), tight);
+}
+
+TEST(FigureLabel, GivesTheDigitsOfEveryScriptOneWidthEach) {
+  FigureLabel label(proportionalFont(), TextStyle::primary);
+  const QFontMetrics metrics(label.font());
+  for (const char32_t zero : {U'0', U'\u0660', U'\u0966', U'\U0001e950'}) {
+    int widest = 0;
+    for (char32_t digit = zero; digit < zero + 10; ++digit) {
+      widest = std::max(widest, metrics.horizontalAdvance(QString::fromUcs4(&digit, 1)));
+    }
+    ASSERT_GT(widest, 0);
+    for (char32_t digit = zero; digit < zero + 10; ++digit) {
+      label.setText(QString::fromUcs4(&digit, 1).repeated(3));
+      EXPECT_EQ(label.sizeHint().width(), 3 * widest) << std::hex << static_cast<std::uint32_t>(digit);
+    }
+  }
+}
+
+TEST(FigureLabel, DrawsADigitOfTwoCodeUnitsWhole) {
+  FigureLabel label(proportionalFont(), TextStyle::primary);
+  const char32_t three = U'\U0001e953';  // in Adlam
+  const QString digit = QString::fromUcs4(&three, 1);
+  label.setAttribute(Qt::WA_OpaquePaintEvent);
+  const QImage image = painted(label, digit, 40);
+  QImage expected(image.size(), image.format());
+  expected.fill(Qt::white);
+  QPainter painter(&expected);
+  painter.setFont(label.font());
+  painter.setPen(label.palette().color(label.foregroundRole()));
+  const QFontMetrics metrics(label.font());
+  const int start =
+      40 - label.sizeHint().width() + (label.sizeHint().width() - metrics.horizontalAdvance(digit)) / 2;
+  painter.drawText(QRect(start, 0, 40, image.height()), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip,
+                   digit);
+  EXPECT_EQ(image, expected);
+}
+
+TEST(FigureLabel, LeavesNoRoomForMarksThatOnlyTellADirection) {
+  FigureLabel label(proportionalFont(), TextStyle::primary);
+  const QString share = QStringLiteral("\u0661\u0662\u066a");  // 12 % as Egypt writes it
+  const QImage plain = painted(label, share);
+  EXPECT_EQ(painted(label, share + QChar(0x061c)), plain);
 }
 
 TEST(TextLabel, CutsATextThatIsTooLongAtItsEnd) {

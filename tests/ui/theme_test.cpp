@@ -65,10 +65,18 @@ TEST(Theme, KeepsTheTextOfControlsReadable) {
     for (const QColor& fill : {theme->control, theme->controlHover, theme->controlSelected}) {
       EXPECT_GE(contrast(theme->primary, onBackground(fill, theme->background)), readable);
     }
-    EXPECT_GE(contrast(theme->accent, theme->background), noticeable) << "a ticked box, the focus ring";
+    EXPECT_GE(contrast(theme->accent, theme->background), noticeable) << "a ticked box";
     EXPECT_GE(contrast(Qt::white, theme->accent), noticeable) << "the tick";
-    EXPECT_GE(contrast(theme->accent, onBackground(theme->highlight, theme->background)), noticeable)
-        << "the focus ring of a row";
+  }
+}
+
+TEST(Theme, KeepsTheFocusRingNoticeableOnAllThatItSurrounds) {
+  for (const Theme* theme : themes()) {
+    EXPECT_GE(contrast(theme->focusRing, theme->background), noticeable);
+    for (const QColor& fill :
+         {theme->highlight, theme->control, theme->controlHover, theme->controlSelected}) {
+      EXPECT_GE(contrast(theme->focusRing, onBackground(fill, theme->background)), noticeable);
+    }
   }
 }
 

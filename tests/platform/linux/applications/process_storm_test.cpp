@@ -69,7 +69,7 @@ class Child {
 
 int stormSweeps() {
   const char* const told = std::getenv("TARN_STORM_SWEEPS");
-  return told == nullptr ? 100 : std::atoi(told);
+  return told == nullptr ? 40 : std::atoi(told);
 }
 
 std::ptrdiff_t openFiles() {
