@@ -32,6 +32,11 @@ struct CompositorPlacement {
   std::function<void(const QPoint& corner)> moveTo;
 };
 
+/// What is left of a screen beside a panel of which only the window is known: panels do not always reserve
+/// their space, and window systems do not always tell it. A window that can be none leaves the screen as it
+/// is.
+ScreenArea besidePanel(const ScreenArea& screen, const QRect& panel);
+
 /// Whether a position that a host sent for a click can be one: on the screen, and near an edge, where panels
 /// are.
 bool isPlausibleAnchor(const QPoint& position, const ScreenArea& screen);

@@ -120,6 +120,7 @@ void PopoverWindow::applyStyle(PopoverStyle style, const WindowSystem& windowSys
   style_ = style;
   blended_ = blended;
   isPlaced_ = windowSystem.clientsPlaceWindows && style != PopoverStyle::regular;
+  panel_ = windowSystem.windowUnderPointer;
   compositor_ = style == PopoverStyle::regular ? CompositorPlacement() : windowSystem.compositor;
   const int margin = blended ? shadowReach : 0;
   layout()->setContentsMargins(margin, margin, margin, margin);
@@ -134,7 +135,16 @@ ScreenArea PopoverWindow::screenArea() const {
   const QScreen* screen = anchor_ ? QGuiApplication::screenAt(*anchor_) : nullptr;
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();
   if (screen == nullptr) return {};
-  return {screen->geometry(), screen->availableGeometry()};
+  const ScreenArea area{screen->geometry(), screen->availableGeometry()};
+  const bool isInPanel = anchor_ && panel_ && panel_->contains(*anchor_);
+  return isInPanel ? besidePanel(area, *panel_) : area;
+}
+
+/// The content's height is asked for before the window is first drawn, and depends on fonts and layouts that
+/// the toolkit would see to later.
+void PopoverWindow::settleContent() {
+  for (const QWidget* widget : view_->findChildren<QWidget*>()) widget->ensurePolished();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
 }
 
 void PopoverWindow::fitToContent() {
@@ -150,7 +160,14 @@ void PopoverWindow::place(const QSize& size) {
   if (isPlaced_) {
     setGeometry(popoverFrame(anchor_, size, screenArea()).marginsAdded(margins));
   } else {
-    resize(size.grownBy(margins));
+    // Compositors that tile let a window float from the start if it can have only one size.
+    if (style_ == PopoverStyle::tool) {
+      setFixedSize(size.grownBy(margins));
+    } else {
+      setMinimumSize(0, 0);
+      setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+      resize(size.grownBy(margins));
+    }
     moveByCompositor(size);
   }
   cutCorners();
@@ -194,6 +211,7 @@ void PopoverWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   compositorPlace_.reset();
   compositorCorner_.reset();
+  settleContent();
   fitToContent();
   if (compositor_.locate) {
     compositorAttempts_ = compositorPatience;

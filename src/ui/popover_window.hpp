@@ -30,6 +30,7 @@ struct WindowSystem {
   bool popupsTakeKeys = true;       ///< where they do not, the popover is a window with the focus instead
   bool hostKnowsItsPlace = false;   ///< where it says that the item was clicked is exact
   CompositorPlacement compositor;   ///< where clients do not place windows
+  std::optional<QRect> windowUnderPointer = {};  ///< where that is told: after a click on the item, its panel
 };
 
 /// Asks the running system anew, since a compositor may come and go. Main thread; each platform folder
@@ -75,6 +76,7 @@ class PopoverWindow : public QWidget {
   void applyStyle(PopoverStyle style, const WindowSystem& windowSystem);
   void askCompositor();
   void moveByCompositor(const QSize& size);
+  void settleContent();
   void fitToContent();
   void place(const QSize& size);
   void cutCorners();
@@ -85,7 +87,8 @@ class PopoverWindow : public QWidget {
   PopoverStyle style_ = PopoverStyle::popup;
   std::optional<QPoint> anchor_;
   bool blended_ = false;
-  bool isPlaced_ = true;  ///< beside the item
+  bool isPlaced_ = true;        ///< beside the item
+  std::optional<QRect> panel_;  ///< that the pointer was on when it was opened
   CompositorPlacement compositor_;
   std::optional<CompositorPlace> compositorPlace_;  ///< once the compositor has told it of the open window
   std::optional<QPoint> compositorCorner_;          ///< where it was told to move the window

@@ -14,10 +14,18 @@ class DesktopTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.desktop = cls.enterClassContext(VirtualDesktop(STAGE))
+        cls.desktop = cls.enterClassContext(cls.make_desktop())
         cls.start_programs()
-        cls.tarn = Tarn(cls.desktop)
+        cls.tarn = cls.start_tarn()
         cls.popover = cls.tarn.popover
+
+    @classmethod
+    def make_desktop(cls):
+        return VirtualDesktop(STAGE)
+
+    @classmethod
+    def start_tarn(cls):
+        return Tarn(cls.desktop)
 
     @classmethod
     def start_programs(cls):

@@ -5,7 +5,6 @@
 import re
 
 from processes import wait_until
-from virtual_desktop import WATCHER
 
 INTERFACE = "org.kde.StatusNotifierItem"
 PANEL_REACH = 40
@@ -28,19 +27,16 @@ def status_area_centre(desktop):
     return area and (area[0] + area[2] // 2, area[1] + area[3] // 2)
 
 
-class MenuBarItem:
-    """The only item of the panel's status area; it belongs to the process `pid`."""
+class RegisteredItem:
+    """The item of the process `pid` as it describes itself to panels over the bus."""
 
     def __init__(self, desktop, pid):
         self._desktop = desktop
         self._pid = pid
         self._owner, self._path = wait_until(self._find, "Tarn's item is registered with the panel", timeout=20)
-        wait_until(self._is_drawn, "the panel shows Tarn's circle")
 
     def _find(self):
-        items = self._desktop.session.property(WATCHER, "/StatusNotifierWatcher", WATCHER,
-                                               "RegisteredStatusNotifierItems")
-        for item in items:
+        for item in self._desktop.registered_items():
             owner, slash, path = item.partition("/")
             if self._desktop.session.process_of(owner) == self._pid:
                 return owner, slash + path
@@ -59,6 +55,14 @@ class MenuBarItem:
     def tool_tip(self):
         """The tool tip's two texts."""
         return tuple(self.property("ToolTip")[2:])
+
+
+class MenuBarItem(RegisteredItem):
+    """The only item of the panel's status area; it belongs to the process `pid`."""
+
+    def __init__(self, desktop, pid):
+        super().__init__(desktop, pid)
+        wait_until(self._is_drawn, "the panel shows Tarn's circle")
 
     def colours(self):
         """The colours of the item's pixels, as (red, green, blue) triples of 0 to 255."""

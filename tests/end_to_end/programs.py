@@ -29,12 +29,12 @@ SANITIZERS = {name: os.environ[name] for name in ("ASAN_OPTIONS", "UBSAN_OPTIONS
 
 class Tarn:
     """A running Tarn with its item in the panel and its popover. `wrapper` are the words of a program that runs Tarn as
-    the same process."""
+    the same process; `find_item` finds the item, by desktop and pid."""
 
-    def __init__(self, desktop, wrapper=(), environment=None):
+    def __init__(self, desktop, wrapper=(), environment=None, find_item=MenuBarItem):
         self.process = desktop.start("tarn", [*wrapper, TARN], SANITIZERS | (environment or {}))
         self.pid = self.process.pid
-        self.item = MenuBarItem(desktop, self.pid)
+        self.item = find_item(desktop, self.pid)
         self.popover = Popover(desktop, self.pid, self.item)
 
 

@@ -1,7 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 """run_tests.py [--GROUP...] [WORD...]: runs the end-to-end tests, or those of some groups: "use", what people do with
-Tarn; "faults", what befalls it. Words select some of them. Leaves "passed failed" counts in the stage folder."""
+Tarn; "hosts", in panels of every kind and with panels everywhere; "faults", what befalls it. Words select some of them.
+Leaves "passed failed" counts in the stage folder."""
 
 import sys
 import unittest
@@ -10,6 +11,7 @@ from processes import adopt_orphans, end_descendants, end_on_signal
 from programs import STAGE
 
 GROUPS = {"use": ("test_desktop", "test_accessibility", "test_hostile_applications", "test_system_tab"),
+          "hosts": ("test_hosts", "test_placement"),
           "faults": ("test_endings", "test_faults")}
 
 

@@ -15,6 +15,7 @@ from figures import BYTES, parse_bytes, parse_percent
 from menu_bar import MenuBarItem, status_area_centre
 from processes import wait_until
 from programs import BURNER, HOG, STAGE, Tarn, foreign_process, start_bare, start_burner, start_hog
+from sentences import DETAIL, MEMORY_SENTENCES
 from sweep_watch import SweepWatch
 from virtual_desktop import SIZE, VirtualDesktop
 
@@ -22,12 +23,6 @@ SWEEP_SECONDS_OPEN = 3
 NO_SESSION_BUS = {"DBUS_SESSION_BUS_ADDRESS": f"unix:path={STAGE}/no-bus"}
 SETTLED_SWEEPS = 7  # smoothing has then covered 97 % of the way
 
-MEMORY_SENTENCES = {
-    "normal": "Your Mac has memory to spare.",
-    "swapping": "Your Mac is coping, but has started using the disk as overflow.",
-    "warning": "Your Mac is running short on memory. Closing an app below would help.",
-    "critical": "Your Mac is out of memory. Close something now.",
-}
 CPU_SENTENCES = (
     (0.15, "Your Mac's processor is mostly idle."),
     (0.5, "Your Mac's processor is doing light work."),
@@ -37,7 +32,6 @@ CPU_SENTENCES = (
 MEMORY_EXPLAINER = "Cached files are free space macOS is borrowing — it gives them back instantly."
 CPU_EXPLAINER = "CPU is shown as a share of one core, like Activity Monitor — a busy app can pass 100%."
 PHRASES = "Running cool|Warming up|Running hot|Overheating|Temperature unknown"
-DETAIL = rf"Wired ({BYTES}) · Compressed ({BYTES}) · Cached files ({BYTES}) · Swap ({BYTES})"
 
 
 def end(process):

@@ -3,85 +3,73 @@
 """A desktop of its own on a display that nobody sees: X server, session bus, window manager, panel, settings portal."""
 
 import os
+import re
 import subprocess
-import tempfile
-from pathlib import Path
 
-from accessibility import AccessibilityBus
-from desktop_settings import WALLPAPER, write_settings
-from message_bus import MessageBus
-from processes import start, wait_until
+from desktop import HUMAN_PRESS, WATCHER, Desktop
+from desktop_settings import WALLPAPER, desktop_settings
+from hosts import XFCE
+from picture import Picture
+from processes import wait_until
 
-WATCHER = "org.kde.StatusNotifierWatcher"
-PORTAL = "org.freedesktop.portal.Desktop"
+__all__ = ["SIZE", "WATCHER", "VirtualDesktop", "monitor_name"]
+
 SIZE = (1280, 800)
-HUMAN_PRESS = 0.12  # seconds between press and release of a person's click
+# Many monitors on a graphics card that there is not, none of the machine's own devices.
+MONITORS = """Section "ServerFlags"
+  Option "AutoAddDevices" "false"
+  Option "DontVTSwitch" "true"
+EndSection
+Section "Device"
+  Identifier "card"
+  Driver "dummy"
+  VideoRam 65536
+EndSection
+Section "Monitor"
+  Identifier "any"
+  HorizSync 5-1000
+  VertRefresh 5-200
+EndSection
+Section "Screen"
+  Identifier "screen"
+  Device "card"
+  Monitor "any"
+  DefaultDepth 24
+  SubSection "Display"
+    Modes "1280x800"
+  EndSubSection
+EndSection
+"""
 
 
-class VirtualDesktop:
-    """`folder` takes the desktop's home, runtime files and logs. With `panel` false nothing shows status items; with
-    `accessible` false no program describes itself to assistive technology, which costs it memory."""
+def monitor_name(number):
+    """What the X server calls the monitor `number`, counted from 0, where there are several."""
+    return f"DUMMY{number}"
 
-    def __init__(self, folder, scheme="light", panel=True, accessible=True):
-        self._folder = Path(tempfile.mkdtemp(prefix="desktop.", dir=folder))
-        self._scheme = scheme
-        self._panel = panel
-        self._accessible = accessible
-        self._children = []
-        self.environment = {}
-        self.session = None
-        self.accessibility = None
 
-    def __enter__(self):
-        try:
-            self._start()
-        except BaseException:
-            self.stop()
-            raise
-        return self
+class VirtualDesktop(Desktop):
+    """A desktop whose screen has `size` pixels, as so many monitors side by side; of the rest, see Desktop."""
 
-    def __exit__(self, *_):
-        self.stop()
+    def __init__(self, folder, scheme="light", panel=True, accessible=True, host=XFCE, size=SIZE, monitors=1):
+        super().__init__(folder, host, scheme, panel, accessible)
+        self.size = size
+        self._monitors = monitors
 
     def _start(self):
-        home, runtime = self._folder / "home", self._folder / "runtime"
-        home.mkdir()
-        runtime.mkdir(mode=0o700)
-        write_settings(home / ".config", self._scheme)
-        self.environment = {
-            "PATH": "/usr/local/bin:/usr/bin:/bin", "HOME": str(home), "XDG_RUNTIME_DIR": str(runtime),
-            "XDG_CONFIG_HOME": str(home / ".config"), "XDG_CACHE_HOME": str(home / ".cache"),
-            "XDG_DATA_HOME": str(home / ".local/share"), "XDG_CURRENT_DESKTOP": "XFCE", "XDG_SESSION_TYPE": "x11",
-            # The locale need not be installed: texts and figures must be right all the same.
-            "LANG": "en_US.UTF-8", "LC_CTYPE": "C.UTF-8",
-            "GSETTINGS_BACKEND": "memory",
-        }
-        if self._accessible:
-            self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        self._make_environment("x11")
+        self._write_settings(desktop_settings(self._host, self._scheme))
         self.environment["DISPLAY"] = self._start_display()
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_session_bus()
-        self.session = MessageBus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
-        if self._accessible:
-            self.accessibility = AccessibilityBus(self.session)
-        self._portal = self.start("portal", ["python3", Path(__file__).with_name("settings_portal.py"), self._scheme],
-                                  stdin=subprocess.PIPE)
-        wait_until(lambda: self.session.has_owner(PORTAL), "the settings portal answers")
+        if self._monitors > 1:
+            self._arrange_monitors()
+        self._start_session()
         self._show_wallpaper()
         self.start("window-manager", ["xfwm4", "--compositor=off"])
         wait_until(self._is_managed, "the window manager is there")
-        if self._panel:
-            self.start_panel()
-
-    def start_panel(self):
-        """Starts the panel and waits until it takes status items."""
-        self._panel = True
-        self.start("panel", ["xfce4-panel", "--disable-wm-check"])
-        wait_until(lambda: self.session.has_owner(WATCHER), "the panel takes status items")
 
     def _start_display(self):
         reading, writing = os.pipe()
-        self.start("display", ["Xvfb", "-displayfd", writing, "-screen", "0", f"{SIZE[0]}x{SIZE[1]}x24",
-                               "-nolisten", "tcp", "-noreset"], pass_fds=(writing,))
+        self.start("display", [*self._server(), "-displayfd", writing, "-nolisten", "tcp", "-noreset"],
+                   pass_fds=(writing,))
         os.close(writing)
         with os.fdopen(reading) as answer:
             number = answer.readline().strip()
@@ -89,13 +77,27 @@ class VirtualDesktop:
             raise RuntimeError(f"no X server: {self.log('display')}")
         return f":{number}"
 
-    def _start_session_bus(self):
-        bus = self.start("session-bus", ["dbus-daemon", "--session", "--nofork", "--print-address=1"],
-                         stdout=subprocess.PIPE, text=True)
-        address = bus.stdout.readline().strip()
-        if not address:
-            raise RuntimeError(f"no session bus: {self.log('session-bus')}")
-        return address
+    def _server(self):
+        """The words that start an X server which can have as many monitors."""
+        if self._monitors == 1:
+            return ["Xvfb", "-screen", "0", f"{self.size[0]}x{self.size[1]}x24"]
+        configuration = self._folder / "monitors.conf"
+        configuration.write_text(MONITORS, encoding="ascii")
+        return ["/usr/lib/xorg/Xorg", "-config", configuration, "-logfile", self._folder / "monitors.log",
+                "-novtswitch", "-sharevts"]
+
+    def _arrange_monitors(self):
+        """Puts the monitors side by side."""
+        width, height = self.size[0] // self._monitors, self.size[1]
+        mode = f"{width}x{height}"
+        for number in range(1, self._monitors):
+            self.run("xrandr", "--addmode", monitor_name(number), mode)
+        places = [word for number in range(self._monitors)
+                  for word in ("--output", monitor_name(number), "--mode", mode, "--pos", f"{number * width}x0")]
+        self.run("xrandr", "--fb", f"{self.size[0]}x{height}", *places)
+        # The server tells programs that start from now on what it found when it was last asked to look.
+        wait_until(lambda: f"Monitors: {self._monitors}\n" in self.run("xrandr", "--listmonitors"),
+                   "every monitor is there")
 
     def _is_managed(self):
         answer = self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK")
@@ -103,40 +105,24 @@ class VirtualDesktop:
 
     def _show_wallpaper(self):
         # The exit status says nothing here: it is 1 even when the picture was set.
-        self.start("wallpaper", ["display", "-window", "root", "-size", f"{SIZE[0]}x{SIZE[1]}",
+        self.start("wallpaper", ["display", "-window", "root", "-size", f"{self.size[0]}x{self.size[1]}",
                                  WALLPAPER[self._scheme]]).wait(timeout=20)
 
     def change_scheme(self, scheme):
-        """Makes the whole desktop "light" or "dark", as its settings would."""
-        self._scheme = scheme
-        self._portal.stdin.write(f"{scheme}\n".encode())
-        self._portal.stdin.flush()
-        if self._panel:
+        super().change_scheme(scheme)
+        if self._panel and self._host == XFCE:
             self.run("xfconf-query", "-c", "xfce4-panel", "-p", "/panels/dark-mode", "-t", "bool", "-n", "-s",
                      "true" if scheme == "dark" else "false")
         self._show_wallpaper()
-
-    def start(self, name, command, environment=None, **options):
-        """Starts a program on this desktop; what it says goes to the log `name`."""
-        child = start(command, self.environment | (environment or {}), self._folder / f"{name}.log", **options)
-        self._children.append(child)
-        return child
-
-    def run(self, *command, **options):
-        """Runs a program on this desktop to its end and gives what it says. Raises if it fails."""
-        return subprocess.run([str(word) for word in command], env=self.environment | {"LC_ALL": "C.UTF-8"},
-                              check=True, timeout=60, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True,
-                              errors="replace", **options).stdout
-
-    def log(self, name):
-        """What the program that was started under `name` said."""
-        path = self._folder / f"{name}.log"
-        return path.read_text(encoding="utf-8", errors="replace") if path.exists() else ""
 
     def click(self, position):
         """A person's click: the button stays down for a moment."""
         self.run("xdotool", "mousemove", position[0], position[1], "sleep", "0.05", "mousedown", "1",
                  "sleep", HUMAN_PRESS, "mouseup", "1")
+
+    def turn_wheel(self, position, notches):
+        """Turns the wheel towards the end of what is at `position`."""
+        self.run("xdotool", "mousemove", position[0], position[1], "click", "--repeat", notches, "--delay", "20", "5")
 
     def active_window_name(self):
         """The title of the window that has the focus; "" without one."""
@@ -145,6 +131,17 @@ class VirtualDesktop:
     def windows_of(self, pid):
         """The ids of the windows that a process shows."""
         return self._ask("xdotool", "search", "--onlyvisible", "--pid", pid).split()
+
+    def window_frames(self, pid):
+        """Left, top, width and height of the windows that a process shows, those embedded in others among them."""
+        labels = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
+        descriptions = [self._ask("xwininfo", "-id", window) for window in self.windows_of(pid)]
+        return [tuple(int(re.search(rf"{label}: +(-?\d+)", text)[1]) for label in labels)
+                for text in descriptions if text]
+
+    def on_screen(self, _pid, position):
+        """Where on the screen a position of a process's accessible objects is: there."""
+        return position
 
     def _ask(self, *command):
         """As `run`, for programs that fail when they have nothing to say: "" then."""
@@ -159,29 +156,18 @@ class VirtualDesktop:
     def press_key(self, key):
         self.run("xdotool", "key", key)
 
+    def picture_of(self, area):
+        """The pixels of `area` of the screen (left, top, width, height)."""
+        return Picture.from_ppm(self.run_for_bytes(*self._camera(area), "-depth", "8", "ppm:-"))
+
     def take_picture(self, path, area=None):
         """Saves the screen, or `area` of it (left, top, width, height), as a PNG."""
+        self.run(*self._camera(area), path)
+
+    @staticmethod
+    def _camera(area):
         command = ["import", "-silent", "-window", "root"]
         if area:
             left, top, width, height = area
             command += ["-crop", f"{width}x{height}+{left}+{top}", "+repage"]
-        self.run(*command, path)
-
-    def stop(self):
-        for connection in (self.accessibility, self.session):
-            if connection:
-                try:
-                    connection.close()
-                except Exception:  # The bus may be gone already, which is what we are after.
-                    pass
-        for child in reversed(self._children):
-            child.terminate()
-        for child in reversed(self._children):
-            try:
-                child.wait(timeout=3)
-            except subprocess.TimeoutExpired:
-                child.kill()
-                child.wait()
-            for pipe in (child.stdin, child.stdout):
-                if pipe:
-                    pipe.close()
+        return command

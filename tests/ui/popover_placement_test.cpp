@@ -42,6 +42,45 @@ TEST(PopoverFrame, StandsBesideAPanelAtASide) {
   EXPECT_EQ(other.top(), 500 - 240);
 }
 
+TEST(BesidePanel, IsTheScreenWithoutThePanelsWindow) {
+  const auto available = [](const QRect& panel) { return besidePanel(noPanel, panel).available; };
+  EXPECT_EQ(available(QRect(0, 0, 1920, 26)), topPanel.available);
+  EXPECT_EQ(available(QRect(0, 1040, 1920, 40)), bottomPanel.available);
+  EXPECT_EQ(available(QRect(0, 0, 48, 1080)), leftPanel.available);
+  EXPECT_EQ(available(QRect(1872, 0, 48, 1080)), rightPanel.available);
+  EXPECT_EQ(available(QRect(800, 4, 300, 26)), whole.adjusted(0, 30, 0, 0)) << "that floats";
+  EXPECT_EQ(besidePanel(topPanel, QRect(0, 0, 1920, 20)).available, topPanel.available) << "more is reserved";
+  EXPECT_EQ(besidePanel(noPanel, QRect(0, 0, 48, 1080)).whole, whole);
+}
+
+TEST(BesidePanel, IsTheWholeScreenWhereTheWindowIsNoPanel) {
+  for (const QRect& window : {QRect(0, 0, 1920, 1080), QRect(100, 100, 600, 400), QRect(1920, 0, 1920, 26)}) {
+    EXPECT_EQ(besidePanel(noPanel, window).available, whole);
+  }
+}
+
+TEST(PopoverFrame, StaysUnderTheLastItemOfAPanel) {
+  for (const int x : {8, 13, 1906, 1911}) {
+    const QRect frame = popoverFrame(QPoint(x, 13), popover, topPanel);
+    EXPECT_TRUE(frame.left() <= x && x <= frame.right()) << frame.left();
+    EXPECT_TRUE(topPanel.available.contains(frame));
+  }
+}
+
+TEST(PopoverFrame, StaysBesideTheLastItemOfAPanelAtASide) {
+  for (const int y : {20, 24, 1056, 1060}) {
+    const QRect frame = popoverFrame(QPoint(1896, y), popover, rightPanel);
+    EXPECT_TRUE(frame.top() <= y && y <= frame.bottom()) << frame.top();
+    EXPECT_TRUE(rightPanel.available.contains(frame));
+  }
+}
+
+TEST(PopoverFrame, TakesAPanelThatReservesNoSpaceForAHorizontalOneInACorner) {
+  const QRect frame = popoverFrame(QPoint(1908, 14), popover, noPanel);
+  EXPECT_TRUE(frame.left() <= 1908 && 1908 <= frame.right()) << frame.left();
+  EXPECT_GT(frame.top(), 14 + 10);
+}
+
 TEST(PopoverFrame, StaysInsideTheScreenInItsCorners) {
   for (const ScreenArea& screen : {topPanel, bottomPanel, leftPanel, rightPanel, noPanel}) {
     for (const QPoint& corner :

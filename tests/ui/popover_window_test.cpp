@@ -93,6 +93,18 @@ TEST_F(PopoverWindowTest, IsAsWideAsItsViewAndAsHighAsItsContent) {
   EXPECT_EQ(window_.height(), view_->layout()->totalHeightForWidth(320));
 }
 
+TEST_F(PopoverWindowTest, HasItsHeightFromTheStart) {
+  for (const char* name : {"One.app", "Two.app", "Three.app"}) stage_.add({name, 100, {megabyte, megabyte}});
+  stage_.sweep();
+  for (const PopoverStyle style : {PopoverStyle::popup, PopoverStyle::tool}) {
+    window_.open(style, item, plain);
+    const int first = window_.height();
+    PopoverStage::settle();
+    EXPECT_EQ(window_.height(), first);
+    window_.close();
+  }
+}
+
 TEST_F(PopoverWindowTest, GrowsAndShrinksWithItsContent) {
   stage_.add({"Editor.app", 100, {2 * megabyte, megabyte}});
   stage_.sweep();
@@ -111,6 +123,17 @@ TEST_F(PopoverWindowTest, HangsUnderItsItemInsideTheScreen) {
   EXPECT_TRUE(screen.contains(window_.geometry()));
   EXPECT_EQ(window_.geometry().left(), item.x() - 160);
   EXPECT_GT(window_.geometry().top(), item.y());
+}
+
+TEST_F(PopoverWindowTest, StandsBesideThePanelThatThePointerIsOn) {
+  WindowSystem onPanel = plain;
+  onPanel.windowUnderPointer = QRect(0, 0, 60, 700);
+  open(PopoverStyle::popup, QPoint(30, 10), onPanel);
+  EXPECT_EQ(window_.geometry().topLeft(), QPoint(66, 6));
+  window_.close();
+  onPanel.windowUnderPointer = QRect(0, 600, 60, 100);
+  open(PopoverStyle::popup, QPoint(30, 10), onPanel);
+  EXPECT_EQ(window_.geometry().left(), 6) << "another window";
 }
 
 TEST_F(PopoverWindowTest, LeavesRoomForItsShadowWhereWindowsAreBlended) {

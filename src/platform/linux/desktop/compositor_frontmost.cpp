@@ -3,6 +3,8 @@
 
 #include "platform/linux/desktop/compositor_frontmost.hpp"
 
+#include <unistd.h>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -48,6 +50,15 @@ std::optional<FrontmostApplication> applicationOf(std::optional<std::int32_t> pi
   return FrontmostApplication{std::nullopt, *pid};
 }
 
+/// The popover takes the focus here: while it has it, the application before it is still the frontmost one.
+FrontmostApplicationSource besideOurselves(FrontmostApplicationSource source) {
+  return [source = std::move(source), last = std::optional<FrontmostApplication>()]() mutable {
+    auto application = source();
+    if (!application || application->processIdentifier != ::getpid()) last = std::move(application);
+    return last;
+  };
+}
+
 }  // namespace
 
 std::optional<std::int32_t> focusedProcessInTree(std::string_view json) {
@@ -59,17 +70,17 @@ std::optional<std::int32_t> processOfWindow(std::string_view json) {
 }
 
 FrontmostApplicationSource swayFrontmostApplication(std::string socket) {
-  return [socket = std::move(socket)] {
+  return besideOurselves([socket = std::move(socket)] {
     const auto tree = askSway(socket, SwayQuestion::getTree);
     return applicationOf(tree ? focusedProcessInTree(*tree) : std::nullopt);
-  };
+  });
 }
 
 FrontmostApplicationSource hyprlandFrontmostApplication(std::string socket) {
-  return [socket = std::move(socket)] {
+  return besideOurselves([socket = std::move(socket)] {
     const auto window = askHyprland(socket, "j/activewindow");
     return applicationOf(window ? processOfWindow(*window) : std::nullopt);
-  };
+  });
 }
 
 }  // namespace tarn

@@ -81,7 +81,8 @@ void StatusNotifierItem::setHostKind(HostKind kind) {
 BusInterface StatusNotifierItem::interface() {
   const auto click = [this](const QVariantList& arguments) -> std::optional<QVariantList> {
     const QPoint position(arguments.at(0).toInt(), arguments.at(1).toInt());
-    // Anybody on the bus may call: opening and closing at their pace would leave time for nothing else.
+    // Some panels report the second press of a double click twice, which would open again what it closes. And
+    // anybody on the bus may call: opening and closing at their pace would leave time for nothing else.
     if (!nextClick_.hasExpired()) return QVariantList();
     nextClick_.setRemainingTime(clickInterval);
     Q_EMIT clicked(position, QPrivateSignal());

@@ -4,6 +4,7 @@
 #include "platform/linux/desktop/compositor_frontmost.hpp"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -55,6 +56,30 @@ TEST(Sway, IsAskedForItsTree) {
   ASSERT_TRUE(application);
   EXPECT_EQ(application->processIdentifier, 4711);
   EXPECT_EQ(application->bundlePath, std::nullopt);
+}
+
+TEST(Sway, IsNotAskedToTellOurOwnPopoverFromTheApplicationBeforeIt) {
+  const auto answering = [](const std::string& json) {
+    return [json](int connection) {
+      readQuestion(connection, 14);
+      write(connection, swayAnswer(json));
+    };
+  };
+  const auto focusedOn = [](std::int32_t pid) {
+    return R"({"nodes":[],"floating_nodes":[{"focused":true,"pid":)" + std::to_string(pid) + "}]}";
+  };
+  const FakeCompositor sway({answering(focusedOn(::getpid())), answering(focusedOn(12)),
+                             answering(focusedOn(::getpid())), answering("{}"),
+                             answering(focusedOn(::getpid()))});
+  const auto frontmost = swayFrontmostApplication(sway.path());
+  EXPECT_EQ(frontmost(), std::nullopt) << "nothing is known of what was before";
+  for (int i = 0; i < 2; ++i) {
+    const auto application = frontmost();
+    ASSERT_TRUE(application);
+    EXPECT_EQ(application->processIdentifier, 12);
+  }
+  EXPECT_EQ(frontmost(), std::nullopt);
+  EXPECT_EQ(frontmost(), std::nullopt) << "an empty workspace was before";
 }
 
 TEST(Sway, IsNotWaitedForLongerThanFiftyMilliseconds) {
