@@ -2,9 +2,9 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 # test.sh [--all]: builds Tarn and runs its tests, all of them under the sanitizers. --all adds what takes minutes of
-# its own: clang-tidy over all sources, the tests on a platform that tells nothing, the end-to-end test of the program as
-# it is released, real applications, which it installs, the Debian package in a fresh Debian, and the benchmarks. Installs
-# what is missing.
+# its own: clang-tidy over all sources, the tests on a platform that tells nothing, the program as it is released, in
+# panels of every kind, and among floods and failures, real applications, which it installs, the Debian package in a
+# fresh Debian, and the benchmarks. Installs what is missing.
 set -euo pipefail
 [ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" test "$@"
 # shellcheck source=scripts/lib.sh
@@ -71,7 +71,12 @@ packages() { scripts/install_packages.sh build run desktop test ${all:+lint}; }
 tests_with_address_sanitizer() { build_and_test asan; }
 tests_with_thread_sanitizer() { build_and_test tsan; }
 tests_on_an_unsupported_system() { build_and_test unsupported; }
-end_to_end_release() { end_to_end release --use; }
+# What sanitizers weigh upon: figures and rhythm.
+end_to_end_release() { end_to_end release --use FiguresTest RhythmTest; }
+end_to_end_hosts() {
+  scripts/install_packages.sh hosts || return
+  end_to_end release --hosts
+}
 end_to_end_faults() { end_to_end asan --faults; }
 live_applications() {
   local results="$repository/build/results/applications"
@@ -100,7 +105,8 @@ stage "end to end on a virtual desktop, sanitized" end_to_end_sanitized
 stage "the macOS port, compiled for a Mac" scripts/check_macos.sh
 if [ -n "$all" ]; then
   stage "tests, on a system that tells nothing" tests_on_an_unsupported_system
-  stage "end to end on a virtual desktop, release" end_to_end_release
+  stage "end to end, figures and rhythm, release" end_to_end_release
+  stage "end to end, panels of every kind, release" end_to_end_hosts
   stage "end to end, floods and failures, sanitized" end_to_end_faults
   stage "real applications and their processes" live_applications
   stage "what is installed, and the Debian package" scripts/check_packages.sh
