@@ -39,7 +39,7 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
   static void TearDownTestSuite() {
     if (!qEnvironmentVariableIsSet("TARN_PRINT_CONTRAST")) return;
     std::printf("| what | at least | light | dark |\n|---|---:|---:|---:|\n");
-    for (Line& line : lines_) {
+    for (Line& line : lines) {
       std::printf("| %s | %.1f | %.2f | %.2f |\n", line.what.c_str(), line.least, line.ratios[false],
                   line.ratios[true]);
     }
@@ -59,8 +59,8 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
 
   void expectAtLeast(double least, double ratio, const std::string& what) {
     EXPECT_GE(ratio, least) << what;
-    auto line = std::find_if(lines_.begin(), lines_.end(), [&](const Line& one) { return one.what == what; });
-    if (line == lines_.end()) line = lines_.insert(line, {what, least, {}});
+    auto line = std::find_if(lines.begin(), lines.end(), [&](const Line& one) { return one.what == what; });
+    if (line == lines.end()) line = lines.insert(line, {what, least, {}});
     const auto known = line->ratios.try_emplace(isDark_, ratio).first;
     known->second = std::min(known->second, ratio);
   }
@@ -117,7 +117,7 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
   const bool isDark_ = GetParam() == &Theme::dark();
 
  private:
-  inline static std::vector<Line> lines_;
+  inline static std::vector<Line> lines;
 };
 
 TEST_P(PaintedContrast, SufficesForTheTextsOfEveryTab) {
@@ -132,7 +132,7 @@ TEST_P(PaintedContrast, SufficesForTheTextsOfEveryTab) {
 }
 
 TEST_P(PaintedContrast, SufficesForTheVerdictsGlyphInEveryTint) {
-  GlyphView* glyph = view_->findChild<GlyphView*>();
+  auto* glyph = view_->findChild<GlyphView*>();
   const std::vector<std::pair<Tint, std::string>> tints{
       {Tint::green, "green"}, {Tint::orange, "orange"}, {Tint::red, "red"}, {Tint::secondary, "grey"}};
   for (const auto& [tint, name] : tints) {
@@ -177,7 +177,7 @@ TEST_P(PaintedContrast, SufficesOnTabsInEveryState) {
 }
 
 TEST_P(PaintedContrast, SufficesOnTheCheckboxInEveryState) {
-  CheckBox* toggle = view_->findChild<CheckBox*>();
+  auto* toggle = view_->findChild<CheckBox*>();
   const QRect all = frame(*toggle);
   const QRect box(all.left(), all.center().y() - 6, 14, 14);
   const QRect label = all.adjusted(20, 2, -4, -2);
@@ -197,7 +197,7 @@ TEST_P(PaintedContrast, SufficesOnTheCheckboxInEveryState) {
 }
 
 TEST_P(PaintedContrast, SufficesOnQuitInEveryState) {
-  PillButton* quit = view_->findChild<PillButton*>();
+  auto* quit = view_->findChild<PillButton*>();
   expectControl(*quit, "Quit");
   focus(*quit);
   expectRing(*quit, -3, 8, "focus ring of Quit");
@@ -207,7 +207,7 @@ TEST_P(PaintedContrast, SufficesOnQuitInEveryState) {
 }
 
 TEST_P(PaintedContrast, SufficesOnTheLinkInEveryState) {
-  LinkButton* link = view_->findChild<LinkButton*>();
+  auto* link = view_->findChild<LinkButton*>();
   expectAtLeast(readable, inkContrast(picture(frame(*link))), "link");
   link->setAttribute(Qt::WA_UnderMouse);
   expectAtLeast(readable, inkContrast(picture(frame(*link))), "link");

@@ -29,6 +29,7 @@ inline std::vector<PaintedColor> colorsOf(const QImage& image) {
   }
   const double pixels = static_cast<double>(image.width()) * image.height();
   std::vector<PaintedColor> colors;
+  colors.reserve(counts.size());
   for (const auto& [rgb, count] : counts) colors.push_back({QColor(rgb), count / pixels});
   std::stable_sort(colors.begin(), colors.end(),
                    [](const auto& one, const auto& other) { return one.share > other.share; });
