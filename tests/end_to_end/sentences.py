@@ -10,6 +10,13 @@ MEMORY_SENTENCES = {
     "warning": "Your Mac is running short on memory. Closing an app below would help.",
     "critical": "Your Mac is out of memory. Close something now.",
 }
+# What the circle says of itself beside each.
+STATUS_TEXTS = {
+    MEMORY_SENTENCES["normal"]: "Memory normal",
+    MEMORY_SENTENCES["swapping"]: "Memory normal, using swap",
+    MEMORY_SENTENCES["warning"]: "Memory pressure warning",
+    MEMORY_SENTENCES["critical"]: "Memory pressure critical",
+}
 TINTS = {"normal": "green", "swapping": "orange", "warning": "orange", "critical": "red"}
 DETAIL = rf"Wired ({BYTES}) · Compressed ({BYTES}) · Cached files ({BYTES}) · Swap ({BYTES})"
 

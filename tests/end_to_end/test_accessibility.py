@@ -9,13 +9,8 @@ from desktop_test import DesktopTest
 from popover import BUTTONS, ROW, TABS
 from processes import wait_until
 from programs import HOG, STAGE, start_hog
+from sentences import STATUS_TEXTS
 
-STATUS_TEXTS = {
-    "Your Mac has memory to spare.": "Memory normal",
-    "Your Mac is coping, but has started using the disk as overflow.": "Memory normal, using swap",
-    "Your Mac is running short on memory. Closing an app below would help.": "Memory pressure warning",
-    "Your Mac is out of memory. Close something now.": "Memory pressure critical",
-}
 ROLES_OF_CONTROLS = {"push button", "button", "radio button", "check box", "link"}
 EGYPTIAN_BYTES = "[٠-٩]+(?:٬[٠-٩]+)*(?:٫[٠-٩]+)? (?:bytes|KB|MB|GB)"
 EGYPTIAN_PERCENT = "[٠-٩]+(?:٬[٠-٩]+)*٪\u061c?"

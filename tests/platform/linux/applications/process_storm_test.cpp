@@ -56,7 +56,7 @@ class Child {
   while (true) std::atomic_signal_fence(std::memory_order_seq_cst);
 }
 
-/// Starts processes at an even pace, each of which ends at once, on three generations of parents.
+/// Starts processes at an even pace, each of which starts another one and ends at once.
 [[noreturn]] void raiseStorm() {
   ::signal(SIGCHLD, SIG_IGN);
   constexpr auto pace = std::chrono::microseconds(1'000'000 / 300);
