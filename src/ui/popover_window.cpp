@@ -26,11 +26,6 @@ constexpr int shadowDrop = 6;    ///< how far below the content the shadow lies
 constexpr std::chrono::milliseconds reopenGuard{400};  ///< in which a click's release follows its press
 constexpr int itemReach = 48;                          ///< a press this close to the click was the same click
 
-// A compositor knows a window some milliseconds after the toolkit has shown it, and draws its next frame up
-// to 16 later: by then it is to be in its place.
-constexpr std::chrono::milliseconds compositorInterval{4};
-constexpr int compositorPatience = 75;  ///< attempts
-
 Qt::WindowFlags flagsFor(PopoverStyle style) {
   switch (style) {
     case PopoverStyle::popup:
@@ -69,14 +64,13 @@ void paintShadow(QPainter& painter, const QRectF& content) {
 
 }  // namespace
 
-PopoverWindow::PopoverWindow(PopoverView* view, Clock clock) : view_(view), clock_(std::move(clock)) {
+PopoverWindow::PopoverWindow(PopoverView* view, Clock clock)
+    : view_(view), compositor_([this] { fitToContent(); }), clock_(std::move(clock)) {
   setWindowTitle(QStringLiteral("Tarn"));
   auto* frame = new QVBoxLayout(this);
   frame->setContentsMargins(0, 0, 0, 0);
   frame->setSizeConstraint(QLayout::SetNoConstraint);
   frame->addWidget(view_);
-  compositorTimer_.setSingleShot(true);
-  connect(&compositorTimer_, &QTimer::timeout, this, &PopoverWindow::askCompositor);
 }
 
 void PopoverWindow::setTheme(const Theme& theme) {
@@ -121,7 +115,7 @@ void PopoverWindow::applyStyle(PopoverStyle style, const WindowSystem& windowSys
   blended_ = blended;
   isPlaced_ = windowSystem.clientsPlaceWindows && style != PopoverStyle::regular;
   panel_ = windowSystem.windowUnderPointer;
-  compositor_ = style == PopoverStyle::regular ? CompositorPlacement() : windowSystem.compositor;
+  compositor_.setCompositor(style == PopoverStyle::regular ? CompositorPlacement() : windowSystem.compositor);
   const int margin = blended ? shadowReach : 0;
   layout()->setContentsMargins(margin, margin, margin, margin);
 }
@@ -131,7 +125,7 @@ QRect PopoverWindow::contentFrame() const {
 }
 
 ScreenArea PopoverWindow::screenArea() const {
-  if (compositorPlace_) return compositorPlace_->screen;
+  if (compositor_.place()) return compositor_.place()->screen;
   const QScreen* screen = anchor_ ? QGuiApplication::screenAt(*anchor_) : nullptr;
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();
   if (screen == nullptr) return {};
@@ -173,24 +167,12 @@ void PopoverWindow::place(const QSize& size) {
   cutCorners();
 }
 
-/// Asks again and again until the compositor knows the window; it stays where it is if that never happens.
-void PopoverWindow::askCompositor() {
-  if (!isVisible()) return;
-  compositorPlace_ = compositor_.locate();
-  if (compositorPlace_) {
-    fitToContent();
-  } else if (--compositorAttempts_ > 0) {
-    compositorTimer_.start(compositorInterval);
-  }
-}
-
 void PopoverWindow::moveByCompositor(const QSize& size) {
-  if (!compositorPlace_) return;
-  const auto& [screen, pointer] = *compositorPlace_;
+  if (!compositor_.place()) return;
+  const auto& [screen, pointer] = *compositor_.place();
   const bool isBeside = isAtPointer_ && isPlausibleAnchor(pointer, screen);
   const QRect frame = popoverFrame(isBeside ? std::optional(pointer) : std::nullopt, size, screen);
-  const QPoint corner = frame.marginsAdded(layout()->contentsMargins()).topLeft();
-  if (std::exchange(compositorCorner_, corner) != corner) compositor_.moveTo(corner);
+  compositor_.moveTo(frame.marginsAdded(layout()->contentsMargins()).topLeft());
 }
 
 /// Where nothing blends the corners, the window itself is cut. The toolkit's own mask of a widget would also
@@ -209,14 +191,9 @@ bool PopoverWindow::event(QEvent* event) {
 
 void PopoverWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
-  compositorPlace_.reset();
-  compositorCorner_.reset();
+  compositor_.seek();
   settleContent();
   fitToContent();
-  if (compositor_.locate) {
-    compositorAttempts_ = compositorPatience;
-    compositorTimer_.start(compositorInterval);
-  }
   // Nothing is ringed until somebody uses the keyboard; Tab then goes to the first control.
   setFocus(Qt::OtherFocusReason);
 }
@@ -231,6 +208,7 @@ void PopoverWindow::changeEvent(QEvent* event) {
 
 void PopoverWindow::closeEvent(QCloseEvent* event) {
   QWidget::closeEvent(event);
+  compositor_.leave();
   Q_EMIT closed();
 }
 

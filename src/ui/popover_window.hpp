@@ -4,12 +4,12 @@
 #pragma once
 
 #include <QPoint>
-#include <QTimer>
 #include <QWidget>
 #include <chrono>
 #include <functional>
 #include <optional>
 
+#include "ui/compositor_seat.hpp"
 #include "ui/popover_placement.hpp"
 #include "ui/popover_view.hpp"
 #include "ui/theme.hpp"
@@ -74,7 +74,6 @@ class PopoverWindow : public QWidget {
 
  private:
   void applyStyle(PopoverStyle style, const WindowSystem& windowSystem);
-  void askCompositor();
   void moveByCompositor(const QSize& size);
   void settleContent();
   void fitToContent();
@@ -89,12 +88,8 @@ class PopoverWindow : public QWidget {
   bool blended_ = false;
   bool isPlaced_ = true;        ///< beside the item
   std::optional<QRect> panel_;  ///< that the pointer was on when it was opened
-  CompositorPlacement compositor_;
-  std::optional<CompositorPlace> compositorPlace_;  ///< once the compositor has told it of the open window
-  std::optional<QPoint> compositorCorner_;          ///< where it was told to move the window
-  bool isAtPointer_ = false;                        ///< it was opened by a click
-  QTimer compositorTimer_;
-  int compositorAttempts_ = 0;
+  CompositorSeat compositor_;
+  bool isAtPointer_ = false;  ///< it was opened by a click
   Clock clock_;
   QPoint lastPress_;  ///< where that press was, in screen coordinates
   /// When a press outside closed the popover; absent unless that is how it was closed last.
