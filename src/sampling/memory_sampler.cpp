@@ -196,15 +196,19 @@ AppGroup MemorySampler::makeGroup(const Tally& tally) {
   return group;
 }
 
+double MemorySampler::smoothed(double before, double raw) {
+  return before + (raw - before) * cpuSmoothing;
+}
+
 double MemorySampler::smoothedOfApplication(const std::string& root, double raw) {
   const auto [remembered, isNew] = smoothedCPU_.try_emplace(root, raw);
-  if (!isNew) remembered->second += (raw - remembered->second) * cpuSmoothing;
+  if (!isNew) remembered->second = smoothed(remembered->second, raw);
   return remembered->second;
 }
 
 double MemorySampler::smoothedOfProcess(std::int32_t pid, double raw) {
   const double* const remembered = smoothedProcessCPU_.find(pid);
-  return sweep_.smoothedCPU[pid] = remembered ? *remembered + (raw - *remembered) * cpuSmoothing : raw;
+  return sweep_.smoothedCPU[pid] = remembered ? smoothed(*remembered, raw) : raw;
 }
 
 const SharedText& MemorySampler::ownRoot(std::int32_t pid, Ancestor& process) {

@@ -97,6 +97,7 @@ class MemorySampler {
   std::vector<AppGroup> makeGroups();
   void forgetVanishedApplications(const std::vector<AppGroup>& groups);
   AppGroup makeGroup(const Tally& tally);
+  static double smoothed(double before, double raw);
   double smoothedOfApplication(const std::string& root, double raw);
   double smoothedOfProcess(std::int32_t pid, double raw);
 
