@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# fuzz.sh [SECONDS [NAME...]]: makes up inputs for the parsers of all that comes from outside, each for so many seconds
-# (300 if nothing is said), beginning with tests/fuzz/seeds. Prints how much of each parser was reached, and ends badly when
-# one was brought down: the input is then in build/fuzz/findings, to be kept as a seed. Installs what is missing.
+# fuzz.sh [SECONDS [NAME...]]: makes up inputs for the parsers of all that comes from outside, each for so many seconds of
+# processor time (300 if nothing is said), beginning with tests/fuzz/seeds. Prints how much of each parser was reached, and
+# ends badly when one was brought down: the input is then in build/fuzz/findings, to be kept as a seed. Installs what is
+# missing.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
@@ -33,24 +34,30 @@ coverage_of() {
     awk '{reached += $1; all += $2} END {printf "%d functions, %d of %d branches", NR, reached, all}'
 }
 
-# Runs one fuzzer, and prints one line.
+# Runs one fuzzer, and prints one line. The fuzzer counts seconds of the clock: it is called again until its own are spent (in ms).
 fuzz() {
-  local name="$1" log="$repository/build/fuzz/$1.log" status=0 TIMEFORMAT="%U %S"
+  local name="$1" log="$repository/build/fuzz/$1.log" status=0 spent=0 inputs=0 executed TIMEFORMAT="%U %S"
   mkdir -p "$corpus/$name" "$findings"
-  local run=("${fixed_addresses[@]}" "$programs/${name}_fuzz" -max_total_time="$seconds" -max_len=4096 -timeout=5
-    -print_coverage=1 -print_final_stats=1 -artifact_prefix="$findings/$name-" "$corpus/$name" "tests/fuzz/seeds/$name")
+  local run=("${fixed_addresses[@]}" "$programs/${name}_fuzz" -max_len=4096 -timeout=10 -print_coverage=1
+    -print_final_stats=1 -artifact_prefix="$findings/$name-")
+  [ ! -f "tests/fuzz/words/$name" ] || run+=(-dict="tests/fuzz/words/$name")
   # The toolkit's fonts are kept by a library of its own until the process ends.
   [ "$name" != row_layout ] || export ASAN_OPTIONS=detect_leaks=0
-  { time LC_ALL=C.UTF-8 "${run[@]}" >"$log" 2>&1; } 2>"$log.time" || status=$?
-  printf '%-20s %3.0f s of processor time, %9s inputs, %s%s\n' "$name" "$(awk '{print $1 + $2}' "$log.time")" \
-    "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")" "$(coverage_of "$log")" \
+  while [ "$((spent / 1000))" -lt "$seconds" ] && [ "$status" -eq 0 ]; do
+    { time LC_ALL=C.UTF-8 "${run[@]}" -max_total_time=$((seconds - spent / 1000)) "$corpus/$name" \
+      "tests/fuzz/seeds/$name" >"$log" 2>&1; } 2>"$log.time" || status=$?
+    spent=$((spent + $(awk '{printf "%d", 1000 * ($1 + $2)}' "$log.time")))
+    executed="$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")"
+    inputs=$((inputs + ${executed:-0}))
+  done
+  printf '%-20s %3d s of processor time, %9d inputs, %s%s\n' "$name" "$((spent / 1000))" "$inputs" "$(coverage_of "$log")" \
     "$([ "$status" -eq 0 ] || echo ", BROUGHT DOWN: see $log")"
   return "$status"
 }
 
 brought_down=0
 running=0
-say "$seconds seconds for each of ${#names[@]} parsers, $(nproc) at a time"
+say "$seconds seconds of processor time for each of ${#names[@]} parsers, $(nproc) at a time"
 for name in "${names[@]}"; do
   if [ "$running" -ge "$(nproc)" ]; then
     wait -n || brought_down=$((brought_down + 1))

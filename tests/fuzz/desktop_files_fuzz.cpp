@@ -1,29 +1,51 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include <array>
+#include <string>
+
 #include "fuzz/fuzz_input.hpp"
 #include "platform/linux/applications/application_index.hpp"
 #include "platform/linux/applications/desktop_entry.hpp"
 #include "platform/linux/system/temporary_tree.hpp"
 
+namespace {
+
+/// Where the programs lie that the files name.
+constexpr std::array programs{"/usr/bin/paint", "/usr/bin/env", "/opt/paint/bin/paint",
+                              "/opt/paint/paint.py"};
+
+const tarn::TemporaryTree& machine() {
+  static const tarn::TemporaryTree tree;
+  static const bool isReady = [] {
+    for (const std::string program : programs) tree.write(program.substr(1), "");
+    return true;
+  }();
+  tarn::require(isReady);
+  return tree;
+}
+
+}  // namespace
+
 // An application's desktop file and, after a line "%%", its bus service's.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const tarn::TemporaryTree tree;
+  const tarn::TemporaryTree& tree = machine();
   const std::string_view text = tarn::textOf(data, size);
   const std::size_t end = text.find("\n%%\n");
-  const std::string desktop = tree.at("share/applications/org.example.Paint.desktop").string();
-  tree.write("share/applications/org.example.Paint.desktop", text.substr(0, end));
+  const std::string file = "/share/applications/org.example.Paint.desktop";
+  tree.write(file.substr(1), text.substr(0, end));
   tree.write("share/dbus-1/services/org.example.Paint.service",
              end == std::string_view::npos ? std::string_view() : text.substr(end + 4));
-  tarn::readDesktopEntry(desktop);
-  tarn::readDesktopAppearance(desktop);
-  tarn::ApplicationIndex index(tree.roots(), {tree.at("share").string()}, {"/usr/bin"});
+  const bool isApplication = tarn::readDesktopEntry(tree.at(file.substr(1)).string()).has_value();
+  tarn::require(tarn::readDesktopAppearance(tree.at(file.substr(1)).string()).has_value() == isApplication);
+  tarn::ApplicationIndex index(tree.roots(), {"/share"}, {"/usr/bin"});
   index.refresh();
-  tarn::require(index.size() <= 1);
-  for (const auto* file :
-       {index.byId("org.example.Paint"), index.byExecutable("/usr/bin/env"),
-        index.byServiceExecutable("/usr/bin/env"), index.byPrivateDirectory("/opt/paint/bin/x")}) {
-    tarn::require(file == nullptr || *file == desktop);
+  tarn::require(index.size() == (isApplication ? 1 : 0));
+  tarn::require((index.byId("org.example.Paint") != nullptr) == isApplication);
+  for (const std::string program : programs) {
+    for (const auto* found :
+         {index.byExecutable(program), index.byServiceExecutable(program), index.byPrivateDirectory(program)})
+      tarn::require(found == nullptr || *found == file);
   }
   return 0;
 }
