@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "app/page_opener.hpp"
 #include "app/program.hpp"
 #include "monitor/active_processors.hpp"
 #include "monitor/serial_queue.hpp"
@@ -142,6 +143,7 @@ PopoverWindow& TarnApp::popover() {
     auto* view = new PopoverView(model_, prefs_, platformFileIcon(), maker());
     popover_ = std::make_unique<PopoverWindow>(view);
     connect(view, &PopoverView::quitRequested, this, platformTerminate);
+    connect(view, &PopoverView::pageRequested, this, platformPageOpener());
     connect(popover_.get(), &PopoverWindow::closed, this, [this] {
       // Without a menu bar this window is all there is of Tarn: closing it ends the program.
       if (popover_->style() == PopoverStyle::regular) platformTerminate();

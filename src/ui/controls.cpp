@@ -3,11 +3,9 @@
 
 #include "ui/controls.hpp"
 
-#include <QDesktopServices>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QStyle>
-#include <QUrl>
 
 #include "ui/focus_ring.hpp"
 #include "ui/symbols.hpp"
@@ -105,14 +103,12 @@ void PillButton::paintEvent(QPaintEvent* /*event*/) {
   painter.drawText(rect(), Qt::AlignCenter, text());
 }
 
-LinkButton::LinkButton(const QString& label, const QString& address, QWidget* parent)
-    : QPushButton(label, parent) {
+LinkButton::LinkButton(const QString& label, QWidget* parent) : QPushButton(label, parent) {
   setCursor(Qt::PointingHandCursor);
   setAttribute(Qt::WA_Hover);
   setFocusPolicy(Qt::TabFocus);
   setAutoDefault(true);  // Return presses it, too
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-  connect(this, &QPushButton::clicked, this, [address] { QDesktopServices::openUrl(QUrl(address)); });
 }
 
 QSize LinkButton::sizeHint() const {

@@ -47,12 +47,12 @@ class PillButton : public QPushButton {
   void paintEvent(QPaintEvent* event) override;
 };
 
-/// Text that opens a web page in the user's browser.
+/// Text that leads to a web page when it is clicked.
 class LinkButton : public QPushButton {
   Q_OBJECT
 
  public:
-  LinkButton(const QString& label, const QString& address, QWidget* parent = nullptr);
+  explicit LinkButton(const QString& label, QWidget* parent = nullptr);
   QSize sizeHint() const override;
 
  protected:

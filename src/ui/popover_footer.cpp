@@ -53,8 +53,9 @@ QWidget* PopoverFooter::makeAboutLine(const Maker& maker) {
   const QFont font = systemFont(10);
   auto* credit = new CreditLabel(font, TextStyle::tertiary);
   credit->setText(QStringLiteral("Made with ❤️ by "));
-  auto* link = new LinkButton(maker.address, maker.page);
+  auto* link = new LinkButton(maker.address);
   link->setFont(font);
+  connect(link, &QPushButton::clicked, this, [this, page = maker.page] { Q_EMIT pageRequested(page); });
   auto* version = new TextLabel(font, TextStyle::tertiary, Overflow::cuts);
   version->setText(QStringLiteral(" · v") + appVersion());
 

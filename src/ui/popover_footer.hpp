@@ -17,7 +17,7 @@ QString appVersion();
 /// Whom the about line credits.
 struct Maker {
   QString address;  ///< shown
-  QString page;     ///< opened
+  QString page;     ///< asked for when the address is clicked
 };
 
 /// The popover's last block: the preference, Quit, and the about line.
@@ -33,6 +33,7 @@ class PopoverFooter : public QWidget {
 
  Q_SIGNALS:
   void quitRequested();
+  void pageRequested(const QString& page);
 
  private:
   QWidget* makeAboutLine(const Maker& maker);

@@ -59,6 +59,7 @@ PopoverView::PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& p
   connect(tabPicker_, &TabPicker::tabChosen, this, &PopoverView::chooseTab);
   connect(applicationList_, &ApplicationList::toggled, this, &PopoverView::toggle);
   connect(footer_, &PopoverFooter::quitRequested, this, &PopoverView::quitRequested);
+  connect(footer_, &PopoverFooter::pageRequested, this, &PopoverView::pageRequested);
   const auto renderSoon = [this] {
     if (isVisible()) renderer_.schedule();
   };

@@ -43,6 +43,9 @@ class PopoverView : public QWidget {
  Q_SIGNALS:
   void quitRequested();
 
+  /// The user wants to see a web page.
+  void pageRequested(const QString& page);
+
  protected:
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;

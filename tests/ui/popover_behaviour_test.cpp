@@ -220,6 +220,15 @@ TEST(PopoverTabs, MoveWithTheArrowKeys) {
   EXPECT_EQ(view.tab(), PopoverTab::cpu);
 }
 
+TEST(PopoverLink, AsksForTheMakersPageOncePerClick) {
+  PopoverStage stage;
+  PopoverView& view = stage.showView();
+  const QSignalSpy requests(&view, &PopoverView::pageRequested);
+  click(*view.findChild<LinkButton*>());
+  EXPECT_EQ(requests.size(), 1);
+  EXPECT_EQ(requests.value(0), QVariantList{QStringLiteral("https://tarn.example")});
+}
+
 TEST(PopoverTabs, AreEnteredAtTheChosenOneHoweverItWasChosen) {
   PopoverStage stage;
   PopoverView& view = stage.showView();

@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: MIT
 
 #include <QCoreApplication>
+#include <QDesktopServices>
 #include <QTimer>
+#include <QUrl>
 #include <memory>
 
 #include "app/display_check.hpp"
+#include "app/page_opener.hpp"
 #include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
@@ -59,6 +62,10 @@ FileIconLoader platformFileIcon() {
 
 WindowSystem platformWindowSystem() {
   return {};
+}
+
+PageOpener platformPageOpener() {
+  return [](const QString& page) { QDesktopServices::openUrl(QUrl(page)); };
 }
 
 std::optional<QString> platformDisplayProblem() {

@@ -6,11 +6,14 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDesktopServices>
 #include <QGuiApplication>
+#include <QUrl>
 #include <chrono>
 #include <memory>
 #include <utility>
 
+#include "app/page_opener.hpp"
 #include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
@@ -19,6 +22,7 @@
 #include "platform/linux/desktop/compositor_sockets.hpp"
 #include "platform/linux/desktop/panel_item.hpp"
 #include "platform/linux/desktop/portal_color_scheme.hpp"
+#include "platform/linux/desktop/portal_page_opener.hpp"
 #include "platform/linux/desktop/termination_signals.hpp"
 #include "platform/linux/desktop/x11_frontmost.hpp"
 #include "platform/linux/desktop/x11_workspace_watch.hpp"
@@ -52,6 +56,12 @@ std::unique_ptr<SingleInstance> platformSingleInstance() {
 
 std::unique_ptr<ColorSchemeWatcher> platformColorScheme() {
   return std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
+}
+
+PageOpener platformPageOpener() {
+  auto portal = std::make_shared<PortalPageOpener>(
+      QDBusConnection::sessionBus(), [](const QString& page) { QDesktopServices::openUrl(QUrl(page)); });
+  return [portal = std::move(portal)](const QString& page) { portal->open(page); };
 }
 
 std::optional<QString> platformShortVersion() {

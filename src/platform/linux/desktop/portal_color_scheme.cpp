@@ -6,11 +6,11 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 
+#include "platform/linux/desktop/desktop_portal.hpp"
+
 namespace tarn {
 namespace {
 
-const QString portalName = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
 const QString appearance = QStringLiteral("org.freedesktop.appearance");
 const QString colorScheme = QStringLiteral("color-scheme");

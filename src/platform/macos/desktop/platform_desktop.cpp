@@ -1,11 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include <QDesktopServices>
 #include <QObject>
 #include <QTimer>
+#include <QUrl>
 #include <memory>
 
 #include "app/display_check.hpp"
+#include "app/page_opener.hpp"
 #include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
@@ -74,6 +77,10 @@ FileIconLoader platformFileIcon() {
 WindowSystem platformWindowSystem() {
   return {
       .clientsPlaceWindows = true, .blendsWindows = true, .popupsTakeKeys = false, .hostKnowsItsPlace = true};
+}
+
+PageOpener platformPageOpener() {
+  return [](const QString& page) { QDesktopServices::openUrl(QUrl(page)); };
 }
 
 std::optional<QString> platformDisplayProblem() {
