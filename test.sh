@@ -3,8 +3,8 @@
 # SPDX-License-Identifier: MIT
 # test.sh [--all]: builds Tarn and runs its tests, all of them under the sanitizers. --all adds what takes minutes of
 # its own: clang-tidy over all sources, the tests on a platform that tells nothing, the program as it is released, in
-# panels of every kind, and among floods and failures, real applications, which it installs, the Debian package in a
-# fresh Debian, and the benchmarks. Installs what is missing.
+# panels of every kind, among floods and failures, and as a unit of the session manager, real applications, which it
+# installs, the Debian package in a fresh Debian, and the benchmarks. Installs what is missing.
 set -euo pipefail
 [ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" test "$@"
 # shellcheck source=scripts/lib.sh
@@ -53,13 +53,22 @@ build_and_test() {
 }
 
 # end_to_end PRESET GROUP...: the end-to-end tests of some groups, on the program of a preset.
-end_to_end() {
+end_to_end() { end_to_end_with -- "$@"; }
+
+# end_to_end_with OPTION... -- PRESET GROUP...: the same on a desktop with options of on_virtual_desktop.sh.
+end_to_end_with() {
+  local options=()
+  while [ "$1" != -- ]; do
+    options+=("$1")
+    shift
+  done
+  shift
   local preset="$1" status=0 tests_passed tests_failed
   local results="$repository/build/results/end_to_end-$preset$2"
   shift
   rm -rf "$results"
   scripts/build.sh "$preset" || return
-  scripts/on_virtual_desktop.sh "build/$preset/src/app/tarn" "$results" run_tests.py "$@" || status=$?
+  scripts/on_virtual_desktop.sh "${options[@]}" "build/$preset/src/app/tarn" "$results" run_tests.py "$@" || status=$?
   if read -r tests_passed tests_failed 2>/dev/null <"$results/counts"; then
     stage_passed="$tests_passed"
     stage_failed="$tests_failed"
@@ -78,9 +87,15 @@ end_to_end_hosts() {
   end_to_end release --hosts
 }
 end_to_end_faults() { end_to_end asan --faults; }
+# Says which tests it leaves out where it can not be had.
+end_to_end_unit() {
+  scripts/install_packages.sh session || return
+  end_to_end_with --session --with packaging/linux/tarn.service.in \
+    --with build/asan/tests/platform/linux/applications/list_groups -- release --unit
+}
 live_applications() {
   local results="$repository/build/results/applications"
-  scripts/install_packages.sh applications || return
+  scripts/install_packages.sh applications session || return
   scripts/on_virtual_desktop.sh --session build/asan/tests/platform/linux/applications/list_groups "$results" \
     applications.py
 }
@@ -108,6 +123,7 @@ if [ -n "$all" ]; then
   stage "end to end, figures and rhythm, release" end_to_end_release
   stage "end to end, panels of every kind, release" end_to_end_hosts
   stage "end to end, floods and failures, sanitized" end_to_end_faults
+  stage "as the unit of a session manager, release" end_to_end_unit
   stage "real applications and their processes" live_applications
   stage "what is installed, and the Debian package" scripts/check_packages.sh
   stage "benchmarks are built and run" benchmarks

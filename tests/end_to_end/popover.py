@@ -36,6 +36,7 @@ class Content:
     tabs: dict
     toggle: Node
     quit: Node
+    link: Node
 
     @property
     def tab(self):
@@ -72,7 +73,8 @@ def content_of(tree):
     rows.sort(key=lambda row: row.node.extents()[1])
     tabs = {node.name: node for node in shown if node.name in TABS and node.role not in TEXTS}
     texts = [node.name for node in shown if node.role in TEXTS and node.name]
-    return Content(texts, rows, tabs, toggle, quit_button)
+    link = next((node for node in shown if node.role == "link"), None)
+    return Content(texts, rows, tabs, toggle, quit_button, link)
 
 
 class Popover:
@@ -86,6 +88,11 @@ class Popover:
     def read(self):
         """What it says; None while it is closed."""
         return content_of(self._desktop.accessibility.tree_of(self._pid))
+
+    def shows(self, condition):
+        """Whether it is open and says something for which `condition` holds."""
+        content = self.read()
+        return content is not None and condition(content)
 
     def wait_for(self, condition, what, timeout=15.0):
         """The first content for which `condition` holds; fails with `what` in words."""
@@ -111,6 +118,17 @@ class Popover:
         if content.tab != name:
             self._desktop.click(content.tabs[name].centre())
         return self.wait_for(lambda content: content.tab == name, f"the tab {name} shows", timeout=5)
+
+    def click_until(self, find, outcome, what):
+        """Clicks on the node that `find` gives of the content until `outcome()` holds: the node may move with the next
+        figures just before a click, as a person would see. Fails with `what` in words."""
+        for attempt in range(3):
+            self._desktop.click(self._desktop.on_screen(self._pid, find(self.open()).centre()))
+            try:
+                return wait_until(outcome, what, timeout=8)
+            except TimeoutError:
+                if attempt == 2:
+                    raise
 
     def click_row(self, name):
         """Clicks on the row of the group `name`; gives the content once it has opened or closed."""

@@ -1,6 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""A desktop's settings portal with one setting, the colour scheme. Reads "dark" or "light" lines from its input."""
+"""A desktop's portal with one setting, the colour scheme, that opens pages by telling them on its output. Reads "dark"
+or "light" lines from its input."""
 
 import sys
 
@@ -9,6 +10,8 @@ from gi.repository import Gio, GLib
 NAME = "org.freedesktop.portal.Desktop"
 PATH = "/org/freedesktop/portal/desktop"
 INTERFACE = "org.freedesktop.portal.Settings"
+OPENER = "org.freedesktop.portal.OpenURI"
+REQUEST = "/org/freedesktop/portal/desktop/request/any"
 NAMESPACE = "org.freedesktop.appearance"
 KEY = "color-scheme"
 SCHEMES = {"none": 0, "dark": 1, "light": 2}
@@ -19,6 +22,10 @@ DESCRIPTION = f"""
   <method name="ReadAll"><arg type="as" direction="in"/><arg type="a{{sa{{sv}}}}" direction="out"/></method>
   <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
   <property name="version" type="u" access="read"/>
+</interface>
+<interface name="{OPENER}">
+  <method name="OpenURI"><arg type="s" direction="in"/><arg type="s" direction="in"/>
+    <arg type="a{{sv}}" direction="in"/><arg type="o" direction="out"/></method>
 </interface></node>"""
 
 
@@ -26,8 +33,9 @@ class SettingsPortal:
     def __init__(self, connection, scheme):
         self._connection = connection
         self._scheme = SCHEMES[scheme]
-        interface = Gio.DBusNodeInfo.new_for_xml(DESCRIPTION).interfaces[0]
-        connection.register_object(PATH, interface, self._called, self._property, None)
+        settings, opener = Gio.DBusNodeInfo.new_for_xml(DESCRIPTION).interfaces
+        connection.register_object(PATH, settings, self._called, self._property, None)
+        connection.register_object(PATH, opener, self._open, None, None)
 
     def change(self, scheme):
         self._scheme = SCHEMES[scheme]
@@ -48,6 +56,11 @@ class SettingsPortal:
             invocation.return_value(GLib.Variant("(v)", (GLib.Variant("v", self._value()),)))
         else:
             invocation.return_dbus_error("org.freedesktop.portal.Error.NotFound", "Requested setting not found")
+
+    @staticmethod
+    def _open(_connection, _sender, _path, _interface, _method, arguments, invocation):
+        print("opened", arguments.unpack()[1], flush=True)
+        invocation.return_value(GLib.Variant("(o)", (REQUEST,)))
 
 
 def main():
