@@ -25,6 +25,8 @@ class Desktop:
         self._scheme = scheme
         self._panel = panel
         self._panel_process = None
+        self._bus = None
+        self._portal = None
         self._accessible = accessible
         self._children = []
         self.environment = {}
@@ -73,21 +75,53 @@ class Desktop:
 
     def _start_session(self):
         """Starts the session bus, and what programs ask over it."""
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_session_bus()
-        self.session = MessageBus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+        self._start_session_bus()
         if self._accessible:
             self.accessibility = AccessibilityBus(self.session)
+        self._start_portal()
+
+    def _start_portal(self):
         self._portal = self.start("portal", ["python3", Path(__file__).with_name("settings_portal.py"), self._scheme],
                                   stdin=subprocess.PIPE)
         wait_until(lambda: self.session.has_owner(PORTAL), "the settings portal answers")
 
     def _start_session_bus(self):
-        bus = self.start("session-bus", ["dbus-daemon", "--session", "--nofork", "--print-address=1"],
-                         stdout=subprocess.PIPE, text=True)
-        address = bus.stdout.readline().strip()
-        if not address:
+        address = f"unix:path={self.environment['XDG_RUNTIME_DIR']}/bus"
+        self._bus = self.start("session-bus", ["dbus-daemon", "--session", "--nofork", f"--address={address}",
+                                               "--print-address=1"], stdout=subprocess.PIPE, text=True)
+        if not self._bus.stdout.readline().strip():
             raise RuntimeError(f"no session bus: {self.log('session-bus')}")
-        return address
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+        self.session = MessageBus(address)
+
+    def kill_session_bus(self):
+        """Ends the session bus as a crash would, and the panel and the portal with it."""
+        self.session = None
+        for child in (self._bus, self._panel_process, self._portal):
+            if child:
+                self._end(child, kill=True)
+        self._panel_process = None
+
+    def restart_session_bus(self, scheme="light"):
+        """Starts a session bus where the killed one was, and the settings portal; not the panel."""
+        self._scheme = scheme
+        self._start_session_bus()
+        self._start_portal()
+
+    def stop_portal(self):
+        """Ends the settings portal: another program can have its name."""
+        self._end(self._portal)
+
+    def _end(self, child, kill=False):
+        if kill:
+            child.kill()
+        else:
+            child.terminate()
+        child.wait(timeout=10)
+        for pipe in (child.stdin, child.stdout):
+            if pipe:
+                pipe.close()
+        self._children.remove(child)
 
     def change_scheme(self, scheme):
         """Makes the whole desktop "light" or "dark", as its settings would."""
@@ -105,9 +139,7 @@ class Desktop:
     def stop_panel(self):
         """Ends the panel and waits until nothing of it takes status items."""
         self._panel = False
-        self._panel_process.terminate()
-        self._panel_process.wait(timeout=10)
-        self._children.remove(self._panel_process)
+        self._end(self._panel_process)
         wait_until(lambda: not self.session.has_owner(WATCHER), "the panel takes status items no more")
 
     def registered_items(self):

@@ -26,6 +26,13 @@ class MessageBus:
         """Calls without waiting for a reply, or for the call to have left."""
         self._connection.call(name, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE, 1000, None, None)
 
+    def send_for_reply(self, name, path, interface, method, arguments=None):
+        """Calls so that a reply is due, which nobody takes."""
+        message = Gio.DBusMessage.new_method_call(name, path, interface, method)
+        if arguments:
+            message.set_body(arguments)
+        self._connection.send_message(message, Gio.DBusSendMessageFlags.NONE)
+
     def flush(self):
         """Waits until all that was sent has left."""
         self._connection.flush_sync(None)

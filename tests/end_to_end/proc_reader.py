@@ -3,6 +3,7 @@
 """The kernel's own figures, read independently of Tarn."""
 
 import os
+import time
 from glob import glob
 from pathlib import Path
 
@@ -91,3 +92,38 @@ def voluntary_switches(pid, thread):
 def all_voluntary_switches(pid):
     """How often the threads of a process have gone to sleep of their own accord, taken together."""
     return sum(voluntary_switches(pid, thread) for thread in os.listdir(f"/proc/{pid}/task"))
+
+
+def threads(pid):
+    """How many threads a process has."""
+    return len(os.listdir(f"/proc/{pid}/task"))
+
+
+def descriptors(pid):
+    """How many files a process has open."""
+    return len(os.listdir(f"/proc/{pid}/fd"))
+
+
+def descriptors_at_rest(pid):
+    """How many stay open between sweeps."""
+    seen = []
+    for _ in range(20):
+        seen.append(descriptors(pid))
+        time.sleep(0.05)
+    return min(seen)
+
+
+def keeps_what_was_freed(pid):
+    """Whether the program keeps memory that it freed, to find mistakes: then its footprint says nothing."""
+    return "libasan" in Path(f"/proc/{pid}/maps").read_text(encoding="utf-8")
+
+
+def takings(pid):
+    """What a program takes between sweeps: open files, threads, and bytes of footprint, 0 where that says nothing."""
+    return descriptors_at_rest(pid), threads(pid), 0 if keeps_what_was_freed(pid) else footprint(pid)
+
+
+def takes_no_more(pid, before, slack):
+    """Whether a program takes what it took before, give or take `slack` bytes."""
+    limits = (*before[:2], before[2] + slack)
+    return all(now <= limit for now, limit in zip(takings(pid), limits))

@@ -9,7 +9,9 @@ from pathlib import Path
 
 from processes import descendants, wait_until
 from programs import STAGE, Tarn
+from seen_item import SeenItem, edge_strip
 from virtual_desktop import VirtualDesktop
+from wayland_desktop import WaylandDesktop
 
 ENDINGS = (signal.SIGTERM, signal.SIGINT, signal.SIGHUP)
 
@@ -53,6 +55,22 @@ class EndingsTest(unittest.TestCase):
                 said = desktop.log("tarn")
                 self.assertGreater(status, 0, f"it ended with success or by a signal: {said}")
                 self.assertRegex(said, "(?i)x11|display|connection")
+                self.assertNotRegex(said, "Sanitizer")
+
+    def test_when_the_compositor_dies_it_says_so_and_ends(self):
+        for opens in (False, True):
+            with self.subTest(popover=opens), WaylandDesktop(STAGE) as desktop:
+                strip = edge_strip((0, 0, *desktop.size), "top")
+                tarn = Tarn(desktop, environment={"ASAN_OPTIONS": "detect_leaks=0"},
+                            find_item=lambda on, pid, strip=strip: SeenItem(on, strip))
+                tarn.item.position()
+                if opens:
+                    tarn.popover.open()
+                kill_helpers("sway")
+                status = tarn.process.wait(timeout=20)
+                said = desktop.log("tarn")
+                self.assertGreater(status, 0, f"it ended with success or by a signal: {said}")
+                self.assertRegex(said, "(?i)wayland|display|connection")
                 self.assertNotRegex(said, "Sanitizer")
 
     def test_when_the_session_bus_dies_it_stays_within_reach(self):

@@ -6,12 +6,14 @@ import os
 import resource
 import shutil
 import time
-from pathlib import Path
 
 import proc_reader
 from desktop_test import DesktopTest
 from gi.repository import GLib
+from proc_reader import descriptors, descriptors_at_rest, keeps_what_was_freed
+from processes import wait_until
 from programs import STAGE, start_holder
+from sentences import DETAIL, tint_for
 from sweep_watch import SweepWatch
 
 MEGABYTES = 340
@@ -19,24 +21,12 @@ LARGEST = 2**31 - 1
 NAMES = {"markup": b"<b>x</b><a href='http://tarn.example'>", "newlines": b"one\ntwo\r\n\tthree",
          "overrides": "safe‮exe.gnp⁦x".encode(), "stacks": ("Z" + "͑̾̂" * 30).encode(),
          "bytes": b"\xff\xfe\xc3(\xf0\x28\x8c\xbc", "cut": "fifteen bytes ü".encode()[:15], "long": b"n" * 200}
-
-
-def descriptors(pid):
-    return len(os.listdir(f"/proc/{pid}/fd"))
-
-
-def descriptors_at_rest(pid):
-    """How many stay open between sweeps."""
-    seen = []
-    for _ in range(20):
-        seen.append(descriptors(pid))
-        time.sleep(0.05)
-    return min(seen)
-
-
-def keeps_what_was_freed(pid):
-    """Whether the program keeps memory that it freed, to find mistakes: then its footprint says nothing."""
-    return "libasan" in Path(f"/proc/{pid}/maps").read_text(encoding="utf-8")
+LONGEST_ARGUMENT = 128 * 1024 - 1
+HOLDING_SCRIPT = """$| = 1;
+my $held = "x" x ($ARGV[0] << 20);
+print "ready\\n";
+sleep;
+"""
 
 
 class FloodTest(DesktopTest):
@@ -122,18 +112,22 @@ class NamesTest(DesktopTest):
     """Programs that bear names which want to be something else on the screen."""
 
     @classmethod
-    def start_programs(cls):
+    def commands(cls):
+        """What starts each of the programs, by a word for its name."""
         folder = os.fsencode(STAGE / "bin")
-        cls.holders = [start_holder(cls.desktop, f"named-{key}", [os.fsdecode(shutil.copy2(
-            folder + b"/hold_memory", folder + b"/" + name.replace(b"/", b"_"))), MEGABYTES])
-            for key, name in NAMES.items()]
+        return {key: [os.fsdecode(shutil.copy2(folder + b"/hold_memory", folder + b"/" + name.replace(b"/", b"_"))),
+                      MEGABYTES] for key, name in NAMES.items()}
+
+    @classmethod
+    def start_programs(cls):
+        cls.holders = [start_holder(cls.desktop, f"named-{key}", command) for key, command in cls.commands().items()]
 
     def test_they_are_inert_text_in_rows_of_one_height(self):
         content = self.popover.choose_tab("Memory")
         content = self.popover.wait_for(lambda content: len(content.rows) == 9, "the list is full")
-        footprint = proc_reader.footprint(self.holders[0].pid)
-        own = [row for row in content.rows if self._shows(row, footprint)]
-        self.assertGreaterEqual(len(own), len(NAMES), content.rows)
+        footprints = [proc_reader.footprint(holder.pid) for holder in self.holders]
+        own = [row for row in content.rows if any(self._shows(row, footprint) for footprint in footprints)]
+        self.assertGreaterEqual(len(own), len(self.holders), content.rows)
         for row in own:
             self.assertNotRegex(row.name, "[\\x00-\\x1f\\u202a-\\u202e\\u2066-\\u2069]")
             self.assertEqual([node.name for node in row.node.walk() if node.role == "link"], [])
@@ -142,6 +136,12 @@ class NamesTest(DesktopTest):
         for row in own:
             row_left, _, row_width, _ = row.node.extents()
             self.assertTrue(left <= row_left and row_left + row_width <= left + width)
+
+    def test_what_the_panel_shows_of_the_item_names_nobody(self):
+        sentence, figures = wait_until(lambda: (texts := self.tarn.item.tool_tip())[1] and texts, "it tells figures")
+        self.assertIsNotNone(tint_for(sentence), sentence)
+        self.assertRegex(figures, rf"\A{DETAIL}\Z")
+        self.assertEqual(self.tarn.item.title(), "Tarn")
 
     def _shows(self, row, footprint):
         try:
@@ -153,3 +153,19 @@ class NamesTest(DesktopTest):
     def _window(self):
         return next(node for node in self.desktop.accessibility.tree_of(self.tarn.pid).children
                     if "showing" in node.states).extents()
+
+
+class LongCommandLinesTest(NamesTest):
+    """Programs with command lines as long as the kernel lets them be."""
+
+    @classmethod
+    def commands(cls):
+        program = STAGE / "bin/hold_memory"
+        script = STAGE / "bin/holds.pl"
+        script.write_text(HOLDING_SCRIPT, encoding="ascii")
+        longest = "<b>" + "n" * (LONGEST_ARGUMENT - 3)
+        # The first word of a command line need not be the program.
+        renamed = ["bash", "-c", 'exec -a "$0" "$@"', longest]
+        return {"first-word": [*renamed, program, MEGABYTES],
+                "interpreter": [*renamed, "/usr/bin/perl", script, MEGABYTES, *[longest] * 8],
+                "options": ["/usr/bin/perl", *["-I", longest] * 8, script, MEGABYTES]}

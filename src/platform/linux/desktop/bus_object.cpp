@@ -7,12 +7,20 @@
 #include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QStringList>
+#include <chrono>
 #include <utility>
+
+#include "app/program.hpp"
 
 namespace tarn {
 namespace {
 
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+
+// Replies wait in the library until the bus takes them, and those with pictures are large: who asks thousands
+// of times at once would leave a heap behind that nobody needs again.
+constexpr unsigned manyCalls = 64;
+constexpr std::chrono::seconds calmAfter{2};
 
 QDBusMessage unknownProperty(const QDBusMessage& message) {
   return message.createErrorReply(QDBusError::UnknownProperty, QStringLiteral("No such property"));
@@ -29,6 +37,9 @@ BusObject::BusObject(QDBusConnection bus, QString path, BusInterface interface, 
       bus_(std::move(bus)),
       path_(std::move(path)),
       interface_(std::move(interface)) {
+  calm_.setSingleShot(true);
+  calm_.setInterval(calmAfter);
+  connect(&calm_, &QTimer::timeout, this, &platformReturnMemory);
   bus_.registerVirtualObject(path_, this);
 }
 
@@ -68,6 +79,7 @@ bool BusObject::handleMessage(const QDBusMessage& message, const QDBusConnection
   if (!interface.isEmpty() && interface != interface_.name && interface != propertiesInterface) return false;
   const QDBusMessage reply = interface == propertiesInterface ? answerProperties(message) : answer(message);
   if (message.isReplyRequired()) connection.send(reply);
+  if (++answered_ % manyCalls == 0) calm_.start();
   return true;
 }
 

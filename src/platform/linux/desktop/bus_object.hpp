@@ -8,6 +8,7 @@
 #include <QDBusVirtualObject>
 #include <QHash>
 #include <QString>
+#include <QTimer>
 #include <QVariantList>
 #include <QVariantMap>
 #include <functional>
@@ -33,7 +34,8 @@ struct BusInterface {
 };
 
 /// An object on the bus with one interface, answered from tables. Whatever is sent to it, it answers with a
-/// result or an error and stays as it was. Main thread.
+/// result or an error and stays as it was; after many calls, unused memory goes back to the system. Main
+/// thread.
 class BusObject final : public QDBusVirtualObject {
   Q_OBJECT
 
@@ -59,6 +61,8 @@ class BusObject final : public QDBusVirtualObject {
   QDBusConnection bus_;
   QString path_;
   BusInterface interface_;
+  unsigned answered_ = 0;
+  QTimer calm_;  ///< runs for a while after many calls
 };
 
 }  // namespace tarn

@@ -5,12 +5,18 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <utility>
 
 namespace tarn {
 namespace {
 
 constexpr int patience = 2000;  ///< milliseconds that a second launch waits for the first Tarn's answer
+
+// The bus's words for taking a name.
+constexpr uint doNotQueue = 4;
+constexpr uint nameHasAnotherOwner = 3;
 
 /// Where desktops look for the object of an application: its name, written as a path.
 QString objectPath() {
@@ -27,10 +33,9 @@ QString singleInstanceName() {
 BusSingleInstance::BusSingleInstance(QDBusConnection bus) : bus_(std::move(bus)) {}
 
 bool BusSingleInstance::claim(std::function<void()> launchedAgain) {
-  if (!bus_.isConnected()) return true;
-  // The object comes before the name: who finds the name may call at once.
   new ApplicationAdaptor(&object_, std::move(launchedAgain));
-  bus_.registerObject(objectPath(), &object_);
+  if (!bus_.isConnected()) return true;
+  present();
   if (bus_.registerService(singleInstanceName())) return true;
 
   QDBusMessage activate = QDBusMessage::createMethodCall(singleInstanceName(), objectPath(),
@@ -40,6 +45,39 @@ bool BusSingleInstance::claim(std::function<void()> launchedAgain) {
   const QDBusMessage answer = bus_.call(activate, QDBus::Block, patience);
   // An owner that does not answer is no reason to leave the user without a Tarn.
   return answer.type() == QDBusMessage::ErrorMessage;
+}
+
+void BusSingleInstance::claimAgain(const QDBusConnection& bus, std::function<void()> superseded) {
+  bus_ = bus;
+  present();
+  QDBusMessage request = QDBusMessage::createMethodCall(
+      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
+  request << singleInstanceName() << doNotQueue;
+  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(request), &object_);
+  QObject::connect(answer, &QDBusPendingCallWatcher::finished, &object_,
+                   [this, answer, superseded = std::move(superseded)] {
+                     answer->deleteLater();
+                     const QDBusPendingReply<uint> reply = *answer;
+                     if (reply.isValid() && reply.value() == nameHasAnotherOwner) askOwner(superseded);
+                   });
+}
+
+// The object comes before the name: who finds the name may call at once.
+void BusSingleInstance::present() {
+  bus_.registerObject(objectPath(), &object_);
+}
+
+// An owner that does not answer is no reason to leave the user without a Tarn here, either.
+void BusSingleInstance::askOwner(const std::function<void()>& superseded) {
+  const QDBusMessage question =
+      QDBusMessage::createMethodCall(singleInstanceName(), objectPath(),
+                                     QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
+  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(question, patience), &object_);
+  QObject::connect(answer, &QDBusPendingCallWatcher::finished, &object_, [answer, superseded] {
+    answer->deleteLater();
+    if (!answer->isError()) superseded();
+  });
 }
 
 ApplicationAdaptor::ApplicationAdaptor(QObject* object, std::function<void()> activated)

@@ -25,7 +25,14 @@ class BusSingleInstance final : public SingleInstance {
 
   bool claim(std::function<void()> launchedAgain) override;
 
+  /// Claims the name on another bus, the former being gone, without waiting. While there was none a second
+  /// Tarn may have started: where one that answers has the name, `superseded` is called.
+  void claimAgain(const QDBusConnection& bus, std::function<void()> superseded);
+
  private:
+  void present();
+  void askOwner(const std::function<void()>& superseded);
+
   QDBusConnection bus_;
   QObject object_;  ///< what the bus sees
 };

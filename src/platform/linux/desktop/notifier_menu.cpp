@@ -177,7 +177,13 @@ BusInterface NotifierMenu::interface() {
 
 bool NotifierMenu::handleEvent(int id, const QString& event) {
   if (!isEntry(id)) return false;
-  if (event == u"clicked" && id != rootEntry) Q_EMIT clicked(id, QPrivateSignal());
+  // A hundred thousand choices fit into one message, and anybody on the bus may send it.
+  const bool again = id == lastChoice_ && !nextChoice_.hasExpired();
+  if (event == u"clicked" && id != rootEntry && !again) {
+    lastChoice_ = id;
+    nextChoice_.setRemainingTime(choiceInterval);
+    Q_EMIT clicked(id, QPrivateSignal());
+  }
   return true;
 }
 

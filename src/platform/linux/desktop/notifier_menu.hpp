@@ -4,7 +4,9 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDeadlineTimer>
 #include <QObject>
+#include <chrono>
 
 #include "platform/linux/desktop/bus_object.hpp"
 
@@ -16,6 +18,9 @@ class NotifierMenu final : public QObject {
   Q_OBJECT
 
  public:
+  /// No hand chooses the same entry twice within this time: more choices are not passed on.
+  static constexpr std::chrono::milliseconds choiceInterval{50};
+
   explicit NotifierMenu(const QDBusConnection& bus, QObject* parent = nullptr);
 
  Q_SIGNALS:
@@ -31,6 +36,8 @@ class NotifierMenu final : public QObject {
   void choose(int id);
   bool handleEvent(int id, const QString& event);
 
+  int lastChoice_ = 0;
+  QDeadlineTimer nextChoice_{0};  ///< expired when the last choice may come again
   BusObject object_;
 };
 

@@ -24,8 +24,14 @@ void PanelItem::show(const MenuBarLabel& label) {
   if (embedded_) embedded_->show(label);
 }
 
-void PanelItem::start(const MenuBarLabel& label) {
-  item_ = std::make_unique<StatusNotifierItem>(desktop_.bus, label);
+void PanelItem::moveTo(const QDBusConnection& bus) {
+  desktop_.bus = bus;
+  if (item_) start(item_->label());
+}
+
+void PanelItem::start(MenuBarLabel label) {
+  host_.reset();
+  item_ = std::make_unique<StatusNotifierItem>(desktop_.bus, std::move(label));
   connect(item_.get(), &StatusNotifierItem::activated, this, &PanelItem::activated);
   menu_ = std::make_unique<NotifierMenu>(desktop_.bus);
   connect(menu_.get(), &NotifierMenu::openChosen, this, &PanelItem::openRequested);

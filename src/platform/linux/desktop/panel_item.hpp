@@ -36,10 +36,13 @@ class PanelItem final : public MenuBarItem {
 
   void show(const MenuBarLabel& label) override;
 
+  /// Is there on another bus, the former being gone.
+  void moveTo(const QDBusConnection& bus);
+
  private:
   enum class Presence { undecided, shown, missing };
 
-  void start(const MenuBarLabel& label);
+  void start(MenuBarLabel label);
   void hostChanged();
   void graceEnded();
   void embed();

@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QUrl>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -23,6 +24,7 @@
 #include "platform/linux/desktop/panel_item.hpp"
 #include "platform/linux/desktop/portal_color_scheme.hpp"
 #include "platform/linux/desktop/portal_page_opener.hpp"
+#include "platform/linux/desktop/session_bus.hpp"
 #include "platform/linux/desktop/termination_signals.hpp"
 #include "platform/linux/desktop/x11_frontmost.hpp"
 #include "platform/linux/desktop/x11_workspace_watch.hpp"
@@ -38,6 +40,30 @@ bool runsOnX11() {
   return QGuiApplication::platformName() == u"xcb";
 }
 
+/// Has `part`, made for the session bus, move to each later one, too.
+template <typename Part>
+void followSessionBus(Part* part) {
+  auto* const bus = new SessionBus(QDBusConnection::sessionBus(), sessionBusAddress(), part);
+  QObject::connect(bus, &SessionBus::appeared, part, [part, bus] { part->moveTo(bus->connection()); });
+}
+
+/// One Tarn for the session, also on a later bus.
+class SessionSingleInstance final : public SingleInstance {
+ public:
+  SessionSingleInstance() {
+    QObject::connect(&bus_, &SessionBus::appeared, &bus_,
+                     [this] { instance_.claimAgain(bus_.connection(), platformTerminate); });
+  }
+
+  bool claim(std::function<void()> launchedAgain) override {
+    return instance_.claim(std::move(launchedAgain));
+  }
+
+ private:
+  SessionBus bus_{QDBusConnection::sessionBus(), sessionBusAddress()};
+  BusSingleInstance instance_{bus_.connection()};
+};
+
 }  // namespace
 
 std::unique_ptr<MenuBarItem> platformMenuBarItem() {
@@ -47,20 +73,25 @@ std::unique_ptr<MenuBarItem> platformMenuBarItem() {
       return session->hasEmbeddingTray(X11Session::Clock::now() + patience);
     };
   }
-  return std::make_unique<PanelItem>(std::move(desktop));
+  auto item = std::make_unique<PanelItem>(std::move(desktop));
+  followSessionBus(item.get());
+  return item;
 }
 
 std::unique_ptr<SingleInstance> platformSingleInstance() {
-  return std::make_unique<BusSingleInstance>(QDBusConnection::sessionBus());
+  return std::make_unique<SessionSingleInstance>();
 }
 
 std::unique_ptr<ColorSchemeWatcher> platformColorScheme() {
-  return std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
+  auto scheme = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
+  followSessionBus(scheme.get());
+  return scheme;
 }
 
 PageOpener platformPageOpener() {
   auto portal = std::make_shared<PortalPageOpener>(
       QDBusConnection::sessionBus(), [](const QString& page) { QDesktopServices::openUrl(QUrl(page)); });
+  followSessionBus(portal.get());
   return [portal = std::move(portal)](const QString& page) { portal->open(page); };
 }
 

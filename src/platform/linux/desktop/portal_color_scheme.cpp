@@ -37,9 +37,15 @@ std::optional<ColorScheme> wish(QVariant value) {
 }  // namespace
 
 PortalColorScheme::PortalColorScheme(const QDBusConnection& bus, QObject* parent)
-    : ColorSchemeWatcher(parent), bus_(bus), portal_(bus, portalName) {
+    : ColorSchemeWatcher(parent), bus_(bus) {
+  moveTo(bus);
+}
+
+void PortalColorScheme::moveTo(const QDBusConnection& bus) {
+  bus_ = bus;
+  portal_ = std::make_unique<BusName>(bus_, portalName);
   if (!bus_.isConnected()) return;
-  connect(&portal_, &BusName::ownerChanged, this, [this](const QString& owner) {
+  connect(portal_.get(), &BusName::ownerChanged, this, [this](const QString& owner) {
     if (!owner.isEmpty()) read();
   });
   bus_.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"),
@@ -62,7 +68,7 @@ void PortalColorScheme::read() {
 }
 
 void PortalColorScheme::settingChanged(const QDBusMessage& message) {
-  if (portal_.owner().isEmpty() || message.service() != portal_.owner()) return;
+  if (portal_->owner().isEmpty() || message.service() != portal_->owner()) return;
   ++readings_;
   take(message.arguments().value(2));
 }

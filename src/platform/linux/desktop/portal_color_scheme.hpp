@@ -6,6 +6,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QVariant>
+#include <memory>
 #include <optional>
 
 #include "platform/linux/desktop/bus_name.hpp"
@@ -23,6 +24,9 @@ class PortalColorScheme final : public ColorSchemeWatcher {
 
   std::optional<ColorScheme> preference() const override { return preference_; }
 
+  /// Follows the portal on another bus, the former being gone. Until it answers its last word counts.
+  void moveTo(const QDBusConnection& bus);
+
  private Q_SLOTS:
   void settingChanged(const QDBusMessage& message);
 
@@ -31,7 +35,7 @@ class PortalColorScheme final : public ColorSchemeWatcher {
   void take(const QVariant& value);
 
   QDBusConnection bus_;
-  BusName portal_;
+  std::unique_ptr<BusName> portal_;
   std::optional<ColorScheme> preference_;
   int readings_ = 0;  // how many readings began, so that an overtaken answer is known as such
 };

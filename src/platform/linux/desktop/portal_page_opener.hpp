@@ -24,6 +24,9 @@ class PortalPageOpener final : public QObject {
   /// Asks the portal; returns at once.
   void open(const QString& page);
 
+  /// Asks the portal on another bus from now on, the former being gone.
+  void moveTo(const QDBusConnection& bus) { bus_ = bus; }
+
  private:
   QDBusConnection bus_;
   PageOpener otherwise_;

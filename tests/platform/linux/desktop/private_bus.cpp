@@ -21,28 +21,33 @@ void sendSignalTo(const QProcess& process, int signalNumber) {
 
 }  // namespace
 
-PrivateBus::PrivateBus() {
-  const QString configuration = directory_.filePath(QStringLiteral("bus.conf"));
-  QFile file(configuration);
+PrivateBus::PrivateBus()
+    : address_(QStringLiteral("unix:path=") + directory_.filePath(QStringLiteral("bus"))),
+      configuration_(directory_.filePath(QStringLiteral("bus.conf"))) {
+  QFile file(configuration_);
   if (!file.open(QIODevice::WriteOnly)) throw std::runtime_error("cannot write the bus configuration");
   file.write(
       "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\" "
       "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-      "<busconfig><type>session</type><keep_umask/><listen>unix:dir=" +
-      directory_.path().toUtf8() +
+      "<busconfig><type>session</type><keep_umask/><listen>" +
+      address_.toUtf8() +
       "</listen><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
       "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>\n");
   file.close();
   daemon_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+  start();
+}
+
+void PrivateBus::start() {
   daemon_.start(QStringLiteral("dbus-daemon"),
-                {QStringLiteral("--config-file=") + configuration, QStringLiteral("--nofork"),
+                {QStringLiteral("--config-file=") + configuration_, QStringLiteral("--nofork"),
                  QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")});
   while (!daemon_.canReadLine()) {
     if (!daemon_.waitForReadyRead(10000)) {
       throw std::runtime_error("dbus-daemon does not start: " + daemon_.readAllStandardError().toStdString());
     }
   }
-  address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
+  daemon_.readLine();
 }
 
 PrivateBus::~PrivateBus() {

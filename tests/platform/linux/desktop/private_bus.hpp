@@ -27,10 +27,17 @@ class PrivateBus {
   /// Ends the bus under everybody's feet.
   void kill();
 
+  /// Starts the bus that was killed, at the same address.
+  void start();
+
+  /// Where programs find it.
+  const QString& address() const { return address_; }
+
  private:
   QTemporaryDir directory_;
   QProcess daemon_;
   QString address_;
+  QString configuration_;
   QStringList names_;
 };
 
