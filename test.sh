@@ -80,13 +80,19 @@ packages() { scripts/install_packages.sh build run desktop test ${all:+lint}; }
 tests_with_address_sanitizer() { build_and_test asan; }
 tests_with_thread_sanitizer() { build_and_test tsan; }
 tests_on_an_unsupported_system() { build_and_test unsupported; }
-# What sanitizers weigh upon: figures and rhythm.
-end_to_end_release() { end_to_end release --use FiguresTest RhythmTest; }
+# What sanitizers weigh upon: figures, rhythm, and what Tarn itself holds.
+end_to_end_release() {
+  scripts/install_packages.sh faults || return
+  end_to_end release --use --faults FiguresTest RhythmTest MemoryLimitTest SoakTest
+}
 end_to_end_hosts() {
   scripts/install_packages.sh hosts || return
   end_to_end release --hosts
 }
-end_to_end_faults() { end_to_end asan --faults; }
+end_to_end_faults() {
+  scripts/install_packages.sh faults || return
+  end_to_end asan --faults
+}
 # Says which tests it leaves out where it can not be had.
 end_to_end_unit() {
   scripts/install_packages.sh session || return
@@ -120,7 +126,7 @@ stage "end to end on a virtual desktop, sanitized" end_to_end_sanitized
 stage "the macOS port, compiled for a Mac" scripts/check_macos.sh
 if [ -n "$all" ]; then
   stage "tests, on a system that tells nothing" tests_on_an_unsupported_system
-  stage "end to end, figures and rhythm, release" end_to_end_release
+  stage "end to end, figures, rhythm, soak, release" end_to_end_release
   stage "end to end, panels of every kind, release" end_to_end_hosts
   stage "end to end, floods and failures, sanitized" end_to_end_faults
   stage "as the unit of a session manager, release" end_to_end_unit

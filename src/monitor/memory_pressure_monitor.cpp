@@ -5,6 +5,8 @@
 
 #include <utility>
 
+#include "monitor/hand_over.hpp"
+
 namespace tarn {
 
 namespace {
@@ -30,7 +32,7 @@ MemoryPressureMonitor::MemoryPressureMonitor(std::unique_ptr<PressureSource> sou
   // The queue's thread only passes the weak reference on; whether the monitor lives is asked on the main
   // thread, where it also dies, so a delivery can never overtake its destruction.
   source_->resume(*queue_, [&mainLoop, weak = std::weak_ptr(onChange_)](PressureFlags flags) {
-    mainLoop.async([weak, level = memoryPressureFromFlags(flags)] {
+    handOver(mainLoop, [weak, level = memoryPressureFromFlags(flags)] {
       if (const auto handler = weak.lock()) (*handler)(level);
     });
   });

@@ -3,9 +3,23 @@
 
 #include "monitor/monitor_view_model.hpp"
 
+#include <new>
 #include <utility>
 
+#include "monitor/hand_over.hpp"
+
 namespace tarn {
+
+/// One sweep on its way to the sampler's queue and back.
+struct MonitorViewModel::Sweep {
+  Sweep(std::shared_ptr<MonitorViewModel> forModel, bool withExtras)
+      : model(std::move(forModel)), wantsExtras(withExtras) {}
+
+  std::shared_ptr<MonitorViewModel> model;  ///< null once the results are published
+  bool wantsExtras;
+  std::optional<MemorySnapshot> snapshot;  ///< nothing when there was no memory for it
+  std::optional<ExtrasReading> extras;
+};
 
 std::shared_ptr<MonitorViewModel> MonitorViewModel::create(MonitorPorts ports) {
   auto source = std::move(ports.pressureSource);
@@ -60,27 +74,35 @@ void MonitorViewModel::refresh() {
   // A request while a sweep is in flight is dropped: there is never a backlog.
   if (sampling_) return;
   sampling_ = true;
-  const bool wantExtras = popoverOpen_;
-  sampleQueue_->async([self = shared_from_this(), wantExtras]() mutable {
-    MemorySnapshot snapshot = self->sampler_.sample();
-    std::optional<ExtrasReading> extras;
-    if (wantExtras) extras = ExtrasReading{self->extrasReader_.read(), self->extrasReader_.thermalState()};
-    // The reference moves on with the results, so that the view model never dies on this thread.
-    RunLoop& mainLoop = self->mainLoop_;
-    mainLoop.async(
-        [self = std::move(self), snapshot = std::move(snapshot), extras = std::move(extras)]() mutable {
-          self->finishSweep(std::move(snapshot), std::move(extras));
-        });
+  sampleQueue_->async([sweep = std::make_shared<Sweep>(shared_from_this(), popoverOpen_)] {
+    RunLoop& mainLoop = sweep->model->mainLoop_;
+    sweep->model->perform(*sweep);
+    // The reference leaves with the results, so that the view model never dies on this thread.
+    handOver(mainLoop, [sweep] {
+      if (const auto self = std::exchange(sweep->model, nullptr)) self->finishSweep(*sweep);
+    });
   });
 }
 
-void MonitorViewModel::finishSweep(MemorySnapshot snapshot, std::optional<ExtrasReading> extras) {
-  publish(snapshot_, std::optional(std::move(snapshot)));
-  if (extras) {
-    publish(extras_, std::optional(std::move(extras->extras)));
-    thermalState_ = extras->thermalState;  // of the same gathering, announced with it
+void MonitorViewModel::perform(Sweep& sweep) {
+  try {
+    MemorySnapshot snapshot = sampler_.sample();
+    if (sweep.wantsExtras) sweep.extras = ExtrasReading{extrasReader_.read(), extrasReader_.thermalState()};
+    sweep.snapshot = std::move(snapshot);
+  } catch (const std::bad_alloc&) {
+    // There is no memory for it now. What is shown stays, and the next sweep comes in its time.
   }
-  updateFrontmost(*snapshot_);
+}
+
+void MonitorViewModel::finishSweep(Sweep& sweep) {
+  if (sweep.snapshot) {
+    publish(snapshot_, std::exchange(sweep.snapshot, std::nullopt));
+    if (sweep.extras) {
+      publish(extras_, std::optional(std::move(sweep.extras->extras)));
+      thermalState_ = sweep.extras->thermalState;  // of the same gathering, announced with it
+    }
+    updateFrontmost(*snapshot_);
+  }
   sampling_ = false;
 }
 

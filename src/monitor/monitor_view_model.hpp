@@ -38,7 +38,7 @@ struct MonitorPorts {
 /// Drives the system: decides when a sweep runs, runs it off the main thread, and publishes its results.
 ///
 /// Used on the main thread only, where it is also destroyed. A sweep in flight keeps it alive until it has
-/// published; timer and pressure events do not.
+/// published; timer and pressure events do not. A sweep for which there is no memory publishes nothing.
 class MonitorViewModel final : public QObject, public std::enable_shared_from_this<MonitorViewModel> {
   Q_OBJECT
   struct Token {};  // keeps construction behind `create`
@@ -78,11 +78,14 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
     ThermalState thermalState = ThermalState::unknown;
   };
 
+  struct Sweep;
+
   void start(std::unique_ptr<PressureSource> source, const std::optional<std::int32_t>& pressureLevel);
   void refresh();
   void scheduleTimer(double interval);
   void pressureChanged(MemoryPressure level);
-  void finishSweep(MemorySnapshot snapshot, std::optional<ExtrasReading> extras);
+  void perform(Sweep& sweep);      ///< on the sample queue
+  void finishSweep(Sweep& sweep);  ///< on the main thread
   void updateFrontmost(const MemorySnapshot& with);
 
   template <typename Value>

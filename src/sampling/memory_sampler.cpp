@@ -87,11 +87,12 @@ const MemorySampler::Executable& MemorySampler::executable(std::int32_t pid,
                                                            const std::optional<BsdInfo>& info) {
   // Without a start time nothing says whether a cached path is still this process's.
   if (!info) return executableAt(port_.processes->path(pid));
-  const auto [cached, isNew] = pathCache_.tryEmplace(pid);
-  if (isNew || cached->startSec != info->startSec) {
-    *cached = {info->startSec, &executableAt(port_.processes->path(pid))};
+  CachedPath& cached = pathCache_[pid];
+  // There is none in a new one, nor where memory ran out before it was known.
+  if (cached.executable == nullptr || cached.startSec != info->startSec) {
+    cached = {info->startSec, &executableAt(port_.processes->path(pid))};
   }
-  return *cached->executable;
+  return *cached.executable;
 }
 
 const MemorySampler::Executable& MemorySampler::executableAt(std::string_view path) {

@@ -27,7 +27,8 @@ class MemorySampler {
   MemorySampler(const MemorySampler&) = delete;
   MemorySampler& operator=(const MemorySampler&) = delete;
 
-  /// One sweep over every process. Never fails: what cannot be read is left out or neutral.
+  /// One sweep over every process: what cannot be read is left out or neutral. Without the memory for it
+  /// there is none, and std::bad_alloc is thrown; the next one is as right as any.
   MemorySnapshot sample();
 
   /// The application bundle that holds an executable, cached; nothing when its path has none.

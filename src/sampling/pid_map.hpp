@@ -65,9 +65,11 @@ class PidMap {
   void reserve(std::size_t count) {
     if (count * 2 <= slots_.size()) return;
     constexpr std::size_t least = 16;
-    slots_.resize(std::bit_ceil(std::max(least, count * 2)));
+    const std::size_t slotCount = std::bit_ceil(std::max(least, count * 2));
+    // Until there is memory for both nothing is changed.
+    entries_.reserve(slotCount / 2);
+    slots_.resize(slotCount);
     shift_ = 32 - std::countr_zero(slots_.size() / lineSlots);
-    entries_.reserve(slots_.size() / 2);
     numberEntries();
   }
 

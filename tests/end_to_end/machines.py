@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Machines that Tarn can be made to believe it runs on, as far as /sys/class goes."""
+"""Machines that Tarn can be made to believe it runs on, as far as single files and /sys/class go."""
 
 import tempfile
 from pathlib import Path
@@ -30,6 +30,12 @@ def build(name):
     return classes
 
 
-def wrapper(classes):
-    """The words before a program's own that make the folder `classes` its /sys/class."""
-    return STAGE / "end_to_end/on_machine.py", classes
+def wrapper(*places):
+    """The words before a program's own that have it find, by pairs of source and target, one file or folder at the
+    place of another."""
+    return STAGE / "end_to_end/on_machine.py", *(word for place in places for word in place), "--"
+
+
+def class_wrapper(classes):
+    """As `wrapper`, for a program whose /sys/class is the folder `classes`."""
+    return wrapper((classes, "/sys/class"))

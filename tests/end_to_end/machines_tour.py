@@ -17,7 +17,7 @@ MACHINES = ("laptop-charging", "laptop-low", "desktop", "laptop-hot")
 
 
 def visit(desktop, machine):
-    tarn = Tarn(desktop, machines.wrapper(machines.build(machine)))
+    tarn = Tarn(desktop, machines.class_wrapper(machines.build(machine)))
     tarn.popover.choose_tab("System")
     tarn.popover.wait_for(lambda content: "Uptime" in content.texts, "the System tab tells its facts")
     desktop.move_pointer((SIZE[0] // 4, SIZE[1] - 60))

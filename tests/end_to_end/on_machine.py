@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""on_machine.py CLASSES PROGRAM [WORD...]: runs a program to which the folder CLASSES is /sys/class, by a mount that
-only it sees. Takes no privileges: the kernel must let ordinary users have name spaces of their own."""
+"""on_machine.py SOURCE TARGET... -- PROGRAM [WORD...]: runs a program that finds, at each TARGET, the file or folder
+SOURCE, by mounts that only it sees. Takes no privileges: the kernel must let ordinary users have name spaces of their
+own."""
 
 import ctypes
 import os
@@ -33,9 +34,11 @@ def enter_name_spaces():
 
 
 def main():
-    classes, *command = sys.argv[1:]
+    end = sys.argv.index("--")
+    places, command = sys.argv[1:end], sys.argv[end + 1:]
     enter_name_spaces()
-    check(LIBC.mount(os.fsencode(classes), b"/sys/class", None, MS_BIND, None), f"{classes} on /sys/class")
+    for source, target in zip(places[::2], places[1::2], strict=True):
+        check(LIBC.mount(os.fsencode(source), os.fsencode(target), None, MS_BIND, None), f"{source} on {target}")
     os.execv(command[0], command)
 
 

@@ -28,6 +28,11 @@ def footprint(pid):
     return values.get("RssAnon", 0) + values.get("VmSwap", 0)
 
 
+def address_space(pid):
+    """The size of a process's address space, in bytes."""
+    return _fields(f"/proc/{pid}/status")["VmSize"]
+
+
 def processor_seconds(pid):
     """Processor time of all threads of a process so far."""
     stat = Path(f"/proc/{pid}/stat").read_bytes()

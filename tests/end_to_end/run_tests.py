@@ -14,8 +14,8 @@ from programs import STAGE
 GROUPS = {"use": ("test_desktop", "test_accessibility", "test_hostile_applications", "test_system_tab",
                   "test_privileges"),
           "hosts": ("test_hosts", "test_placement", "test_privileges_on_wayland"),
-          "faults": ("test_endings", "test_faults", "test_hostile_bus", "test_restarting_panel", "test_returning_bus",
-                     "test_unplugged_screen"),
+          "faults": ("test_endings", "test_faults", "test_kernel_faults", "test_hostile_bus", "test_restarting_panel",
+                     "test_returning_bus", "test_unplugged_screen", "test_pressure", "test_soak"),
           "unit": ("test_unit",)}
 
 

@@ -112,7 +112,7 @@ class OtherMachinesTest(unittest.TestCase):
 
     def start_with(self, classes):
         """The popover of a Tarn to which the folder `classes` is /sys/class."""
-        tarn = Tarn(self.desktop, machines.wrapper(classes))
+        tarn = Tarn(self.desktop, machines.class_wrapper(classes))
         self.addCleanup(tarn.process.wait)
         self.addCleanup(tarn.process.kill)
         return tarn.popover

@@ -109,6 +109,24 @@ TEST_F(ViewModelTest, NeverQueuesASecondSweepHoweverLongOneTakes) {
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
+TEST_F(ViewModelTest, SweepsOnAtItsPaceWhenTheClocksDoNotAgreeWithIt) {
+  startAndSettle();
+  model_->popoverOpened();
+  finishSweep();
+  for (const double uptime : {30'000.0, 30'000.0, 5.0, 6.0}) {  // ahead, at a stand, back, on
+    machine_.uptime = uptime;
+    extras_.uptime = uptime;
+    machine_.process(20).usage->cpuTime += 1'000'000'000;
+    pass(3);
+    EXPECT_EQ(sweeps().waiting(), 1U);
+    finishSweep();
+    EXPECT_EQ(sweeps().waiting(), 0U) << "nothing is caught up with";
+    EXPECT_EQ(model_->extras()->uptime, uptime) << "as the system tells it";
+    EXPECT_GE(model_->cpuPresentation().totalPercent, 0);
+    EXPECT_LE(model_->cpuPresentation().totalPercent, 100);
+  }
+}
+
 TEST_F(ViewModelTest, TellsItsObserversBeforeEachChangeInAFixedOrder) {
   frontmost_ = FrontmostApplication{.bundlePath = "/opt/A.app"};
   machine_.memory.swapUsed = 7;

@@ -127,6 +127,37 @@ TEST_F(SamplerCPU, CountsFromTheLatestSweepAlsoWhenItsUptimeRanBackwards) {
   EXPECT_DOUBLE_EQ(share(sweepAfter(4), 10), 25);
 }
 
+TEST_F(SamplerCPU, IsNeverWildWhenTheClockJumps) {
+  constexpr double hours = 8 * 3600.0;
+  sweepAfter();
+  burn(10, 3 * second);
+  EXPECT_DOUBLE_EQ(share(sweepAfter(3), 10), 100);
+  burn(10, 3 * second);
+  MemorySnapshot snapshot = sweepAfter(hours);
+  EXPECT_NEAR(share(snapshot, 10), 0.01, 0.001) << "what it did, over all that time";
+  EXPECT_LT(groupOf(snapshot, "pid:10")->cpuPercent, 100);
+  burn(10, 3 * second);
+  snapshot = sweepAfter(-hours);
+  EXPECT_EQ(share(snapshot, 10), 0);
+  EXPECT_GE(groupOf(snapshot, "pid:10")->cpuPercent, 0);
+  burn(10, 3 * second);
+  EXPECT_DOUBLE_EQ(share(sweepAfter(3), 10), 100) << "and right again at once";
+}
+
+TEST_F(SamplerCPU, IsNeverWildWhenTheClockStandsStill) {
+  sweepAfter();
+  burn(10, 3 * second);
+  sweepAfter(3);
+  for (int sweep = 0; sweep < 3; ++sweep) {
+    burn(10, 3 * second);
+    const MemorySnapshot snapshot = sweepAfter(0);
+    EXPECT_EQ(share(snapshot, 10), 0);
+    EXPECT_LE(groupOf(snapshot, "pid:10")->cpuPercent, 100);
+  }
+  burn(10, 3 * second);
+  EXPECT_DOUBLE_EQ(share(sweepAfter(3), 10), 100) << "counted from the sweep before";
+}
+
 TEST_F(SamplerCPU, IsZeroWithoutTheStartTimeAndForgetsWhatItKnew) {
   sweepAfter();
   const auto info = std::exchange(process(10).info, std::nullopt);

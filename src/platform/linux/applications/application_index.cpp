@@ -13,6 +13,7 @@
 #include "platform/linux/applications/exec_line.hpp"
 #include "platform/linux/applications/process_signs.hpp"
 #include "platform/linux/system/bounded_file.hpp"
+#include "platform/linux/system/directory_stream.hpp"
 #include "platform/linux/system/text_scan.hpp"
 #include "sampling/bundle_path.hpp"
 
@@ -31,18 +32,6 @@ std::string joined(const std::string& one, char separator, std::string_view othe
   text += separator;
   text += other;
   return text;
-}
-
-/// The names in a directory, in their order; none where it cannot be listed.
-std::vector<std::string> namesIn(const std::string& directory) {
-  std::error_code error;
-  std::vector<std::string> names;
-  fs::directory_iterator entry(directory, error);
-  for (; !error && entry != fs::directory_iterator() && names.size() < mostFiles; entry.increment(error)) {
-    names.push_back(entry->path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
 }
 
 /// The value of a key in a bus service's file; of other groups such files have none.
@@ -71,18 +60,20 @@ ApplicationIndex::DirectoryState ApplicationIndex::stateOf(const std::string& di
 }
 
 bool ApplicationIndex::refresh() {
-  const bool isCurrent =
-      !stamps_.empty() && std::all_of(stamps_.begin(), stamps_.end(), [](const Stamp& stamp) {
-        return stateOf(stamp.directory) == stamp.state;
-      });
+  const bool isCurrent = isBuilt_ && std::all_of(stamps_.begin(), stamps_.end(), [](const Stamp& stamp) {
+                           return stateOf(stamp.directory) == stamp.state;
+                         });
   if (isCurrent) return false;
+  isBuilt_ = false;  // and will not be when memory runs out on the way
   build();
+  isBuilt_ = true;
   return true;
 }
 
 void ApplicationIndex::build() {
   stamps_.clear();
   files_.clear();
+  knownIds_.clear();
   for (NameTable* names : {&byId_, &byExecutable_, &byServiceExecutable_, &byDirectory_, &byDirectoryName_})
     names->clear();
   for (const std::string& data : dataDirectories_) {
@@ -107,7 +98,7 @@ void ApplicationIndex::addDirectory(const std::string& directory, const std::str
   });
   if (wasHere || depth > deepest || stamps_.size() >= directoryLimit_) return;
   stamps_.push_back({directory, state});
-  for (const std::string& name : namesIn(directory)) {
+  for (const std::string& name : namesIn(directory, mostFiles)) {
     const std::string path = joined(directory, '/', name);
     std::error_code error;
     if (name.ends_with(desktopEnding)) {
@@ -155,7 +146,7 @@ void ApplicationIndex::addExecutable(const DesktopEntry& entry, const std::strin
 
 void ApplicationIndex::addServices(const std::string& directory) {
   stamps_.push_back({directory, stateOf(directory)});
-  for (const std::string& name : namesIn(directory)) {
+  for (const std::string& name : namesIn(directory, mostFiles)) {
     if (!name.ends_with(serviceEnding)) continue;
     const std::string text = readFile(joined(directory, '/', name));
     const auto application = byId_.find(valueOf(text, "Name"));

@@ -70,7 +70,8 @@ class ApplicationIndex {
   LinuxRoots roots_;
   std::vector<std::string> dataDirectories_;
   std::vector<std::string> programDirectories_;
-  std::vector<Stamp> stamps_;       ///< empty until it was built
+  bool isBuilt_ = false;
+  std::vector<Stamp> stamps_;
   std::size_t directoryLimit_ = 0;  ///< of `stamps_`, while it is built
   std::vector<std::string> files_;
 

@@ -18,10 +18,8 @@ constexpr auto group = "Desktop Entry";
 using KeyFile = std::unique_ptr<GKeyFile, decltype(&g_key_file_free)>;
 
 std::string takeText(char* text) {
-  if (text == nullptr) return {};
-  std::string taken = text;
-  g_free(text);
-  return taken;
+  const std::unique_ptr<char, decltype(&g_free)> owned(text, g_free);
+  return text == nullptr ? std::string() : std::string(text);
 }
 
 std::string textOf(const KeyFile& file, const char* key) {

@@ -4,12 +4,11 @@
 #include "platform/linux/applications/linux_application_rules.hpp"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include "platform/linux/applications/exec_line.hpp"
 #include "platform/linux/applications/process_signs.hpp"
+#include "platform/linux/system/directory_stream.hpp"
 #include "sampling/bundle_path.hpp"
 
 namespace tarn {
@@ -91,11 +90,9 @@ const std::string* LinuxApplicationRules::byAnyId(const std::vector<std::string>
 std::string LinuxApplicationRules::inImage(const std::string& executable) const {
   const auto mount = imageMountOf(executable);
   if (!mount) return {};
-  std::error_code error;
-  std::filesystem::directory_iterator entry(roots_.root + *mount, error);
-  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    if (entry->path().extension() != ".desktop") continue;
-    return *mount + '/' + entry->path().filename().string();
+  constexpr std::size_t mostFiles = 10'000;
+  for (const std::string& name : namesIn(roots_.root + *mount, mostFiles)) {
+    if (name.ends_with(".desktop")) return *mount + '/' + name;
   }
   return {};
 }

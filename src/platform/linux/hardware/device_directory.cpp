@@ -81,15 +81,15 @@ std::optional<double> DeviceDirectory::celsius(std::string_view file) const {
 
 bool DeviceClass::hasChanged() {
   auto entries = listDirectory(path_);
-  if (entries == entries_) return false;
+  if (isSettled_ && entries == entries_) return false;
+  isSettled_ = false;
   entries_ = std::move(entries);
   return true;
 }
 
 std::vector<DeviceDirectory> DeviceClass::devices() const {
   std::vector<DeviceDirectory> devices;
-  if (!entries_) return devices;
-  for (const DirectoryEntry& entry : *entries_) {
+  for (const DirectoryEntry& entry : entries_) {
     if (!entry.isRegularFile) devices.emplace_back(path_ + '/' + entry.name);
   }
   return devices;

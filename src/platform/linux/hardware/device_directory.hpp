@@ -57,19 +57,21 @@ class DeviceClass {
  public:
   explicit DeviceClass(std::string path) : path_(std::move(path)) {}
 
-  /// Lists the class again. True the first time, and whenever a device came or went since the last call: what
-  /// is kept of its devices is void then.
+  /// Lists the class again. True until `settle` is called, and whenever a device came or went since the last
+  /// call: what is kept of its devices is void then.
   bool hasChanged();
 
-  /// Lets the next call tell of a change, for devices that had not answered yet when they were met.
-  void lookAgain() { entries_.reset(); }
+  /// Says that all that is kept of its devices is there. Not for devices that had not answered yet when they
+  /// were met.
+  void settle() { isSettled_ = true; }
 
   /// The devices of the last listing, ordered by name.
   std::vector<DeviceDirectory> devices() const;
 
  private:
   std::string path_;
-  std::optional<std::vector<DirectoryEntry>> entries_;
+  std::vector<DirectoryEntry> entries_;
+  bool isSettled_ = false;
 };
 
 }  // namespace tarn

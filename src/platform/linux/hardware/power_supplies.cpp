@@ -72,13 +72,13 @@ bool isOwnBattery(const DeviceDirectory& supply) {
 }  // namespace
 
 std::vector<std::optional<PropertyDictionary>> PowerSupplies::sources() {
+  present_.clear();
   if (supplies_.hasChanged()) {
     packs_ = supplies_.devices();
     const bool allAnswer = std::all_of(packs_.begin(), packs_.end(), tellsWhatItIs);
     std::erase_if(packs_, [](const DeviceDirectory& supply) { return !isOwnBattery(supply); });
-    if (!allAnswer) supplies_.lookAgain();
+    if (allAnswer) supplies_.settle();
   }
-  present_.clear();
   for (const DeviceDirectory& pack : packs_) {
     if (pack.text("present") != "0") present_.push_back(&pack);
   }

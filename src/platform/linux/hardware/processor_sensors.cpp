@@ -84,7 +84,7 @@ void ProcessorSensors::lookForSensors() {
     allAnswer = allAnswer && !name.empty() && (!isProcessors || !inputs.empty());
     if (!inputs.empty()) sensors_.push_back({std::move(directory), std::move(inputs)});
   }
-  if (!allAnswer) chips_.lookAgain();  // one came this moment and is not complete yet
+  if (allAnswer) chips_.settle();  // else one came this moment and is not complete yet
 }
 
 std::vector<double> ProcessorSensors::readings(const ThermalZones& zones) {

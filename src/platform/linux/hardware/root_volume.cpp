@@ -46,8 +46,8 @@ std::optional<std::string> RootVolume::label() {
   // To find the record may take many calls; the device is the same until the root is another one.
   const DeviceNumber device{major(status.st_dev), minor(status.st_dev)};
   if (device != device_) {
-    device_ = device;
     record_ = rootRecord(roots_, device);
+    device_ = device;
   }
   return record_ ? parseLabel(readFile(*record_)) : std::nullopt;
 }

@@ -41,13 +41,15 @@ TripPoints readTripPoints(const DeviceDirectory& zone) {
 void ThermalZones::refresh() {
   if (!zones_.hasChanged()) return;
   known_.clear();
+  bool allAnswer = true;
   for (DeviceDirectory& directory : zones_.devices()) {
     if (!directory.has("temp")) continue;  // a cooling device
     std::string type = directory.text("type");
-    if (type.empty()) zones_.lookAgain();  // it came this moment and does not answer yet
+    allAnswer = allAnswer && !type.empty();
     const TripPoints trips = hasOnlyThresholds(type) ? TripPoints{} : readTripPoints(directory);
     known_.push_back({std::move(directory), std::move(type), trips});
   }
+  if (allAnswer) zones_.settle();  // else one came this moment and does not answer yet
 }
 
 ThermalState ThermalZones::state() const {

@@ -43,7 +43,8 @@ void ThrottleCounters::lookForCounters() {
 std::optional<bool> ThrottleCounters::haveRisen(Time now) {
   constexpr auto longAgo = std::chrono::seconds(10);
   const bool isRecent = now - std::exchange(lastLook_, now) <= longAgo;
-  if (!std::exchange(areKnown_, true)) lookForCounters();
+  if (!areKnown_) lookForCounters();
+  areKnown_ = true;
   std::optional<bool> risen;
   for (Counter& counter : counters_) {
     const auto count = counter.directory.number(counter.file);

@@ -73,6 +73,7 @@ bool LinuxProcScan::openDirectory() {
 std::vector<std::int32_t> LinuxProcScan::allPIDs() {
   known_.eraseIf([this](std::int32_t, const KnownProcess& process) { return process.sweep != sweep_; });
   ++sweep_;
+  parentDepth_ = 0;  // a sweep that ran out of memory may have left some
   swapInUse_ = parseSwaps(readFile(roots_.proc + "/swaps")).used > 0;
 
   if (!openDirectory()) return {};
@@ -237,6 +238,7 @@ LinuxProcScan::KnownProcess* LinuxProcScan::readAnew(std::int32_t pid) {
   }
   process.ppid = stat->ppid;
   process.processorTicks = ticks;
+  process.footprint.reset();  // it has run since; nobody may ask in this sweep, where memory runs out
   process.sweep = sweep_;
   process.isQuiet = false;
   process.wasMetEarly = false;

@@ -111,8 +111,8 @@ MemoryInfo LinuxSystemMemoryReader::readMemoryInfo() const {
 std::uint64_t LinuxSystemMemoryReader::installedMemory(const MemoryInfo& info) {
   const std::uint64_t inUse = info.total.value_or(0);
   if (totalWhenCounted_ != inUse) {
-    totalWhenCounted_ = inUse;
     blockMemory_ = readBlockMemory(roots_.sys + "/devices/system/memory");
+    totalWhenCounted_ = inUse;
   }
   return std::max(blockMemory_, inUse);
 }

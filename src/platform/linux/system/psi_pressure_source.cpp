@@ -4,6 +4,7 @@
 #include "platform/linux/system/psi_pressure_source.hpp"
 
 #include <atomic>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -28,7 +29,12 @@ PressureWatch::PressureWatch(LinuxRoots roots, PressureEvents& events, SteadyClo
     : roots_(std::move(roots)), events_(events), clock_(std::move(clock)) {}
 
 PressureWatch::Measurement PressureWatch::measure() const {
-  PressureLook look = lookAtPressure(roots_);
+  PressureLook look;
+  try {
+    look = lookAtPressure(roots_);
+  } catch (const std::bad_alloc&) {
+    // Nothing can be told without the memory to look.
+  }
   return {look, clock_()};
 }
 

@@ -83,10 +83,13 @@ TEST_F(DeviceDirectoryTest, IsEmptyWhereThereIsNone) {
 TEST_F(DeviceDirectoryTest, TellsWhenDevicesComeAndGo) {
   DeviceClass chips = deviceClass();
   EXPECT_TRUE(chips.hasChanged()) << "the first time, even if there is nothing";
+  chips.settle();
   EXPECT_FALSE(chips.hasChanged());
   EXPECT_THAT(chips.devices(), IsEmpty());
   tree_.write("sys/class/hwmon/hwmon0/name", "one\n");
   EXPECT_TRUE(chips.hasChanged());
+  EXPECT_TRUE(chips.hasChanged()) << "until all is known of it";
+  chips.settle();
   EXPECT_FALSE(chips.hasChanged());
   ASSERT_EQ(chips.devices().size(), 1U);
   EXPECT_EQ(chips.devices()[0].text("name"), "one");
@@ -99,6 +102,7 @@ TEST_F(DeviceDirectoryTest, TellsADeviceThatCameBackUnderTheNameOfAnother) {
   tree_.write("sys/class/hwmon/hwmon0/name", "one\n");
   DeviceClass chips = deviceClass();
   EXPECT_TRUE(chips.hasChanged());
+  chips.settle();
   std::filesystem::rename(tree_.at("sys/class/hwmon/hwmon0"), tree_.at("sys/gone"));
   tree_.write("sys/class/hwmon/hwmon0/name", "two\n");
   EXPECT_TRUE(chips.hasChanged());

@@ -159,6 +159,24 @@ TEST_F(PressureWatchTest, LooksEveryTwoSecondsWhereNotificationsAreRefused) {
   EXPECT_THAT(events_.timeouts, Each(seconds(2)));
 }
 
+TEST_F(PressureWatchTest, AClockThatJumpsIsNoStall) {
+  events_.armed = false;
+  setAvailable(30);
+  const auto jump = [this](seconds by, std::uint64_t micros) {
+    events_.steps.emplace_back([this, by, micros](milliseconds /*timeout*/) {
+      now_ += by;
+      setStalls(micros, 0);
+      return PressureWake{};
+    });
+  };
+  jump(std::chrono::hours(8), 300'000);
+  jump(seconds(0), 600'000);
+  jump(-std::chrono::hours(8), 900'000);
+  EXPECT_THAT(run(), IsEmpty());
+  jump(seconds(2), 1'300'000);
+  EXPECT_THAT(run(), ElementsAre(warning)) << "and is counted from there on";
+}
+
 TEST_F(PressureWatchTest, FullStallsCountWhereNotificationsAreRefused) {
   events_.armed = false;
   setAvailable(10);

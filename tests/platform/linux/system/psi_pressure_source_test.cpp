@@ -182,6 +182,27 @@ TEST(KernelPressureEvents, ACapturedTreeIsNeverWrittenTo) {
   EXPECT_EQ(content.str(), text);
 }
 
+TEST(KernelPressureEvents, AKernelThatDoesNotTakeTheTriggersRefuses) {
+  const TemporaryTree tree;
+  // A file of the kernel that takes numbers, and nothing else.
+  tree.link("proc/pressure/memory", "/proc/self/oom_score_adj");
+  EXPECT_FALSE(KernelPressureEvents(tree.roots()).arm());
+  // Files that cannot be written to, whoever asks.
+  for (const char* file : {"/proc/version", "/proc/self/mountinfo"}) {
+    tree.link("proc/pressure/memory", file);
+    EXPECT_FALSE(KernelPressureEvents(tree.roots()).arm()) << file;
+  }
+}
+
+TEST(KernelPressureEvents, APipeOrADirectoryInTheirPlaceRefuses) {
+  const TemporaryTree tree;
+  tree.pipe("proc/pressure/memory");
+  EXPECT_FALSE(KernelPressureEvents(tree.roots()).arm());
+  tree.remove("proc/pressure/memory");
+  tree.write("proc/pressure/memory/file", "");
+  EXPECT_FALSE(KernelPressureEvents(tree.roots()).arm());
+}
+
 TEST(KernelPressureEvents, AKernelWithoutThemRefuses) {
   EXPECT_FALSE(KernelPressureEvents(TemporaryTree().roots()).arm());
 }

@@ -66,6 +66,14 @@ TEST_F(QuietProcessTest, IsNotReadAgainUntilItHasRun) {
   EXPECT_EQ(usage_->cpuTime, 5001U);
 }
 
+TEST_F(QuietProcessTest, IsReadAgainWhenTheSweepInWhichItRanEndedBeforeItsMemoryWasRead) {
+  changeMemory();
+  clocks_[pid] = 5001;
+  processes_.allPIDs();
+  processes_.bsdInfo(pid);
+  EXPECT_EQ(sweep(), newFootprint);
+}
+
 TEST_F(QuietProcessTest, HasItsOwnClockWhenItTakesAPidThatWasListedForAnother) {
   clocks_[pid] = 7000;
   processes_.allPIDs();

@@ -1,0 +1,92 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+//
+// thrash REQUESTS FOLDER MEGABYTES PROCESSES: reads requests from the named pipe REQUESTS, a line each: a
+// number of seconds for which so many processes read a file of that size in FOLDER at random places. Each
+// request takes the place of the one before; 0 ends it. In a control group whose memory is smaller than the
+// file they wait for memory all the time. The file has no name, so that nothing of it stays.
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <csignal>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t page = 4096;
+constexpr unsigned longest = 300;  // seconds
+
+[[noreturn]] void give(const char* what) {
+  std::perror(what);
+  std::exit(1);
+}
+
+// Written here, so that its pages count for this control group, and to the end: only what lies on the disk
+// can be dropped from memory.
+int writeFile(const char* folder, std::size_t pages) {
+  const int file = open(folder, O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+  if (file < 0) give(folder);
+  const std::vector<char> content(page, 'x');
+  for (std::size_t index = 0; index < pages; ++index) {
+    if (write(file, content.data(), page) != static_cast<ssize_t>(page)) give("write");
+  }
+  if (fsync(file) != 0) give("fsync");
+  return file;
+}
+
+[[noreturn]] void readAtRandom(int file, std::size_t pages, unsigned seconds) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  alarm(seconds);
+  const auto* const content =
+      static_cast<const volatile char*>(mmap(nullptr, pages * page, PROT_READ, MAP_SHARED, file, 0));
+  if (content == MAP_FAILED) give("mmap");
+  std::minstd_rand random(static_cast<unsigned>(getpid()));
+  std::uniform_int_distribution<std::size_t> anywhere(0, pages - 1);
+  while (true) static_cast<void>(content[anywhere(random) * page]);
+}
+
+void endAll(std::vector<pid_t>& readers) {
+  for (const pid_t reader : readers) kill(reader, SIGKILL);
+  for (const pid_t reader : readers) waitpid(reader, nullptr, 0);
+  readers.clear();
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+  if (argumentCount != 5) {
+    std::fputs("usage: thrash REQUESTS FOLDER MEGABYTES PROCESSES\n", stderr);
+    return 2;
+  }
+  const std::size_t pages = (std::strtoul(arguments[3], nullptr, 10) << 20U) / page;
+  const unsigned long processes = std::strtoul(arguments[4], nullptr, 10);
+  std::fstream requests(arguments[1], std::ios::in | std::ios::out);  // a writer of its own: never at its end
+  if (!requests) give(arguments[1]);
+  std::vector<pid_t> readers;
+  int file = -1;
+  for (std::string line; std::getline(requests, line);) {
+    endAll(readers);
+    unsigned seconds = 0;
+    std::from_chars(line.data(), line.data() + line.size(), seconds);
+    if (seconds == 0) continue;
+    if (file < 0) file = writeFile(arguments[2], pages);
+    for (unsigned long number = 0; number < processes; ++number) {
+      const pid_t reader = fork();
+      if (reader == 0) readAtRandom(file, pages, std::min(seconds, longest));
+      if (reader > 0) readers.push_back(reader);
+    }
+  }
+  return 0;
+}
