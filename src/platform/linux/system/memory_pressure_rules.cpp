@@ -12,6 +12,8 @@ namespace {
 // Shares of time: 200 ms and 400 ms of two seconds.
 constexpr double someStallShare = 0.1;
 constexpr double fullStallShare = 0.2;
+constexpr std::uint64_t someReportMicros = 200'000;
+constexpr std::uint64_t fullReportMicros = 400'000;
 constexpr double someStallAverage = 10;
 constexpr double fullStallAverage = 20;
 constexpr double calmAverage = 5;
@@ -43,6 +45,20 @@ StallVerdict stallsBetween(const MemoryStalls& before, const MemoryStalls& after
            static_cast<double>(to.totalMicros - from.totalMicros) >= micros * threshold;
   };
   return {reaches(before.some, after.some, someStallShare), reaches(before.full, after.full, fullStallShare)};
+}
+
+StallVerdict StallReports::believed(const StallVerdict& reported, const std::optional<MemoryStalls>& now) {
+  const auto isTrue = [](bool cameBefore, const StallLine& atFirst, const StallLine& last, std::uint64_t least) {
+    return cameBefore || last.totalMicros >= atFirst.totalMicros + least;
+  };
+  StallVerdict verdict = reported;
+  if (atFirst_ && now) {
+    verdict.some &= isTrue(cameBefore_.some, atFirst_->some, now->some, someReportMicros);
+    verdict.full &= isTrue(cameBefore_.full, atFirst_->full, now->full, fullReportMicros);
+  }
+  cameBefore_.some |= reported.some;
+  cameBefore_.full |= reported.full;
+  return verdict;
 }
 
 StallVerdict stallsByAverage(const MemoryStalls& stalls) {

@@ -33,6 +33,21 @@ struct StallVerdict {
 StallVerdict stallsBetween(const MemoryStalls& before, const MemoryStalls& after,
                            std::chrono::nanoseconds elapsed);
 
+/// What the kernel reports of stalls, less what it reports by mistake: for the first report of each kind it
+/// counts from the machine's start, so that one comes with the first wait, however short.
+class StallReports {
+ public:
+  /// `atFirst` is what was read once the reports were asked for; without it, all of them are believed.
+  explicit StallReports(const std::optional<MemoryStalls>& atFirst) : atFirst_(atFirst) {}
+
+  /// Gives what to believe of a report, `now` being what was read after it.
+  StallVerdict believed(const StallVerdict& reported, const std::optional<MemoryStalls>& now);
+
+ private:
+  std::optional<MemoryStalls> atFirst_;
+  StallVerdict cameBefore_;
+};
+
 /// The verdict by the kernel's 10-second averages, for a single look.
 StallVerdict stallsByAverage(const MemoryStalls& stalls);
 

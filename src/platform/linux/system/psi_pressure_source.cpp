@@ -41,12 +41,13 @@ PressureWatch::Measurement PressureWatch::measure() const {
 void PressureWatch::run(const Handler& handler) {
   bool armed = events_.arm();
   Measurement before = measure();
+  StallReports reports(before.look.stalls);
   PressureHysteresis level(levelAtOnce(before.look).value_or(MemoryPressure::normal), before.time);
   for (;;) {
     const PressureWake wake = events_.wait(armed ? restWithEvents : restWithout);
     if (wake.cancelled) return;
     const Measurement now = measure();
-    StallVerdict stalls{wake.some, wake.full};
+    StallVerdict stalls = reports.believed({wake.some, wake.full}, now.look.stalls);
     if (!armed && before.look.stalls && now.look.stalls) {
       stalls = stallsBetween(*before.look.stalls, *now.look.stalls, now.time - before.time);
     }

@@ -26,7 +26,8 @@ struct PressureLook {
 
 PressureLook lookAtPressure(const LinuxRoots& roots);
 
-/// Watches the level and tells of each change, and of each report of the kernel also when the level stayed.
+/// Watches the level and tells of each change, and of each believed report of the kernel also when the level
+/// stayed.
 ///
 /// With the kernel's notifications it rests until one comes, and looks at the available memory every 15 s.
 /// Where they are refused or get lost it looks every 2 s instead: at the time that tasks waited since the

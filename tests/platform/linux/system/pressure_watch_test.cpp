@@ -74,11 +74,12 @@ class PressureWatchTest : public testing::Test {
     });
   }
 
-  /// A wait that the kernel ends after a second.
+  /// A wait that the kernel ends after a second, in which tasks waited long enough for any report.
   void event(
       PressureWake wake, const std::function<void()>& change = [] {}) {
     events_.steps.emplace_back([this, wake, change](milliseconds /*timeout*/) {
       now_ += seconds(1);
+      setStalls(1'000'000, 1'000'000);
       change();
       return wake;
     });
@@ -118,6 +119,29 @@ TEST_F(PressureWatchTest, ANotificationOnAMachineWithMemoryToSpareIsToldAsNormal
   EXPECT_THAT(run(), ElementsAre(normal));
 }
 
+TEST_F(PressureWatchTest, TheFirstReportOfEachKindIsBelievedOnlyIfTasksWaitedThatLong) {
+  setAvailable(10);
+  setStalls(9'000'000, 9'000'000);
+  event({.some = true, .full = true}, [this] { setStalls(9'200'000, 9'399'999); });
+  EXPECT_THAT(run(), ElementsAre(warning)) << "the kernel counted from the machine's start";
+}
+
+TEST_F(PressureWatchTest, ASecondReportIsBelievedWhateverTheFirstWas) {
+  setAvailable(10);
+  setStalls(9'000'000, 9'000'000);
+  event({.some = true, .full = true}, [this] { setStalls(9'000'001, 9'000'001); });
+  event({.some = true}, [this] { setStalls(9'000'002, 9'000'001); });
+  event({.full = true}, [this] { setStalls(9'000'003, 9'000'002); });
+  EXPECT_THAT(run(), ElementsAre(warning, critical));
+}
+
+TEST_F(PressureWatchTest, WhatCannotBeComparedIsBelieved) {
+  setAvailable(30);
+  tree_.remove("proc/pressure");
+  event({.some = true});
+  EXPECT_THAT(run(), ElementsAre(warning));
+}
+
 TEST_F(PressureWatchTest, TellsOfTheReturnToNormalAfterAQuietRest) {
   setAvailable(30);
   event({.some = true});
@@ -128,7 +152,7 @@ TEST_F(PressureWatchTest, TellsOfTheReturnToNormalAfterAQuietRest) {
 
 TEST_F(PressureWatchTest, StaysUpWhileTheAverageIsNotCalm) {
   setAvailable(30);
-  event({.some = true}, [this] { setStalls(0, 0, "5.00"); });
+  event({.some = true}, [this] { setStalls(200'000, 0, "5.00"); });
   timeOut();
   timeOut([this] { setStalls(0, 0, "4.99"); });
   EXPECT_THAT(run(), ElementsAre(warning, normal));
