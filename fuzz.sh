@@ -46,7 +46,7 @@ fuzz() {
   while [ "$((spent / 1000))" -lt "$seconds" ] && [ "$status" -eq 0 ]; do
     { time LC_ALL=C.UTF-8 "${run[@]}" -max_total_time=$((seconds - spent / 1000)) "$corpus/$name" \
       "tests/fuzz/seeds/$name" >"$log" 2>&1; } 2>"$log.time" || status=$?
-    spent=$((spent + $(awk '{printf "%d", 1000 * ($1 + $2)}' "$log.time")))
+    spent=$((spent + $(awk 'END {printf "%d", 1000 * ($1 + $2)}' "$log.time")))
     executed="$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")"
     inputs=$((inputs + ${executed:-0}))
   done
