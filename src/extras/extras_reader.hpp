@@ -17,7 +17,8 @@ class ExtrasReader {
  public:
   explicit ExtrasReader(ExtrasPort port);
 
-  /// One full gathering. Never fails; what cannot be read is absent.
+  /// One full gathering: what cannot be read is absent. Without the memory for it there is none, and
+  /// std::bad_alloc is thrown; the next one is as right as any.
   SystemExtras read() const;
 
   /// The platform's own thermal state.

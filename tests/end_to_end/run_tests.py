@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 """run_tests.py [--GROUP...] [WORD...]: runs the end-to-end tests, or those of some groups: "use", what people do with
-Tarn; "hosts", in panels of every kind and with panels everywhere; "faults", what befalls it; "unit", as a unit of the
-session manager. Words select some of them.
+Tarn; "hosts", in panels of every kind and with panels everywhere; "faults", what befalls it; "patience", what befalls
+it slowly; "unit", as a unit of the session manager. Words select some of them.
 Leaves "passed failed" counts in the stage folder."""
 
 import sys
@@ -14,8 +14,9 @@ from programs import STAGE
 GROUPS = {"use": ("test_desktop", "test_accessibility", "test_hostile_applications", "test_system_tab",
                   "test_privileges"),
           "hosts": ("test_hosts", "test_placement", "test_privileges_on_wayland"),
-          "faults": ("test_endings", "test_faults", "test_kernel_faults", "test_hostile_bus", "test_restarting_panel",
-                     "test_returning_bus", "test_unplugged_screen", "test_pressure", "test_soak"),
+          "faults": ("test_endings", "test_faults", "test_hostile_bus", "test_unplugged_screen"),
+          "patience": ("test_kernel_faults", "test_pressure", "test_restarting_panel", "test_returning_bus",
+                       "test_soak"),
           "unit": ("test_unit",)}
 
 
