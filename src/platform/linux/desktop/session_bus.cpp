@@ -28,11 +28,10 @@ SessionBus::~SessionBus() {
 }
 
 void SessionBus::follow() {
-  const bool watched =
-      connection_.isConnected() &&
-      connection_.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                          QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-                          SLOT(disconnected()));
+  const bool watched = connection_.isConnected() &&
+                       connection_.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                                           QStringLiteral("org.freedesktop.DBus.Local"),
+                                           QStringLiteral("Disconnected"), this, SLOT(disconnected()));
   // It may have gone while we were about to ask to be told.
   if (!watched || !connection_.isConnected()) disconnected();
 }

@@ -48,7 +48,8 @@ StallVerdict stallsBetween(const MemoryStalls& before, const MemoryStalls& after
 }
 
 StallVerdict StallReports::believed(const StallVerdict& reported, const std::optional<MemoryStalls>& now) {
-  const auto isTrue = [](bool cameBefore, const StallLine& atFirst, const StallLine& last, std::uint64_t least) {
+  const auto isTrue = [](bool cameBefore, const StallLine& atFirst, const StallLine& last,
+                         std::uint64_t least) {
     return cameBefore || last.totalMicros >= atFirst.totalMicros + least;
   };
   StallVerdict verdict = reported;

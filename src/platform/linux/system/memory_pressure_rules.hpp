@@ -33,8 +33,8 @@ struct StallVerdict {
 StallVerdict stallsBetween(const MemoryStalls& before, const MemoryStalls& after,
                            std::chrono::nanoseconds elapsed);
 
-/// What the kernel reports of stalls, less what it reports by mistake: for the first report of each kind it
-/// counts from the machine's start, so that one comes with the first wait, however short.
+/// What the kernel reports of stalls, less what it reports by mistake: the first report of each kind may come
+/// with the first wait, however short, as if it counted from the machine's start.
 class StallReports {
  public:
   /// `atFirst` is what was read once the reports were asked for; without it, all of them are believed.

@@ -93,7 +93,8 @@ TEST_F(SessionBusThatDies, ShowsTheItemAgain) {
     test::BusClient panel(daemon_.connection(), bus->connection().baseService());
     const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
     const QString path = QStringLiteral("/StatusNotifierItem");
-    EXPECT_EQ(panel.property(path, interface, QStringLiteral("Title")).toString(), QStringLiteral("Tarn — 1 GB"));
+    EXPECT_EQ(panel.property(path, interface, QStringLiteral("Title")).toString(),
+              QStringLiteral("Tarn — 1 GB"));
     panel.call(path, interface, QStringLiteral("Activate"), {1, 2});
     EXPECT_TRUE(eventually([&] { return activated.size() == times; }));
   }

@@ -123,7 +123,7 @@ TEST_F(PressureWatchTest, TheFirstReportOfEachKindIsBelievedOnlyIfTasksWaitedTha
   setAvailable(10);
   setStalls(9'000'000, 9'000'000);
   event({.some = true, .full = true}, [this] { setStalls(9'200'000, 9'399'999); });
-  EXPECT_THAT(run(), ElementsAre(warning)) << "the kernel counted from the machine's start";
+  EXPECT_THAT(run(), ElementsAre(warning)) << "the other one came too soon";
 }
 
 TEST_F(PressureWatchTest, ASecondReportIsBelievedWhateverTheFirstWas) {
