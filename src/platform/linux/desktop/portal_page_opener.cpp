@@ -12,9 +12,9 @@
 
 namespace tarn {
 
-PortalPageOpener::PortalPageOpener(const QDBusConnection& bus, PageOpener otherwise,
+PortalPageOpener::PortalPageOpener(QDBusConnection bus, PageOpener otherwise,
                                    std::chrono::milliseconds patience)
-    : bus_(bus), otherwise_(std::move(otherwise)), patience_(patience) {}
+    : bus_(std::move(bus)), otherwise_(std::move(otherwise)), patience_(patience) {}
 
 void PortalPageOpener::open(const QString& page) {
   // A call on a bus that was never reached is never answered, not even by an error.

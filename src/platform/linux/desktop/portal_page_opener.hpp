@@ -18,7 +18,7 @@ namespace tarn {
 class PortalPageOpener final : public QObject {
  public:
   /// A portal that has not answered within `patience` is not waited for any longer.
-  PortalPageOpener(const QDBusConnection& bus, PageOpener otherwise,
+  PortalPageOpener(QDBusConnection bus, PageOpener otherwise,
                    std::chrono::milliseconds patience = std::chrono::seconds(10));
 
   /// Asks the portal; returns at once.

@@ -8,7 +8,7 @@
 namespace tarn {
 
 QString sessionBusAddress() {
-  const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+  QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
   // That is no place, but asks the library to start a bus of its own, and would at each attempt.
   if (address.startsWith(u"autolaunch:")) return {};
   if (!address.isEmpty()) return address;

@@ -113,7 +113,7 @@ TEST_F(NotifierMenuOnTheBus, AClickOnAnEntryChoosesIt) {
 TEST_F(NotifierMenuOnTheBus, AFloodOfClicksIsNoFloodOfChoices) {
   const QVariant group = QVariant::fromValue(QList<MenuEvent>(1000, MenuEvent{1, QStringLiteral("clicked")}));
   EXPECT_EQ(call("EventGroup", {group}).type(), QDBusMessage::ReplyMessage);
-  ASSERT_TRUE(eventually([&] { return open_.size() > 0; }));
+  ASSERT_TRUE(eventually([&] { return !open_.empty(); }));
   QCoreApplication::processEvents();
   // A hand that chooses again later is heard; a slow machine may take longer than that over the thousand.
   EXPECT_LT(open_.size(), 50);
