@@ -29,13 +29,12 @@ PressureWatch::PressureWatch(LinuxRoots roots, PressureEvents& events, SteadyClo
     : roots_(std::move(roots)), events_(events), clock_(std::move(clock)) {}
 
 PressureWatch::Measurement PressureWatch::measure() const {
-  PressureLook look;
+  // Nothing is assigned that is still there after a throw: the compiler may have written half of it by then.
   try {
-    look = lookAtPressure(roots_);
+    return {lookAtPressure(roots_), clock_()};
   } catch (const std::bad_alloc&) {
-    // Nothing can be told without the memory to look.
+    return {{}, clock_()};  // nothing can be told without the memory to look
   }
-  return {look, clock_()};
 }
 
 void PressureWatch::run(const Handler& handler) {
