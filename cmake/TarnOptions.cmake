@@ -30,10 +30,10 @@ if(TARN_SANITIZE)
   add_link_options(-fsanitize=${TARN_SANITIZE})
 endif()
 
-# tarn_room(NAME SOURCES ... USES ...): one static library per room of the house; USES names the
-# rooms that it builds on.
-function(tarn_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
-  add_library(${name} STATIC ${ROOM_SOURCES})
-  target_link_libraries(${name} PUBLIC tarn_options ${ROOM_USES})
+# tarn_module(NAME SOURCES ... USES ...): one static library per folder of src/; USES names the
+# libraries that it builds on.
+function(tarn_module name)
+  cmake_parse_arguments(MODULE "" "" "SOURCES;USES" ${ARGN})
+  add_library(${name} STATIC ${MODULE_SOURCES})
+  target_link_libraries(${name} PUBLIC tarn_options ${MODULE_USES})
 endfunction()

@@ -8,9 +8,9 @@
 #include <fstream>
 #include <string>
 
-#include "platform/linux/applications/application_index.hpp"
-#include "platform/linux/applications/process_facts.hpp"
-#include "platform/linux/system/temporary_tree.hpp"
+#include "platform/linux/app_identity/application_index.hpp"
+#include "platform/linux/app_identity/process_facts.hpp"
+#include "support/temporary_tree.hpp"
 
 namespace tarn {
 namespace {

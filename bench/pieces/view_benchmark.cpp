@@ -13,10 +13,10 @@
 
 #include "format/byte_formatting.hpp"
 #include "format/cpu_formatting.hpp"
-#include "ui/app_icon_provider.hpp"
-#include "ui/application_list.hpp"
-#include "ui/menu_bar_icon.hpp"
-#include "ui/symbols.hpp"
+#include "ui/popover/app_icon_provider.hpp"
+#include "ui/popover/application_list.hpp"
+#include "ui/menu_bar/menu_bar_icon.hpp"
+#include "ui/symbols/symbols.hpp"
 
 namespace tarn {
 namespace {

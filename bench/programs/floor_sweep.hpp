@@ -6,7 +6,7 @@
 #include <array>
 #include <cstddef>
 
-#include "platform/linux/system/directory_stream.hpp"
+#include "platform/linux/procfs/directory_stream.hpp"
 
 namespace tarn {
 

@@ -8,7 +8,7 @@
 #include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "app/tarn_app.hpp"
-#include "ui/accessibility.hpp"
+#include "ui/widgets/accessibility.hpp"
 
 int main(int argc, char* argv[]) {
   tarn::platformSpareMemory();

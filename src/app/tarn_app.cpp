@@ -19,8 +19,8 @@
 #include "monitor/active_processors.hpp"
 #include "monitor/serial_queue.hpp"
 #include "monitor/thread_name.hpp"
-#include "ui/menu_bar_icon.hpp"
-#include "ui/popover_placement.hpp"
+#include "ui/menu_bar/menu_bar_icon.hpp"
+#include "ui/popover/popover_placement.hpp"
 
 namespace tarn {
 

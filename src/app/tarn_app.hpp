@@ -12,11 +12,11 @@
 #include "monitor/monitor_view_model.hpp"
 #include "monitor/preferences.hpp"
 #include "monitor/qt_run_loop.hpp"
-#include "ui/color_scheme.hpp"
-#include "ui/menu_bar_item.hpp"
-#include "ui/menu_bar_label.hpp"
-#include "ui/popover_window.hpp"
-#include "ui/render_scheduler.hpp"
+#include "ui/widgets/color_scheme.hpp"
+#include "ui/menu_bar/menu_bar_item.hpp"
+#include "ui/menu_bar/menu_bar_label.hpp"
+#include "ui/popover/popover_window.hpp"
+#include "ui/widgets/render_scheduler.hpp"
 
 namespace tarn {
 

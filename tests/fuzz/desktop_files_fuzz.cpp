@@ -5,9 +5,9 @@
 #include <string>
 
 #include "fuzz/fuzz_input.hpp"
-#include "platform/linux/applications/application_index.hpp"
-#include "platform/linux/applications/desktop_entry.hpp"
-#include "platform/linux/system/temporary_tree.hpp"
+#include "platform/linux/app_identity/application_index.hpp"
+#include "platform/linux/app_identity/desktop_entry.hpp"
+#include "support/temporary_tree.hpp"
 
 namespace {
 

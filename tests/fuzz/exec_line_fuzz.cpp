@@ -4,7 +4,7 @@
 #include <string>
 
 #include "fuzz/fuzz_input.hpp"
-#include "platform/linux/applications/exec_line.hpp"
+#include "platform/linux/app_identity/exec_line.hpp"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto line = tarn::parseExecLine(std::string(tarn::textOf(data, size)));

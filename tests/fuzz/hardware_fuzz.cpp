@@ -6,8 +6,8 @@
 
 #include "extras/extras_reader.hpp"
 #include "fuzz/fuzz_input.hpp"
-#include "platform/linux/hardware/linux_extras_port.hpp"
-#include "platform/linux/system/temporary_tree.hpp"
+#include "platform/linux/sysfs/linux_extras_port.hpp"
+#include "support/temporary_tree.hpp"
 
 namespace {
 

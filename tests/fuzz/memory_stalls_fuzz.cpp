@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/fuzz_input.hpp"
-#include "platform/linux/system/memory_files.hpp"
-#include "platform/linux/system/memory_pressure_rules.hpp"
+#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/psi/memory_pressure_rules.hpp"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text = tarn::textOf(data, size);

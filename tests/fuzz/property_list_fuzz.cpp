@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/fuzz_input.hpp"
-#include "platform/linux/applications/property_list.hpp"
+#include "platform/linux/app_identity/property_list.hpp"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   tarn::parsePropertyTexts(tarn::textOf(data, size));

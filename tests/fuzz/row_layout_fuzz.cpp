@@ -6,9 +6,9 @@
 #include <QWidget>
 
 #include "fuzz/fuzz_input.hpp"
-#include "ui/display_text.hpp"
-#include "ui/row_text.hpp"
-#include "ui/text_label.hpp"
+#include "ui/widgets/display_text.hpp"
+#include "ui/popover/row_text.hpp"
+#include "ui/widgets/text_label.hpp"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/accessibility.hpp"
+#include "ui/widgets/accessibility.hpp"
 
 #include <gtest/gtest.h>
 
@@ -14,10 +14,10 @@
 #include <string>
 #include <vector>
 
-#include "ui/controls.hpp"
+#include "ui/widgets/controls.hpp"
 #include "ui/popover_stage.hpp"
-#include "ui/popover_window.hpp"
-#include "ui/tab_picker.hpp"
+#include "ui/popover/popover_window.hpp"
+#include "ui/popover/tab_picker.hpp"
 
 namespace tarn {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/app_icon_provider.hpp"
+#include "ui/popover/app_icon_provider.hpp"
 
 #include <gtest/gtest.h>
 

@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
-#include "ui/controls.hpp"
-#include "ui/menu_bar_icon.hpp"
+#include "ui/widgets/controls.hpp"
+#include "ui/menu_bar/menu_bar_icon.hpp"
 #include "ui/painted_colors.hpp"
 #include "ui/popover_stage.hpp"
-#include "ui/tab_picker.hpp"
+#include "ui/popover/tab_picker.hpp"
 
 namespace tarn {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/credit_label.hpp"
+#include "ui/popover/credit_label.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <QGuiApplication>
 #include <QImage>
 
-#include "ui/theme.hpp"
+#include "ui/widgets/theme.hpp"
 
 namespace tarn {
 namespace {

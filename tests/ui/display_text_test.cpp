@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/display_text.hpp"
+#include "ui/widgets/display_text.hpp"
 
 #include <gtest/gtest.h>
 

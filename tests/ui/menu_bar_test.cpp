@@ -7,8 +7,8 @@
 #include <set>
 
 #include "ui/contrast.hpp"
-#include "ui/menu_bar_icon.hpp"
-#include "ui/menu_bar_label.hpp"
+#include "ui/menu_bar/menu_bar_icon.hpp"
+#include "ui/menu_bar/menu_bar_label.hpp"
 
 namespace tarn {
 namespace {

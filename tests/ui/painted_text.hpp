@@ -10,7 +10,7 @@
 #include <QSize>
 #include <QString>
 
-#include "ui/text_label.hpp"
+#include "ui/widgets/text_label.hpp"
 
 namespace tarn {
 

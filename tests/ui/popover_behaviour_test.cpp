@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "ui/controls.hpp"
+#include "ui/widgets/controls.hpp"
 #include "ui/popover_stage.hpp"
-#include "ui/tab_picker.hpp"
+#include "ui/popover/tab_picker.hpp"
 
 namespace tarn {
 namespace {

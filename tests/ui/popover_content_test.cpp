@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/popover_content.hpp"
+#include "ui/popover/popover_content.hpp"
 
 #include <gtest/gtest.h>
 

@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/controls.hpp"
+#include "ui/widgets/controls.hpp"
 
 namespace tarn {
 

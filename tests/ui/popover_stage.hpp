@@ -21,8 +21,8 @@
 #include "support/fake_pressure_source.hpp"
 #include "support/stepped_queue.hpp"
 #include "support/stepped_run_loop.hpp"
-#include "ui/app_row.hpp"
-#include "ui/popover_view.hpp"
+#include "ui/popover/app_row.hpp"
+#include "ui/popover/popover_view.hpp"
 
 namespace tarn {
 

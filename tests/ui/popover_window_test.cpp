@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/popover_window.hpp"
+#include "ui/popover/popover_window.hpp"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "ui/popover_stage.hpp"
-#include "ui/tab_picker.hpp"
+#include "ui/popover/tab_picker.hpp"
 
 namespace tarn {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/render_scheduler.hpp"
+#include "ui/widgets/render_scheduler.hpp"
 
 #include <gtest/gtest.h>
 

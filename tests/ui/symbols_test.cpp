@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/symbols.hpp"
+#include "ui/symbols/symbols.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/system_content.hpp"
+#include "ui/popover/system_content.hpp"
 
 #include <gtest/gtest.h>
 

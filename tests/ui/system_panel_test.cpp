@@ -3,7 +3,7 @@
 
 // The System tab: what it shows, and where everything lies.
 
-#include "ui/system_panel.hpp"
+#include "ui/popover/system_panel.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/text_label.hpp"
+#include "ui/widgets/text_label.hpp"
 
 #include <gtest/gtest.h>
 

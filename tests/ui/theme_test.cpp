@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/theme.hpp"
+#include "ui/widgets/theme.hpp"
 
 #include <gtest/gtest.h>
 

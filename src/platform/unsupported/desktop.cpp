@@ -12,10 +12,10 @@
 #include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
-#include "ui/app_icon_provider.hpp"
-#include "ui/color_scheme.hpp"
-#include "ui/menu_bar_item.hpp"
-#include "ui/popover_window.hpp"
+#include "ui/popover/app_icon_provider.hpp"
+#include "ui/widgets/color_scheme.hpp"
+#include "ui/menu_bar/menu_bar_item.hpp"
+#include "ui/popover/popover_window.hpp"
 
 namespace tarn {
 

@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "platform/macos/desktop/status_item.hpp"
-#include "ui/menu_bar_item.hpp"
+#include "ui/menu_bar/menu_bar_item.hpp"
 
 namespace tarn::macos {
 

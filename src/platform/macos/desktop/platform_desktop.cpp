@@ -16,9 +16,9 @@
 #include "platform/macos/desktop/menu_bar_status_item.hpp"
 #include "platform/macos/desktop/workspace.hpp"
 #include "platform/macos/foundation/foundation.hpp"
-#include "ui/app_icon_provider.hpp"
-#include "ui/color_scheme.hpp"
-#include "ui/popover_window.hpp"
+#include "ui/popover/app_icon_provider.hpp"
+#include "ui/widgets/color_scheme.hpp"
+#include "ui/popover/popover_window.hpp"
 
 namespace tarn {
 

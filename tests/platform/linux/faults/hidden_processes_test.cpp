@@ -22,8 +22,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/system/psi_pressure_source.hpp"
-#include "platform/linux/system/temporary_tree.hpp"
+#include "platform/linux/psi/psi_pressure_source.hpp"
+#include "support/temporary_tree.hpp"
 #include "sampling/memory_sampler.hpp"
 
 namespace tarn {

@@ -21,13 +21,13 @@
 #include <vector>
 
 #include "extras/extras_reader.hpp"
-#include "platform/linux/applications/application_information.hpp"
+#include "platform/linux/app_identity/application_information.hpp"
 #include "platform/linux/faults/whole_machine.hpp"
-#include "platform/linux/hardware/linux_extras_port.hpp"
-#include "platform/linux/system/active_processors.hpp"
-#include "platform/linux/system/bounded_file.hpp"
-#include "platform/linux/system/declared_process.hpp"
-#include "platform/linux/system/psi_pressure_source.hpp"
+#include "platform/linux/sysfs/linux_extras_port.hpp"
+#include "platform/linux/sysfs/active_processors.hpp"
+#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/declared_process.hpp"
+#include "platform/linux/psi/psi_pressure_source.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/allocation_count.hpp"
 

@@ -13,8 +13,8 @@
 
 #include "extras/extras_reader.hpp"
 #include "platform/linux/faults/whole_machine.hpp"
-#include "platform/linux/hardware/linux_extras_port.hpp"
-#include "platform/linux/system/psi_pressure_source.hpp"
+#include "platform/linux/sysfs/linux_extras_port.hpp"
+#include "platform/linux/psi/psi_pressure_source.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "sampling/pid_map.hpp"
 #include "support/allocation_count.hpp"

@@ -7,11 +7,11 @@
 #include <string>
 #include <utility>
 
-#include "platform/linux/applications/application_information.hpp"
-#include "platform/linux/applications/linux_application_rules.hpp"
-#include "platform/linux/hardware/machine_tree.hpp"
-#include "platform/linux/system/linux_proc_scan.hpp"
-#include "platform/linux/system/linux_system_memory_reader.hpp"
+#include "platform/linux/app_identity/application_information.hpp"
+#include "platform/linux/app_identity/linux_application_rules.hpp"
+#include "platform/linux/sysfs/machine_tree.hpp"
+#include "platform/linux/procfs/linux_proc_scan.hpp"
+#include "platform/linux/procfs/linux_system_memory_reader.hpp"
 
 namespace tarn {
 

@@ -5,8 +5,8 @@
 
 #pragma once
 
-#include "platform/linux/system/process_clock.hpp"
-#include "platform/linux/system/temporary_tree.hpp"
+#include "platform/linux/procfs/process_clock.hpp"
+#include "support/temporary_tree.hpp"
 #include "sampling/platform_readers.hpp"
 
 namespace tarn {

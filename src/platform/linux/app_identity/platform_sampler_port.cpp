@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include <cstdlib>
+#include <memory>
+
+#include "platform/linux/app_identity/application_information.hpp"
+#include "platform/linux/app_identity/data_directories.hpp"
+#include "platform/linux/app_identity/linux_application_rules.hpp"
+#include "platform/linux/procfs/linux_proc_scan.hpp"
+#include "platform/linux/procfs/linux_system_memory_reader.hpp"
+#include "platform/linux/procfs/uptime.hpp"
+#include "sampling/platform_readers.hpp"
+
+namespace tarn {
+
+namespace {
+
+std::string environmentValue(const char* variable) {
+  const char* const value = std::getenv(variable);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+}  // namespace
+
+SamplerPort platformSamplerPort() {
+  const LinuxRoots roots;
+  auto processes = std::make_unique<LinuxProcScan>(roots);
+  ApplicationIndex index(roots, dataDirectories(environmentValue), programDirectories(environmentValue));
+  SamplerPort port;
+  // The rules are destroyed before the scan that they ask.
+  port.applicationRules = std::make_unique<LinuxApplicationRules>(
+      roots, std::move(index), [&scan = *processes](std::int32_t pid) { return scan.programOf(pid); });
+  port.processes = std::move(processes);
+  port.memory = std::make_unique<LinuxSystemMemoryReader>(roots);
+  port.uptime = uptimeSeconds;
+  port.bundleInformation = [roots](const std::string& path) { return applicationInformation(roots, path); };
+  return port;
+}
+
+}  // namespace tarn

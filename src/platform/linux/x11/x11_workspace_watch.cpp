@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/x11/x11_workspace_watch.hpp"
+
+#include <QCoreApplication>
+#include <utility>
+
+#include "platform/linux/x11/xcb_reply.hpp"
+
+namespace tarn {
+
+X11WorkspaceWatch::X11WorkspaceWatch(xcb_connection_t* connection, std::function<void()> switched)
+    : switched_(std::move(switched)), currentWorkspace_(atomOf(connection, "_NET_CURRENT_DESKTOP")) {
+  QCoreApplication::instance()->installNativeEventFilter(this);
+}
+
+bool X11WorkspaceWatch::nativeEventFilter(const QByteArray& eventType, void* message, qintptr* /*result*/) {
+  if (eventType != "xcb_generic_event_t") return false;
+  constexpr unsigned sentByAClient = 0x80;
+  const auto* const event = static_cast<const xcb_generic_event_t*>(message);
+  if ((event->response_type & ~sentByAClient) != XCB_PROPERTY_NOTIFY) return false;
+  const auto* const change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
+  if (currentWorkspace_ != XCB_ATOM_NONE && change->atom == currentWorkspace_) switched_();
+  return false;
+}
+
+}  // namespace tarn

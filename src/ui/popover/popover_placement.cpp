@@ -1,0 +1,115 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "ui/popover/popover_placement.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace tarn {
+
+namespace {
+
+constexpr int gap = 6;          ///< between the popover and the panel or screen edge
+constexpr int panelDepth = 72;  ///< no deeper panel is believed in
+constexpr int itemReach = 14;   ///< from an item's middle to its edge, where the panel reserves no space
+
+enum class Edge { top, bottom, left, right };
+constexpr std::array edges = {Edge::top, Edge::bottom, Edge::left, Edge::right};
+
+int distance(Edge edge, const QPoint& point, const QRect& area) {
+  switch (edge) {
+    case Edge::top:
+      return point.y() - area.top();
+    case Edge::bottom:
+      return area.bottom() - point.y();
+    case Edge::left:
+      return point.x() - area.left();
+    case Edge::right:
+      break;
+  }
+  return area.right() - point.x();
+}
+
+Edge nearer(Edge one, Edge other, const QPoint& point, const QRect& area) {
+  return distance(other, point, area) < distance(one, point, area) ? other : one;
+}
+
+/// The edge whose panel an item at `point` is in.
+Edge panelEdge(const QPoint& point, const ScreenArea& screen) {
+  // Space that is reserved there tells it.
+  for (const Edge edge : edges) {
+    if (distance(edge, point, screen.available) < 0) return edge;
+  }
+  // The last item of a panel is as near to the corner's other edge as to its own, give or take its margins.
+  // Horizontal panels are the likelier ones.
+  const Edge horizontal = nearer(Edge::top, Edge::bottom, point, screen.whole);
+  const Edge vertical = nearer(Edge::left, Edge::right, point, screen.whole);
+  const int lead = distance(vertical, point, screen.whole) + itemReach;
+  return distance(horizontal, point, screen.whole) <= lead ? horizontal : vertical;
+}
+
+int clamped(int value, int lowest, int highest) {
+  return std::max(lowest, std::min(value, highest));
+}
+
+}  // namespace
+
+ScreenArea besidePanel(const ScreenArea& screen, const QRect& panel) {
+  const QRect strip = panel & screen.whole;
+  ScreenArea left = screen;
+  if (strip.isEmpty() || std::min(strip.width(), strip.height()) > panelDepth) return left;
+  const bool isHorizontal = strip.width() >= strip.height();
+  switch (isHorizontal ? nearer(Edge::top, Edge::bottom, strip.center(), screen.whole)
+                       : nearer(Edge::left, Edge::right, strip.center(), screen.whole)) {
+    case Edge::top:
+      left.available.setTop(std::max(left.available.top(), strip.bottom() + 1));
+      break;
+    case Edge::bottom:
+      left.available.setBottom(std::min(left.available.bottom(), strip.top() - 1));
+      break;
+    case Edge::left:
+      left.available.setLeft(std::max(left.available.left(), strip.right() + 1));
+      break;
+    case Edge::right:
+      left.available.setRight(std::min(left.available.right(), strip.left() - 1));
+      break;
+  }
+  return left;
+}
+
+bool isPlausibleAnchor(const QPoint& position, const ScreenArea& screen) {
+  if (!screen.whole.contains(position)) return false;
+  const auto isNear = [&](Edge edge) { return distance(edge, position, screen.whole) <= panelDepth; };
+  return std::any_of(edges.begin(), edges.end(), isNear);
+}
+
+QRect popoverFrame(const std::optional<QPoint>& anchor, const QSize& size, const ScreenArea& screen) {
+  const QRect free = screen.available.adjusted(gap, gap, -gap, -gap);
+  const QPoint at = anchor.value_or(QPoint(screen.available.right(), screen.available.top()));
+  QPoint origin(at.x() - size.width() / 2, at.y() - size.height() / 2);
+  const int reach = anchor ? itemReach + gap : 0;
+  switch (panelEdge(at, screen)) {
+    case Edge::top:
+      origin.setY(std::max(free.top(), at.y() + reach));
+      break;
+    case Edge::bottom:
+      origin.setY(std::min(free.bottom(), at.y() - reach) - size.height() + 1);
+      break;
+    case Edge::left:
+      origin.setX(std::max(free.left(), at.x() + reach));
+      break;
+    case Edge::right:
+      origin.setX(std::min(free.right(), at.x() - reach) - size.width() + 1);
+      break;
+  }
+  origin.setX(clamped(origin.x(), free.left(), free.right() - size.width() + 1));
+  origin.setY(clamped(origin.y(), free.top(), free.bottom() - size.height() + 1));
+  return {origin, size};
+}
+
+int popoverHeightLimit(const ScreenArea& screen) {
+  return std::max(0, screen.available.height() - 2 * gap);
+}
+
+}  // namespace tarn

@@ -1,0 +1,242 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "ui/popover/popover_window.hpp"
+
+#include <QBitmap>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <QWindow>
+#include <utility>
+
+#include "ui/widgets/rounded_frame.hpp"
+
+namespace tarn {
+
+namespace {
+
+constexpr int cornerRadius = 12;
+constexpr int shadowReach = 28;  ///< points around the content that the shadow fades out in
+constexpr int shadowDrop = 6;    ///< how far below the content the shadow lies
+constexpr std::chrono::milliseconds reopenGuard{400};  ///< in which a click's release follows its press
+constexpr int itemReach = 48;                          ///< a press this close to the click was the same click
+
+Qt::WindowFlags flagsFor(PopoverStyle style) {
+  switch (style) {
+    case PopoverStyle::popup:
+      return Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+    case PopoverStyle::tool:
+      return Qt::Tool | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+    case PopoverStyle::regular:
+      break;
+  }
+  return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
+}
+
+/// The window's outline where nothing blends it: the same shape as is painted, pixel for pixel.
+QBitmap roundedMask(const QSize& size) {
+  QBitmap mask(size);
+  mask.clear();
+  QPainter painter(&mask);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(Qt::color1);
+  painter.drawRoundedRect(QRect(QPoint(0, 0), size), cornerRadius, cornerRadius);
+  return mask;
+}
+
+/// Thin layers that add up to a soft shadow, densest at the content's edge.
+void paintShadow(QPainter& painter, const QRectF& content) {
+  constexpr int layers = 14;
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  for (int layer = layers; layer >= 1; --layer) {
+    const double reach = static_cast<double>(layer) * (shadowReach - shadowDrop) / layers;
+    painter.setBrush(QColor(0, 0, 0, (layers - layer) / 2 + 1));
+    painter.drawRoundedRect(content.adjusted(-reach, shadowDrop - reach, reach, shadowDrop + reach),
+                            cornerRadius + reach, cornerRadius + reach);
+  }
+}
+
+}  // namespace
+
+PopoverWindow::PopoverWindow(PopoverView* view, Clock clock)
+    : view_(view), compositor_([this] { fitToContent(); }), clock_(std::move(clock)) {
+  setWindowTitle(QStringLiteral("Tarn"));
+  auto* frame = new QVBoxLayout(this);
+  frame->setContentsMargins(0, 0, 0, 0);
+  frame->setSizeConstraint(QLayout::SetNoConstraint);
+  frame->addWidget(view_);
+}
+
+void PopoverWindow::setTheme(const Theme& theme) {
+  setPalette(theme.palette());
+}
+
+void PopoverWindow::open(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem) {
+  anchor_ = anchor;
+  isAtPointer_ = false;
+  closedByPress_.reset();
+  applyStyle(style, windowSystem);
+  show();
+  raise();
+  if (style != PopoverStyle::popup) activateWindow();
+}
+
+void PopoverWindow::toggle(PopoverStyle style, std::optional<QPoint> anchor,
+                           const WindowSystem& windowSystem) {
+  if (isVisible()) {
+    close();
+    return;
+  }
+  // A person's click closes the popover with its press and would reopen it with its release.
+  const bool isNear =
+      style_ == PopoverStyle::tool || !anchor || (*anchor - lastPress_).manhattanLength() < itemReach;
+  const bool sameClick = isNear && closedByPress_ && clock_() - *closedByPress_ < reopenGuard;
+  closedByPress_.reset();
+  if (sameClick) return;
+  open(style, anchor, windowSystem);
+  isAtPointer_ = true;
+}
+
+void PopoverWindow::applyStyle(PopoverStyle style, const WindowSystem& windowSystem) {
+  const bool blended = windowSystem.blendsWindows && style != PopoverStyle::regular;
+  if (blended != blended_ || style != style_ || !testAttribute(Qt::WA_WState_Created)) {
+    destroy();  // flags and translucency belong to the native window, which is made anew
+    setWindowFlags(flagsFor(style));
+    setAttribute(Qt::WA_TranslucentBackground, blended);
+  }
+  setAttribute(Qt::WA_MacAlwaysShowToolWindow);
+  style_ = style;
+  blended_ = blended;
+  isPlaced_ = windowSystem.clientsPlaceWindows && style != PopoverStyle::regular;
+  panel_ = windowSystem.windowUnderPointer;
+  compositor_.setCompositor(style == PopoverStyle::regular ? CompositorPlacement() : windowSystem.compositor);
+  const int margin = blended ? shadowReach : 0;
+  layout()->setContentsMargins(margin, margin, margin, margin);
+}
+
+QRect PopoverWindow::contentFrame() const {
+  return rect().marginsRemoved(layout()->contentsMargins());
+}
+
+ScreenArea PopoverWindow::screenArea() const {
+  if (compositor_.place()) return compositor_.place()->screen;
+  const QScreen* screen = anchor_ ? QGuiApplication::screenAt(*anchor_) : nullptr;
+  if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+  if (screen == nullptr) return {};
+  const ScreenArea area{screen->geometry(), screen->availableGeometry()};
+  const bool isInPanel = anchor_ && panel_ && panel_->contains(*anchor_);
+  return isInPanel ? besidePanel(area, *panel_) : area;
+}
+
+/// The content's height is asked for before the window is first drawn, and depends on fonts and layouts that
+/// the toolkit would see to later.
+void PopoverWindow::settleContent() {
+  for (const QWidget* widget : view_->findChildren<QWidget*>()) widget->ensurePolished();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+}
+
+void PopoverWindow::fitToContent() {
+  const QLayout* content = view_->layout();
+  const int width = view_->maximumWidth();
+  const int wanted =
+      content->hasHeightForWidth() ? content->totalHeightForWidth(width) : content->sizeHint().height();
+  place(QSize(width, qMin(wanted, popoverHeightLimit(screenArea()))));
+}
+
+void PopoverWindow::place(const QSize& size) {
+  const QMargins margins = layout()->contentsMargins();
+  if (isPlaced_) {
+    setGeometry(popoverFrame(anchor_, size, screenArea()).marginsAdded(margins));
+  } else {
+    // Compositors that tile let a window float from the start if it can have only one size.
+    if (style_ == PopoverStyle::tool) {
+      setFixedSize(size.grownBy(margins));
+    } else {
+      setMinimumSize(0, 0);
+      setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+      resize(size.grownBy(margins));
+    }
+    moveByCompositor(size);
+  }
+  cutCorners();
+}
+
+void PopoverWindow::moveByCompositor(const QSize& size) {
+  if (!compositor_.place()) return;
+  const auto& [screen, pointer] = *compositor_.place();
+  const bool isBeside = isAtPointer_ && isPlausibleAnchor(pointer, screen);
+  const QRect frame = popoverFrame(isBeside ? std::optional(pointer) : std::nullopt, size, screen);
+  compositor_.moveTo(frame.marginsAdded(layout()->contentsMargins()).topLeft());
+}
+
+/// Where nothing blends the corners, the window itself is cut. The toolkit's own mask of a widget would also
+/// be what everything is clipped to that is painted in it, which costs time and memory.
+void PopoverWindow::cutCorners() {
+  if (windowHandle() == nullptr) return;
+  const bool isCut = style_ != PopoverStyle::regular && !blended_;
+  windowHandle()->setMask(isCut ? QRegion(roundedMask(size())) : QRegion());
+}
+
+bool PopoverWindow::event(QEvent* event) {
+  const bool handled = QWidget::event(event);
+  if (event->type() == QEvent::LayoutRequest && isVisible()) fitToContent();
+  return handled;
+}
+
+void PopoverWindow::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  compositor_.seek();
+  settleContent();
+  fitToContent();
+  // Nothing is ringed until somebody uses the keyboard; Tab then goes to the first control.
+  setFocus(Qt::OtherFocusReason);
+}
+
+void PopoverWindow::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  const bool lostFocus = event->type() == QEvent::ActivationChange && !isActiveWindow();
+  if (!lostFocus || style_ != PopoverStyle::tool || !isVisible()) return;
+  closedByPress_ = clock_();  // perhaps: the click on the item took the focus
+  close();
+}
+
+void PopoverWindow::closeEvent(QCloseEvent* event) {
+  QWidget::closeEvent(event);
+  compositor_.leave();
+  Q_EMIT closed();
+}
+
+void PopoverWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape && style_ != PopoverStyle::regular) {
+    close();
+    return;
+  }
+  QWidget::keyPressEvent(event);
+}
+
+void PopoverWindow::mousePressEvent(QMouseEvent* event) {
+  if (style_ != PopoverStyle::popup || contentFrame().contains(event->position().toPoint())) return;
+  lastPress_ = event->globalPosition().toPoint();
+  closedByPress_ = clock_();
+  close();
+}
+
+void PopoverWindow::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  const Theme& theme = themeOf(*this);
+  if (style_ == PopoverStyle::regular) {
+    painter.fillRect(event->rect(), theme.background);
+    return;
+  }
+  const QRect content = contentFrame();
+  if (blended_ && !content.contains(event->rect())) paintShadow(painter, content);
+  paintRoundedFrame(painter, content, cornerRadius, {theme.background, theme.border}, event->rect());
+}
+
+}  // namespace tarn

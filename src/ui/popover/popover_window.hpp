@@ -1,0 +1,99 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QPoint>
+#include <QWidget>
+#include <chrono>
+#include <functional>
+#include <optional>
+
+#include "ui/popover/compositor_seat.hpp"
+#include "ui/popover/popover_placement.hpp"
+#include "ui/popover/popover_view.hpp"
+#include "ui/widgets/theme.hpp"
+
+namespace tarn {
+
+/// How the popover's window behaves.
+enum class PopoverStyle {
+  popup,    ///< any press outside closes it, and the focus stays where it was
+  tool,     ///< takes the focus, and closes when it loses it
+  regular,  ///< an ordinary small window that stays, for when there is no menu bar
+};
+
+/// What the window system offers the popover.
+struct WindowSystem {
+  bool clientsPlaceWindows = true;  ///< X11 does, Wayland does not
+  bool blendsWindows = false;       ///< a compositor shows translucent windows
+  bool popupsTakeKeys = true;       ///< where they do not, the popover is a window with the focus instead
+  bool hostKnowsItsPlace = false;   ///< where it says that the item was clicked is exact
+  CompositorPlacement compositor;   ///< where clients do not place windows
+  std::optional<QRect> windowUnderPointer = {};  ///< where that is told: after a click on the item, its panel
+};
+
+/// Asks the running system anew, since a compositor may come and go. Main thread; each platform folder
+/// defines it.
+WindowSystem platformWindowSystem();
+
+/// The window around the popover's view: soft corners and a shadow where the window system blends windows,
+/// soft corners and a hairline elsewhere. Main thread.
+class PopoverWindow : public QWidget {
+  Q_OBJECT
+
+ public:
+  using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+  /// Takes ownership of `view`.
+  explicit PopoverWindow(PopoverView* view, Clock clock = std::chrono::steady_clock::now);
+
+  void setTheme(const Theme& theme);
+
+  /// Shows the popover beside the item at `anchor`; without one, in the screen's corner.
+  void open(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem);
+
+  /// What a click on the item means: opens, or closes what is open. A click whose press already closed the
+  /// popover does not open it again.
+  void toggle(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem);
+
+  PopoverStyle style() const { return style_; }
+
+ Q_SIGNALS:
+  /// The window was closed, by the user or from here.
+  void closed();
+
+ protected:
+  void changeEvent(QEvent* event) override;
+  bool event(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  void applyStyle(PopoverStyle style, const WindowSystem& windowSystem);
+  void moveByCompositor(const QSize& size);
+  void settleContent();
+  void fitToContent();
+  void place(const QSize& size);
+  void cutCorners();
+  QRect contentFrame() const;
+  ScreenArea screenArea() const;
+
+  PopoverView* view_;
+  PopoverStyle style_ = PopoverStyle::popup;
+  std::optional<QPoint> anchor_;
+  bool blended_ = false;
+  bool isPlaced_ = true;        ///< beside the item
+  std::optional<QRect> panel_;  ///< that the pointer was on when it was opened
+  CompositorSeat compositor_;
+  bool isAtPointer_ = false;  ///< it was opened by a click
+  Clock clock_;
+  QPoint lastPress_;  ///< where that press was, in screen coordinates
+  /// When a press outside closed the popover; absent unless that is how it was closed last.
+  std::optional<std::chrono::steady_clock::time_point> closedByPress_;
+};
+
+}  // namespace tarn

@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QButtonGroup>
+#include <QRadioButton>
+#include <QWidget>
+
+#include "ui/popover/popover_tab.hpp"
+
+namespace tarn {
+
+/// One segment of the tab picker.
+class TabSegment : public QRadioButton {
+  Q_OBJECT
+
+ public:
+  TabSegment(const QString& label, QWidget* parent);
+  QSize sizeHint() const override;
+
+ protected:
+  bool hitButton(const QPoint& position) const override;
+  void paintEvent(QPaintEvent* event) override;
+};
+
+/// The segmented control that chooses the popover's tab; the arrow keys move the choice.
+class TabPicker : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit TabPicker(QWidget* parent = nullptr);
+
+  void setTab(PopoverTab tab);
+
+ Q_SIGNALS:
+  void tabChosen(PopoverTab tab);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  QButtonGroup* segments_;
+};
+
+}  // namespace tarn

@@ -1,0 +1,146 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/dbus/session_bus.hpp"
+
+#include <gtest/gtest.h>
+
+#include <QDBusConnectionInterface>
+#include <QSignalSpy>
+#include <memory>
+
+#include "platform/linux/dbus/bus_client.hpp"
+#include "platform/linux/dbus/bus_single_instance.hpp"
+#include "support/event_loop.hpp"
+#include "platform/linux/status_notifier/fake_watcher.hpp"
+#include "platform/linux/status_notifier/panel_item.hpp"
+#include "platform/linux/dbus/private_bus.hpp"
+#include "platform/linux/status_notifier/test_label.hpp"
+
+namespace tarn {
+namespace {
+
+using test::eventually;
+
+constexpr std::chrono::milliseconds often(20);
+
+class SessionBusThatDies : public testing::Test {
+ protected:
+  std::unique_ptr<SessionBus> follow() {
+    auto bus = std::make_unique<SessionBus>(daemon_.connection(), daemon_.address());
+    bus->setInterval(often);
+    return bus;
+  }
+
+  // Kills the bus, and waits until `bus` knows.
+  void kill(const SessionBus& bus) {
+    daemon_.kill();
+    ASSERT_TRUE(eventually([&] { return !bus.connection().isConnected(); }));
+  }
+
+  test::PrivateBus daemon_;
+};
+
+TEST_F(SessionBusThatDies, AppearsAgainEachTimeThatItComesBack) {
+  const auto bus = follow();
+  const QSignalSpy appeared(bus.get(), &SessionBus::appeared);
+  for (int times = 1; times <= 3; ++times) {
+    kill(*bus);
+    EXPECT_FALSE(eventually([&] { return appeared.size() == times; }, often * 5));
+    daemon_.start();
+    ASSERT_TRUE(eventually([&] { return appeared.size() == times; }));
+    EXPECT_TRUE(bus->connection().isConnected());
+    EXPECT_TRUE(bus->connection().interface()->isServiceRegistered(bus->connection().baseService()).value());
+  }
+}
+
+TEST_F(SessionBusThatDies, AppearsWhereItWasNotThereAtTheStart) {
+  daemon_.kill();
+  const auto bus = follow();
+  const QSignalSpy appeared(bus.get(), &SessionBus::appeared);
+  daemon_.start();
+  EXPECT_TRUE(eventually([&] { return appeared.size() == 1; }));
+}
+
+TEST_F(SessionBusThatDies, IsOneConnectionForAllThatFollowIt) {
+  const auto one = follow();
+  const auto other = follow();
+  kill(*one);
+  kill(*other);
+  daemon_.start();
+  ASSERT_TRUE(
+      eventually([&] { return one->connection().isConnected() && other->connection().isConnected(); }));
+  EXPECT_EQ(one->connection().baseService(), other->connection().baseService());
+}
+
+TEST_F(SessionBusThatDies, IsNotLookedForWhileItIsThere) {
+  const auto bus = follow();
+  const QSignalSpy appeared(bus.get(), &SessionBus::appeared);
+  EXPECT_FALSE(eventually([&] { return !appeared.isEmpty(); }, often * 5));
+}
+
+TEST_F(SessionBusThatDies, ShowsTheItemAgain) {
+  const auto bus = follow();
+  PanelItem item({bus->connection(), [](unsigned) { return QString(); }, {}});
+  QObject::connect(bus.get(), &SessionBus::appeared, &item, [&] { item.moveTo(bus->connection()); });
+  item.show(test::labelWithText(QStringLiteral("1 GB")));
+  const QSignalSpy activated(&item, &MenuBarItem::activated);
+  for (int times = 1; times <= 3; ++times) {
+    kill(*bus);
+    daemon_.start();
+    const test::FakeWatcher watcher(daemon_.connection());
+    ASSERT_TRUE(eventually([&] { return watcher.items() == QStringList{bus->connection().baseService()}; }));
+    test::BusClient panel(daemon_.connection(), bus->connection().baseService());
+    const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
+    const QString path = QStringLiteral("/StatusNotifierItem");
+    EXPECT_EQ(panel.property(path, interface, QStringLiteral("Title")).toString(),
+              QStringLiteral("Tarn — 1 GB"));
+    panel.call(path, interface, QStringLiteral("Activate"), {1, 2});
+    EXPECT_TRUE(eventually([&] { return activated.size() == times; }));
+  }
+}
+
+TEST_F(SessionBusThatDies, HasOneTarnAgain) {
+  const auto bus = follow();
+  int launches = 0;
+  int superseded = 0;
+  BusSingleInstance first(bus->connection());
+  ASSERT_TRUE(first.claim([&] { ++launches; }));
+  kill(*bus);
+  // It started while there was no bus to tell it of the other.
+  BusSingleInstance second(bus->connection());
+  ASSERT_TRUE(second.claim([] {}));
+  daemon_.start();
+  ASSERT_TRUE(eventually([&] { return bus->connection().isConnected(); }));
+  first.claimAgain(bus->connection(), [&] { superseded += 100; });
+  const auto named = [&] {
+    return bus->connection().interface()->serviceOwner(singleInstanceName()).value();
+  };
+  ASSERT_TRUE(eventually([&] { return named() == bus->connection().baseService(); }));
+  second.claimAgain(daemon_.connection(), [&] { ++superseded; });
+  EXPECT_TRUE(eventually([&] { return superseded == 1; }));
+  test::BusClient launcher(daemon_.connection(), singleInstanceName());
+  const QString path = QLatin1Char('/') + singleInstanceName().replace(QLatin1Char('.'), QLatin1Char('/'));
+  launcher.call(path, QStringLiteral("org.freedesktop.Application"), QStringLiteral("Activate"),
+                {QVariantMap()});
+  EXPECT_EQ(launches, 1);
+}
+
+TEST(SessionBusAddress, IsThatOfTheEnvironmentOrTheUsersOwn) {
+  const QByteArray before = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+  const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/run/some/bus");
+  EXPECT_EQ(sessionBusAddress(), QStringLiteral("unix:path=/run/some/bus"));
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "autolaunch:");
+  EXPECT_EQ(sessionBusAddress(), QString());
+  qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+  qputenv("XDG_RUNTIME_DIR", "/run/user/1");
+  EXPECT_EQ(sessionBusAddress(), QStringLiteral("unix:path=/run/user/1/bus"));
+  qunsetenv("XDG_RUNTIME_DIR");
+  EXPECT_EQ(sessionBusAddress(), QString());
+  qputenv("DBUS_SESSION_BUS_ADDRESS", before);
+  if (!folder.isNull()) qputenv("XDG_RUNTIME_DIR", folder);
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "ui/menu_bar/menu_bar_label.hpp"
+
+namespace tarn::test {
+
+/// A label as an ordinary afternoon gives it.
+inline MenuBarLabel ordinaryLabel() {
+  return {QStringLiteral("circle.fill"),
+          Tint::green,
+          QStringLiteral("Memory normal"),
+          std::nullopt,
+          {QStringLiteral("There is memory to spare."), QStringLiteral("6 GB of 16 GB used"), std::nullopt}};
+}
+
+/// The same with a figure beside the circle.
+inline MenuBarLabel labelWithText(const QString& text) {
+  MenuBarLabel label = ordinaryLabel();
+  label.text = text;
+  label.hover.text = text;
+  return label;
+}
+
+}  // namespace tarn::test

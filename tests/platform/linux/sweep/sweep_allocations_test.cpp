@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// How often a sweep over this machine's processes asks for memory.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+#include "platform/linux/procfs/process_files.hpp"
+#include "sampling/memory_sampler.hpp"
+#include "support/allocation_count.hpp"
+#include "support/idle_processes.hpp"
+
+namespace tarn {
+namespace {
+
+/// What a sweep allocates whether there are few processes or many.
+constexpr std::size_t whole = 30;
+
+TEST(ASteadySweep, AllocatesAtMostOnceForEachProcess) {
+  const IdleProcesses idle(200);
+  MemorySampler sampler(platformSamplerPort());
+  for (int warmUp = 0; warmUp < 3; ++warmUp) sampler.sample();
+  // Other processes come and go: the sweep that met none of them counts.
+  double least = 10;
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (least > 1 && std::chrono::steady_clock::now() < deadline) {
+    MemorySnapshot snapshot;
+    const std::size_t count = allocationsOf([&] { snapshot = sampler.sample(); });
+    std::size_t processes = 0;
+    for (const AppGroup& group : snapshot.groups) processes += group.processCount();
+    least = std::min(least, static_cast<double>(count - whole) / static_cast<double>(processes));
+  }
+  std::printf("%.3f allocations for each process\n", least);
+  EXPECT_LE(least, 1);
+}
+
+TEST(Parsing, AllocatesNothing) {
+  constexpr std::string_view stat =
+      "40 (a process with a name) S 1 1 1 0 -1 4194304 138 0 1 0 100 50 7 8 20 0 1 0 5000 2990080 421 1\n";
+  constexpr std::string_view status =
+      "Name:\ta\nUid:\t1000\t1001\t1002\t1003\nNSpid:\t40\nVmSwap:\t  12 kB\n";
+  const std::size_t count = allocationsOf([&] {
+    EXPECT_EQ(parseProcessStat(stat)->startTicks, 5000U);
+    EXPECT_EQ(parseProcessPages("5000 300 100 5 0 123 0\n")->resident, 300U);
+    EXPECT_EQ(parseRealOwner(status), 1000U);
+    EXPECT_EQ(parseSwappedBytes(status), 12288U);
+    EXPECT_EQ(parseInnermostPid(status), 40);
+    EXPECT_EQ(completedName("gnome-terminal-", std::string_view("/usr/libexec/gnome-terminal-server\0", 35)),
+              "gnome-terminal-server");
+  });
+  EXPECT_EQ(count, 0U);
+}
+
+}  // namespace
+}  // namespace tarn

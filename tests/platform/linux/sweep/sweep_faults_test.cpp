@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// Sweeps over this machine's processes in which the kernel refuses, breaks off or invents what it is asked
+// for, as strace has it do.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "support/temporary_tree.hpp"
+#include "support/idle_processes.hpp"
+
+namespace tarn {
+namespace {
+
+struct Fault {
+  const char* call;
+  const char* outcome;
+  bool canBeLasting = true;  ///< happens to every call
+};
+
+std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
+  return stream << fault.call << ':' << fault.outcome;
+}
+
+/// Runs four sweeps under strace and gives their exit status; 99 where a sanitizer found something.
+int sweepUnder(const std::string& straceOptions) {
+  const std::string command =
+      "ASAN_OPTIONS=detect_leaks=0:exitcode=99 UBSAN_OPTIONS=exitcode=99 strace -f --seccomp-bpf -qq " +
+      straceOptions + " '" TARN_SWEEP_PROCESSES "' 4";
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
+  const int status = std::system(command.c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// A log of strace's, of which lines are counted.
+class Log {
+ public:
+  std::string option() const { return "-o '" + path_ + "' "; }
+
+  /// Lines that hold a text, up to the first that holds the other one.
+  int count(const std::string& text, const std::string& end) const {
+    int found = 0;
+    std::ifstream lines(path_);
+    for (std::string line; std::getline(lines, line) && line.find(end) == std::string::npos;) {
+      found += line.find(text) != std::string::npos ? 1 : 0;
+    }
+    return found;
+  }
+
+ private:
+  TemporaryTree tree_;
+  std::string path_ = tree_.at("calls").string();
+};
+
+/// How often a call is made before the first sweep begins, which is not to be disturbed.
+int callsBeforeTheSweeps(const std::string& call) {
+  const Log log;
+  EXPECT_EQ(sweepUnder(log.option() + "-e trace=access," + call), 0) << "is strace installed?";
+  return log.count(call + "(", "/begin-sweep");
+}
+
+class SweepWithFaults : public testing::TestWithParam<Fault> {};
+
+TEST_P(SweepWithFaults, EndsAsAnyOther) {
+  const IdleProcesses idle(20);
+  const Fault fault = GetParam();
+  const int first = callsBeforeTheSweeps(fault.call) + 1;
+  for (const int step : {1, 3}) {
+    if (step == 1 && !fault.canBeLasting) continue;
+    const std::string injection = std::string("inject=") + fault.call + ":" + fault.outcome +
+                                  ":when=" + std::to_string(first) + "+" + std::to_string(step);
+    const Log log;
+    const int status = sweepUnder(log.option() + "-e trace=" + fault.call + " -e " + injection);
+    EXPECT_GT(log.count("(INJECTED)", "never"), 3) << injection;
+    // 1 says that the last sweep found no process.
+    EXPECT_TRUE(status == 0 || (status == 1 && step == 1)) << injection << " ended with " << status;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, SweepWithFaults,
+                         testing::Values(Fault{"openat", "error=EACCES"}, Fault{"openat", "error=ENOENT"},
+                                         Fault{"openat", "error=EMFILE"}, Fault{"read", "error=EIO"},
+                                         Fault{"read", "error=ESRCH"}, Fault{"read", "error=EINTR", false},
+                                         Fault{"read", "retval=0"}, Fault{"read", "retval=1", false},
+                                         Fault{"readlinkat", "error=EACCES"}, Fault{"readlinkat", "retval=3"},
+                                         Fault{"getdents64", "error=EIO"}, Fault{"newfstatat", "error=EIO"},
+                                         Fault{"clock_gettime", "error=EINVAL"}));
+
+}  // namespace
+}  // namespace tarn

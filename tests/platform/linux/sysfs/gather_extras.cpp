@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+// gather_extras MACHINE COUNT: gathers the extras of a described machine so many times, for whoever counts
+// what that costs.
+
+#include <cstdlib>
+
+#include "extras/extras_reader.hpp"
+#include "platform/linux/sysfs/linux_extras_port.hpp"
+#include "platform/linux/sysfs/machine_tree.hpp"
+
+int main(int argumentCount, char** arguments) {
+  if (argumentCount != 3) return 2;
+  const tarn::TemporaryTree tree;
+  tarn::writeMachine(tree, arguments[1]);
+  tarn::writeVolumeRecord(tree, "E:ID_FS_LABEL_ENC=Data\n");
+  const tarn::ExtrasReader reader(tarn::linuxExtrasPort(tree.roots()));
+  double celsius = 0;
+  for (int left = std::atoi(arguments[2]); left > 0; --left) {
+    celsius = reader.read().temperatureCelsius.value_or(0);
+    static_cast<void>(reader.thermalState());
+  }
+  return celsius > 0 ? 0 : 1;
+}

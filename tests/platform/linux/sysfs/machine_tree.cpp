@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/sysfs/machine_tree.hpp"
+
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+#include <fstream>
+#include <stdexcept>
+
+namespace tarn {
+
+void writeMachine(const TemporaryTree& tree, const std::string& name) {
+  std::ifstream file(std::string(TARN_FIXTURES "/linux/machines/") + name + ".machine");
+  if (!file) throw std::runtime_error("no machine is called " + name);
+  std::string directory;
+  for (std::string line; std::getline(file, line);) {
+    if (line.empty() || line.front() == '#') continue;
+    if (line.front() == '[') {
+      directory = line.substr(1, line.size() - 2);
+      std::filesystem::create_directories(tree.at(directory));
+      continue;
+    }
+    const std::size_t equals = line.find(" =");
+    if (equals == std::string::npos) throw std::runtime_error("not a file: " + line);
+    std::string path = directory;
+    path.append("/").append(line, 0, equals);
+    const std::string text = line.size() > equals + 3 ? line.substr(equals + 3) + '\n' : "";
+    tree.write(path, text);
+  }
+}
+
+void writeVolumeRecord(const TemporaryTree& tree, const std::string& text) {
+  struct stat status {};
+  if (::stat(tree.at("").c_str(), &status) != 0) throw std::runtime_error("the tree is gone");
+  std::string number = std::to_string(major(status.st_dev)) + ':' + std::to_string(minor(status.st_dev));
+  if (major(status.st_dev) == 0) {
+    // A file system without a device: let it be mounted from one.
+    number = "8:2";
+    tree.write("proc/self/mountinfo", "28 1 0:25 / / rw - btrfs /dev/sda2 rw\n");
+    tree.write("dev/sda2", "");
+    tree.write("sys/class/block/sda2/dev", number + '\n');
+  }
+  tree.write("run/udev/data/b" + number, text);
+}
+
+}  // namespace tarn

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/termination_signals.hpp"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <csignal>
+#include <thread>
+
+namespace tarn {
+namespace {
+
+class EndingSignal : public ::testing::TestWithParam<int> {};
+
+TEST_P(EndingSignal, IsACallOnTheMainThread) {
+  int calls = 0;
+  const std::thread::id main = std::this_thread::get_id();
+  const TerminationSignals signals([&] {
+    ++calls;
+    EXPECT_EQ(std::this_thread::get_id(), main);
+  });
+  std::raise(GetParam());
+  EXPECT_EQ(calls, 0) << "not from within the handler";
+  QCoreApplication::processEvents();
+  EXPECT_EQ(calls, 1);
+  std::raise(GetParam());
+  std::raise(GetParam());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(calls, 2) << "as often as somebody looks";
+}
+
+TEST_P(EndingSignal, EndsTheProgramAsEverOnceNobodyWatches) {
+  {
+    const TerminationSignals signals([] {});
+  }
+  EXPECT_EXIT(std::raise(GetParam()), testing::KilledBySignal(GetParam()), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, EndingSignal, testing::Values(SIGTERM, SIGINT, SIGHUP));
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,129 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/wayland/compositor_frontmost.hpp"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <string>
+
+#include "platform/linux/wayland/bounded_socket.hpp"
+#include "platform/linux/wayland/fake_compositor.hpp"
+
+namespace tarn {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr auto tree = R"({"type":"root","focused":false,"nodes":[{"type":"output","nodes":[
+  {"type":"workspace","focused":false,"nodes":[{"type":"con","focused":false,"pid":11},
+   {"type":"con","focused":false,"nodes":[{"type":"con","focused":true,"pid":4711,"app_id":"foot"}]}],
+   "floating_nodes":[{"type":"floating_con","focused":false,"pid":12}]}]}]})";
+
+TEST(FocusedProcess, IsThatOfTheFocusedWindow) {
+  EXPECT_EQ(focusedProcessInTree(tree), 4711);
+  EXPECT_EQ(focusedProcessInTree(R"({"nodes":[],"floating_nodes":[{"focused":true,"pid":12}]})"), 12);
+}
+
+TEST(FocusedProcess, IsAbsentWhereNoWindowIsFocused) {
+  for (const auto* json : {"", "{}", "[]", "garbage", R"({"focused":true})", R"({"focused":true,"pid":0})",
+                           R"({"focused":true,"pid":-4})", R"({"focused":true,"pid":1e30})",
+                           R"({"focused":true,"pid":"12"})", R"({"nodes":[{"pid":12}]})", R"({"nodes":5})"}) {
+    EXPECT_EQ(focusedProcessInTree(json), std::nullopt) << json;
+  }
+  std::string deep;
+  for (int i = 0; i < 500; ++i) deep += R"({"nodes":[)";
+  EXPECT_EQ(focusedProcessInTree(deep), std::nullopt);
+}
+
+TEST(ActiveWindow, TellsItsProcess) {
+  EXPECT_EQ(processOfWindow(R"({"address":"0x1","pid":4711,"class":"foot"})"), 4711);
+  EXPECT_EQ(processOfWindow("{}"), std::nullopt);
+  EXPECT_EQ(processOfWindow("Invalid"), std::nullopt);
+}
+
+TEST(Sway, IsAskedForItsTree) {
+  const FakeCompositor sway([](int connection) {
+    EXPECT_EQ(readQuestion(connection, 14), "i3-ipc\0\0\0\0\4\0\0\0"s);
+    const std::string answer = swayAnswer(tree);
+    write(connection, answer.substr(0, 9));
+    write(connection, answer.substr(9));
+  });
+  const auto application = swayFrontmostApplication(sway.path())();
+  ASSERT_TRUE(application);
+  EXPECT_EQ(application->processIdentifier, 4711);
+  EXPECT_EQ(application->bundlePath, std::nullopt);
+}
+
+TEST(Sway, IsNotAskedToTellOurOwnPopoverFromTheApplicationBeforeIt) {
+  const auto answering = [](const std::string& json) {
+    return [json](int connection) {
+      readQuestion(connection, 14);
+      write(connection, swayAnswer(json));
+    };
+  };
+  const auto focusedOn = [](std::int32_t pid) {
+    return R"({"nodes":[],"floating_nodes":[{"focused":true,"pid":)" + std::to_string(pid) + "}]}";
+  };
+  const FakeCompositor sway({answering(focusedOn(::getpid())), answering(focusedOn(12)),
+                             answering(focusedOn(::getpid())), answering("{}"),
+                             answering(focusedOn(::getpid()))});
+  const auto frontmost = swayFrontmostApplication(sway.path());
+  EXPECT_EQ(frontmost(), std::nullopt) << "nothing is known of what was before";
+  for (int i = 0; i < 2; ++i) {
+    const auto application = frontmost();
+    ASSERT_TRUE(application);
+    EXPECT_EQ(application->processIdentifier, 12);
+  }
+  EXPECT_EQ(frontmost(), std::nullopt);
+  EXPECT_EQ(frontmost(), std::nullopt) << "an empty workspace was before";
+}
+
+TEST(Sway, IsNotWaitedForLongerThanFiftyMilliseconds) {
+  std::atomic<bool> done = false;
+  const FakeCompositor sway([&done](int connection) {
+    readQuestion(connection, 14);
+    done.wait(false);
+  });
+  const auto start = BoundedSocket::Clock::now();
+  EXPECT_EQ(swayFrontmostApplication(sway.path())(), std::nullopt);
+  const auto waited = BoundedSocket::Clock::now() - start;
+  EXPECT_GE(waited, std::chrono::milliseconds(49));
+  EXPECT_LT(waited, std::chrono::milliseconds(500));
+  done = true;
+  done.notify_one();
+}
+
+TEST(Sway, IsNotBelievedWhenItTalksNonsense) {
+  for (const std::string& answer :
+       {"HTTP/1.1 400 Bad"s, ""s, "i3-ipc"s, "i3-ipc\xff\xff\xff\xff\4\0\0\0"s, swayAnswer("garbage")}) {
+    const FakeCompositor sway([&answer](int connection) {
+      readQuestion(connection, 14);
+      write(connection, answer);
+    });
+    EXPECT_EQ(swayFrontmostApplication(sway.path())(), std::nullopt) << answer;
+  }
+}
+
+TEST(Hyprland, IsAskedForTheActiveWindow) {
+  const FakeCompositor hyprland([](int connection) {
+    EXPECT_EQ(readQuestion(connection, 14), "j/activewindow");
+    write(connection, R"({"pid": 4711})");
+  });
+  const auto application = hyprlandFrontmostApplication(hyprland.path())();
+  ASSERT_TRUE(application);
+  EXPECT_EQ(application->processIdentifier, 4711);
+}
+
+TEST(Compositors, ThatAreNotThereAreAbsent) {
+  for (const std::string& path : {"/nowhere/at/all"s, std::string(5000, 'a'), ""s}) {
+    EXPECT_EQ(swayFrontmostApplication(path)(), std::nullopt);
+    EXPECT_EQ(hyprlandFrontmostApplication(path)(), std::nullopt);
+  }
+}
+
+}  // namespace
+}  // namespace tarn
