@@ -1,38 +1,41 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""A panel that is started again and again."""
+"""A panel that is restarted many times."""
 
-from desktop_test import DesktopTest
-from hosts import XFCE_ALONE
-from menu_bar import MenuBarItem
-from proc_reader import MEGABYTE, takes_no_more, takings
-from processes import wait_until
-from programs import STAGE
-from seen_item import popover_frame
-from virtual_desktop import VirtualDesktop
+import pytest
+
+from harness.hosts import XFCE_ALONE
+from harness.proc_reader import MEGABYTE, resource_usage, uses_no_more
+from harness.processes import wait_until
+from harness.shared_desktop import SharedDesktop
+from harness.status_item import PanelItem, popover_frame
+from harness.virtual_desktop import VirtualDesktop
+
+pytestmark = pytest.mark.slow
 
 RESTARTS = 100
 WARM_UP = 10
 SLACK = MEGABYTE
 
 
-class RestartingPanelTest(DesktopTest):
-    @classmethod
-    def make_desktop(cls):
-        return VirtualDesktop(STAGE, host=XFCE_ALONE, accessible=False)
+class TestPanelRestarts(SharedDesktop):
+    @pytest.fixture(scope="class")
+    def desktop(self):
+        with VirtualDesktop(host=XFCE_ALONE, accessible=False) as desktop:
+            yield desktop
 
     def restart(self, times):
         for _ in range(times):
             self.desktop.stop_panel()
             self.desktop.start_panel()
-            MenuBarItem(self.desktop, self.tarn.pid)
+            PanelItem(self.desktop, self.tarn.pid)
 
-    def test_a_hundred_restarts_leave_nothing_behind(self):
+    def test_a_hundred_restarts_leak_nothing(self):
         self.restart(WARM_UP)
-        before = takings(self.tarn.pid)
+        before = resource_usage(self.tarn.pid)
         self.restart(RESTARTS)
         self.assert_alive()
-        wait_until(lambda: takes_no_more(self.tarn.pid, before, SLACK), "it takes no more than before", timeout=40)
-        self.assertEqual(len(self.desktop.registered_items()), 1)
-        self.desktop.click(MenuBarItem(self.desktop, self.tarn.pid).position())
+        wait_until(lambda: uses_no_more(self.tarn.pid, before, SLACK), "it uses no more than before", timeout=40)
+        assert len(self.desktop.registered_items()) == 1
+        self.desktop.click(PanelItem(self.desktop, self.tarn.pid).position())
         wait_until(lambda: popover_frame(self.desktop, self.tarn.pid), "the popover opens")

@@ -1,16 +1,17 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""What assistive technology sees of a program, read afresh at every call: nothing is cached."""
+"""The accessible objects of a program (AT-SPI), read at every call without a cache."""
 
 from dataclasses import dataclass, field
 
 from gi.repository import GLib
 
-from message_bus import BusError, MessageBus
+from harness.message_bus import BusError, MessageBus, property_call
 
 ROOT = "/org/a11y/atspi/accessible/root"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 SCREEN_COORDINATES = 0
+MAX_DEPTH = 40
 
 STATES = {1: "active", 4: "checked", 5: "collapsed", 9: "expandable", 10: "expanded", 11: "focusable", 12: "focused",
           20: "pressed", 23: "selected", 24: "sensitive", 25: "showing", 30: "visible"}
@@ -18,7 +19,7 @@ STATES = {1: "active", 4: "checked", 5: "collapsed", 9: "expandable", 10: "expan
 
 @dataclass
 class Node:
-    """One accessible object and what is below it."""
+    """An accessible object and its descendants."""
 
     bus: MessageBus
     owner: str
@@ -29,7 +30,7 @@ class Node:
     children: list = field(default_factory=list)
 
     def walk(self):
-        """This object and everything below it, in reading order."""
+        """This object and its descendants, in reading order."""
         yield self
         for child in self.children:
             yield from child.walk()
@@ -45,7 +46,7 @@ class Node:
 
 
 class AccessibilityBus:
-    """The bus on which programs describe themselves to assistive technology."""
+    """The accessibility bus (AT-SPI) of a desktop."""
 
     def __init__(self, session):
         name, path = "org.a11y.Bus", "/org/a11y/bus"
@@ -53,7 +54,7 @@ class AccessibilityBus:
         self._bus = MessageBus(session.call(name, path, "org.a11y.Bus", "GetAddress")[0])
 
     def tree_of(self, pid):
-        """The objects of the program whose process is `pid`; None while it has none."""
+        """The accessible objects of the process `pid`; None while it has none."""
         for attempt in range(4):
             try:
                 for owner, path in self._children("org.a11y.atspi.Registry", ROOT):
@@ -61,23 +62,37 @@ class AccessibilityBus:
                         return self._read(owner, path)
                 return None
             except BusError:
-                # The program redrew itself, or another one ended, in the middle of the reading.
+                # Objects disappeared while they were read: the program updated itself, or another program ended.
                 if attempt == 3:
                     raise
 
     def _children(self, owner, path):
         return self._bus.call(owner, path, ACCESSIBLE, "GetChildren")[0]
 
-    def _read(self, owner, path, depth=0):
-        low, high = self._bus.call(owner, path, ACCESSIBLE, "GetState")[0]
-        bits = low | high << 32
-        node = Node(self._bus, owner, path, self._bus.property(owner, path, ACCESSIBLE, "Name"),
-                    self._bus.call(owner, path, ACCESSIBLE, "GetRoleName")[0],
-                    frozenset(name for bit, name in STATES.items() if bits >> bit & 1))
-        if depth < 40:
-            node.children = [self._read(*child, depth + 1) for child in self._children(owner, path)
-                             if child[1] != "/org/a11y/atspi/null"]
-        return node
+    def _read(self, owner, path):
+        """Reads an object and its descendants, one level of the tree after the other."""
+        root = None
+        level = [(None, owner, path)]  # parent, bus name and path of each object
+        for _ in range(MAX_DEPTH):
+            calls = [call for _, owner, path in level for call in (
+                (owner, path, ACCESSIBLE, "GetState", None), (owner, path, ACCESSIBLE, "GetRoleName", None),
+                (owner, path, ACCESSIBLE, "GetChildren", None), property_call(owner, path, ACCESSIBLE, "Name"))]
+            values = [reply[0] for reply in self._bus.call_all(calls)]
+            children = []
+            for (parent, owner, path), (low, high), role, child_objects, name in zip(
+                    level, values[::4], values[1::4], values[2::4], values[3::4]):
+                bits = low | high << 32
+                states = frozenset(state for bit, state in STATES.items() if bits >> bit & 1)
+                node = Node(self._bus, owner, path, name, role, states)
+                if parent:
+                    parent.children.append(node)
+                else:
+                    root = node
+                children += [(node, *child) for child in child_objects if child[1] != "/org/a11y/atspi/null"]
+            if not children:
+                break
+            level = children
+        return root
 
     def close(self):
         self._bus.close()

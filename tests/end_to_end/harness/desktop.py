@@ -1,26 +1,65 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""What every desktop of the tests has, whatever shows its windows: folders, session bus, settings portal, programs."""
+"""The common part of the X11 and Wayland desktops: folders, settings, session bus, settings portal, programs."""
 
 import subprocess
 import tempfile
 from pathlib import Path
 
-from accessibility import AccessibilityBus
-from message_bus import MessageBus
-from processes import start, wait_until
+from harness.accessibility import AccessibilityBus
+from harness.message_bus import MessageBus
+from harness.processes import start, wait_until
+from harness.stage import PROGRAMS, WORK
 
 WATCHER = "org.kde.StatusNotifierWatcher"
 PORTAL = "org.freedesktop.portal.Desktop"
-HUMAN_PRESS = 0.12  # seconds between press and release of a person's click
+PRESS_SECONDS = 0.12  # between press and release of a click, as with a hand
+WINDOW_MANAGER = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfwm4" version="1.0">
+  <property name="general" type="empty">
+    <property name="title_font" type="string" value="Inter Semi-Bold 9"/>
+    <property name="theme" type="string" value="Default"/>
+    <property name="workspace_count" type="int" value="1"/>
+    <property name="placement_mode" type="string" value="center"/>
+  </property>
+</channel>
+"""
+
+GTK = """[Settings]
+gtk-theme-name=Adwaita
+gtk-icon-theme-name=Adwaita
+gtk-font-name=Inter 10
+"""
+
+FONTS = """<?xml version="1.0"?>
+<!DOCTYPE fontconfig SYSTEM "fonts.dtd">
+<fontconfig>
+  <include ignore_missing="yes">/etc/fonts/fonts.conf</include>
+  <alias binding="same">
+    <family>sans-serif</family>
+    <prefer><family>Inter</family><family>Noto Color Emoji</family></prefer>
+  </alias>
+</fontconfig>
+"""
+
+WALLPAPER = {"light": "gradient:#d6e0ec-#b9c8d9", "dark": "gradient:#26313f-#151c26"}
+
+
+def desktop_settings(host, scheme):
+    """The contents of the settings files, by path below ~/.config."""
+    panel = {name: text.replace("@DARK@", "true" if scheme == "dark" else "false")
+             for name, text in host.settings.items()}
+    return panel | {"xfce4/xfconf/xfce-perchannel-xml/xfwm4.xml": WINDOW_MANAGER,
+                    "gtk-3.0/settings.ini": GTK,
+                    "fontconfig/fonts.conf": FONTS}
 
 
 class Desktop:
-    """`folder` takes the desktop's home, runtime files and logs; `host` is its panel. With `panel` false nothing shows
-    status items; with `accessible` false no program describes itself to assistive technology, which costs it memory."""
+    """A desktop with the panel `host`. Without `panel` nothing shows status items. Without `accessible` there is no
+    accessibility bus, because accessible objects take memory in every program."""
 
-    def __init__(self, folder, host, scheme="light", panel=True, accessible=True):
-        self._folder = Path(tempfile.mkdtemp(prefix="desktop.", dir=folder))
+    def __init__(self, host, scheme="light", panel=True, accessible=True):
+        self._folder = Path(tempfile.mkdtemp(prefix="desktop.", dir=WORK))
         self._host = host
         self._scheme = scheme
         self._panel = panel
@@ -47,7 +86,7 @@ class Desktop:
         self.stop()
 
     def _start(self):
-        """Starts all but the panel."""
+        """Starts everything but the panel."""
         raise NotImplementedError
 
     def _make_environment(self, kind):
@@ -58,7 +97,7 @@ class Desktop:
             "PATH": "/usr/local/bin:/usr/bin:/bin", "HOME": str(home), "XDG_RUNTIME_DIR": str(runtime),
             "XDG_CONFIG_HOME": str(home / ".config"), "XDG_CACHE_HOME": str(home / ".cache"),
             "XDG_DATA_HOME": str(home / ".local/share"), "XDG_CURRENT_DESKTOP": "XFCE", "XDG_SESSION_TYPE": kind,
-            # The locale need not be installed: texts and figures must be right all the same.
+            # The locale need not be installed: Tarn formats figures with ICU.
             "LANG": "en_US.UTF-8", "LC_CTYPE": "C.UTF-8",
             "GSETTINGS_BACKEND": "memory",
         }
@@ -67,23 +106,23 @@ class Desktop:
             self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
 
     def _write_settings(self, settings):
-        """Writes `settings`, texts by the names of their files below ~/.config."""
+        """Writes `settings`: file contents by path below ~/.config."""
         for name, text in settings.items():
             path = Path(self.environment["XDG_CONFIG_HOME"], name)
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_text(text, encoding="utf-8")
 
     def _start_session(self):
-        """Starts the session bus, and what programs ask over it."""
+        """Starts the session bus, the accessibility bus and the settings portal."""
         self._start_session_bus()
         if self._accessible:
             self.accessibility = AccessibilityBus(self.session)
         self._start_portal()
 
     def _start_portal(self):
-        self._portal = self.start("portal", ["python3", Path(__file__).with_name("settings_portal.py"), self._scheme],
+        self._portal = self.start("portal", ["python3", PROGRAMS / "settings_portal.py", self._scheme],
                                   stdin=subprocess.PIPE)
-        wait_until(lambda: self.session.has_owner(PORTAL), "the settings portal answers")
+        wait_until(lambda: self.session.has_owner(PORTAL), "the settings portal is on the bus")
 
     def _start_session_bus(self):
         address = f"unix:path={self.environment['XDG_RUNTIME_DIR']}/bus"
@@ -95,7 +134,7 @@ class Desktop:
         self.session = MessageBus(address)
 
     def kill_session_bus(self):
-        """Ends the session bus as a crash would, and the panel and the portal with it."""
+        """Kills the session bus, the panel and the portal."""
         self.session = None
         for child in (self._bus, self._panel_process, self._portal):
             if child:
@@ -103,13 +142,13 @@ class Desktop:
         self._panel_process = None
 
     def restart_session_bus(self, scheme="light"):
-        """Starts a session bus where the killed one was, and the settings portal; not the panel."""
+        """Starts a session bus at the address of the killed one, and the settings portal, but no panel."""
         self._scheme = scheme
         self._start_session_bus()
         self._start_portal()
 
     def stop_portal(self):
-        """Ends the settings portal: another program can have its name."""
+        """Stops the settings portal, so that another program can own its name."""
         self._end(self._portal)
 
     def _end(self, child, kill=False):
@@ -124,46 +163,46 @@ class Desktop:
         self._children.remove(child)
 
     def change_scheme(self, scheme):
-        """Makes the whole desktop "light" or "dark", as its settings would."""
+        """Switches the color scheme of the desktop to "light" or "dark"."""
         self._scheme = scheme
         self._portal.stdin.write(f"{scheme}\n".encode())
         self._portal.stdin.flush()
 
     def start_panel(self):
-        """Starts the panel and waits until it takes status items, if it is of the kind that says so."""
+        """Starts the panel. Waits until it accepts status items, if they are registered over D-Bus."""
         self._panel = True
         self._panel_process = self.start("panel", self._host.command)
         if self._host.has_watcher:
-            wait_until(lambda: self.session.has_owner(WATCHER), "the panel takes status items")
+            wait_until(lambda: self.session.has_owner(WATCHER), "the panel accepts status items")
 
     def stop_panel(self):
-        """Ends the panel and waits until nothing of it takes status items."""
+        """Stops the panel and waits until its watcher has left the bus."""
         self._panel = False
         self._end(self._panel_process)
-        wait_until(lambda: not self.session.has_owner(WATCHER), "the panel takes status items no more")
+        wait_until(lambda: not self.session.has_owner(WATCHER), "the watcher has left the bus")
 
     def registered_items(self):
-        """The status items that the panel knows, as the names that it gives them."""
+        """The names of the status items that are registered with the panel."""
         return self.session.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")
 
     def start(self, name, command, environment=None, **options):
-        """Starts a program on this desktop; what it says goes to the log `name`."""
+        """Starts a program on this desktop. Its output goes to the log `name`."""
         child = start(command, self.environment | (environment or {}), self._folder / f"{name}.log", **options)
         self._children.append(child)
         return child
 
     def run(self, *command, **options):
-        """Runs a program on this desktop to its end and gives what it says. Raises if it fails."""
+        """Runs a program on this desktop and returns its output as text. Raises CalledProcessError if it fails."""
         return self.run_for_bytes(*command, text=True, errors="replace", **options)
 
     def run_for_bytes(self, *command, **options):
-        """As `run`, for programs that do not say it in words."""
+        """As `run`, but returns bytes."""
         return subprocess.run([str(word) for word in command], env=self.environment | {"LC_ALL": "C.UTF-8"},
                               check=True, timeout=60, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               **options).stdout
 
     def log(self, name):
-        """What the program that was started under `name` said."""
+        """The output of the program that was started as `name`."""
         path = self._folder / f"{name}.log"
         return path.read_text(encoding="utf-8", errors="replace") if path.exists() else ""
 
@@ -172,7 +211,7 @@ class Desktop:
             if connection:
                 try:
                     connection.close()
-                except Exception:  # The bus may be gone already, which is what we are after.
+                except Exception:  # The bus may have ended already.
                     pass
         for child in reversed(self._children):
             child.terminate()

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Desktop files that want to block, crash or mislead whoever reads them."""
+"""Desktop files that try to block, crash or mislead their readers."""
 
 import os
 
@@ -10,7 +10,7 @@ NAME = "<b>Bold</b> &amp; <a href='x'>link</a>\u202egnol\u0007"
 
 
 def write(folder, claimed):
-    """Fills the folder of a user's desktop files. All of them claim the program `claimed`, in ways that do not count."""
+    """Fills a folder of desktop files. All name the program `claimed`, but none is valid."""
     folder.mkdir(parents=True, exist_ok=True)
     claim = f"{HEAD}Exec={claimed}\nName=Stolen\n"
     os.mkfifo(folder / "a-pipe.desktop")
@@ -28,7 +28,7 @@ def write(folder, claimed):
 
 
 def named_application(folder, program, icon):
-    """Writes a desktop file for `program` whose name and icon are hostile; gives its path."""
+    """Writes a valid desktop file for `program` with a misleading name and a hostile icon. Returns its path."""
     folder.mkdir(parents=True, exist_ok=True)
     file = folder / f"hostile-{program.name}.desktop"
     file.write_text(f"{HEAD}Exec={program}\nName={NAME}\nIcon={icon}\n", encoding="utf-8")

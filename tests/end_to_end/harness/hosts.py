@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Programs that show status items: how each is started, and the settings under which it shows nothing else."""
+"""Panels that show status items: the command of each, and settings with which it shows nothing else."""
 
 from dataclasses import dataclass, field
 
@@ -115,9 +115,9 @@ window#waybar { background: #f3f3f4; }
 
 @dataclass(frozen=True)
 class Host:
-    """A panel that shows status items. `settings` are texts by the names of their files below ~/.config, where "@DARK@"
-    stands for "true" on a dark desktop. With `has_watcher` items come over the bus, else they are embedded. With
-    `keeps_proportions` the item's text shows beside the circle."""
+    """A panel that shows status items. `settings` are file contents by path below ~/.config, where "@DARK@" becomes
+    "true" on a dark desktop. With `has_watcher` items are registered over D-Bus, otherwise they are embedded windows.
+    With `keeps_proportions` the panel shows wide icons, and so the figure beside the circle."""
 
     name: str
     command: tuple
@@ -129,7 +129,7 @@ class Host:
 
 
 def xfce(*plugins, edge="top", output="Automatic", environment=None):
-    """xfce4-panel along an edge of a monitor with these plugins, from the left or from the top."""
+    """xfce4-panel at an edge of a monitor with these plugins, from left to right or from top to bottom."""
     vertical = edge in ("left", "right")
     values = {"@MODE@": str(int(vertical)), "@POSITION@": XFCE_POSITIONS[edge], "@OUTPUT@": output,
               "@PLUGINS@": "".join(f'<value type="int" value="{plugin}"/>' for plugin in plugins)}

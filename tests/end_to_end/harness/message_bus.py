@@ -1,10 +1,15 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Calls over D-Bus, with plain Python values."""
+"""D-Bus calls with plain Python values."""
 
 from gi.repository import Gio, GLib
 
 BusError = GLib.Error
+
+
+def property_call(name, path, interface, key):
+    """The call that reads a property."""
+    return name, path, "org.freedesktop.DBus.Properties", "Get", GLib.Variant("(ss)", (interface, key))
 
 
 class MessageBus:
@@ -17,29 +22,54 @@ class MessageBus:
         self._connection.set_exit_on_close(False)
 
     def call(self, name, path, interface, method, arguments=None, timeout=10.0):
-        """The reply's values as a tuple. Raises BusError."""
+        """Calls a method and returns the reply's values as a tuple. Raises BusError."""
         reply = self._connection.call_sync(name, path, interface, method, arguments, None,
                                            Gio.DBusCallFlags.NONE, int(timeout * 1000), None)
         return reply.unpack()
 
+    def call_all(self, calls, timeout=10.0):
+        """Sends calls (name, path, interface, method, arguments) at once, and returns the values of their replies in
+        the same order. That is much faster than one after the other. Raises BusError if one fails."""
+        replies = {}
+
+        def finish(connection, result, index):
+            try:
+                replies[index] = connection.call_finish(result).unpack()
+            except BusError as error:
+                replies[index] = error
+
+        context = GLib.MainContext.new()
+        context.push_thread_default()
+        try:
+            for index, (name, path, interface, method, arguments) in enumerate(calls):
+                self._connection.call(name, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE,
+                                      int(timeout * 1000), None, finish, index)
+            while len(replies) < len(calls):
+                context.iteration(True)
+        finally:
+            context.pop_thread_default()
+        for reply in replies.values():
+            if isinstance(reply, BusError):
+                raise reply
+        return [replies[index] for index in range(len(calls))]
+
     def send(self, name, path, interface, method, arguments=None):
-        """Calls without waiting for a reply, or for the call to have left."""
+        """Queues a call and ignores the reply."""
         self._connection.call(name, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE, 1000, None, None)
 
     def send_for_reply(self, name, path, interface, method, arguments=None):
-        """Calls so that a reply is due, which nobody takes."""
+        """Sends a call that requests a reply, which is discarded."""
         message = Gio.DBusMessage.new_method_call(name, path, interface, method)
         if arguments:
             message.set_body(arguments)
         self._connection.send_message(message, Gio.DBusSendMessageFlags.NONE)
 
     def flush(self):
-        """Waits until all that was sent has left."""
+        """Waits until all queued messages are sent."""
         self._connection.flush_sync(None)
 
     def property(self, name, path, interface, key):
-        arguments = GLib.Variant("(ss)", (interface, key))
-        return self.call(name, path, "org.freedesktop.DBus.Properties", "Get", arguments)[0]
+        return self.call(*property_call(name, path, interface, key))[0]
 
     def set_property(self, name, path, interface, key, variant):
         arguments = GLib.Variant("(ssv)", (interface, key, variant))
@@ -50,7 +80,7 @@ class MessageBus:
                          GLib.Variant("(s)", (name,)))[0]
 
     def process_of(self, name):
-        """The pid of the process behind a bus name. Raises BusError for a name without owner."""
+        """The pid of the owner of a bus name. Raises BusError for a name without owner."""
         return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                          "GetConnectionUnixProcessID", GLib.Variant("(s)", (name,)))[0]
 

@@ -1,13 +1,13 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Tarn's popover as assistive technology sees it, and what a person does with it."""
+"""Reads Tarn's popover through its accessible objects, and operates it with pointer and keys."""
 
 import re
 from dataclasses import dataclass
 
-from accessibility import Node
-from figures import BYTES, PERCENT
-from processes import wait_until
+from harness.accessibility import Node
+from harness.texts import BYTES, PERCENT
+from harness.processes import wait_until
 
 TABS = ("Memory", "CPU", "System")
 TOGGLE = "Show frontmost app in menu bar"
@@ -19,7 +19,7 @@ TEXTS = {"label", "static", "text", "paragraph", "link"}
 
 @dataclass(frozen=True)
 class Row:
-    """One line of the list; `expanded` is None where it can not be opened."""
+    """A row of the list. `expanded` is None if the row cannot be expanded."""
 
     name: str
     value: str
@@ -29,7 +29,7 @@ class Row:
 
 @dataclass(frozen=True)
 class Content:
-    """All that the popover says at one moment."""
+    """The content of the popover at one moment."""
 
     texts: list
     rows: list
@@ -40,18 +40,18 @@ class Content:
 
     @property
     def tab(self):
-        """The chosen tab's name."""
+        """The name of the selected tab."""
         return next((name for name, node in self.tabs.items() if node.states & {"selected", "checked"}), None)
 
     def row(self, name):
         return next((row for row in self.rows if row.name == name), None)
 
     def process_lines(self):
-        """The pids of the opened rows' processes, in the order shown."""
+        """The pids of the processes in expanded rows, from top to bottom."""
         return [int(match["pid"]) for text in self.texts if (match := PROCESS.search(text))]
 
     def text_matching(self, pattern):
-        """The first text that is `pattern` from end to end, as a match; None without one."""
+        """The match of the first text that matches `pattern` completely; None without one."""
         return next((match for text in self.texts if (match := re.fullmatch(pattern, text, re.DOTALL))), None)
 
 
@@ -62,7 +62,7 @@ def _expanded(states):
 
 
 def content_of(tree):
-    """What is on show in a program's tree; None while the popover is closed."""
+    """The content of the popover in a tree of accessible objects; None while it is closed."""
     shown = [node for node in tree.walk() if "showing" in node.states] if tree else []
     quit_button = next((node for node in shown if node.name == "Quit" and node.role in BUTTONS), None)
     toggle = next((node for node in shown if node.name == TOGGLE), None)
@@ -78,7 +78,7 @@ def content_of(tree):
 
 
 class Popover:
-    """The popover of the Tarn process `pid` on `desktop`, opened and closed by clicks on `item`."""
+    """The popover of the Tarn process `pid`, opened and closed by clicks on `item`."""
 
     def __init__(self, desktop, pid, item):
         self._desktop = desktop
@@ -86,16 +86,16 @@ class Popover:
         self._item = item
 
     def read(self):
-        """What it says; None while it is closed."""
+        """Its content; None while it is closed."""
         return content_of(self._desktop.accessibility.tree_of(self._pid))
 
     def shows(self, condition):
-        """Whether it is open and says something for which `condition` holds."""
+        """Whether it is open and `condition` holds for its content."""
         content = self.read()
         return content is not None and condition(content)
 
     def wait_for(self, condition, what, timeout=15.0):
-        """The first content for which `condition` holds; fails with `what` in words."""
+        """Waits for content for which `condition` holds and returns it. `what` is for the error message."""
 
         def matching():
             content = self.read()
@@ -104,7 +104,7 @@ class Popover:
         return wait_until(matching, what, timeout, interval=0.1)
 
     def open(self):
-        """Opens it, if it is closed, and waits for its first figures."""
+        """Opens it if it is closed. Waits for the first figures and returns the content."""
         if not self.read():
             self._desktop.click(self._item.position())
         return self.wait_for(lambda content: content.rows or content.tab == "System", "the popover is filled")
@@ -113,15 +113,15 @@ class Popover:
         wait_until(lambda: self.read() is None, "the popover is closed", timeout=5)
 
     def choose_tab(self, name):
-        """Clicks on a tab and waits until it shows."""
+        """Clicks on a tab, waits until it shows, and returns the content."""
         content = self.open()
         if content.tab != name:
             self._desktop.click(content.tabs[name].centre())
         return self.wait_for(lambda content: content.tab == name, f"the tab {name} shows", timeout=5)
 
     def click_until(self, find, outcome, what):
-        """Clicks on the node that `find` gives of the content until `outcome()` holds: the node may move with the next
-        figures just before a click, as a person would see. Fails with `what` in words."""
+        """Clicks on the node that `find` returns until `outcome()` holds. Repeats the click because the node moves if
+        the list is reordered just before it. `what` is for the error message."""
         for attempt in range(3):
             self._desktop.click(self._desktop.on_screen(self._pid, find(self.open()).centre()))
             try:
@@ -131,20 +131,20 @@ class Popover:
                     raise
 
     def click_row(self, name):
-        """Clicks on the row of the group `name`; gives the content once it has opened or closed."""
+        """Clicks on the row `name`, waits until it is expanded or collapsed, and returns the content."""
         for _ in range(3):
             before = self.wait_for(lambda content: content.row(name), f"a row {name} shows")
             expanded = before.row(name).expanded
             self._desktop.click(before.row(name).node.centre())
             try:
                 return self.wait_for(lambda content: content.row(name) and content.row(name).expanded != expanded,
-                                     f"the row {name} answers a click", timeout=2)
+                                     f"the row {name} reacts to a click", timeout=2)
             except TimeoutError:
-                # Another row may have moved under the pointer, as a person would see. Close it and try again.
-                self._close_rows_opened_since(before)
-        raise TimeoutError(f"the row {name} does not answer clicks")
+                # The list was reordered before the click, which has expanded another row. Collapse that and try again.
+                self._collapse_rows_expanded_since(before)
+        raise TimeoutError(f"the row {name} does not react to clicks")
 
-    def _close_rows_opened_since(self, before):
+    def _collapse_rows_expanded_since(self, before):
         for row in self.open().rows:
             earlier = before.row(row.name)
             if row.expanded and earlier and not earlier.expanded:

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""The kernel's own figures, read independently of Tarn."""
+"""Figures that the kernel reports, read independently of Tarn."""
 
 import os
 import time
@@ -12,7 +12,7 @@ MEGABYTE = 1 << 20
 
 
 def _fields(path):
-    """A file of "Name: number" lines as numbers, kB lines in bytes."""
+    """The numbers in a file of lines "Name: number [kB]" by name, kB converted to bytes."""
     values = {}
     for line in Path(path).read_text(encoding="utf-8", errors="replace").splitlines():
         name, _, rest = line.partition(":")
@@ -34,7 +34,7 @@ def address_space(pid):
 
 
 def processor_seconds(pid):
-    """Processor time of all threads of a process so far."""
+    """The processor time of all threads of a process so far (man 5 proc, /proc/pid/stat fields 14 and 15)."""
     stat = Path(f"/proc/{pid}/stat").read_bytes()
     words = stat[stat.rindex(b")") + 2:].split()
     return (int(words[11]) + int(words[12])) / TICKS_PER_SECOND
@@ -47,7 +47,7 @@ def children(pid):
 
 
 def system_memory():
-    """Wired, compressed, cached files and swap in bytes, as they are defined for Linux."""
+    """Wired, compressed, cached files and swap in bytes, as Tarn defines them for Linux."""
     memory = _fields("/proc/meminfo")
     compressed = memory.get("Zswap", 0)
     for path in glob("/sys/block/zram*/mm_stat"):
@@ -64,7 +64,7 @@ def system_memory():
 
 
 def available_share():
-    """The part of memory that is still to be had, from 0 to 1."""
+    """The share of the memory that is available, from 0 to 1."""
     memory = _fields("/proc/meminfo")
     return memory["MemAvailable"] / memory["MemTotal"]
 
@@ -82,7 +82,7 @@ def largest_footprints(count):
 
 
 def thread_named(pid, name):
-    """The id of the thread of `pid` that bears `name` (the kernel keeps 15 bytes of it); None without one."""
+    """The id of the thread `name` of a process; None without one. The kernel keeps 15 bytes of the name."""
     for thread in Path(f"/proc/{pid}/task").iterdir():
         if (thread / "comm").read_text().rstrip("\n") == name[:15]:
             return int(thread.name)
@@ -90,27 +90,27 @@ def thread_named(pid, name):
 
 
 def voluntary_switches(pid, thread):
-    """How often a thread has gone to sleep of its own accord."""
+    """The number of voluntary context switches of a thread."""
     return _fields(f"/proc/{pid}/task/{thread}/status")["voluntary_ctxt_switches"]
 
 
 def all_voluntary_switches(pid):
-    """How often the threads of a process have gone to sleep of their own accord, taken together."""
+    """The number of voluntary context switches of all threads of a process."""
     return sum(voluntary_switches(pid, thread) for thread in os.listdir(f"/proc/{pid}/task"))
 
 
 def threads(pid):
-    """How many threads a process has."""
+    """The number of threads of a process."""
     return len(os.listdir(f"/proc/{pid}/task"))
 
 
 def descriptors(pid):
-    """How many files a process has open."""
+    """The number of open files of a process."""
     return len(os.listdir(f"/proc/{pid}/fd"))
 
 
 def descriptors_at_rest(pid):
-    """How many stay open between sweeps."""
+    """The number of files that stay open between sweeps."""
     seen = []
     for _ in range(20):
         seen.append(descriptors(pid))
@@ -118,17 +118,17 @@ def descriptors_at_rest(pid):
     return min(seen)
 
 
-def keeps_what_was_freed(pid):
-    """Whether the program keeps memory that it freed, to find mistakes: then its footprint says nothing."""
+def is_sanitized(pid):
+    """Whether AddressSanitizer is loaded. It keeps freed memory, so the footprint is no measure of leaks."""
     return "libasan" in Path(f"/proc/{pid}/maps").read_text(encoding="utf-8")
 
 
-def takings(pid):
-    """What a program takes between sweeps: open files, threads, and bytes of footprint, 0 where that says nothing."""
-    return descriptors_at_rest(pid), threads(pid), 0 if keeps_what_was_freed(pid) else footprint(pid)
+def resource_usage(pid):
+    """Open files, threads and footprint in bytes between sweeps. The footprint is 0 with AddressSanitizer."""
+    return descriptors_at_rest(pid), threads(pid), 0 if is_sanitized(pid) else footprint(pid)
 
 
-def takes_no_more(pid, before, slack):
-    """Whether a program takes what it took before, give or take `slack` bytes."""
+def uses_no_more(pid, before, slack):
+    """Whether no value of `resource_usage` is larger than `before`, except the footprint by up to `slack` bytes."""
     limits = (*before[:2], before[2] + slack)
-    return all(now <= limit for now, limit in zip(takings(pid), limits))
+    return all(now <= limit for now, limit in zip(resource_usage(pid), limits))

@@ -1,6 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""When tasks wait for memory, as the kernel tells it, and a load that has them wait."""
+"""Memory pressure (PSI) as the kernel reports it, and a load that causes it.
+
+See Documentation/accounting/psi.rst: lines "some|full avg10=0.00 avg60=0.00 avg300=0.00 total=0", and triggers."""
 
 import errno
 import os
@@ -10,37 +12,37 @@ import threading
 import time
 from pathlib import Path
 
-COUNTS = Path("/proc/pressure/memory")
+PRESSURE = Path("/proc/pressure/memory")
 TOTAL = re.compile(r"^(some|full) .*total=(\d+)$", re.MULTILINE)
 AVERAGE = re.compile(r"^some avg10=([\d.]+)", re.MULTILINE)
-TOO_LONG = {"some": 200, "full": 400}  # milliseconds of two seconds, for some tasks and for all
+THRESHOLDS = {"some": 200, "full": 400}  # milliseconds of stalls in a window of two seconds
 
 
-def _open_report(kind):
-    report = os.open(COUNTS, os.O_RDWR | os.O_NONBLOCK | os.O_CLOEXEC)
+def _open_trigger(kind):
+    trigger = os.open(PRESSURE, os.O_RDWR | os.O_NONBLOCK | os.O_CLOEXEC)
     try:
-        os.write(report, f"{kind} {TOO_LONG[kind]}000 2000000\0".encode("ascii"))
+        os.write(trigger, f"{kind} {THRESHOLDS[kind]}000 2000000\0".encode("ascii"))
     except OSError:
-        os.close(report)
+        os.close(trigger)
         raise
-    return report
+    return trigger
 
 
 def _totals():
-    """For how many milliseconds some tasks, and all, have waited since the machine started."""
-    return {kind: int(total) // 1000 for kind, total in TOTAL.findall(COUNTS.read_text(encoding="ascii"))}
+    """The stall time of some tasks, and of all, since boot in milliseconds."""
+    return {kind: int(total) // 1000 for kind, total in TOTAL.findall(PRESSURE.read_text(encoding="ascii"))}
 
 
-class StallWatch:
-    """Has the kernel report, by its own two-second windows, when tasks wait too long. The counts are read only then:
-    whoever reads them when the kernel is about to report has it put that off."""
+class PressureWatch:
+    """Registers PSI triggers and records when they fire. The totals are read only then: reading /proc/pressure/memory
+    shortly before the end of a window delays the kernel's report."""
 
     def __init__(self):
-        self._files = {kind: _open_report(kind) for kind in TOO_LONG}
-        self._times = {kind: [] for kind in TOO_LONG}
+        self._files = {kind: _open_trigger(kind) for kind in THRESHOLDS}
+        self._times = {kind: [] for kind in THRESHOLDS}
         self._start = time.monotonic()
         self._before = _totals()
-        self._told = dict(self._before)
+        self._reported = dict(self._before)
         self._stop = threading.Event()
         self._thread = threading.Thread(target=self._watch, daemon=True)
 
@@ -61,50 +63,50 @@ class StallWatch:
             waiting.register(file, select.POLLPRI)
         while not self._stop.is_set():
             for file, _ in waiting.poll(100):
-                self._take_in(kinds[file])
+                self._record(kinds[file])
 
-    def _take_in(self, kind):
-        # The first report that a file gets may come for any wait, however short.
+    def _record(self, kind):
+        # The first event of a trigger may come below the threshold.
         total = _totals()[kind]
-        if total - self._told[kind] >= TOO_LONG[kind]:
-            self._told[kind] = total
+        if total - self._reported[kind] >= THRESHOLDS[kind]:
+            self._reported[kind] = total
             self._times[kind].append(time.monotonic())
 
     def reports(self, kind):
-        """The moments when tasks were reported to wait too long."""
+        """The moments when the stall time exceeded the threshold."""
         return self._times[kind]
 
     def summary(self):
-        """How long tasks have waited since the watch began, in words."""
+        """The stall time since the watch began, as a text."""
         share = 2 / (time.monotonic() - self._start)
         waited = {kind: round((total - self._before[kind]) * share) for kind, total in _totals().items()}
-        return f"of 2 s, tasks waited for memory for {waited['some']} ms, all of them for {waited['full']} ms"
+        return f"stalls in 2 s: some {waited['some']} ms, full {waited['full']} ms"
 
 
-def average():
-    """The share of the last ten seconds in which some task waited, in percent."""
-    return float(AVERAGE.search(COUNTS.read_text(encoding="ascii"))[1])
+def some_avg10():
+    """The value "some avg10" in percent."""
+    return float(AVERAGE.search(PRESSURE.read_text(encoding="ascii"))[1])
 
 
-def reason_for_none():
-    """Why no task can be made to wait for memory here, or nobody be told; None where both can be."""
+def missing_prerequisite():
+    """Why this system cannot cause or report memory pressure; None if it can."""
     if "TARN_THRASHER" not in os.environ:
-        reason = os.environ.get("TARN_NO_THRASHER", "what can was not started")
-        return f"nothing here can make tasks wait for memory: {reason}"
+        reason = os.environ.get("TARN_NO_THRASHER", "the thrash program was not started")
+        return f"nothing here can cause memory pressure: {reason}"
     try:
-        os.close(_open_report("some"))
+        os.close(_open_trigger("some"))
     except OSError as error:
-        return f"the kernel does not report that tasks wait for memory: {error}"
+        return f"the kernel accepts no PSI trigger: {error}"
     return None
 
 
 def thrash(seconds):
-    """Has tasks wait for memory for so many seconds, or, with 0, no more."""
+    """Causes memory pressure for some seconds. 0 stops it."""
     try:
         requests = os.open(os.environ["TARN_THRASHER"], os.O_WRONLY | os.O_NONBLOCK)
     except OSError as error:
         if error.errno == errno.ENXIO:
-            raise RuntimeError("what makes tasks wait for memory has ended, and has said why") from error
+            raise RuntimeError("the thrash program has ended; its error message is above") from error
         raise
     try:
         os.write(requests, f"{seconds}\n".encode("ascii"))

@@ -1,41 +1,43 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""What the tests on a desktop have in common."""
+"""The base class of tests that share a desktop."""
 
-import unittest
+import pytest
 
-from figures import parse_bytes
-from programs import STAGE, Tarn
-from virtual_desktop import VirtualDesktop
+from harness.programs import Tarn
+from harness.texts import parse_bytes
+from harness.virtual_desktop import VirtualDesktop
 
 
-class DesktopTest(unittest.TestCase):
-    """A desktop with Tarn in its panel, shared by the tests of a class."""
+class SharedDesktop:
+    """The tests of a class share a desktop with Tarn in its panel: `self.desktop`, `self.tarn` and `self.popover`.
+    Subclasses override the fixtures below, which run in this order."""
 
-    @classmethod
-    def setUpClass(cls):
-        cls.desktop = cls.enterClassContext(cls.make_desktop())
-        cls.start_programs()
-        cls.tarn = cls.start_tarn()
-        cls.popover = cls.tarn.popover
+    @pytest.fixture(scope="class")
+    def desktop(self):
+        with VirtualDesktop() as desktop:
+            yield desktop
 
-    @classmethod
-    def make_desktop(cls):
-        return VirtualDesktop(STAGE)
+    @pytest.fixture(scope="class")
+    def programs(self, desktop):
+        """Starts the programs that run before Tarn starts."""
 
-    @classmethod
-    def start_tarn(cls):
-        return Tarn(cls.desktop)
+    @pytest.fixture(scope="class")
+    def tarn(self, desktop, programs):
+        return Tarn(desktop)
 
-    @classmethod
-    def start_programs(cls):
-        """What runs beside Tarn before it starts."""
+    @pytest.fixture(scope="class", autouse=True)
+    def shared(self, request, desktop, tarn):
+        request.cls.desktop = desktop
+        request.cls.tarn = tarn
+        request.cls.popover = tarn.popover
 
     def assert_alive(self):
-        self.assertIsNone(self.tarn.process.poll(), self.desktop.log("tarn"))
+        assert self.tarn.process.poll() is None, self.desktop.log("tarn")
 
-    def assert_figure(self, text, low, high, share=0.02):
-        """`text` is a byte figure between `low` and `high`, give or take its rounding and `share`."""
-        figure = parse_bytes(text)
-        self.assertGreaterEqual(figure.value, low * (1 - share) - figure.rounding, text)
-        self.assertLessEqual(figure.value, high * (1 + share) + figure.rounding, text)
+
+def assert_figure(text, low, high, share=0.02):
+    """`text` is a byte figure between `low` and `high`. It may differ by its rounding and by `share`."""
+    figure = parse_bytes(text)
+    assert figure.value >= low * (1 - share) - figure.rounding, text
+    assert figure.value <= high * (1 + share) + figure.rounding, text

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Figures as Tarn writes them (English, United States), as numbers again."""
+"""The texts that Tarn shows, and parsers of its figures (English, United States)."""
 
 import re
 from dataclasses import dataclass
@@ -13,7 +13,7 @@ PERCENT = r"[\d,]+%"
 
 @dataclass(frozen=True)
 class Bytes:
-    """A byte count as read from a text; `rounding` is how far the true count may lie from it."""
+    """A byte count read from a text. The true count differs from `value` by at most `rounding`."""
 
     value: float
     rounding: float
@@ -35,7 +35,7 @@ def parse_percent(text):
 
 
 def uptime_text(seconds):
-    """Seconds as Tarn writes an uptime."""
+    """The text that Tarn shows for an uptime in seconds."""
     minutes = int(seconds) // 60
     days, hours, rest = minutes // 1440, minutes // 60 % 24, minutes % 60
 
@@ -45,3 +45,25 @@ def uptime_text(seconds):
     if days:
         return f"{counted(days, 'day')}, {counted(hours, 'hour')}"
     return f"{counted(hours, 'hour')}, {rest} min" if hours else f"{rest} min"
+
+
+MEMORY_SENTENCES = {
+    "normal": "Your Mac has memory to spare.",
+    "swapping": "Your Mac is coping, but has started using the disk as overflow.",
+    "warning": "Your Mac is running short on memory. Closing an app below would help.",
+    "critical": "Your Mac is out of memory. Close something now.",
+}
+# The accessible description of the circle for each sentence.
+STATUS_TEXTS = {
+    MEMORY_SENTENCES["normal"]: "Memory normal",
+    MEMORY_SENTENCES["swapping"]: "Memory normal, using swap",
+    MEMORY_SENTENCES["warning"]: "Memory pressure warning",
+    MEMORY_SENTENCES["critical"]: "Memory pressure critical",
+}
+TINTS = {"normal": "green", "swapping": "orange", "warning": "orange", "critical": "red"}
+DETAIL = rf"Wired ({BYTES}) · Compressed ({BYTES}) · Cached files ({BYTES}) · Swap ({BYTES})"
+
+
+def tint_for(sentence):
+    """The circle's colour for a sentence; None for any other text."""
+    return next((TINTS[state] for state, text in MEMORY_SENTENCES.items() if text == sentence), None)

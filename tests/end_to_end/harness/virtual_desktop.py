@@ -1,21 +1,18 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""A desktop of its own on a display that nobody sees: X server, session bus, window manager, panel, settings portal."""
+"""An X11 desktop without hardware: X server, session bus, window manager, panel, settings portal."""
 
 import os
 import re
 import subprocess
 
-from desktop import HUMAN_PRESS, WATCHER, Desktop
-from desktop_settings import WALLPAPER, desktop_settings
-from hosts import XFCE
-from picture import Picture
-from processes import wait_until
-
-__all__ = ["SIZE", "WATCHER", "VirtualDesktop", "monitor_name"]
+from harness.desktop import PRESS_SECONDS, WALLPAPER, Desktop, desktop_settings
+from harness.hosts import XFCE
+from harness.image import Image
+from harness.processes import wait_until
 
 SIZE = (1280, 800)
-# Many monitors on a graphics card that there is not, none of the machine's own devices.
+# The dummy video driver with several monitors, without the machine's own input devices.
 MONITORS = """Section "ServerFlags"
   Option "AutoAddDevices" "false"
   Option "DontVTSwitch" "true"
@@ -43,15 +40,15 @@ EndSection
 
 
 def monitor_name(number):
-    """What the X server calls the monitor `number`, counted from 0, where there are several."""
+    """The X server's name of a monitor, counted from 0, if there are several."""
     return f"DUMMY{number}"
 
 
 class VirtualDesktop(Desktop):
-    """A desktop whose screen has `size` pixels, as so many monitors side by side; of the rest, see Desktop."""
+    """A desktop on a screen of `size` pixels, which consists of `monitors` side by side. For the rest, see Desktop."""
 
-    def __init__(self, folder, scheme="light", panel=True, accessible=True, host=XFCE, size=SIZE, monitors=1):
-        super().__init__(folder, host, scheme, panel, accessible)
+    def __init__(self, scheme="light", panel=True, accessible=True, host=XFCE, size=SIZE, monitors=1):
+        super().__init__(host, scheme, panel, accessible)
         self.size = size
         self._monitors = monitors
 
@@ -64,7 +61,7 @@ class VirtualDesktop(Desktop):
         self._start_session()
         self._show_wallpaper()
         self.start("window-manager", ["xfwm4", "--compositor=off"])
-        wait_until(self._is_managed, "the window manager is there")
+        wait_until(self._is_managed, "the window manager runs")
 
     def _start_display(self):
         reading, writing = os.pipe()
@@ -78,7 +75,7 @@ class VirtualDesktop(Desktop):
         return f":{number}"
 
     def _server(self):
-        """The words that start an X server which can have as many monitors."""
+        """The command that starts an X server with as many monitors."""
         if self._monitors == 1:
             return ["Xvfb", "-screen", "0", f"{self.size[0]}x{self.size[1]}x24"]
         configuration = self._folder / "monitors.conf"
@@ -87,7 +84,7 @@ class VirtualDesktop(Desktop):
                 "-novtswitch", "-sharevts"]
 
     def _arrange_monitors(self):
-        """Puts the monitors side by side."""
+        """Places the monitors side by side."""
         width, height = self.size[0] // self._monitors, self.size[1]
         mode = f"{width}x{height}"
         for number in range(1, self._monitors):
@@ -95,16 +92,16 @@ class VirtualDesktop(Desktop):
         places = [word for number in range(self._monitors)
                   for word in ("--output", monitor_name(number), "--mode", mode, "--pos", f"{number * width}x0")]
         self.run("xrandr", "--fb", f"{self.size[0]}x{height}", *places)
-        # The server tells programs that start from now on what it found when it was last asked to look.
+        # Listing the monitors makes the server update what it reports to programs.
         wait_until(lambda: f"Monitors: {self._monitors}\n" in self.run("xrandr", "--listmonitors"),
-                   "every monitor is there")
+                   "every monitor is active")
 
     def _is_managed(self):
         answer = self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK")
         return "window id #" in answer
 
     def _show_wallpaper(self):
-        # The exit status says nothing here: it is 1 even when the picture was set.
+        # The exit status is 1 even if the image was set.
         self.start("wallpaper", ["display", "-window", "root", "-size", f"{self.size[0]}x{self.size[1]}",
                                  WALLPAPER[self._scheme]]).wait(timeout=20)
 
@@ -116,35 +113,35 @@ class VirtualDesktop(Desktop):
         self._show_wallpaper()
 
     def click(self, position):
-        """A person's click: the button stays down for a moment."""
+        """Clicks as a person does: with some time between press and release."""
         self.run("xdotool", "mousemove", position[0], position[1], "sleep", "0.05", "mousedown", "1",
-                 "sleep", HUMAN_PRESS, "mouseup", "1")
+                 "sleep", PRESS_SECONDS, "mouseup", "1")
 
     def turn_wheel(self, position, notches):
-        """Turns the wheel towards the end of what is at `position`."""
+        """Turns the mouse wheel down at `position`."""
         self.run("xdotool", "mousemove", position[0], position[1], "click", "--repeat", notches, "--delay", "20", "5")
 
     def active_window_name(self):
-        """The title of the window that has the focus; "" without one."""
+        """The title of the focused window; "" if none has the focus."""
         return self._ask("xdotool", "getactivewindow", "getwindowname").strip()
 
     def windows_of(self, pid):
-        """The ids of the windows that a process shows."""
+        """The ids of the visible windows of a process."""
         return self._ask("xdotool", "search", "--onlyvisible", "--pid", pid).split()
 
     def window_frames(self, pid):
-        """Left, top, width and height of the windows that a process shows, those embedded in others among them."""
+        """Left, top, width and height of the visible windows of a process, embedded ones included."""
         labels = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
         descriptions = [self._ask("xwininfo", "-id", window) for window in self.windows_of(pid)]
         return [tuple(int(re.search(rf"{label}: +(-?\d+)", text)[1]) for label in labels)
                 for text in descriptions if text]
 
     def on_screen(self, _pid, position):
-        """Where on the screen a position of a process's accessible objects is: there."""
+        """Converts a position from a process's accessible objects to the screen: on X11 they are equal."""
         return position
 
     def _ask(self, *command):
-        """As `run`, for programs that fail when they have nothing to say: "" then."""
+        """As `run`, but returns "" if the program fails."""
         try:
             return self.run(*command, stderr=subprocess.DEVNULL)
         except subprocess.CalledProcessError:
@@ -156,16 +153,16 @@ class VirtualDesktop(Desktop):
     def press_key(self, key):
         self.run("xdotool", "key", key)
 
-    def picture_of(self, area):
-        """The pixels of `area` of the screen (left, top, width, height)."""
-        return Picture.from_ppm(self.run_for_bytes(*self._camera(area), "-depth", "8", "ppm:-"))
+    def image_of(self, area):
+        """The pixels of an area of the screen (left, top, width, height)."""
+        return Image.from_ppm(self.run_for_bytes(*self._screenshot_command(area), "-depth", "8", "ppm:-"))
 
-    def take_picture(self, path, area=None):
-        """Saves the screen, or `area` of it (left, top, width, height), as a PNG."""
-        self.run(*self._camera(area), path)
+    def take_screenshot(self, path, area=None):
+        """Saves the screen, or an area of it (left, top, width, height), as a PNG."""
+        self.run(*self._screenshot_command(area), path)
 
     @staticmethod
-    def _camera(area):
+    def _screenshot_command(area):
         command = ["import", "-silent", "-window", "root"]
         if area:
             left, top, width, height = area

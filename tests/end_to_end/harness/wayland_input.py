@@ -1,6 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""A pointer and a keyboard for a Wayland compositor that has none, spoken directly over its socket."""
+"""A virtual pointer and keyboard for a Wayland compositor, by the protocols wlr-virtual-pointer-unstable-v1 and
+virtual-keyboard-unstable-v1."""
 
 import array
 import os
@@ -12,7 +13,7 @@ DISPLAY = 1
 DISPLAY_SYNC, DISPLAY_GET_REGISTRY = 0, 1
 DISPLAY_ERROR, REGISTRY_GLOBAL = 0, 0
 REGISTRY_BIND = 0
-CREATE = 0  # of the pointers' manager as of the keyboards'
+CREATE = 0  # request of both managers
 POINTER_MOTION_ABSOLUTE, POINTER_BUTTON, POINTER_FRAME = 1, 2, 4
 KEYBOARD_KEYMAP, KEYBOARD_KEY = 0, 1
 KEYMAP_FORMAT = 1
@@ -41,8 +42,8 @@ def now():
 
 
 class WaylandInput:
-    """Connected to the compositor's socket `path`: its pointer and keyboard are there until it is closed. Every method
-    returns once the compositor has taken note."""
+    """A pointer and a keyboard of the compositor with the socket `path`, until `close`. Every method returns after the
+    compositor has handled the events."""
 
     def __init__(self, path):
         self._socket = socket.socket(socket.AF_UNIX)
@@ -60,7 +61,7 @@ class WaylandInput:
         self._set_keymap()
 
     def move(self, position, size):
-        """Moves the pointer to a position among `size`, the pixels of all outputs together."""
+        """Moves the pointer. `size` are the pixels of all outputs together."""
         self._request(self._pointer, POINTER_MOTION_ABSOLUTE, unsigned(now(), *position, *size))
         self._end_of_frame()
 
@@ -120,7 +121,7 @@ class WaylandInput:
         self._socket.sendmsg([message], rights)
 
     def _round_trip(self):
-        """Waits until the compositor has done all that was asked. Raises if it did not like some of it."""
+        """Waits until the compositor has handled all requests. Raises RuntimeError after a protocol error."""
         callback = self._new_object()
         self._request(DISPLAY, DISPLAY_SYNC, unsigned(callback))
         while True:
@@ -128,7 +129,7 @@ class WaylandInput:
             if sender == callback:
                 return
             if sender == DISPLAY and opcode == DISPLAY_ERROR:
-                raise RuntimeError(f"the compositor complains: {arguments[12:].rstrip(bytes(1)).decode()}")
+                raise RuntimeError(f"protocol error: {arguments[12:].rstrip(bytes(1)).decode()}")
             if sender == self._registry and opcode == REGISTRY_GLOBAL:
                 name, length = struct.unpack_from("=II", arguments)
                 self._globals[arguments[8:8 + length - 1].decode()] = name

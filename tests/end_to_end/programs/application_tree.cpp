@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 //
-// application_tree: the processes that an application on a browser's engine consists of. They are its own
-// program again, with a "--type", started through /proc/self/exe, below one that forks them all; and a
-// program beside it that is to see it crash, which is nobody's child. Stays until it is ended.
+// application_tree: a process tree like that of a web browser. The program starts itself again through
+// /proc/self/exe with "--type" options, below a zygote process, and starts a crash handler beside it, which
+// is reparented. Runs until it is killed.
 
 #include <sys/prctl.h>
 #include <unistd.h>

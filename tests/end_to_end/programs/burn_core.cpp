@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 //
-// burn_core: keeps one core busy until it is ended.
+// burn_core: keeps one core busy until it is killed.
 
 #include <atomic>
 

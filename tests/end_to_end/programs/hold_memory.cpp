@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 //
-// hold_memory [--private] MEGABYTES [COMMAND...]: holds that much anonymous memory, runs COMMAND as its
-// child, says "ready" and stays until it is ended. With --private its executable link is refused even to its
-// own user, as those of other users' processes are.
+// hold_memory [--private] MEGABYTES [COMMAND...]: holds that much anonymous memory, runs COMMAND as a child,
+// prints "ready" and runs until it is killed. With --private the process is not dumpable: its own user may
+// not read its executable link, like that of another user's process.
 
 #include <sys/mman.h>
 #include <sys/prctl.h>

@@ -1,11 +1,11 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""hostile_service.py watcher|portal MANNER: a program that has the name of a service which Tarn asks, and means harm.
+"""hostile_service.py watcher|portal MANNER: a program that owns the bus name of a service and behaves badly.
 
-silent: it never answers. refusing: every answer is an error. nonsense: answers are of absurd types. huge: answers are
-of 10 MB. flapping: it takes the name and lets it go 200 times, then behaves. shouting: it sends 20,000 signals of its
-service with absurd arguments, then behaves. proper: it behaves. It says "ready" once that is done, and what it was
-asked: "asked METHOD" in a line each, and "item NAME" for an item that is registered."""
+silent: it never replies. refusing: every reply is an error. nonsense: replies have unexpected types. huge: replies have
+10 MB. flapping: it acquires and releases its name 200 times, then behaves well. shouting: it sends 20,000 signals with
+unexpected arguments, then behaves well. proper: it behaves well. It prints "ready" after that, "asked METHOD" for each
+call, and "item NAME" for each registered item."""
 
 import itertools
 import sys
@@ -36,12 +36,12 @@ class HostileService:
     def run(self):
         if self._manner == "flapping":
             for _ in range(FLAPS):
-                self._ask_for_name()
+                self._request_name()
                 self._call_bus("ReleaseName", GLib.Variant("(s)", (self._name,)))
-        self._ask_for_name()
+        self._request_name()
         if self._manner == "shouting":
             self._shout()
-        self._say("ready")
+        self._print("ready")
         GLib.MainLoop().run()
 
     def _shout(self):
@@ -50,35 +50,35 @@ class HostileService:
             self._connection.emit_signal(None, self._path, self._interface, name, arguments)
         self._connection.flush_sync(None)
 
-    def _ask_for_name(self):
+    def _request_name(self):
         self._call_bus("RequestName", GLib.Variant("(su)", (self._name, 0)))
 
     def _call_bus(self, method, arguments):
         self._connection.call_sync(*BUS, method, arguments, None, Gio.DBusCallFlags.NONE, -1, None)
 
     def _filter(self, _connection, message, incoming):
-        """Answers calls before anything else sees them."""
+        """Replies to calls before GDBus handles them."""
         if not incoming or message.get_message_type() != Gio.DBusMessageType.METHOD_CALL \
                 or message.get_path() != self._path:
             return message
-        self._say(f"asked {message.get_member()}")
+        self._print(f"asked {message.get_member()}")
         if message.get_member() == "RegisterStatusNotifierItem":
-            self._say(f"item {message.get_body().unpack()[0]}")
-        answer = self._answer(message)
-        if answer:
-            self._connection.send_message(answer, Gio.DBusSendMessageFlags.NONE)
+            self._print(f"item {message.get_body().unpack()[0]}")
+        reply = self._reply(message)
+        if reply:
+            self._connection.send_message(reply, Gio.DBusSendMessageFlags.NONE)
         return None
 
-    def _answer(self, message):
+    def _reply(self, message):
         if self._manner == "silent":
             return None
         if self._manner == "refusing":
             return message.new_method_error_literal("org.freedesktop.DBus.Error.AccessDenied", "No")
-        answer = message.new_method_reply()
+        reply = message.new_method_reply()
         body = self._body(message)
         if body:
-            answer.set_body(body)
-        return answer
+            reply.set_body(body)
+        return reply
 
     def _body(self, message):
         if self._manner == "nonsense":
@@ -92,8 +92,8 @@ class HostileService:
         return None
 
     @staticmethod
-    def _say(what):
-        print(what, flush=True)
+    def _print(line):
+        print(line, flush=True)
 
 
 if __name__ == "__main__":

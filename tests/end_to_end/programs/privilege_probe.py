@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Tries what an ordinary user's program may do unless something forbids it; prints what came of each attempt, "done" or
-the kernel's refusal."""
+"""Attempts what an ordinary program may do unless a systemd unit forbids it. Prints the result of each attempt as JSON:
+"done" or the name of the error."""
 
 import ctypes
 import errno
@@ -21,7 +21,7 @@ GET_KEYRING, PROCESS_KEYRING = 0, -2
 
 
 def call(function, *arguments):
-    """Calls a function of the C library that gives -1 when it is refused."""
+    """Calls a C function that returns -1 on failure."""
     if function(*arguments) == -1:
         raise OSError(ctypes.get_errno(), "refused")
 
@@ -43,22 +43,22 @@ def write_and_execute():
 
 def attempts(folder):
     return {
-        "a socket to this machine": lambda: socket.socket(socket.AF_UNIX).close(),
-        "a socket to the network": lambda: socket.socket(socket.AF_INET).close(),
-        "a datagram to the network": lambda: socket.socket(socket.AF_INET, socket.SOCK_DGRAM).close(),
-        "a socket to the network, newer kind": lambda: socket.socket(socket.AF_INET6).close(),
-        "a socket to the kernel": lambda: socket.socket(socket.AF_NETLINK, socket.SOCK_RAW).close(),
-        "to be connected to": lambda: listen(folder),
-        "memory to write and execute": write_and_execute,
-        "a set-group-ID program": lambda: set_group_id(folder),
-        "a file's owner": lambda: os.chown(folder, os.getuid(), os.getgid()),
-        "a pipe with a name": lambda: os.mkfifo(f"{folder}/pipe"),
-        "another scheduler": lambda: os.sched_setscheduler(0, os.SCHED_BATCH, os.sched_param(0)),
-        "another priority": lambda: os.nice(1),
-        "memory that stays": lambda: call(LIBC.mlock, ctypes.create_string_buffer(1), 1),
-        "a keyring": lambda: call(LIBC.syscall, KEYCTL, GET_KEYRING, PROCESS_KEYRING, 1),
-        "another personality": lambda: call(LIBC.personality, UNAME_OF_OLD),
-        "a user name space": lambda: call(LIBC.unshare, NEW_USER_NAMESPACE),
+        "AF_UNIX socket": lambda: socket.socket(socket.AF_UNIX).close(),
+        "AF_INET stream socket": lambda: socket.socket(socket.AF_INET).close(),
+        "AF_INET datagram socket": lambda: socket.socket(socket.AF_INET, socket.SOCK_DGRAM).close(),
+        "AF_INET6 socket": lambda: socket.socket(socket.AF_INET6).close(),
+        "AF_NETLINK socket": lambda: socket.socket(socket.AF_NETLINK, socket.SOCK_RAW).close(),
+        "bind": lambda: listen(folder),
+        "writable and executable memory": write_and_execute,
+        "chmod of a set-group-ID program": lambda: set_group_id(folder),
+        "chown": lambda: os.chown(folder, os.getuid(), os.getgid()),
+        "mkfifo": lambda: os.mkfifo(f"{folder}/pipe"),
+        "sched_setscheduler": lambda: os.sched_setscheduler(0, os.SCHED_BATCH, os.sched_param(0)),
+        "nice": lambda: os.nice(1),
+        "mlock": lambda: call(LIBC.mlock, ctypes.create_string_buffer(1), 1),
+        "keyctl": lambda: call(LIBC.syscall, KEYCTL, GET_KEYRING, PROCESS_KEYRING, 1),
+        "personality": lambda: call(LIBC.personality, UNAME_OF_OLD),
+        "unshare of the user namespace": lambda: call(LIBC.unshare, NEW_USER_NAMESPACE),
     }
 
 

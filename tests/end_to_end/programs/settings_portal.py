@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""A desktop's portal with one setting, the colour scheme, that opens pages by telling them on its output. Reads "dark"
-or "light" lines from its input."""
+"""A desktop portal with one setting, the colour scheme. Reads lines "dark" or "light" from its input. Prints the
+addresses that it is asked to open."""
 
 import sys
 
@@ -18,7 +18,8 @@ SCHEMES = {"none": 0, "dark": 1, "light": 2}
 
 DESCRIPTION = f"""
 <node><interface name="{INTERFACE}">
-  <method name="Read"><arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/></method>
+  <method name="Read"><arg type="s" direction="in"/><arg type="s" direction="in"/>
+    <arg type="v" direction="out"/></method>
   <method name="ReadAll"><arg type="as" direction="in"/><arg type="a{{sa{{sv}}}}" direction="out"/></method>
   <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
   <property name="version" type="u" access="read"/>
@@ -52,7 +53,7 @@ class SettingsPortal:
         if method == "ReadAll":
             invocation.return_value(GLib.Variant("(a{sa{sv}})", ({NAMESPACE: {KEY: self._value()}},)))
         elif arguments.unpack() == (NAMESPACE, KEY):
-            # The method wraps its answer in a second variant; every reader has to cope with that.
+            # Read wraps its reply in a second variant; see the documentation of org.freedesktop.portal.Settings.
             invocation.return_value(GLib.Variant("(v)", (GLib.Variant("v", self._value()),)))
         else:
             invocation.return_dbus_error("org.freedesktop.portal.Error.NotFound", "Requested setting not found")

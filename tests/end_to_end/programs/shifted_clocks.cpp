@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// A library to be loaded before others: a program's clocks, ahead by what a file says. The file's path is the
-// value of SHIFTED_CLOCKS, and holds the seconds by which CLOCK_REALTIME, CLOCK_BOOTTIME and CLOCK_MONOTONIC
-// are ahead, in digits, with a blank behind each. Clocks of processes are left alone.
+// A library for LD_PRELOAD that shifts the clocks of a program. SHIFTED_CLOCKS names a file with the seconds
+// that CLOCK_REALTIME, CLOCK_BOOTTIME and CLOCK_MONOTONIC are ahead: decimal digits, each number followed by
+// a space. Processor time clocks are not shifted.
 
 #include <fcntl.h>
 #include <sys/syscall.h>

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 //
-// thrash REQUESTS FOLDER MEGABYTES PROCESSES: reads requests from the named pipe REQUESTS, a line each: a
-// number of seconds for which so many processes read a file of that size in FOLDER at random places. Each
-// request takes the place of the one before; 0 ends it. In a control group whose memory is smaller than the
-// file they wait for memory all the time. The file has no name, so that nothing of it stays.
+// thrash REQUESTS FOLDER MEGABYTES PROCESSES: causes memory pressure. Reads lines from the named pipe
+// REQUESTS. Each line is a number of seconds for which PROCESSES processes read an unnamed file of this size
+// in FOLDER at random positions. A new request replaces the one before; 0 stops it. In a cgroup with less
+// memory than the file has, the readers stall all the time.
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -28,21 +28,21 @@ namespace {
 constexpr std::size_t page = 4096;
 constexpr unsigned longest = 300;  // seconds
 
-[[noreturn]] void give(const char* what) {
+[[noreturn]] void fail(const char* what) {
   std::perror(what);
   std::exit(1);
 }
 
-// Written here, so that its pages count for this control group, and to the end: only what lies on the disk
-// can be dropped from memory.
+// This process writes the file, so that its pages are charged to this cgroup. Only pages that are written to
+// disk (fsync) can be reclaimed.
 int writeFile(const char* folder, std::size_t pages) {
   const int file = open(folder, O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-  if (file < 0) give(folder);
+  if (file < 0) fail(folder);
   const std::vector<char> content(page, 'x');
   for (std::size_t index = 0; index < pages; ++index) {
-    if (write(file, content.data(), page) != static_cast<ssize_t>(page)) give("write");
+    if (write(file, content.data(), page) != static_cast<ssize_t>(page)) fail("write");
   }
-  if (fsync(file) != 0) give("fsync");
+  if (fsync(file) != 0) fail("fsync");
   return file;
 }
 
@@ -51,7 +51,7 @@ int writeFile(const char* folder, std::size_t pages) {
   alarm(seconds);
   const auto* const content =
       static_cast<const volatile char*>(mmap(nullptr, pages * page, PROT_READ, MAP_SHARED, file, 0));
-  if (content == MAP_FAILED) give("mmap");
+  if (content == MAP_FAILED) fail("mmap");
   std::minstd_rand random(static_cast<unsigned>(getpid()));
   std::uniform_int_distribution<std::size_t> anywhere(0, pages - 1);
   while (true) static_cast<void>(content[anywhere(random) * page]);
@@ -72,8 +72,10 @@ int main(int argumentCount, char** arguments) {
   }
   const std::size_t pages = (std::strtoul(arguments[3], nullptr, 10) << 20U) / page;
   const unsigned long processes = std::strtoul(arguments[4], nullptr, 10);
-  std::fstream requests(arguments[1], std::ios::in | std::ios::out);  // a writer of its own: never at its end
-  if (!requests) give(arguments[1]);
+  std::fstream requests(
+      arguments[1],
+      std::ios::in | std::ios::out);  // opened for writing too, so that reading never reaches the end of file
+  if (!requests) fail(arguments[1]);
   std::vector<pid_t> readers;
   int file = -1;
   for (std::string line; std::getline(requests, line);) {

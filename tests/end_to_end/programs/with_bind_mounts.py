@@ -1,9 +1,8 @@
 #!/usr/bin/python3
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""on_machine.py SOURCE TARGET... -- PROGRAM [WORD...]: runs a program that finds, at each TARGET, the file or folder
-SOURCE, by mounts that only it sees. Takes no privileges: the kernel must let ordinary users have name spaces of their
-own."""
+"""with_bind_mounts.py SOURCE TARGET... -- PROGRAM [ARGUMENT...]: bind-mounts each SOURCE on its TARGET in a mount
+namespace of its own and runs PROGRAM there. Needs no privileges, but unprivileged user namespaces."""
 
 import ctypes
 import os
@@ -24,19 +23,19 @@ def check(result, what):
         raise OSError(ctypes.get_errno(), f"{what}: {os.strerror(ctypes.get_errno())}")
 
 
-def enter_name_spaces():
+def enter_namespaces():
     user, group = os.getuid(), os.getgid()
-    check(LIBC.unshare(CLONE_NEWUSER | CLONE_NEWNS), "no name spaces of its own for an ordinary user")
+    check(LIBC.unshare(CLONE_NEWUSER | CLONE_NEWNS), "unshare of user and mount namespace")
     Path("/proc/self/setgroups").write_text("deny", encoding="ascii")
     Path("/proc/self/uid_map").write_text(f"{user} {user} 1", encoding="ascii")
     Path("/proc/self/gid_map").write_text(f"{group} {group} 1", encoding="ascii")
-    check(LIBC.mount(None, b"/", None, MS_REC | MS_PRIVATE, None), "no mounts of its own")
+    check(LIBC.mount(None, b"/", None, MS_REC | MS_PRIVATE, None), "making mounts private")
 
 
 def main():
     end = sys.argv.index("--")
     places, command = sys.argv[1:end], sys.argv[end + 1:]
-    enter_name_spaces()
+    enter_namespaces()
     for source, target in zip(places[::2], places[1::2], strict=True):
         check(LIBC.mount(os.fsencode(source), os.fsencode(target), None, MS_BIND, None), f"{source} on {target}")
     os.execv(command[0], command)
