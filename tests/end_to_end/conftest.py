@@ -106,6 +106,10 @@ def pytest_xdist_make_scheduler(config, log):
     return ClassScheduling(config, log)
 
 
+def pytest_collection_modifyitems(items):
+    items.sort(key=lambda item: item.get_closest_marker("long") is None)
+
+
 @pytest.fixture(scope="session", autouse=True)
 def processes():
     """No process outlives the tests."""

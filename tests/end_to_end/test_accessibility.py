@@ -11,7 +11,6 @@ from harness.popover import BUTTONS, ROW, TABS
 from harness.processes import wait_until
 from harness.programs import HOG, start_hog
 from harness.shared_desktop import SharedDesktop
-from harness.stage import WORK
 from harness.texts import STATUS_TEXTS
 
 pytestmark = pytest.mark.desktop
@@ -33,7 +32,7 @@ def has_focus(node):
     return {"showing", "focused"} <= node.states
 
 
-class TestKeyboard(SharedDesktop):
+class KeyboardTests(SharedDesktop):
     @pytest.fixture(scope="class")
     def programs(self, desktop):
         start_hog(desktop)
@@ -81,6 +80,12 @@ class TestKeyboard(SharedDesktop):
             now, stops = self.press_tab(now)
         pytest.fail("Tab does not reach the control")
 
+    def screenshot(self):
+        return self.desktop.image_of((0, 0, *self.desktop.size))
+
+
+@pytest.mark.long
+class TestKeyboard(KeyboardTests):
     def assert_follows(self, later, earlier, *readings):
         """`later` is the tab stop after `earlier` in one of the readings: the list may be reordered in between."""
         successors = []
@@ -156,19 +161,9 @@ class TestKeyboard(SharedDesktop):
             self.popover.wait_for(lambda content: ("checked" in content.toggle.states) == ticked,
                                   f"space makes the box {'ticked' if ticked else 'empty'}", timeout=5)
 
-    def screenshot(self, name):
-        path = WORK / f"{name}.png"
-        self.desktop.take_screenshot(path)
-        return path
 
-    def changed_pixels(self, before, after, area):
-        """The number of pixels of `area` that differ clearly between two screenshots."""
-        left, top, width, height = area
-        share = self.desktop.run("convert", before, after, "-crop", f"{width}x{height}+{left}+{top}", "+repage",
-                                 "-compose", "difference", "-composite", "-colorspace", "gray", "-threshold", "10%",
-                                 "-format", "%[fx:mean]", "info:")
-        return round(float(share) * width * height)
-
+@pytest.mark.long
+class TestFocusRing(KeyboardTests):
     @staticmethod
     def area_of_focus(frame, is_row):
         left, top, width, height = frame
@@ -183,14 +178,14 @@ class TestKeyboard(SharedDesktop):
         time.sleep(1.5)  # the popover is repainted
         now, frame, seen = None, None, set()
         for _ in range(40):
-            before = self.screenshot("before")
+            before = self.screenshot()
             earlier = frame
             now, _ = self.press_tab(now)
             frame = now.extents()
             kind = "row" if ", " in now.name else now.role
             area = self.area_of_focus(frame, kind == "row")
             try:
-                wait_until(lambda: self.changed_pixels(before, self.screenshot("after"), area) > 20,
+                wait_until(lambda: self.screenshot().changed_pixels(before, area) > 20,
                            f"{now.name!r} looks different with the focus in the {scheme} scheme", timeout=3)
             except TimeoutError:
                 # No failure if the list was reordered: the control moved, or is where the ring was before.
@@ -257,7 +252,7 @@ class TestLocale(SharedDesktop):
 
     def assert_rows_have(self, figure, detail):
         """The line below the list matches `detail`, and at least eight rows end with `figure`."""
-        self.popover.wait_for(lambda content: content.text_matching(detail), f"a line says {detail}")
+        self.popover.wait_for(lambda content: content.text_matching(detail), f"a line is {detail}")
         rows = [node.name for node in self.desktop.accessibility.tree_of(self.tarn.pid).walk()
                 if is_row(node) and re.fullmatch(f".+, {figure}", node.name, re.DOTALL)]
         assert len(rows) >= 8

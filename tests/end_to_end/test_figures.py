@@ -32,6 +32,7 @@ CPU_EXPLAINER = "CPU is shown as a share of one core, like Activity Monitor — 
 PHRASES = "Running cool|Warming up|Running hot|Overheating|Temperature unknown"
 
 
+@pytest.mark.long
 class TestFigures(SharedDesktop):
     """Figures of programs with a known use of memory and processor."""
 

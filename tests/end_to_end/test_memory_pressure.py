@@ -46,8 +46,8 @@ class PressureTests(SharedDesktop):
 
     def level(self):
         """The level in the accessible description of the item."""
-        said = self.tarn.item.property("IconAccessibleDesc")
-        return next(level for level, sentence in MEMORY_SENTENCES.items() if STATUS_TEXTS[sentence] == said)
+        description = self.tarn.item.property("IconAccessibleDesc")
+        return next(level for level, sentence in MEMORY_SENTENCES.items() if STATUS_TEXTS[sentence] == description)
 
     def wait_for_level(self, level, timeout):
         """Waits until the item has this level. Returns the seconds that it took."""

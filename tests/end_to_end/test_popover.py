@@ -75,6 +75,7 @@ class TestClicks(SharedDesktop):
         self.assert_alive()
 
 
+@pytest.mark.long
 class TestRhythm(SharedDesktop):
     """When Tarn sweeps, observed from outside."""
 

@@ -84,6 +84,7 @@ def sweeps_after_closing(log, count):
     return rest.count('"/proc/swaps"') >= 2
 
 
+@pytest.mark.long
 def test_hardware_is_read_on_the_sweep_thread_and_only_while_the_popover_is_open():
     log = WORK / "calls.log"
     trace = ("/usr/bin/strace", "-D", "-f", "-qq", "-e", "trace=openat,statfs", "-o", log)

@@ -112,16 +112,12 @@ class Desktop:
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_text(text, encoding="utf-8")
 
-    def _start_session(self):
-        """Starts the session bus, the accessibility bus and the settings portal."""
-        self._start_session_bus()
-        if self._accessible:
-            self.accessibility = AccessibilityBus(self.session)
-        self._start_portal()
-
-    def _start_portal(self):
+    def _start_services(self):
+        """Starts the settings portal and the accessibility bus."""
         self._portal = self.start("portal", ["python3", PROGRAMS / "settings_portal.py", self._scheme],
                                   stdin=subprocess.PIPE)
+        if self._accessible:
+            self.accessibility = AccessibilityBus(self.session)
         wait_until(lambda: self.session.has_owner(PORTAL), "the settings portal is on the bus")
 
     def _start_session_bus(self):
@@ -145,7 +141,7 @@ class Desktop:
         """Starts a session bus at the address of the killed one, and the settings portal, but no panel."""
         self._scheme = scheme
         self._start_session_bus()
-        self._start_portal()
+        self._start_services()
 
     def stop_portal(self):
         """Stops the settings portal, so that another program can own its name."""

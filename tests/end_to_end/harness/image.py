@@ -26,6 +26,12 @@ def tint_of(colour):
     return None
 
 
+def is_clearly_different(colour, other):
+    """Whether the difference of two colours has more than a tenth of the luma of white (Rec. 709)."""
+    red, green, blue = (abs(part - other_part) for part, other_part in zip(colour, other))
+    return 0.2126 * red + 0.7152 * green + 0.0722 * blue > 25.5
+
+
 @dataclass(frozen=True)
 class Image:
     """`width` times `height` pixels: red, green and blue bytes, rows from top to bottom."""
@@ -44,6 +50,13 @@ class Image:
         start = line * self.width * 3
         parts = self.pixels[start:start + self.width * 3]
         return list(zip(parts[::3], parts[1::3], parts[2::3]))
+
+    def changed_pixels(self, other, area):
+        """The number of pixels in an area (left, top, width, height) that differ clearly from another image."""
+        left, top, width, height = area
+        return sum(is_clearly_different(colour, other_colour) for line in range(max(top, 0), top + height)
+                   for colour, other_colour in zip(self.row(line)[max(left, 0):left + width],
+                                                   other.row(line)[max(left, 0):left + width]))
 
     def circle(self):
         """The circle in this image; None if there is none."""

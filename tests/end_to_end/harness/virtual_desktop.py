@@ -58,9 +58,12 @@ class VirtualDesktop(Desktop):
         self.environment["DISPLAY"] = self._start_display()
         if self._monitors > 1:
             self._arrange_monitors()
-        self._start_session()
-        self._show_wallpaper()
+        self._start_session_bus()
+        # These start side by side.
         self.start("window-manager", ["xfwm4", "--compositor=off"])
+        wallpaper = self._start_wallpaper()
+        self._start_services()
+        wallpaper.wait(timeout=20)
         wait_until(self._is_managed, "the window manager runs")
 
     def _start_display(self):
@@ -100,17 +103,17 @@ class VirtualDesktop(Desktop):
         answer = self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK")
         return "window id #" in answer
 
-    def _show_wallpaper(self):
+    def _start_wallpaper(self):
         # The exit status is 1 even if the image was set.
-        self.start("wallpaper", ["display", "-window", "root", "-size", f"{self.size[0]}x{self.size[1]}",
-                                 WALLPAPER[self._scheme]]).wait(timeout=20)
+        return self.start("wallpaper", ["display", "-window", "root", "-size", f"{self.size[0]}x{self.size[1]}",
+                                        WALLPAPER[self._scheme]])
 
     def change_scheme(self, scheme):
         super().change_scheme(scheme)
         if self._panel and self._host == XFCE:
             self.run("xfconf-query", "-c", "xfce4-panel", "-p", "/panels/dark-mode", "-t", "bool", "-n", "-s",
                      "true" if scheme == "dark" else "false")
-        self._show_wallpaper()
+        self._start_wallpaper().wait(timeout=20)
 
     def click(self, position):
         """Clicks as a person does: with some time between press and release."""

@@ -34,7 +34,8 @@ class WaylandDesktop(Desktop):
     def _start(self):
         self._make_environment("wayland")
         self._write_settings(desktop_settings(self._host, self._scheme) | {"sway/config": COMPOSITOR})
-        self._start_session()
+        self._start_session_bus()
+        self._start_services()
         self._start_compositor()
         for _ in range(1, self._outputs):
             self.run("swaymsg", "create_output")
