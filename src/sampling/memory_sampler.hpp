@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "sampling/pid_map.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn {

@@ -3,11 +3,11 @@
 
 #include <memory>
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 #include "monitor/active_processors.hpp"
 #include "monitor/pressure_source.hpp"
 #include "monitor/thread_name.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

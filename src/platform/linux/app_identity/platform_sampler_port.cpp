@@ -10,7 +10,7 @@
 #include "platform/linux/procfs/linux_proc_scan.hpp"
 #include "platform/linux/procfs/linux_system_memory_reader.hpp"
 #include "platform/linux/procfs/uptime.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

@@ -11,7 +11,7 @@
 #include <memory>
 #include <utility>
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 #include "monitor/active_processors.hpp"
 #include "monitor/pressure_source.hpp"
 #include "monitor/thread_name.hpp"
@@ -22,7 +22,7 @@
 #include "platform/macos/readers/mac_proc_scan.hpp"
 #include "platform/macos/readers/mac_system_memory_reader.hpp"
 #include "platform/macos/system/framework_binding.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

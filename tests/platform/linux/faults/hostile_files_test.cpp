@@ -24,7 +24,7 @@
 #include "platform/linux/app_identity/application_information.hpp"
 #include "platform/linux/faults/whole_machine.hpp"
 #include "platform/linux/sysfs/linux_extras_port.hpp"
-#include "platform/linux/sysfs/active_processors.hpp"
+#include "platform/linux/sysfs/cores_online.hpp"
 #include "platform/linux/procfs/bounded_file.hpp"
 #include "platform/linux/procfs/declared_process.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"

@@ -7,7 +7,7 @@
 
 #include "platform/linux/procfs/process_clock.hpp"
 #include "support/temporary_tree.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "platform/linux/procfs/linux_proc_scan.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 namespace {

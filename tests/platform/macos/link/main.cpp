@@ -4,8 +4,7 @@
 // Reaches everything of the macOS port that needs no framework, so that all of it is linked.
 
 #include "extras/extras_reader.hpp"
-#include "format/byte_formatting.hpp"
-#include "format/cpu_formatting.hpp"
+#include "format/formatting.hpp"
 #include "monitor/active_processors.hpp"
 #include "monitor/pressure_source.hpp"
 #include "monitor/thread_name.hpp"
@@ -17,8 +16,9 @@ int main() {
   const tarn::ExtrasReader extras(tarn::platformExtrasPort());
   const auto pressure = tarn::platformPressureSource();
   const tarn::MemorySnapshot snapshot = sampler.sample();
-  const std::string texts = tarn::ByteFormatting::string(snapshot.attributedTotal()) +
-                            tarn::CPUFormatting::string(snapshot.totalCPUPercent());
+  const std::string texts =
+      tarn::ByteFormatting::string(snapshot.attributedTotal(), tarn::platformByteCountFormatter()) +
+      tarn::CPUFormatting::string(snapshot.totalCPUPercent(), tarn::platformPercentFormatter());
   return texts.empty() || extras.read().uptime < 0 || tarn::platformPressureLevel().value_or(1) < 0 ||
                  tarn::platformActiveProcessorCount() < 1
              ? 1

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "extras/battery_info.hpp"
+#include "extras/battery.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 
 namespace tarn {
 

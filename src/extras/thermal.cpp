@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "extras/thermal_state.hpp"
+#include "extras/thermal.hpp"
 
 namespace tarn {
 

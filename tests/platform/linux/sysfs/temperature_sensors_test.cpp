@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/sysfs/processor_sensors.hpp"
+#include "platform/linux/sysfs/temperature_sensors.hpp"
 
 #include <gmock/gmock.h>
 

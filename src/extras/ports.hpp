@@ -19,7 +19,7 @@
 #include <variant>
 #include <vector>
 
-#include "extras/thermal_state.hpp"
+#include "extras/thermal.hpp"
 
 namespace tarn {
 

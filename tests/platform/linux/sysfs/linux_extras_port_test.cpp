@@ -3,6 +3,8 @@
 
 // Whole machines, from their files to the record that is published.
 
+#include "platform/linux/sysfs/linux_extras_port.hpp"
+
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -10,7 +12,6 @@
 #include <set>
 
 #include "extras/extras_reader.hpp"
-#include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "platform/linux/sysfs/machine_tree.hpp"
 
 namespace tarn {

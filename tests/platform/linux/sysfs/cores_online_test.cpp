@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "monitor/active_processors.hpp"
+#include "platform/linux/sysfs/cores_online.hpp"
 
 #include <gmock/gmock.h>
 #include <sched.h>
 #include <unistd.h>
 
-#include "platform/linux/sysfs/active_processors.hpp"
+#include "monitor/active_processors.hpp"
 #include "platform/linux/procfs/memory_files.hpp"
 #include "support/temporary_tree.hpp"
 

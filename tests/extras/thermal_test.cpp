@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "extras/thermal_sensors.hpp"
-
 #include <gtest/gtest.h>
 
 #include <limits>
+
+#include "extras/thermal_sensors.hpp"
 
 namespace tarn {
 namespace {

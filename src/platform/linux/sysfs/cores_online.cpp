@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/sysfs/active_processors.hpp"
+#include "platform/linux/sysfs/cores_online.hpp"
 
 #include <unistd.h>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/sysfs/throttle_counters.hpp"
+#include "platform/linux/sysfs/thermal_state.hpp"
 
 #include <algorithm>
 #include <set>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "extras/battery_info.hpp"
+#include "extras/battery.hpp"
 
 #include <gtest/gtest.h>
 
