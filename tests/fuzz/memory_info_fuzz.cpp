@@ -3,7 +3,7 @@
 
 #include "fuzz/fuzz_input.hpp"
 #include "platform/linux/procfs/memory_files.hpp"
-#include "platform/linux/psi/memory_pressure_rules.hpp"
+#include "platform/linux/psi/pressure_level.hpp"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto availability = tarn::memoryAvailability(tarn::parseMemoryInfo(tarn::textOf(data, size)));

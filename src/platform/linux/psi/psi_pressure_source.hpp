@@ -10,7 +10,7 @@
 
 #include "monitor/pressure_source.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
-#include "platform/linux/psi/memory_pressure_rules.hpp"
+#include "platform/linux/psi/pressure_level.hpp"
 #include "platform/linux/psi/pressure_events.hpp"
 
 namespace tarn {

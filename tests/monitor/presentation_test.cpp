@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "monitor/cpu_presentation.hpp"
-#include "monitor/status_presentation.hpp"
+#include "monitor/presentation.hpp"
 
 namespace tarn {
 namespace {

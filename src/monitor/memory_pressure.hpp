@@ -8,7 +8,7 @@
 
 #include "monitor/pressure_source.hpp"
 #include "monitor/run_loop.hpp"
-#include "sampling/memory_pressure.hpp"
+#include "sampling/snapshot.hpp"
 
 namespace tarn {
 

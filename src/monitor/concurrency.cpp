@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "monitor/task_inbox.hpp"
+#include "monitor/concurrency.hpp"
 
 #include <memory>
 #include <utility>

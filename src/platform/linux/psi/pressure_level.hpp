@@ -10,7 +10,7 @@
 #include <optional>
 
 #include "platform/linux/procfs/memory_files.hpp"
-#include "sampling/memory_pressure.hpp"
+#include "sampling/snapshot.hpp"
 
 namespace tarn {
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/psi/memory_pressure_rules.hpp"
+#include "platform/linux/psi/pressure_level.hpp"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "monitor/memory_pressure_monitor.hpp"
+#include "monitor/memory_pressure.hpp"
 
 #include <utility>
 

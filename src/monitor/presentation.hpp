@@ -7,7 +7,7 @@
 #include <string>
 
 #include "monitor/tint.hpp"
-#include "sampling/memory_pressure.hpp"
+#include "sampling/snapshot.hpp"
 
 namespace tarn {
 
