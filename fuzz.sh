@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 # fuzz.sh [SECONDS [NAME...]]: makes up inputs for the parsers of all that comes from outside, each for so many seconds of
-# processor time (300 if nothing is said), beginning with tests/fuzz/seeds. Prints how much of each parser was reached, and
+# processor time (300 if nothing is said), beginning with tests/fuzz/corpus. Prints how much of each parser was reached, and
 # ends badly when one was brought down: the input is then in build/fuzz/findings, to be kept as a seed. Installs what is
 # missing.
 set -euo pipefail
@@ -40,12 +40,12 @@ fuzz() {
   mkdir -p "$corpus/$name" "$findings"
   local run=("${fixed_addresses[@]}" "$programs/${name}_fuzz" -max_len=4096 -timeout=10 -print_coverage=1
     -print_final_stats=1 -artifact_prefix="$findings/$name-")
-  [ ! -f "tests/fuzz/words/$name" ] || run+=(-dict="tests/fuzz/words/$name")
+  [ ! -f "tests/fuzz/dictionaries/$name" ] || run+=(-dict="tests/fuzz/dictionaries/$name")
   # The toolkit's fonts are kept by a library of its own until the process ends.
   [ "$name" != row_layout ] || export ASAN_OPTIONS=detect_leaks=0
   while [ "$((spent / 1000))" -lt "$seconds" ] && [ "$status" -eq 0 ]; do
     { time LC_ALL=C.UTF-8 "${run[@]}" -max_total_time=$((seconds - spent / 1000)) "$corpus/$name" \
-      "tests/fuzz/seeds/$name" >"$log" 2>&1; } 2>"$log.time" || status=$?
+      "tests/fuzz/corpus/$name" >"$log" 2>&1; } 2>"$log.time" || status=$?
     spent=$((spent + $(awk 'END {printf "%d", 1000 * ($1 + $2)}' "$log.time")))
     executed="$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")"
     inputs=$((inputs + ${executed:-0}))

@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "platform/linux/app_identity/application_index.hpp"
 #include "platform/linux/app_identity/desktop_entry.hpp"
 #include "support/temporary_tree.hpp"

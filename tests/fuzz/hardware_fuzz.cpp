@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "extras/extras_reader.hpp"
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "support/temporary_tree.hpp"
 

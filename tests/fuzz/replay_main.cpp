@@ -10,7 +10,7 @@
 #include <iterator>
 #include <vector>
 
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 
 int main(int argumentCount, char** arguments) {
   int replayed = 0;

@@ -5,7 +5,7 @@
 #include <QImage>
 #include <QWidget>
 
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "ui/widgets/display_text.hpp"
 #include "ui/popover/row_text.hpp"
 #include "ui/widgets/text_label.hpp"

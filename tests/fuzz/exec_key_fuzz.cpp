@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "platform/linux/app_identity/exec_line.hpp"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "platform/linux/app_identity/process_facts.hpp"
-#include "platform/linux/app_identity/process_signs.hpp"
+#include "platform/linux/app_identity/desktop_id_candidates.hpp"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text = tarn::textOf(data, size);
