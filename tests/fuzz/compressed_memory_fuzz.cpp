@@ -4,7 +4,6 @@
 #include "fuzz/fuzz_target.hpp"
 #include "platform/linux/procfs/memory_files.hpp"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  tarn::parseCompressedDeviceMemory(tarn::textOf(data, size));
-  return 0;
+FUZZ_TARGET(compressed_memory, text) {
+  tarn::parseCompressedDeviceMemory(text);
 }

@@ -4,7 +4,6 @@
 #include "fuzz/fuzz_target.hpp"
 #include "platform/linux/app_identity/property_list.hpp"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  tarn::parsePropertyTexts(tarn::textOf(data, size));
-  return 0;
+FUZZ_TARGET(property_list, text) {
+  tarn::parsePropertyTexts(text);
 }

@@ -4,8 +4,7 @@
 #include "fuzz/fuzz_target.hpp"
 #include "platform/linux/procfs/memory_files.hpp"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const tarn::SwapUse use = tarn::parseSwaps(tarn::textOf(data, size));
+FUZZ_TARGET(swaps, text) {
+  const tarn::SwapUse use = tarn::parseSwaps(text);
   tarn::require(use.outsideMemory <= use.used);
-  return 0;
 }
