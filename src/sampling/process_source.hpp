@@ -89,7 +89,8 @@ using InformationDictionary = std::map<std::string, std::string, std::less<>>;
 
 /// The operating system as the sampler sees it. Owned by the sampler, used on its queue only.
 struct SamplerPort {
-  std::unique_ptr<ProcScan> processes;
+  /// Shared with application rules that need it; they run on the same queue.
+  std::shared_ptr<ProcScan> processes;
   std::unique_ptr<SystemMemoryReader> memory;
 
   /// Seconds since the system started, without the time it slept.

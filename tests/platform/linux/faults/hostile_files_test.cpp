@@ -22,7 +22,7 @@
 
 #include "extras/extras_reader.hpp"
 #include "platform/linux/app_identity/application_information.hpp"
-#include "platform/linux/faults/whole_machine.hpp"
+#include "platform/linux/faults/machine_fixture.hpp"
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "platform/linux/sysfs/cores_online.hpp"
 #include "platform/linux/procfs/bounded_file.hpp"

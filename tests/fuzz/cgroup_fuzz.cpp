@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
+#include "platform/linux/app_identity/desktop_id_candidates.hpp"
 #include "platform/linux/app_identity/process_facts.hpp"
-#include "platform/linux/app_identity/process_signs.hpp"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view text = tarn::textOf(data, size);
+FUZZ_TARGET(cgroup, text) {
   const std::string group = tarn::parseControlGroup(text);
   for (const std::string_view path : {std::string_view(group), text}) {
     for (const auto& ids : {tarn::sandboxIds(path), tarn::unitIds(path)}) {
@@ -16,5 +15,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       tarn::require(tarn::isWithin(part, path));
     tarn::imageMountOf(path);
   }
-  return 0;
 }

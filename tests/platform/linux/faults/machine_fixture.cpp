@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/faults/whole_machine.hpp"
+#include "platform/linux/faults/machine_fixture.hpp"
 
 #include <memory>
 #include <string>

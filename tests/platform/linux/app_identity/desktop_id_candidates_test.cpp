@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/app_identity/process_signs.hpp"
+#include "platform/linux/app_identity/desktop_id_candidates.hpp"
 
 #include <gmock/gmock.h>
 
