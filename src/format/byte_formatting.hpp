@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "format/platform_formatters.hpp"
+#include "format/formatting.hpp"
 
 namespace tarn::ByteFormatting {
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "format/platform_formatters.hpp"
+#include "format/formatting.hpp"
 
 namespace tarn::CPUFormatting {
 

@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-#include "format/platform_formatters.hpp"
+#include "format/formatting.hpp"
 
 namespace tarn {
 

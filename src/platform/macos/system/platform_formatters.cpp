@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "format/platform_formatters.hpp"
+#include "format/formatting.hpp"
 
 #include "platform/macos/foundation/foundation.hpp"
 
