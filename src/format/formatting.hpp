@@ -28,6 +28,12 @@ class PercentFormatter {
   virtual std::optional<std::string> string(double fraction) const = 0;
 };
 
+/// The formatters that the UI uses. Both must outlive this struct.
+struct Formatters {
+  const ByteCountFormatter& bytes;
+  const PercentFormatter& percents;
+};
+
 /// The running system's formatters for the user's locale: made at the first call (safely against concurrent
 /// ones), shared for the life of the process, read-only. Each platform folder defines them.
 const ByteCountFormatter& platformByteCountFormatter();

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
+
 #include <cstdlib>
 #include <memory>
 
@@ -10,7 +12,6 @@
 #include "platform/linux/procfs/linux_proc_scan.hpp"
 #include "platform/linux/procfs/linux_system_memory_reader.hpp"
 #include "platform/linux/procfs/uptime.hpp"
-#include "sampling/platform_readers.hpp"
 
 namespace tarn {
 
@@ -23,8 +24,7 @@ std::string environmentValue(const char* variable) {
 
 }  // namespace
 
-SamplerPort platformSamplerPort() {
-  const LinuxRoots roots;
+SamplerPort makeLinuxSamplerPort(const LinuxRoots& roots) {
   auto processes = std::make_unique<LinuxProcScan>(roots);
   ApplicationIndex index(roots, dataDirectories(environmentValue), programDirectories(environmentValue));
   SamplerPort port;
