@@ -61,8 +61,4 @@ struct ExtrasPort {
   std::function<ThermalState()> thermalState;
 };
 
-/// The port of the running system; each platform folder defines it. Main thread, once; what has to be looked
-/// up once is looked up here.
-ExtrasPort platformExtrasPort();
-
 }  // namespace tarn

@@ -22,7 +22,7 @@ namespace tarn {
 /// share of each group, and, for its whole life, bundle roots and display names.
 class MemorySampler {
  public:
-  explicit MemorySampler(SamplerPort port = platformSamplerPort());
+  explicit MemorySampler(SamplerPort port);
 
   MemorySampler(const MemorySampler&) = delete;
   MemorySampler& operator=(const MemorySampler&) = delete;

@@ -104,7 +104,4 @@ struct SamplerPort {
   std::unique_ptr<ApplicationRules> applicationRules;
 };
 
-/// The port of the running system; each platform folder defines it.
-SamplerPort platformSamplerPort();
-
 }  // namespace tarn

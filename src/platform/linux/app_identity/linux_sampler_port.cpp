@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
+
 #include <cstdlib>
 #include <memory>
 
@@ -10,7 +12,6 @@
 #include "platform/linux/procfs/linux_proc_scan.hpp"
 #include "platform/linux/procfs/linux_system_memory_reader.hpp"
 #include "platform/linux/procfs/uptime.hpp"
-#include "sampling/process_source.hpp"
 
 namespace tarn {
 
@@ -23,15 +24,13 @@ std::string environmentValue(const char* variable) {
 
 }  // namespace
 
-SamplerPort platformSamplerPort() {
-  const LinuxRoots roots;
-  auto processes = std::make_unique<LinuxProcScan>(roots);
+SamplerPort makeLinuxSamplerPort(const LinuxRoots& roots) {
+  auto processes = std::make_shared<LinuxProcScan>(roots);
   ApplicationIndex index(roots, dataDirectories(environmentValue), programDirectories(environmentValue));
   SamplerPort port;
-  // The rules are destroyed before the scan that they ask.
   port.applicationRules = std::make_unique<LinuxApplicationRules>(
-      roots, std::move(index), [&scan = *processes](std::int32_t pid) { return scan.programOf(pid); });
-  port.processes = std::move(processes);
+      roots, std::move(index), [processes](std::int32_t pid) { return processes->programOf(pid); });
+  port.processes = processes;
   port.memory = std::make_unique<LinuxSystemMemoryReader>(roots);
   port.uptime = uptimeSeconds;
   port.bundleInformation = [roots](const std::string& path) { return applicationInformation(roots, path); };

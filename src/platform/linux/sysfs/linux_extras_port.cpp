@@ -54,8 +54,4 @@ ExtrasPort linuxExtrasPort(const LinuxRoots& roots) {
           .thermalState = [hardware] { return hardware->thermalState(); }};
 }
 
-ExtrasPort platformExtrasPort() {
-  return linuxExtrasPort(LinuxRoots{});
-}
-
 }  // namespace tarn

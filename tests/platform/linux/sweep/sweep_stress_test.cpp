@@ -23,6 +23,7 @@
 #include <string>
 #include <thread>
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "sampling/memory_sampler.hpp"
 
 namespace tarn {
@@ -109,7 +110,7 @@ std::unique_ptr<Child> childOfPid(pid_t pid, const std::function<void()>& work) 
 TEST(ProcessStorm, NeverTellsMoreThanTheLoadCanBeNorKeepsFilesOpen) {
   const Child storm(raiseStorm);
   const Child burner(burn);
-  MemorySampler sampler(platformSamplerPort());
+  MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
   sampler.sample();
   std::this_thread::sleep_for(50ms);
   sampler.sample();
@@ -138,7 +139,7 @@ TEST(ProcessStorm, NeverTellsMoreThanTheLoadCanBeNorKeepsFilesOpen) {
 std::optional<double> shareOfHeir(pid_t pid, std::chrono::milliseconds burned,
                                   std::chrono::milliseconds between, const std::function<void()>& work,
                                   std::chrono::milliseconds worked) {
-  MemorySampler sampler(platformSamplerPort());
+  MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
   {
     const auto before = childOfPid(pid, burn);
     if (!before) return std::nullopt;

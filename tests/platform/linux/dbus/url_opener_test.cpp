@@ -1,8 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "app/page_opener.hpp"
-
 #include <gtest/gtest.h>
 
 #include <QDBusError>
@@ -19,9 +17,10 @@
 #include <utility>
 
 #include "platform/linux/dbus/bus_client.hpp"
-#include "support/event_loop.hpp"
-#include "platform/linux/dbus/portal_page_opener.hpp"
+#include "platform/linux/dbus/portal_url_opener.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
+#include "platform/linux/linux_platform.hpp"
+#include "support/event_loop.hpp"
 
 namespace tarn {
 namespace {
@@ -74,12 +73,12 @@ class FakePortal final : public QDBusVirtualObject {
   QList<QDBusMessage> requests_;
 };
 
-class PageOpenerOnABus : public testing::Test {
+class UrlOpenerOnABus : public testing::Test {
  protected:
   void start(Answer answer) { portal_ = std::make_unique<FakePortal>(portalConnection_, answer); }
 
   void ask(std::chrono::milliseconds patience = std::chrono::minutes(1)) {
-    opener_ = std::make_unique<PortalPageOpener>(
+    opener_ = std::make_unique<PortalUrlOpener>(
         connection_, [this](const QString& opened) { openedOtherwise_ << opened; }, patience);
     opener_->open(page);
   }
@@ -102,11 +101,11 @@ class PageOpenerOnABus : public testing::Test {
   QDBusConnection connection_ = bus_.connection();
   QDBusConnection portalConnection_ = bus_.connection();
   std::unique_ptr<FakePortal> portal_;
-  std::unique_ptr<PortalPageOpener> opener_;
+  std::unique_ptr<PortalUrlOpener> opener_;
   QStringList openedOtherwise_;
 };
 
-TEST_F(PageOpenerOnABus, AsksThePortalForThePageAsItIs) {
+TEST_F(UrlOpenerOnABus, AsksThePortalForThePageAsItIs) {
   start(Answer::opens);
   ask();
   ASSERT_TRUE(isAsked());
@@ -121,13 +120,13 @@ TEST_F(PageOpenerOnABus, AsksThePortalForThePageAsItIs) {
   EXPECT_EQ(openedOtherwise_, QStringList());
 }
 
-TEST_F(PageOpenerOnABus, OpensItOtherwiseWhereThereIsNoPortal) {
+TEST_F(UrlOpenerOnABus, OpensItOtherwiseWhereThereIsNoPortal) {
   ask();
   ASSERT_TRUE(isOpenedOtherwise());
   EXPECT_EQ(openedOtherwise_, QStringList{page});
 }
 
-TEST_F(PageOpenerOnABus, OpensItOtherwiseWhereThePortalDoesNot) {
+TEST_F(UrlOpenerOnABus, OpensItOtherwiseWhereThePortalDoesNot) {
   for (const Answer answer : {Answer::refuses, Answer::knowsNoSuchThing}) {
     openedOtherwise_.clear();
     start(answer);
@@ -139,14 +138,14 @@ TEST_F(PageOpenerOnABus, OpensItOtherwiseWhereThePortalDoesNot) {
   }
 }
 
-TEST_F(PageOpenerOnABus, OpensItOtherwiseWhenThePortalHasNotAnsweredInTime) {
+TEST_F(UrlOpenerOnABus, OpensItOtherwiseWhenThePortalHasNotAnsweredInTime) {
   start(Answer::none);
   ask(std::chrono::milliseconds(50));
   ASSERT_TRUE(isOpenedOtherwise());
   EXPECT_EQ(openedOtherwise_, QStringList{page});
 }
 
-TEST_F(PageOpenerOnABus, WaitsForNobodyMeanwhile) {
+TEST_F(UrlOpenerOnABus, WaitsForNobodyMeanwhile) {
   start(Answer::none);
   bus_.pause();  // whoever waits for an answer now, waits as long as the bus' library has patience
   const QDeadlineTimer longBeforeThat(std::chrono::seconds(10));
@@ -158,7 +157,7 @@ TEST_F(PageOpenerOnABus, WaitsForNobodyMeanwhile) {
   EXPECT_EQ(openedOtherwise_, QStringList());
 }
 
-TEST_F(PageOpenerOnABus, ForgetsARequestWhenItIsDestroyed) {
+TEST_F(UrlOpenerOnABus, ForgetsARequestWhenItIsDestroyed) {
   start(Answer::refuses);
   ask();
   opener_.reset();
@@ -182,9 +181,9 @@ class NotedPages final : public QObject {
   void note(const QUrl& address) { pages << address.toString(); }
 };
 
-TEST(PageOpenerWithoutABus, LeavesItToTheToolkit) {
+TEST(UrlOpenerWithoutABus, LeavesItToQt) {
   const NotedPages noted;
-  const PageOpener opener = platformPageOpener();
+  const UrlOpener opener = LinuxPlatform().makeUrlOpener();
   opener(page);
   ASSERT_TRUE(eventually([&] { return !noted.pages.isEmpty(); }));
   EXPECT_EQ(noted.pages, QStringList{page});
@@ -193,4 +192,4 @@ TEST(PageOpenerWithoutABus, LeavesItToTheToolkit) {
 }  // namespace
 }  // namespace tarn
 
-#include "page_opener_test.moc"
+#include "url_opener_test.moc"

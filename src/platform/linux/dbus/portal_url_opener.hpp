@@ -8,18 +8,18 @@
 #include <QString>
 #include <chrono>
 
-#include "app/page_opener.hpp"
+#include "app/platform.hpp"
 
 namespace tarn {
 
 /// Opens pages through the desktop portal. A browser that Tarn started itself would be its child, and as
 /// restricted as Tarn: without a network it is of no use. Where no portal opens the page, `otherwise` does.
 /// Main thread.
-class PortalPageOpener final : public QObject {
+class PortalUrlOpener final : public QObject {
  public:
   /// A portal that has not answered within `patience` is not waited for any longer.
-  PortalPageOpener(QDBusConnection bus, PageOpener otherwise,
-                   std::chrono::milliseconds patience = std::chrono::seconds(10));
+  PortalUrlOpener(QDBusConnection bus, UrlOpener otherwise,
+                  std::chrono::milliseconds patience = std::chrono::seconds(10));
 
   /// Asks the portal; returns at once.
   void open(const QString& page);
@@ -29,7 +29,7 @@ class PortalPageOpener final : public QObject {
 
  private:
   QDBusConnection bus_;
-  PageOpener otherwise_;
+  UrlOpener otherwise_;
   std::chrono::milliseconds patience_;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/dbus/portal_page_opener.hpp"
+#include "platform/linux/dbus/portal_url_opener.hpp"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -12,11 +12,10 @@
 
 namespace tarn {
 
-PortalPageOpener::PortalPageOpener(QDBusConnection bus, PageOpener otherwise,
-                                   std::chrono::milliseconds patience)
+PortalUrlOpener::PortalUrlOpener(QDBusConnection bus, UrlOpener otherwise, std::chrono::milliseconds patience)
     : bus_(std::move(bus)), otherwise_(std::move(otherwise)), patience_(patience) {}
 
-void PortalPageOpener::open(const QString& page) {
+void PortalUrlOpener::open(const QString& page) {
   // A call on a bus that was never reached is never answered, not even by an error.
   if (!bus_.isConnected()) {
     otherwise_(page);
