@@ -55,8 +55,8 @@ Maker maker() {
   return {address, QStringLiteral("https://") + address};
 }
 
-PopoverStyle styleOn(const WindowSystem& windowSystem) {
-  return windowSystem.clientsPlaceWindows && windowSystem.popupsTakeKeys ? PopoverStyle::popup
+PopoverStyle styleOn(const WindowCapabilities& capabilities) {
+  return capabilities.clientsPlaceWindows && capabilities.popupsTakeKeys ? PopoverStyle::popup
                                                                          : PopoverStyle::tool;
 }
 
@@ -75,13 +75,14 @@ QIcon windowIcon() {
 
 /// Where the click was: the pointer knows best while windows may ask for it; a host's word is believed only
 /// when it can be true.
-std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const WindowSystem& windowSystem) {
+std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position,
+                                  const WindowCapabilities& capabilities) {
   const auto isPlausible = [](const QPoint& point) {
     const QScreen* screen = QGuiApplication::screenAt(point);
     return screen != nullptr && isPlausibleAnchor(point, {screen->geometry(), screen->availableGeometry()});
   };
-  if (windowSystem.hostKnowsItsPlace && position) return position;
-  if (windowSystem.clientsPlaceWindows && isPlausible(QCursor::pos())) return QCursor::pos();
+  if (capabilities.hostKnowsItsPlace && position) return position;
+  if (capabilities.clientsPlaceWindows && isPlausible(QCursor::pos())) return QCursor::pos();
   if (position && isPlausible(*position)) return position;
   return std::nullopt;
 }
@@ -98,7 +99,7 @@ TarnApp::TarnApp()
   connect(colorScheme_.get(), &ColorSchemeWatcher::changed, this, &TarnApp::applyTheme);
   connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::itemClicked);
   connect(item_.get(), &MenuBarItem::openRequested, this,
-          [this] { openPopover(clickAnchor(std::nullopt, platformWindowSystem())); });
+          [this] { openPopover(clickAnchor(std::nullopt, platformWindowCapabilities())); });
   connect(item_.get(), &MenuBarItem::quitRequested, this, platformTerminate);
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::letSweepsBegin);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
@@ -141,7 +142,7 @@ PopoverWindow& TarnApp::popover() {
     letSweepsBegin();
     prepareForWindows();
     auto* view = new PopoverView(model_, prefs_, platformFileIcon(), maker());
-    popover_ = std::make_unique<PopoverWindow>(view);
+    popover_ = std::make_unique<PopoverWindow>(view, platformCompositorPlacement());
     connect(view, &PopoverView::quitRequested, this, platformTerminate);
     connect(view, &PopoverView::pageRequested, this, platformPageOpener());
     connect(popover_.get(), &PopoverWindow::closed, this, [this] {
@@ -175,16 +176,17 @@ void TarnApp::openPopover(std::optional<QPoint> position) {
     popover().activateWindow();
     return;
   }
-  const WindowSystem windowSystem = platformWindowSystem();
-  const PopoverStyle style = hasMenuBar_ ? styleOn(windowSystem) : PopoverStyle::regular;
-  popover().open(style, position, windowSystem);
+  const WindowCapabilities capabilities = platformWindowCapabilities();
+  const PopoverStyle style = hasMenuBar_ ? styleOn(capabilities) : PopoverStyle::regular;
+  popover().open(style, {position, platformWindowUnderPointer()}, capabilities);
 }
 
 void TarnApp::itemClicked(std::optional<QPoint> position) {
   // A panel that can be clicked is a menu bar, whatever it said of itself.
   leaveForMenuBar();
-  const WindowSystem windowSystem = platformWindowSystem();
-  popover().toggle(styleOn(windowSystem), clickAnchor(position, windowSystem), windowSystem);
+  const WindowCapabilities capabilities = platformWindowCapabilities();
+  const PopoverGeometry geometry{clickAnchor(position, capabilities), platformWindowUnderPointer()};
+  popover().toggle(styleOn(capabilities), geometry, capabilities);
 }
 
 void TarnApp::showWithoutMenuBar() {
@@ -192,7 +194,7 @@ void TarnApp::showWithoutMenuBar() {
              stderr);
   hasMenuBar_ = false;
   popover().setWindowIcon(windowIcon());
-  popover().open(PopoverStyle::regular, std::nullopt, platformWindowSystem());
+  popover().open(PopoverStyle::regular, {}, platformWindowCapabilities());
 }
 
 void TarnApp::leaveForMenuBar() {

@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 #include <QRectF>
 #include <QScreen>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -43,26 +44,34 @@ std::optional<QRect> windowUnderPointer(xcb_connection_t* connection) {
   return QRectF(QCursor::pos() + corner / scale, QSizeF(window->width, window->height) / scale).toRect();
 }
 
-CompositorPlacement compositorPlacement() {
-  if (std::string sway = swaySocket(); !sway.empty()) return swayPlacement(std::move(sway));
-  if (std::string hyprland = hyprlandSocket(); !hyprland.empty())
-    return hyprlandPlacement(std::move(hyprland));
-  return {};
+xcb_connection_t* x11Connection() {
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  return x11 == nullptr ? nullptr : x11->connection();
+}
+
+bool isWayland() {
+  return QGuiApplication::platformName().startsWith(u"wayland");
 }
 
 }  // namespace
 
-WindowSystem platformWindowSystem() {
-  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (x11 != nullptr) {
-    return {.clientsPlaceWindows = true,
-            .blendsWindows = hasCompositor(x11->connection()),
-            .windowUnderPointer = windowUnderPointer(x11->connection())};
-  }
-  const bool isWayland = QGuiApplication::platformName().startsWith(u"wayland");
-  return {.clientsPlaceWindows = !isWayland,
-          .blendsWindows = isWayland,
-          .compositor = isWayland ? compositorPlacement() : CompositorPlacement()};
+WindowCapabilities platformWindowCapabilities() {
+  if (xcb_connection_t* x11 = x11Connection(); x11 != nullptr)
+    return {.clientsPlaceWindows = true, .blendsWindows = hasCompositor(x11)};
+  return {.clientsPlaceWindows = !isWayland(), .blendsWindows = isWayland()};
+}
+
+std::optional<QRect> platformWindowUnderPointer() {
+  xcb_connection_t* x11 = x11Connection();
+  return x11 == nullptr ? std::nullopt : windowUnderPointer(x11);
+}
+
+std::unique_ptr<CompositorPlacement> platformCompositorPlacement() {
+  if (!isWayland()) return nullptr;
+  if (std::string sway = swaySocket(); !sway.empty()) return swayPlacement(std::move(sway));
+  if (std::string hyprland = hyprlandSocket(); !hyprland.empty())
+    return hyprlandPlacement(std::move(hyprland));
+  return nullptr;
 }
 
 }  // namespace tarn

@@ -12,10 +12,10 @@
 #include "app/program.hpp"
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
-#include "ui/popover/app_icon_provider.hpp"
-#include "ui/widgets/color_scheme.hpp"
 #include "ui/menu_bar/menu_bar_item.hpp"
+#include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/popover_window.hpp"
+#include "ui/widgets/color_scheme.hpp"
 
 namespace tarn {
 
@@ -60,8 +60,16 @@ FileIconLoader platformFileIcon() {
   return [](const std::string& /*path*/) { return QIcon(); };
 }
 
-WindowSystem platformWindowSystem() {
+WindowCapabilities platformWindowCapabilities() {
   return {};
+}
+
+std::optional<QRect> platformWindowUnderPointer() {
+  return std::nullopt;
+}
+
+std::unique_ptr<CompositorPlacement> platformCompositorPlacement() {
+  return nullptr;
 }
 
 PageOpener platformPageOpener() {

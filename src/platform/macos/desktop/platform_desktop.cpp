@@ -17,8 +17,8 @@
 #include "platform/macos/desktop/workspace.hpp"
 #include "platform/macos/foundation/foundation.hpp"
 #include "ui/popover/app_icon_provider.hpp"
-#include "ui/widgets/color_scheme.hpp"
 #include "ui/popover/popover_window.hpp"
+#include "ui/widgets/color_scheme.hpp"
 
 namespace tarn {
 
@@ -74,9 +74,17 @@ FileIconLoader platformFileIcon() {
   };
 }
 
-WindowSystem platformWindowSystem() {
+WindowCapabilities platformWindowCapabilities() {
   return {
       .clientsPlaceWindows = true, .blendsWindows = true, .popupsTakeKeys = false, .hostKnowsItsPlace = true};
+}
+
+std::optional<QRect> platformWindowUnderPointer() {
+  return std::nullopt;
+}
+
+std::unique_ptr<CompositorPlacement> platformCompositorPlacement() {
+  return nullptr;
 }
 
 PageOpener platformPageOpener() {
