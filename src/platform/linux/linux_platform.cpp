@@ -172,8 +172,12 @@ UrlOpener LinuxPlatform::makeUrlOpener() {
   return [portal = std::move(portal)](const QString& url) { portal->open(url); };
 }
 
-WindowSystem LinuxPlatform::windowSystem() const {
+WindowSystemState LinuxPlatform::windowSystemState() const {
   return queryWindowSystem();
+}
+
+std::unique_ptr<CompositorPlacement> LinuxPlatform::makeCompositorPlacement() {
+  return runningCompositorPlacement();
 }
 
 std::unique_ptr<QObject> LinuxPlatform::watchWorkspaces(std::function<void()> switched) {
