@@ -193,4 +193,4 @@ TEST(PageOpenerWithoutABus, LeavesItToTheToolkit) {
 }  // namespace
 }  // namespace tarn
 
-#include "page_opener_test.moc"
+#include "portal_url_opener_test.moc"

@@ -16,7 +16,7 @@
 
 #include "platform/linux/dbus/bus_client.hpp"
 #include "support/event_loop.hpp"
-#include "platform/linux/dbus/portal_color_scheme.hpp"
+#include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
 
 namespace tarn {
