@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "platform/linux/wayland/compositor_placement.hpp"
-#include "platform/linux/wayland/compositor_sockets.hpp"
+#include "platform/linux/wayland/compositor_ipc.hpp"
 #include "platform/linux/x11/x11_click.hpp"
 
 namespace tarn {

@@ -13,7 +13,7 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/linux/wayland/compositor_sockets.hpp"
+#include "platform/linux/wayland/compositor_ipc.hpp"
 
 namespace tarn {
 
