@@ -4,7 +4,7 @@
 #include "fuzz/fuzz_input.hpp"
 #include "platform/linux/app_identity/process_facts.hpp"
 #include "platform/linux/app_identity/process_signs.hpp"
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text = tarn::textOf(data, size);

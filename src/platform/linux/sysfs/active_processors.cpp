@@ -8,8 +8,8 @@
 #include <algorithm>
 
 #include "monitor/active_processors.hpp"
-#include "platform/linux/procfs/bounded_file.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 
 namespace tarn {
 

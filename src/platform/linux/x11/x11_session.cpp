@@ -16,7 +16,7 @@
 #include <utility>
 
 #include "platform/linux/x11/xcb_reply.hpp"
-#include "platform/linux/procfs/declared_process.hpp"
+#include "platform/linux/procfs/namespaced_pid.hpp"
 
 namespace tarn {
 namespace {

@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <thread>
 
-#include "platform/linux/procfs/linux_proc_scan.hpp"
+#include "platform/linux/procfs/sleeping_process_cache.hpp"
 #include "sampling/platform_readers.hpp"
 
 namespace tarn {

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <cstdio>
 
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/allocation_count.hpp"
 #include "support/idle_processes.hpp"

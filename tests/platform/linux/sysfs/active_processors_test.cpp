@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include "platform/linux/sysfs/active_processors.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {
