@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/fuzz_target.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 #include "platform/linux/psi/pressure_level.hpp"
 
 FUZZ_TARGET(memory_info, text) {

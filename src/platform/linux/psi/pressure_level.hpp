@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn {
