@@ -22,6 +22,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/psi/psi_file.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
 #include "support/temporary_tree.hpp"
 #include "sampling/memory_sampler.hpp"
@@ -192,8 +193,8 @@ class RefusedNotifications : public testing::TestWithParam<PressureFiles> {
 
 TEST_P(RefusedNotifications, LeaveTheLevelToLooksAtTheFiles) {
   const auto work = [] {
-    REQUIRE_THAT(!KernelPressureEvents(LinuxRoots{}).arm());
-    REQUIRE_THAT(lookAtPressure(LinuxRoots{}).stalls.has_value() == GetParam().hasStalls);
+    REQUIRE_THAT(!PsiTriggers::ofKernel(LinuxRoots{})->arm());
+    REQUIRE_THAT(readMemoryPsi(LinuxRoots{}).has_value() == GetParam().hasStalls);
     REQUIRE_THAT(platformPressureLevel().has_value());
     ThreadQueue queue;
     const auto source = platformPressureSource();

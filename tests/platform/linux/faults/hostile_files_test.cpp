@@ -27,6 +27,7 @@
 #include "platform/linux/sysfs/active_processors.hpp"
 #include "platform/linux/procfs/bounded_file.hpp"
 #include "platform/linux/procfs/declared_process.hpp"
+#include "platform/linux/psi/psi_file.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/allocation_count.hpp"
@@ -134,9 +135,8 @@ Reading readMachine(const LinuxRoots& roots) {
     }
     reading.memory = snapshot.system;
   }
-  const PressureLook look = lookAtPressure(roots);
-  reading.hasStalls = look.stalls.has_value();
-  reading.hasAvailability = look.availability.has_value();
+  reading.hasStalls = readMemoryPsi(roots).has_value();
+  reading.hasAvailability = currentPressureLevel(roots).has_value();
   const ExtrasReader reader(linuxExtrasPort(roots));
   reading.extras = reader.read();
   reading.extras.uptime = 0;
