@@ -14,11 +14,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "app/page_opener.hpp"
-#include "app/program.hpp"
-#include "monitor/active_processors.hpp"
 #include "monitor/serial_queue.hpp"
-#include "monitor/thread_name.hpp"
 #include "ui/menu_bar/menu_bar_icon.hpp"
 #include "ui/popover/popover_placement.hpp"
 
@@ -28,26 +24,27 @@ namespace {
 
 /// Makes a queue whose tasks begin once `begin` is there: a first sweep costs as much as the whole start of a
 /// program, and would come before the user sees anything.
-std::unique_ptr<TaskQueue> makeNamedQueue(const std::string& label, const std::shared_future<void>& begin) {
+std::unique_ptr<TaskQueue> makeNamedQueue(const Platform& platform, const std::string& label,
+                                          const std::shared_future<void>& begin) {
   constexpr auto longEnough = std::chrono::seconds(1);
   auto queue = std::make_unique<SerialQueue>();
-  queue->async([label, begin, longEnough] {
-    setCurrentThreadName(label);
+  queue->async([&platform, label, begin, longEnough] {
+    platform.setCurrentThreadName(label);
     begin.wait_for(longEnough);
   });
   return queue;
 }
 
-MonitorPorts platformMonitorPorts(RunLoop& mainLoop, std::shared_future<void> begin) {
+MonitorPorts makeMonitorPorts(Platform& platform, RunLoop& mainLoop, std::shared_future<void> begin) {
   return {.mainLoop = mainLoop,
-          .makeQueue =
-              [begin = std::move(begin)](const std::string& label) { return makeNamedQueue(label, begin); },
-          .sampler = platformSamplerPort(),
-          .extras = platformExtrasPort(),
-          .pressureLevel = platformPressureLevel,
-          .pressureSource = platformPressureSource(),
-          .frontmostApplication = platformFrontmostApplication(),
-          .activeProcessorCount = platformActiveProcessorCount};
+          .makeQueue = [&platform, begin = std::move(begin)](
+                           const std::string& label) { return makeNamedQueue(platform, label, begin); },
+          .sampler = platform.makeSamplerPort(),
+          .extras = platform.makeExtrasPort(),
+          .pressureLevel = [&platform] { return platform.pressureLevel(); },
+          .pressureSource = platform.makePressureSource(),
+          .frontmostApplication = platform.makeFrontmostApplicationSource(),
+          .activeProcessorCount = [&platform] { return platform.activeProcessorCount(); }};
 }
 
 Maker maker() {
@@ -88,18 +85,20 @@ std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const W
 
 }  // namespace
 
-TarnApp::TarnApp()
-    : model_(MonitorViewModel::create(platformMonitorPorts(runLoop_, sweepsMayBegin_.get_future().share()))),
-      colorScheme_(platformColorScheme()),
-      item_(platformMenuBarItem()),
+TarnApp::TarnApp(Platform& platform)
+    : platform_(platform),
+      model_(MonitorViewModel::create(
+          makeMonitorPorts(platform, runLoop_, sweepsMayBegin_.get_future().share()))),
+      colorScheme_(platform.makeColorSchemeWatcher()),
+      item_(platform.makeMenuBarItem()),
       labelRenderer_([this] { renderLabel(); }) {
   connect(model_.get(), &MonitorViewModel::willChange, &labelRenderer_, &RenderScheduler::schedule);
   connect(&prefs_, &Preferences::willChange, &labelRenderer_, &RenderScheduler::schedule);
   connect(colorScheme_.get(), &ColorSchemeWatcher::changed, this, &TarnApp::applyTheme);
   connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::itemClicked);
   connect(item_.get(), &MenuBarItem::openRequested, this,
-          [this] { openPopover(clickAnchor(std::nullopt, platformWindowSystem())); });
-  connect(item_.get(), &MenuBarItem::quitRequested, this, platformTerminate);
+          [this] { openPopover(clickAnchor(std::nullopt, platform_.windowSystem())); });
+  connect(item_.get(), &MenuBarItem::quitRequested, this, [this] { platform_.terminate(); });
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::letSweepsBegin);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::leaveForMenuBar);
@@ -140,21 +139,23 @@ PopoverWindow& TarnApp::popover() {
   if (!popover_) {
     letSweepsBegin();
     prepareForWindows();
-    auto* view = new PopoverView(model_, prefs_, platformFileIcon(), maker());
+    auto* view = new PopoverView(model_, prefs_, platform_.makeFileIconLoader(), maker());
     popover_ = std::make_unique<PopoverWindow>(view);
-    connect(view, &PopoverView::quitRequested, this, platformTerminate);
-    connect(view, &PopoverView::pageRequested, this, platformPageOpener());
+    connect(view, &PopoverView::quitRequested, this, [this] { platform_.terminate(); });
+    connect(view, &PopoverView::pageRequested, this, platform_.makeUrlOpener());
     connect(popover_.get(), &PopoverWindow::closed, this, [this] {
       // Without a menu bar this window is all there is of Tarn: closing it ends the program.
-      if (popover_->style() == PopoverStyle::regular) platformTerminate();
+      if (popover_->style() == PopoverStyle::regular) platform_.terminate();
       labelRenderer_.schedule();
     });
-    workspaceWatch_ = platformWorkspaceWatch([this] {
+    workspaceWatch_ = platform_.watchWorkspaces([this] {
       const bool isPopover = popover_ && popover_->isVisible() && popover_->style() != PopoverStyle::regular;
       if (isPopover) popover_->close();
     });
     // Once the window has let go of its own.
-    connect(popover_.get(), &PopoverWindow::closed, this, &platformReturnMemory, Qt::QueuedConnection);
+    connect(
+        popover_.get(), &PopoverWindow::closed, this, [this] { platform_.releaseFreeHeap(); },
+        Qt::QueuedConnection);
     applyTheme();
   }
   return *popover_;
@@ -175,7 +176,7 @@ void TarnApp::openPopover(std::optional<QPoint> position) {
     popover().activateWindow();
     return;
   }
-  const WindowSystem windowSystem = platformWindowSystem();
+  const WindowSystem windowSystem = platform_.windowSystem();
   const PopoverStyle style = hasMenuBar_ ? styleOn(windowSystem) : PopoverStyle::regular;
   popover().open(style, position, windowSystem);
 }
@@ -183,7 +184,7 @@ void TarnApp::openPopover(std::optional<QPoint> position) {
 void TarnApp::itemClicked(std::optional<QPoint> position) {
   // A panel that can be clicked is a menu bar, whatever it said of itself.
   leaveForMenuBar();
-  const WindowSystem windowSystem = platformWindowSystem();
+  const WindowSystem windowSystem = platform_.windowSystem();
   popover().toggle(styleOn(windowSystem), clickAnchor(position, windowSystem), windowSystem);
 }
 
@@ -192,7 +193,7 @@ void TarnApp::showWithoutMenuBar() {
              stderr);
   hasMenuBar_ = false;
   popover().setWindowIcon(windowIcon());
-  popover().open(PopoverStyle::regular, std::nullopt, platformWindowSystem());
+  popover().open(PopoverStyle::regular, std::nullopt, platform_.windowSystem());
 }
 
 void TarnApp::leaveForMenuBar() {

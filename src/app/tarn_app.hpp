@@ -9,13 +9,14 @@
 #include <memory>
 #include <optional>
 
+#include "app/platform.hpp"
 #include "monitor/monitor_view_model.hpp"
 #include "monitor/preferences.hpp"
 #include "monitor/qt_run_loop.hpp"
-#include "ui/widgets/color_scheme.hpp"
 #include "ui/menu_bar/menu_bar_item.hpp"
 #include "ui/menu_bar/menu_bar_label.hpp"
 #include "ui/popover/popover_window.hpp"
+#include "ui/widgets/color_scheme.hpp"
 #include "ui/widgets/render_scheduler.hpp"
 
 namespace tarn {
@@ -25,7 +26,8 @@ class TarnApp : public QObject {
   Q_OBJECT
 
  public:
-  TarnApp();
+  /// `platform` must outlive this object.
+  explicit TarnApp(Platform& platform);
 
   /// Waits for a sweep in flight, which still uses the run loop.
   ~TarnApp() override;
@@ -49,6 +51,7 @@ class TarnApp : public QObject {
   void leaveForMenuBar();
   PopoverWindow& popover();
 
+  Platform& platform_;
   QtRunLoop runLoop_;
   std::promise<void> sweepsMayBegin_;
   bool sweepsBegan_ = false;

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include "platform/linux/window_system.hpp"
+
 #include <QtGui/qguiapplication_platform.h>
 #include <xcb/xcb.h>
 
@@ -14,7 +16,6 @@
 #include "platform/linux/wayland/compositor_placement.hpp"
 #include "platform/linux/wayland/compositor_sockets.hpp"
 #include "platform/linux/x11/xcb_reply.hpp"
-#include "ui/popover/popover_window.hpp"
 
 namespace tarn {
 
@@ -52,7 +53,7 @@ CompositorPlacement compositorPlacement() {
 
 }  // namespace
 
-WindowSystem platformWindowSystem() {
+WindowSystem queryWindowSystem() {
   const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (x11 != nullptr) {
     return {.clientsPlaceWindows = true,

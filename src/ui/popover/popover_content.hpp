@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "extras/thermal_state.hpp"
+#include "extras/thermal.hpp"
 #include "monitor/cpu_presentation.hpp"
 #include "monitor/presentation.hpp"
 #include "monitor/tint.hpp"

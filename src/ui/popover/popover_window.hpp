@@ -33,10 +33,6 @@ struct WindowSystem {
   std::optional<QRect> windowUnderPointer = {};  ///< where that is told: after a click on the item, its panel
 };
 
-/// Asks the running system anew, since a compositor may come and go. Main thread; each platform folder
-/// defines it.
-WindowSystem platformWindowSystem();
-
 /// The window around the popover's view: soft corners and a shadow where the window system blends windows,
 /// soft corners and a hairline elsewhere. Main thread.
 class PopoverWindow : public QWidget {

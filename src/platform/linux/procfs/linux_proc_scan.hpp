@@ -18,7 +18,7 @@
 #include "platform/linux/procfs/process_clock.hpp"
 #include "platform/linux/procfs/process_files.hpp"
 #include "sampling/pid_map.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

@@ -106,7 +106,7 @@ struct Reading {
 };
 
 /// Returns an empty reading, of which only the time is set, when there is no memory to read.
-Reading readPressure(const LinuxRoots& roots, const SteadyClock& clock) {
+Reading takeReading(const LinuxRoots& roots, const SteadyClock& clock) {
   // Both branches return a whole value: a value under construction may be half written when memory runs out.
   try {
     return {readMemoryPsi(roots), readMemoryInfo(roots), clock()};
@@ -156,14 +156,14 @@ std::unique_ptr<PsiTriggers> PsiTriggers::ofKernel(const LinuxRoots& roots) {
 void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyClock& clock,
                    const PressureSource::Handler& handler) {
   bool armed = triggers.arm();
-  Reading before = readPressure(roots, clock);
+  Reading before = takeReading(roots, clock);
   FirstReportFilter filter(before.psi);
   PressureHysteresis hysteresis(pressureLevel(before.psi, before.memory).value_or(MemoryPressure::normal),
                                 before.time);
   for (;;) {
     const PsiTriggers::Wake wake = triggers.wait(armed ? checkInterval : pollInterval);
     if (wake.cancelled) return;
-    const Reading now = readPressure(roots, clock);
+    const Reading now = takeReading(roots, clock);
     MemoryPressure stalls = filter.stallLevelOf(wake, now.psi);
     if (!armed && before.psi && now.psi) stalls = stallLevel(*before.psi, *now.psi, now.time - before.time);
     if (wake.lost) armed = false;
@@ -176,10 +176,6 @@ void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyC
     const bool reported = stalls != MemoryPressure::normal;
     if (reported || hysteresis.level() != lastLevel) handler(static_cast<PressureFlags>(hysteresis.level()));
   }
-}
-
-std::optional<MemoryPressure> currentPressureLevel(const LinuxRoots& roots) {
-  return pressureLevel(readMemoryPsi(roots), readMemoryInfo(roots));
 }
 
 /// What the source shares with its task on the queue. Whoever changes the state from `waiting` first decides
@@ -236,12 +232,8 @@ PsiPressureSource::~PsiPressureSource() {
   watch_->state.wait(Watch::State::running);
 }
 
-std::unique_ptr<PressureSource> platformPressureSource() {
-  return std::make_unique<PsiPressureSource>(LinuxRoots{});
-}
-
-std::optional<std::int32_t> platformPressureLevel() {
-  const auto level = currentPressureLevel(LinuxRoots{});
+std::optional<std::int32_t> readPressureLevel(const LinuxRoots& roots) {
+  const auto level = pressureLevel(readMemoryPsi(roots), readMemoryInfo(roots));
   if (!level) return std::nullopt;
   return static_cast<std::int32_t>(*level);
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -52,9 +53,6 @@ using SteadyClock = std::function<std::chrono::steady_clock::time_point()>;
 void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyClock& clock,
                    const PressureSource::Handler& handler);
 
-/// Returns the level by a single reading; nothing when the available memory cannot be read.
-std::optional<MemoryPressure> currentPressureLevel(const LinuxRoots& roots);
-
 /// Runs `watchPressure` on the queue from `resume` until it is destroyed. The handler may destroy it.
 class PsiPressureSource final : public PressureSource {
  public:
@@ -70,5 +68,8 @@ class PsiPressureSource final : public PressureSource {
   struct Watch;
   std::shared_ptr<Watch> watch_;  ///< shared with the task on the queue, which may outlive the source
 };
+
+/// The present memory pressure as a raw MemoryPressure value; nullopt when it cannot be read. Any thread.
+std::optional<std::int32_t> readPressureLevel(const LinuxRoots& roots);
 
 }  // namespace tarn

@@ -15,9 +15,10 @@
 #include <utility>
 
 #include "platform/linux/dbus/bus_client.hpp"
-#include "support/event_loop.hpp"
 #include "platform/linux/dbus/portal_color_scheme.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
+#include "platform/linux/linux_platform.hpp"
+#include "support/event_loop.hpp"
 
 namespace tarn {
 namespace {
@@ -182,7 +183,7 @@ TEST_F(ColorSchemeOnABus, BelievesOnlyThePortal) {
 }
 
 TEST(ColorSchemeWithoutABus, IsUnknown) {
-  const std::unique_ptr<ColorSchemeWatcher> scheme = platformColorScheme();
+  const std::unique_ptr<ColorSchemeWatcher> scheme = LinuxPlatform().makeColorSchemeWatcher();
   ASSERT_NE(scheme, nullptr);
   EXPECT_EQ(scheme->preference(), std::nullopt);
 }

@@ -13,13 +13,14 @@
 #include <optional>
 
 #include "platform/linux/dbus/bus_client.hpp"
-#include "support/event_loop.hpp"
+#include "platform/linux/dbus/private_bus.hpp"
+#include "platform/linux/linux_platform.hpp"
 #include "platform/linux/status_notifier/fake_watcher.hpp"
 #include "platform/linux/status_notifier/notifier_properties.hpp"
 #include "platform/linux/status_notifier/notifier_types.hpp"
 #include "platform/linux/status_notifier/panel_item.hpp"
-#include "platform/linux/dbus/private_bus.hpp"
 #include "platform/linux/status_notifier/test_label.hpp"
+#include "support/event_loop.hpp"
 
 namespace tarn {
 namespace {
@@ -329,7 +330,7 @@ TEST(MenuBarItemWithoutABus, SaysThatNoPanelShowsIt) {
 }
 
 TEST(MenuBarItemWithoutABus, IsMadeAndDestroyedAllTheSame) {
-  const std::unique_ptr<MenuBarItem> item = platformMenuBarItem();
+  const std::unique_ptr<MenuBarItem> item = LinuxPlatform().makeMenuBarItem();
   ASSERT_NE(item, nullptr);
   item->show(ordinaryLabel());
 }
