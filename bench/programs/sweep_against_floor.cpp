@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
-#include "platform/linux/procfs/linux_proc_scan.hpp"
+#include "platform/linux/procfs/sleeping_process_cache.hpp"
 #include "programs/floor_sweep.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/idle_processes.hpp"

@@ -11,6 +11,8 @@
 #pragma once
 
 #include <QObject>
+#include <QPoint>
+#include <QRect>
 #include <QString>
 #include <cstdint>
 #include <functional>
@@ -43,6 +45,13 @@ class SingleInstance {
   /// session bus). When it returns false, the first process has already been asked to open its popover.
   /// `launchedAgain` is called each time a later process asks the same of this one. Called once.
   virtual bool claim(std::function<void()> launchedAgain) = 0;
+};
+
+/// What the window system reports for one user action.
+struct WindowSystemState {
+  WindowCapabilities capabilities = {};
+  std::optional<QPoint> pointer = {};            ///< screen coordinates; nothing where clients may not ask
+  std::optional<QRect> windowUnderPointer = {};  ///< the panel, when its item was clicked and X11 reports it
 };
 
 /// One operating system and desktop.
@@ -133,9 +142,12 @@ class Platform {
   /// Neutral: QDesktopServices::openUrl().
   virtual UrlOpener makeUrlOpener() = 0;
 
-  /// What the window system supports at present. It may change (a compositor starts or stops), and it may
-  /// take a blocking round trip to the window system: query it once per user action. Neutral: WindowSystem{}.
-  virtual WindowSystem windowSystem() const = 0;
+  /// The window system's present state. It may take blocking round trips: query it once per user action.
+  /// Neutral: WindowSystemState{}.
+  virtual WindowSystemState windowSystemState() const = 0;
+
+  /// Asks the compositor to place the popover. Neutral: null, where clients place their windows.
+  virtual std::unique_ptr<CompositorPlacement> makeCompositorPlacement() = 0;
 
   /// Calls `switched` each time the user changes to another workspace, until the returned object is
   /// destroyed. Neutral: null, where that is unknown or where it closes the popover anyway.

@@ -52,8 +52,8 @@ Maker maker() {
   return {address, QStringLiteral("https://") + address};
 }
 
-PopoverStyle styleOn(const WindowSystem& windowSystem) {
-  return windowSystem.clientsPlaceWindows && windowSystem.popupsTakeKeys ? PopoverStyle::popup
+PopoverStyle styleOn(const WindowCapabilities& capabilities) {
+  return capabilities.clientsPlaceWindows && capabilities.popupsTakeKeys ? PopoverStyle::popup
                                                                          : PopoverStyle::tool;
 }
 
@@ -70,15 +70,15 @@ QIcon windowIcon() {
       MenuBarIcon::image(QStringLiteral("circle"), MenuBarIcon::color(Tint::green), size));
 }
 
-/// Where the click was: the pointer knows best while windows may ask for it; a host's word is believed only
-/// when it can be true.
-std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const WindowSystem& windowSystem) {
+/// The menu-bar item's position. Some hosts report a wrong position, so the pointer's position is preferred.
+std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const WindowSystemState& state) {
   const auto isPlausible = [](const QPoint& point) {
     const QScreen* screen = QGuiApplication::screenAt(point);
     return screen != nullptr && isPlausibleAnchor(point, {screen->geometry(), screen->availableGeometry()});
   };
-  if (windowSystem.hostKnowsItsPlace && position) return position;
-  if (windowSystem.clientsPlaceWindows && isPlausible(QCursor::pos())) return QCursor::pos();
+  if (state.capabilities.hostKnowsItsPlace && position) return position;
+  if (state.capabilities.clientsPlaceWindows && state.pointer && isPlausible(*state.pointer))
+    return state.pointer;
   if (position && isPlausible(*position)) return position;
   return std::nullopt;
 }
@@ -96,8 +96,10 @@ TarnApp::TarnApp(Platform& platform)
   connect(&prefs_, &Preferences::willChange, &labelRenderer_, &RenderScheduler::schedule);
   connect(colorScheme_.get(), &ColorSchemeWatcher::changed, this, &TarnApp::applyTheme);
   connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::itemClicked);
-  connect(item_.get(), &MenuBarItem::openRequested, this,
-          [this] { openPopover(clickAnchor(std::nullopt, platform_.windowSystem())); });
+  connect(item_.get(), &MenuBarItem::openRequested, this, [this] {
+    const WindowSystemState state = platform_.windowSystemState();
+    openPopoverAt(clickAnchor(std::nullopt, state), state);
+  });
   connect(item_.get(), &MenuBarItem::quitRequested, this, [this] { platform_.terminate(); });
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::letSweepsBegin);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
@@ -140,7 +142,7 @@ PopoverWindow& TarnApp::popover() {
     letSweepsBegin();
     prepareForWindows();
     auto* view = new PopoverView(model_, prefs_, platform_.makeFileIconLoader(), maker());
-    popover_ = std::make_unique<PopoverWindow>(view);
+    popover_ = std::make_unique<PopoverWindow>(view, platform_.makeCompositorPlacement());
     connect(view, &PopoverView::quitRequested, this, [this] { platform_.terminate(); });
     connect(view, &PopoverView::pageRequested, this, platform_.makeUrlOpener());
     connect(popover_.get(), &PopoverWindow::closed, this, [this] {
@@ -169,23 +171,26 @@ void TarnApp::applyTheme() {
   popover_->setTheme(scheme == ColorScheme::dark ? Theme::dark() : Theme::light());
 }
 
-void TarnApp::openPopover(std::optional<QPoint> position) {
-  if (!model_) return;
+void TarnApp::openPopover() {
+  if (model_) openPopoverAt(std::nullopt, platform_.windowSystemState());
+}
+
+void TarnApp::openPopoverAt(std::optional<QPoint> anchor, const WindowSystemState& state) {
   if (popover().isVisible()) {
     popover().raise();
     popover().activateWindow();
     return;
   }
-  const WindowSystem windowSystem = platform_.windowSystem();
-  const PopoverStyle style = hasMenuBar_ ? styleOn(windowSystem) : PopoverStyle::regular;
-  popover().open(style, position, windowSystem);
+  const PopoverStyle style = hasMenuBar_ ? styleOn(state.capabilities) : PopoverStyle::regular;
+  popover().open(style, {anchor, state.windowUnderPointer}, state.capabilities);
 }
 
 void TarnApp::itemClicked(std::optional<QPoint> position) {
-  // A panel that can be clicked is a menu bar, whatever it said of itself.
+  // A click proves that a host shows the item, even after hostMissing.
   leaveForMenuBar();
-  const WindowSystem windowSystem = platform_.windowSystem();
-  popover().toggle(styleOn(windowSystem), clickAnchor(position, windowSystem), windowSystem);
+  const WindowSystemState state = platform_.windowSystemState();
+  popover().toggle(styleOn(state.capabilities), {clickAnchor(position, state), state.windowUnderPointer},
+                   state.capabilities);
 }
 
 void TarnApp::showWithoutMenuBar() {
@@ -193,7 +198,7 @@ void TarnApp::showWithoutMenuBar() {
              stderr);
   hasMenuBar_ = false;
   popover().setWindowIcon(windowIcon());
-  popover().open(PopoverStyle::regular, std::nullopt, platform_.windowSystem());
+  popover().open(PopoverStyle::regular, {}, platform_.windowSystemState().capabilities);
 }
 
 void TarnApp::leaveForMenuBar() {

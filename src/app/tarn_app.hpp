@@ -35,9 +35,8 @@ class TarnApp : public QObject {
   TarnApp(const TarnApp&) = delete;
   TarnApp& operator=(const TarnApp&) = delete;
 
-  /// Shows the popover, by whatever way leads to it: the way back for somebody who can not find the item.
-  /// `position` is the item's on the screen, where it is known.
-  void openPopover(std::optional<QPoint> position = std::nullopt);
+  /// Shows the popover in the screen's corner, for a second launch of the program.
+  void openPopover();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -46,6 +45,7 @@ class TarnApp : public QObject {
   void letSweepsBegin();
   void renderLabel();
   void applyTheme();
+  void openPopoverAt(std::optional<QPoint> anchor, const WindowSystemState& state);
   void itemClicked(std::optional<QPoint> position);
   void showWithoutMenuBar();
   void leaveForMenuBar();

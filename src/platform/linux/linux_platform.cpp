@@ -18,7 +18,7 @@
 #include "platform/icu/icu_formatters.hpp"
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "platform/linux/dbus/bus_single_instance.hpp"
-#include "platform/linux/dbus/portal_color_scheme.hpp"
+#include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/portal_url_opener.hpp"
 #include "platform/linux/dbus/session_bus.hpp"
 #include "platform/linux/display_check.hpp"
@@ -29,7 +29,7 @@
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "platform/linux/termination_signals.hpp"
 #include "platform/linux/wayland/compositor_frontmost.hpp"
-#include "platform/linux/wayland/compositor_sockets.hpp"
+#include "platform/linux/wayland/compositor_ipc.hpp"
 #include "platform/linux/window_system.hpp"
 #include "platform/linux/x11/x11_frontmost.hpp"
 #include "platform/linux/x11/x11_workspace_watch.hpp"
@@ -172,8 +172,12 @@ UrlOpener LinuxPlatform::makeUrlOpener() {
   return [portal = std::move(portal)](const QString& url) { portal->open(url); };
 }
 
-WindowSystem LinuxPlatform::windowSystem() const {
+WindowSystemState LinuxPlatform::windowSystemState() const {
   return queryWindowSystem();
+}
+
+std::unique_ptr<CompositorPlacement> LinuxPlatform::makeCompositorPlacement() {
+  return runningCompositorPlacement();
 }
 
 std::unique_ptr<QObject> LinuxPlatform::watchWorkspaces(std::function<void()> switched) {

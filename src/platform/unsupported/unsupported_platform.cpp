@@ -4,6 +4,7 @@
 #include "platform/unsupported/unsupported_platform.hpp"
 
 #include <QCoreApplication>
+#include <QCursor>
 #include <QDesktopServices>
 #include <QTimer>
 #include <QUrl>
@@ -133,8 +134,12 @@ UrlOpener UnsupportedPlatform::makeUrlOpener() {
   return [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); };
 }
 
-WindowSystem UnsupportedPlatform::windowSystem() const {
-  return {};
+WindowSystemState UnsupportedPlatform::windowSystemState() const {
+  return {.pointer = QCursor::pos()};
+}
+
+std::unique_ptr<CompositorPlacement> UnsupportedPlatform::makeCompositorPlacement() {
+  return nullptr;
 }
 
 std::unique_ptr<QObject> UnsupportedPlatform::watchWorkspaces(std::function<void()> /*switched*/) {

@@ -9,7 +9,7 @@
 #include "platform/linux/app_identity/application_information.hpp"
 #include "platform/linux/app_identity/data_directories.hpp"
 #include "platform/linux/app_identity/linux_application_rules.hpp"
-#include "platform/linux/procfs/linux_proc_scan.hpp"
+#include "platform/linux/procfs/sleeping_process_cache.hpp"
 #include "platform/linux/procfs/linux_system_memory_reader.hpp"
 #include "platform/linux/procfs/uptime.hpp"
 

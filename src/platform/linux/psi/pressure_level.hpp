@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 #include "platform/linux/psi/psi_file.hpp"
 #include "sampling/snapshot.hpp"
 

@@ -3,7 +3,7 @@
 
 #include "platform/linux/psi/psi_file.hpp"
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 
 namespace tarn {

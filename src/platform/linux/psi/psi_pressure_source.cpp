@@ -21,8 +21,8 @@
 #include <thread>
 #include <utility>
 
-#include "platform/linux/procfs/bounded_file.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 #include "platform/linux/psi/pressure_level.hpp"
 #include "platform/linux/psi/psi_file.hpp"
 

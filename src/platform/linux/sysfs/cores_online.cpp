@@ -7,8 +7,9 @@
 
 #include <algorithm>
 
-#include "platform/linux/procfs/bounded_file.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
+#include "platform/linux/window_system.hpp"
 
 namespace tarn {
 

@@ -3,6 +3,7 @@
 
 #include "platform/macos/desktop/mac_platform.hpp"
 
+#include <QCursor>
 #include <QDesktopServices>
 #include <QTimer>
 #include <QUrl>
@@ -122,9 +123,16 @@ UrlOpener MacPlatform::makeUrlOpener() {
   return [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); };
 }
 
-WindowSystem MacPlatform::windowSystem() const {
-  return {
-      .clientsPlaceWindows = true, .blendsWindows = true, .popupsTakeKeys = false, .hostKnowsItsPlace = true};
+WindowSystemState MacPlatform::windowSystemState() const {
+  return {.capabilities = {.clientsPlaceWindows = true,
+                           .blendsWindows = true,
+                           .popupsTakeKeys = false,
+                           .hostKnowsItsPlace = true},
+          .pointer = QCursor::pos()};
+}
+
+std::unique_ptr<CompositorPlacement> MacPlatform::makeCompositorPlacement() {
+  return nullptr;
 }
 
 std::unique_ptr<QObject> MacPlatform::watchWorkspaces(std::function<void()> /*switched*/) {

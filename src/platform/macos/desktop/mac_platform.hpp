@@ -32,7 +32,8 @@ class MacPlatform final : public Platform {
   std::unique_ptr<ColorSchemeWatcher> makeColorSchemeWatcher() override;
   FileIconLoader makeFileIconLoader() override;
   UrlOpener makeUrlOpener() override;
-  WindowSystem windowSystem() const override;
+  WindowSystemState windowSystemState() const override;
+  std::unique_ptr<CompositorPlacement> makeCompositorPlacement() override;
   std::unique_ptr<QObject> watchWorkspaces(std::function<void()> switched) override;
 };
 

@@ -5,7 +5,7 @@
 
 #pragma once
 
-#include "platform/linux/procfs/process_clock.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
 #include "support/temporary_tree.hpp"
 #include "sampling/process_source.hpp"
 

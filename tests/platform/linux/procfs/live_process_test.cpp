@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
-#include "platform/linux/procfs/linux_proc_scan.hpp"
+#include "platform/linux/procfs/sleeping_process_cache.hpp"
 #include "sampling/process_source.hpp"
 
 namespace tarn {

@@ -7,7 +7,8 @@
 #include <sched.h>
 #include <unistd.h>
 
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
+#include "platform/linux/sysfs/cores_online.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/procfs/declared_process.hpp"
+#include "platform/linux/procfs/namespaced_pid.hpp"
 
 #include <filesystem>
 #include <string_view>
 #include <system_error>
 
-#include "platform/linux/procfs/bounded_file.hpp"
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 
 namespace tarn {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 
 #include <array>
 

@@ -14,8 +14,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/linux/x11/private_x_server.hpp"
+#include "platform/linux/x11/x11_click.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {
@@ -66,6 +68,23 @@ class WindowClient {
   void own(std::string_view selection, bool yes) {
     xcb_set_selection_owner(connection_, yes ? window_ : xcb_window_t{XCB_WINDOW_NONE}, atom(selection),
                             XCB_CURRENT_TIME);
+    sync();
+  }
+
+  void mapAt(const QRect& place) {
+    const std::array<std::uint32_t, 4> values{
+        static_cast<std::uint32_t>(place.x()), static_cast<std::uint32_t>(place.y()),
+        static_cast<std::uint32_t>(place.width()), static_cast<std::uint32_t>(place.height())};
+    xcb_configure_window(
+        connection_, window_,
+        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+        values.data());
+    xcb_map_window(connection_, window_);
+    sync();
+  }
+
+  void warpPointer(std::int16_t x, std::int16_t y) {
+    xcb_warp_pointer(connection_, XCB_WINDOW_NONE, root_, 0, 0, 0, 0, x, y);
     sync();
   }
 
@@ -187,6 +206,59 @@ TEST_F(X11Frontmost, KnowsATrayOfTheOlderKind) {
   server_.pause();
   EXPECT_EQ(session_.hasEmbeddingTray(X11Session::Clock::now() + Milliseconds(20)), std::nullopt);
   server_.resume();
+}
+
+class X11Click : public X11Frontmost {
+ protected:
+  X11Click() { client_.warpPointer(5, 5); }
+
+  X11ClickState query(const std::vector<ScreenScale>& screens = {{QRect(0, 0, 200, 200), 1.0}}) {
+    return queryX11ClickState(connection_.get(), screens);
+  }
+
+ private:
+  std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection_{
+      xcb_connect(server_.display().c_str(), nullptr), &xcb_disconnect};
+};
+
+TEST_F(X11Click, ReportsWhetherACompositorOwnsItsSelection) {
+  EXPECT_FALSE(query().hasCompositor);
+  client_.own("_NET_WM_CM_S0", true);
+  EXPECT_TRUE(query().hasCompositor);
+  client_.own("_NET_WM_CM_S0", false);
+  EXPECT_FALSE(query().hasCompositor);
+}
+
+TEST_F(X11Click, ReportsThePointerAndTheWindowBelowIt) {
+  EXPECT_EQ(query().pointer, QPoint(5, 5));
+  EXPECT_EQ(query().windowUnderPointer, std::nullopt);
+  client_.mapAt(QRect(20, 30, 100, 40));
+  EXPECT_EQ(query().windowUnderPointer, std::nullopt);
+  client_.warpPointer(50, 60);
+  EXPECT_EQ(query().pointer, QPoint(50, 60));
+  EXPECT_EQ(query().windowUnderPointer, QRect(20, 30, 100, 40));
+}
+
+TEST_F(X11Click, ConvertsToTheCoordinatesOfTheScreenThatThePointerIsOn) {
+  client_.mapAt(QRect(120, 30, 60, 40));
+  client_.warpPointer(140, 60);
+  const std::vector<ScreenScale> screens{{QRect(0, 0, 100, 200), 1.0}, {QRect(100, 0, 50, 100), 2.0}};
+  EXPECT_EQ(query(screens).pointer, QPoint(120, 30));
+  EXPECT_EQ(query(screens).windowUnderPointer, QRect(110, 15, 30, 20));
+}
+
+TEST_F(X11Click, ReportsNoPositionsWhenThePointerIsOnNoScreen) {
+  client_.mapAt(QRect(0, 0, 200, 200));
+  EXPECT_EQ(query({}).pointer, std::nullopt);
+  EXPECT_EQ(query({{QRect(100, 0, 100, 200), 1.0}}).windowUnderPointer, std::nullopt);
+}
+
+TEST_F(X11Click, ReportsNothingWhenTheServerIsGone) {
+  client_.own("_NET_WM_CM_S0", true);
+  ASSERT_TRUE(query().hasCompositor);
+  server_.stop();
+  EXPECT_FALSE(query().hasCompositor);
+  EXPECT_EQ(query().pointer, std::nullopt);
 }
 
 TEST(X11FrontmostWithoutTheResourceExtension, IsWhatTheWindowSaysWhenItIsFromThisMachine) {

@@ -15,8 +15,8 @@
 
 #include "platform/linux/procfs/directory_stream.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
-#include "platform/linux/procfs/process_clock.hpp"
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "sampling/pid_map.hpp"
 #include "sampling/process_source.hpp"
 

@@ -192,4 +192,4 @@ TEST(UrlOpenerWithoutABus, LeavesItToQt) {
 }  // namespace
 }  // namespace tarn
 
-#include "url_opener_test.moc"
+#include "portal_url_opener_test.moc"

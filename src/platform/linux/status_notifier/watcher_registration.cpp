@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/status_notifier/notifier_host.hpp"
+#include "platform/linux/status_notifier/watcher_registration.hpp"
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>

@@ -15,7 +15,7 @@
 #include <utility>
 
 #include "platform/linux/dbus/bus_client.hpp"
-#include "platform/linux/dbus/portal_color_scheme.hpp"
+#include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
 #include "platform/linux/linux_platform.hpp"
 #include "support/event_loop.hpp"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/status_notifier/notifier_menu.hpp"
+#include "platform/linux/status_notifier/dbus_menu.hpp"
 
 #include <gmock/gmock.h>
 

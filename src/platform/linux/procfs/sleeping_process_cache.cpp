@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/procfs/linux_proc_scan.hpp"
+#include "platform/linux/procfs/sleeping_process_cache.hpp"
 
 #include <unistd.h>
 
@@ -11,8 +11,8 @@
 #include <limits>
 #include <utility>
 
-#include "platform/linux/procfs/bounded_file.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 
 namespace tarn {

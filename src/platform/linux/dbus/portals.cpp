@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/dbus/portal_color_scheme.hpp"
+#include "platform/linux/dbus/portals.hpp"
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>

@@ -13,7 +13,7 @@
 
 #include "platform/linux/dbus/bus_client.hpp"
 #include "support/event_loop.hpp"
-#include "platform/linux/status_notifier/item_picture.hpp"
+#include "platform/linux/status_notifier/item_content.hpp"
 #include "platform/linux/status_notifier/notifier_properties.hpp"
 #include "platform/linux/status_notifier/notifier_types.hpp"
 #include "platform/linux/dbus/private_bus.hpp"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/procfs/process_clock.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
 
 #include <linux/magic.h>
 #include <sys/vfs.h>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/status_notifier/item_picture.hpp"
+#include "platform/linux/status_notifier/item_content.hpp"
 
 #include <gtest/gtest.h>
 

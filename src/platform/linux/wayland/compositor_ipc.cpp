@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/wayland/compositor_sockets.hpp"
+#include "platform/linux/wayland/compositor_ipc.hpp"
 
 #include <QString>
 #include <QtGlobal>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 
 #include <algorithm>
 #include <array>

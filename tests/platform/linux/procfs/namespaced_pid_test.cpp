@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/procfs/declared_process.hpp"
+#include "platform/linux/procfs/namespaced_pid.hpp"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

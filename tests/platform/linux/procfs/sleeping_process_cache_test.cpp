@@ -9,7 +9,7 @@
 #include <map>
 #include <optional>
 
-#include "platform/linux/procfs/linux_proc_scan.hpp"
+#include "platform/linux/procfs/sleeping_process_cache.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {
