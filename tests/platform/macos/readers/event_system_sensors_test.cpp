@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "extras/thermal_sensors.hpp"
+#include "extras/thermal.hpp"
 #include "platform/macos/readers/fake_event_system.hpp"
 
 namespace tarn::macos {
