@@ -9,7 +9,6 @@
 
 #include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/system_memory.hpp"
-#include "platform/linux/window_system.hpp"
 
 namespace tarn {
 
