@@ -22,8 +22,8 @@
 
 #include "extras/ports.hpp"
 #include "format/formatting.hpp"
-#include "monitor/frontmost_application.hpp"
-#include "monitor/pressure_source.hpp"
+#include "monitor/memory_pressure.hpp"
+#include "monitor/presentation.hpp"
 #include "sampling/process_source.hpp"
 #include "ui/menu_bar/menu_bar_item.hpp"
 #include "ui/popover/app_icon_provider.hpp"

@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 
-#include "monitor/frontmost_application.hpp"
+#include "monitor/presentation.hpp"
 #include "platform/linux/x11/x11_session.hpp"
 
 namespace tarn {
