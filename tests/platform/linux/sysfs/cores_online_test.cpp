@@ -21,25 +21,25 @@ TEST(ProcessorList, CountsRangesAndSingleNumbers) {
   EXPECT_EQ(countProcessorList("0-1023\n"), 1024);
 }
 
-TEST(ProcessorList, OtherTextGivesNothing) {
+TEST(ProcessorList, RejectsMalformedAndHugeLists) {
   for (const char* text :
        {"", "\n", "x", "0-", "-3", "3-1", "0,", ",0", "0 1", "0-4294967295", "0-99999999"}) {
     EXPECT_FALSE(countProcessorList(text)) << text;
   }
 }
 
-TEST(ActiveProcessors, AreThoseOnline) {
+TEST(CoresOnline, CountsTheListInSysfs) {
   const TemporaryTree tree;
   tree.write("sys/devices/system/cpu/online", "0-3,5\n");
-  EXPECT_EQ(activeProcessorCount(tree.roots()), 5);
+  EXPECT_EQ(countCoresOnline(tree.roots()), 5);
 }
 
-TEST(ActiveProcessors, WithoutAListAreWhatTheCLibraryKnows) {
+TEST(CoresOnline, FallsBackToSysconfWithoutList) {
   const TemporaryTree tree;
-  EXPECT_EQ(activeProcessorCount(tree.roots()), ::sysconf(_SC_NPROCESSORS_ONLN));
+  EXPECT_EQ(countCoresOnline(tree.roots()), ::sysconf(_SC_NPROCESSORS_ONLN));
 }
 
-TEST(ActiveProcessors, DoNotDependOnWhereThisProcessMayRun) {
+TEST(CoresOnline, DoesNotDependOnCPUAffinity) {
   cpu_set_t allowed;
   ASSERT_EQ(::sched_getaffinity(0, sizeof allowed, &allowed), 0);
   const int before = platformActiveProcessorCount();

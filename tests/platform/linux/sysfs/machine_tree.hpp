@@ -9,12 +9,12 @@
 
 namespace tarn {
 
-/// Writes the files of a machine, described in tests/fixtures/linux/machines/NAME.machine: a line in brackets
-/// names a directory, each line below it a file and its text. A file without text stands for one whose driver
-/// does not answer.
+/// Writes the files described in tests/fixtures/linux/machines/NAME.machine: a line in brackets names a
+/// directory, each line "FILE = TEXT" below it a file in this directory. An empty file stands for an
+/// attribute that cannot be read.
 void writeMachine(const TemporaryTree& tree, const std::string& name);
 
-/// Writes the device manager's record of the volume that the tree lies on.
+/// Writes the udev database record of the device that contains the tree.
 void writeVolumeRecord(const TemporaryTree& tree, const std::string& text);
 
 }  // namespace tarn
