@@ -57,8 +57,4 @@ struct ExtrasPort {
   std::function<ThermalState()> thermalState;
 };
 
-/// The port of the running system; each platform folder defines it. Called once, on the main thread. Lookups
-/// that are valid for the life of the process happen in this call.
-ExtrasPort platformExtrasPort();
-
 }  // namespace tarn

@@ -23,7 +23,7 @@ namespace tarn {
 /// lifetime.
 class MemorySampler {
  public:
-  explicit MemorySampler(SamplerPort port = platformSamplerPort());
+  explicit MemorySampler(SamplerPort port);
 
   MemorySampler(const MemorySampler&) = delete;
   MemorySampler& operator=(const MemorySampler&) = delete;

@@ -94,7 +94,8 @@ using InformationDictionary = std::map<std::string, std::string, std::less<>>;
 
 /// The operating system's side of MemorySampler. Owned by the sampler and used only on its queue.
 struct SamplerPort {
-  std::unique_ptr<ProcScan> processes;
+  /// Shared with application rules that need it; they run on the same queue.
+  std::shared_ptr<ProcScan> processes;
   std::unique_ptr<SystemMemoryReader> memory;
 
   /// Seconds since boot, without the time in system sleep.
@@ -107,8 +108,5 @@ struct SamplerPort {
   /// Null on platforms where the path alone identifies the application.
   std::unique_ptr<ApplicationRules> applicationRules;
 };
-
-/// The port of the running system; each platform folder defines it.
-SamplerPort platformSamplerPort();
 
 }  // namespace tarn

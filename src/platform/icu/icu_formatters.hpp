@@ -41,4 +41,8 @@ class IcuPercentFormatter final : public PercentFormatter {
   icu::number::LocalizedNumberFormatter percents_;
 };
 
+/// Formatters for figureLocale(). The first call of each formatter loads ICU's data, not this function. They
+/// live until the process ends. Any thread.
+Formatters icuFormatters();
+
 }  // namespace tarn

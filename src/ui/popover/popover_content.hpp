@@ -14,7 +14,7 @@
 
 #include "extras/thermal.hpp"
 #include "monitor/cpu_presentation.hpp"
-#include "monitor/status_presentation.hpp"
+#include "monitor/presentation.hpp"
 #include "monitor/tint.hpp"
 #include "sampling/snapshot.hpp"
 #include "ui/popover/popover_tab.hpp"

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "platform/linux/procfs/linux_roots.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 #include "sampling/process_source.hpp"
 
 namespace tarn {

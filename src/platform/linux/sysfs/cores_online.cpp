@@ -7,9 +7,8 @@
 
 #include <algorithm>
 
-#include "monitor/active_processors.hpp"
-#include "platform/linux/procfs/bounded_file.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 
 namespace tarn {
 
@@ -17,10 +16,6 @@ int countCoresOnline(const LinuxRoots& roots) {
   if (const auto count = countProcessorList(readFile(roots.sys + "/devices/system/cpu/online")))
     return *count;
   return static_cast<int>(std::max(1L, ::sysconf(_SC_NPROCESSORS_ONLN)));
-}
-
-int platformActiveProcessorCount() {
-  return countCoresOnline(LinuxRoots{});
 }
 
 }  // namespace tarn

@@ -57,8 +57,4 @@ ExtrasPort linuxExtrasPort(const LinuxRoots& roots) {
           .thermalState = [readers] { return readers->thermalState(); }};
 }
 
-ExtrasPort platformExtrasPort() {
-  return linuxExtrasPort(LinuxRoots{});
-}
-
 }  // namespace tarn

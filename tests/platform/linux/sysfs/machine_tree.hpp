@@ -9,9 +9,7 @@
 
 namespace tarn {
 
-/// Writes the files described in tests/fixtures/linux/machines/NAME.machine: a line in brackets names a
-/// directory, each line "FILE = TEXT" below it a file in this directory. An empty file stands for an
-/// attribute that cannot be read.
+/// Writes the files of the machine that tests/fixtures/linux/machines/NAME.machine describes.
 void writeMachine(const TemporaryTree& tree, const std::string& name);
 
 /// Writes the udev database record of the device that contains the tree.

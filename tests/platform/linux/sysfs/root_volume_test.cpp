@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/statvfs.h>
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/sysfs/machine_tree.hpp"
 
 namespace tarn {
