@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include "platform/linux/procfs/system_memory.hpp"
-#include "platform/linux/sysfs/cores_online.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {
@@ -42,14 +41,14 @@ TEST(CoresOnline, FallsBackToSysconfWithoutList) {
 TEST(CoresOnline, DoesNotDependOnCPUAffinity) {
   cpu_set_t allowed;
   ASSERT_EQ(::sched_getaffinity(0, sizeof allowed, &allowed), 0);
-  const int before = activeProcessorCount(LinuxRoots{});
+  const int before = countCoresOnline(LinuxRoots{});
   cpu_set_t one;
   CPU_ZERO(&one);
   for (std::size_t processor = 0; CPU_COUNT(&one) == 0; ++processor) {
     if (CPU_ISSET(processor, &allowed)) CPU_SET(processor, &one);
   }
   ASSERT_EQ(::sched_setaffinity(0, sizeof one, &one), 0);
-  EXPECT_EQ(activeProcessorCount(LinuxRoots{}), before);
+  EXPECT_EQ(countCoresOnline(LinuxRoots{}), before);
   ASSERT_EQ(::sched_setaffinity(0, sizeof allowed, &allowed), 0);
   EXPECT_GE(before, CPU_COUNT(&allowed));
 }
