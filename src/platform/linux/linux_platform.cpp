@@ -144,7 +144,7 @@ FrontmostApplicationSource LinuxPlatform::makeFrontmostApplicationSource() {
 }
 
 int LinuxPlatform::activeProcessorCount() const {
-  return tarn::activeProcessorCount(LinuxRoots{});
+  return countCoresOnline(LinuxRoots{});
 }
 
 void LinuxPlatform::setCurrentThreadName(const std::string& name) const {

@@ -142,7 +142,7 @@ Reading readMachine(const LinuxRoots& roots) {
   reading.extras.uptime = 0;
   if (reading.extras.storage) reading.extras.storage->available = 0;  // which others may take
   reading.thermalState = reader.thermalState();
-  EXPECT_GT(activeProcessorCount(roots), 0);
+  EXPECT_GT(countCoresOnline(roots), 0);
   reading.declared =
       processThatDeclares(roots.proc, 7, 1000, std::chrono::steady_clock::now() + std::chrono::seconds(20));
   reading.bundle = applicationInformation(roots, "/opt/Text.app");
