@@ -40,7 +40,7 @@ QIcon themeIcon(QString name) {
 
 /// The first picture of a bundle that the toolkit can read.
 QIcon bundleIcon(const std::string& bundle) {
-  for (const std::string& picture : bundlePictures(bundle)) {
+  for (const std::string& picture : bundleIconFiles(bundle)) {
     QIcon icon = pictureIcon(QString::fromStdString(picture));
     if (!icon.isNull()) return icon;
   }

@@ -1,15 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// list_groups: one sweep of this machine. A line for each process: its pid, a tab, its group's id, a tab, the
-// group's name.
+// list_groups: samples this machine once. Prints a line for each process: pid, id of its group and name of
+// the group, separated by tabs.
 
 #include <cstdio>
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "sampling/memory_sampler.hpp"
 
 int main() {
-  tarn::MemorySampler sampler(tarn::platformSamplerPort());
+  tarn::MemorySampler sampler(tarn::makeLinuxSamplerPort(tarn::LinuxRoots{}));
   const tarn::MemorySnapshot snapshot = sampler.sample();
   for (const tarn::AppGroup& group : snapshot.groups) {
     for (const tarn::ProcessSample& process : group.processes) {
