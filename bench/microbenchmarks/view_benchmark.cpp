@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What the main thread does with a snapshot: texts, rows, pictures.
+// The main thread's work for a snapshot: texts, rows, icons.
 
 #include <benchmark/benchmark.h>
 
@@ -13,9 +13,9 @@
 
 #include "format/byte_formatting.hpp"
 #include "format/cpu_formatting.hpp"
+#include "ui/menu_bar/menu_bar_icon.hpp"
 #include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/application_list.hpp"
-#include "ui/menu_bar/menu_bar_icon.hpp"
 #include "ui/symbols/symbols.hpp"
 
 namespace tarn {
