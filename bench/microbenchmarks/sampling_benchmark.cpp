@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "sampling/pid_map.hpp"
 

@@ -11,8 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "format/byte_formatting.hpp"
-#include "format/cpu_formatting.hpp"
+#include "format/formatting.hpp"
 #include "ui/menu_bar/menu_bar_icon.hpp"
 #include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/application_list.hpp"
@@ -23,13 +22,15 @@ namespace {
 
 void formatBytes(benchmark::State& state) {
   std::uint64_t bytes = 1'234'567;
-  while (state.KeepRunning()) benchmark::DoNotOptimize(ByteFormatting::string(bytes += 7919));
+  while (state.KeepRunning())
+    benchmark::DoNotOptimize(ByteFormatting::string(bytes += 7919, platformByteCountFormatter()));
 }
 BENCHMARK(formatBytes);
 
 void formatShare(benchmark::State& state) {
   double share = 0;
-  while (state.KeepRunning()) benchmark::DoNotOptimize(CPUFormatting::string(share += 0.37));
+  while (state.KeepRunning())
+    benchmark::DoNotOptimize(CPUFormatting::string(share += 0.37, platformPercentFormatter()));
 }
 BENCHMARK(formatShare);
 

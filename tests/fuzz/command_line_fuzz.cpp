@@ -3,7 +3,7 @@
 
 #include "fuzz/fuzz_target.hpp"
 #include "platform/linux/app_identity/desktop_id_candidates.hpp"
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 
 FUZZ_TARGET(command_line, text) {
   for (const bool isComplete : {false, true}) tarn::scriptPath(tarn::parseArguments(text, isComplete));

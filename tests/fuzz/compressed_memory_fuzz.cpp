@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/fuzz_target.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 
 FUZZ_TARGET(compressed_memory, text) {
   tarn::parseCompressedDeviceMemory(text);

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/fuzz_target.hpp"
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 
 FUZZ_TARGET(process_stat, text) {
   const auto stat = tarn::parseProcessStat(text);

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/fuzz_target.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 
 FUZZ_TARGET(system_files, text) {
   tarn::parseBootTime(text);

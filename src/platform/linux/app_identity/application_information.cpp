@@ -10,7 +10,7 @@
 #include <system_error>
 
 #include "platform/linux/app_identity/desktop_entry.hpp"
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "sampling/bundle_path.hpp"
 
 namespace tarn {

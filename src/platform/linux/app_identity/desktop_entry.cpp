@@ -10,7 +10,7 @@
 #include <cctype>
 #include <memory>
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "sampling/bundle_path.hpp"
 
 namespace tarn {

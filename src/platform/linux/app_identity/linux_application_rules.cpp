@@ -11,9 +11,9 @@
 #include <utility>
 
 #include "platform/linux/app_identity/desktop_id_candidates.hpp"
-#include "platform/linux/procfs/bounded_file.hpp"
 #include "platform/linux/procfs/directory_stream.hpp"
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "sampling/bundle_path.hpp"
 
 namespace tarn {

@@ -14,7 +14,7 @@
 #include "platform/linux/app_identity/application_index.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
 #include "sampling/pid_map.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "platform/linux/app_identity/application_information.hpp"
-#include "platform/linux/procfs/linux_proc_scan.hpp"
 #include "platform/linux/procfs/linux_system_memory_reader.hpp"
+#include "platform/linux/procfs/sleeping_process_cache.hpp"
 
 namespace tarn {
 
@@ -60,10 +60,6 @@ SamplerPort makeLinuxSamplerPort(const LinuxRoots& roots, const Environment& env
   port.uptime = std::move(clocks.uptime);
   port.bundleInformation = [roots](const std::string& path) { return applicationInformation(roots, path); };
   return port;
-}
-
-SamplerPort platformSamplerPort() {
-  return makeLinuxSamplerPort(LinuxRoots{});
 }
 
 std::vector<std::string> dataDirectories(const Environment& environment) {

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "platform/linux/app_identity/linux_application_rules.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
-#include "platform/linux/procfs/process_clock.hpp"
 #include "platform/linux/procfs/uptime.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

@@ -5,8 +5,8 @@
 
 #pragma once
 
-#include "platform/linux/procfs/process_clock.hpp"
-#include "sampling/platform_readers.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
+#include "sampling/process_source.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {

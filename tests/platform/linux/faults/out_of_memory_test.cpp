@@ -215,13 +215,13 @@ TEST(OutOfMemory, AMapThatCannotGrowKeepsItsContent) {
   EXPECT_EQ(thrown, 2U);
 }
 
-/// Three events. All allocations after the second one fail until the third.
-class OutOfMemoryEvents final : public PressureEvents {
+/// Three PSI events. All allocations after the second one fail until the third.
+class OutOfMemoryTriggers final : public PsiTriggers {
  public:
-  explicit OutOfMemoryEvents(std::function<void(int)> atWait) : atWait_(std::move(atWait)) {}
+  explicit OutOfMemoryTriggers(std::function<void(int)> atWait) : atWait_(std::move(atWait)) {}
 
   bool arm() override { return true; }
-  PressureWake wait(std::chrono::milliseconds /*timeout*/) override {
+  Wake wait(std::chrono::milliseconds /*timeout*/) override {
     refusal_.reset();
     if (++waits_ > 3) return {.cancelled = true};
     atWait_(waits_);
@@ -238,16 +238,15 @@ class OutOfMemoryEvents final : public PressureEvents {
 
 TEST(OutOfMemory, AFailedPressureReadingKeepsTheLevel) {
   const TemporaryTree tree;
-  OutOfMemoryEvents events([&tree](int wait) {
+  OutOfMemoryTriggers triggers([&tree](int wait) {
     tree.write("proc/meminfo", wait == 3 ? "MemTotal: 10000 kB\nMemAvailable: 500 kB\n"
                                          : "MemTotal: 10000 kB\nMemAvailable: 3000 kB\n");
   });
   tree.write("proc/meminfo", "MemTotal: 10000 kB\nMemAvailable: 8000 kB\n");
   std::vector<PressureFlags> levels;
   levels.reserve(8);
-  PressureWatch(tree.roots(), events, std::chrono::steady_clock::now).run([&levels](PressureFlags flags) {
-    levels.push_back(flags);
-  });
+  watchPressure(tree.roots(), triggers, std::chrono::steady_clock::now,
+                [&levels](PressureFlags flags) { levels.push_back(flags); });
   EXPECT_THAT(levels, testing::ElementsAre(2, 2, 2));
 }
 

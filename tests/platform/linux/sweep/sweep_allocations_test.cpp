@@ -10,7 +10,7 @@
 #include <cstdio>
 
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/allocation_count.hpp"
 #include "support/idle_processes.hpp"

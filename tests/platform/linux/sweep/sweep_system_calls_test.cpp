@@ -12,8 +12,8 @@
 #include <set>
 #include <vector>
 
-#include "platform/linux/procfs/bounded_file.hpp"
-#include "platform/linux/procfs/memory_files.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 #include "support/idle_processes.hpp"
 #include "support/temporary_tree.hpp"
