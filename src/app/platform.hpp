@@ -60,7 +60,7 @@ struct WindowSystemState {
 /// destroys it last. Returned objects and functions may be used until the platform is destroyed. Thread: the
 /// main thread, except where stated. Failure: no function throws, except for lack of memory. A function
 /// returns its neutral value (stated for each) when the system does not support the operation. Functions
-/// named make... never return null.
+/// named make... return null only where stated.
 class Platform {
  public:
   Platform() = default;
