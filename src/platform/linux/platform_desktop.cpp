@@ -19,17 +19,16 @@
 #include "app/single_instance.hpp"
 #include "monitor/frontmost_application.hpp"
 #include "platform/linux/dbus/bus_single_instance.hpp"
+#include "platform/linux/dbus/portals.hpp"
+#include "platform/linux/dbus/session_bus.hpp"
+#include "platform/linux/status_notifier/panel_item.hpp"
+#include "platform/linux/termination_signals.hpp"
 #include "platform/linux/wayland/compositor_frontmost.hpp"
 #include "platform/linux/wayland/compositor_ipc.hpp"
-#include "platform/linux/status_notifier/panel_item.hpp"
-#include "platform/linux/dbus/portals.hpp"
-#include "platform/linux/dbus/portal_page_opener.hpp"
-#include "platform/linux/dbus/session_bus.hpp"
-#include "platform/linux/termination_signals.hpp"
-#include "platform/linux/x11/x11_frontmost.hpp"
+#include "platform/linux/x11/x11_session.hpp"
 #include "platform/linux/x11/x11_workspace_watch.hpp"
-#include "ui/widgets/color_scheme.hpp"
 #include "ui/menu_bar/menu_bar_item.hpp"
+#include "ui/widgets/color_scheme.hpp"
 
 namespace tarn {
 namespace {
@@ -68,9 +67,10 @@ class SessionSingleInstance final : public SingleInstance {
 
 std::unique_ptr<MenuBarItem> platformMenuBarItem() {
   PanelItemDesktop desktop{QDBusConnection::sessionBus(), runningProgramName, {}};
+  desktop.releaseMemory = platformReturnMemory;
   if (runsOnX11()) {
-    desktop.hasEmbeddingTray = [session = std::make_shared<X11Session>()] {
-      return session->hasEmbeddingTray(X11Session::Clock::now() + patience);
+    desktop.hasXembedTray = [session = std::make_shared<X11Session>()] {
+      return session->hasXembedTray(X11Session::Clock::now() + patience);
     };
   }
   auto item = std::make_unique<PanelItem>(std::move(desktop));
@@ -89,7 +89,7 @@ std::unique_ptr<ColorSchemeWatcher> platformColorScheme() {
 }
 
 PageOpener platformPageOpener() {
-  auto portal = std::make_shared<PortalPageOpener>(
+  auto portal = std::make_shared<PortalUrlOpener>(
       QDBusConnection::sessionBus(), [](const QString& page) { QDesktopServices::openUrl(QUrl(page)); });
   followSessionBus(portal.get());
   return [portal = std::move(portal)](const QString& page) { portal->open(page); };
