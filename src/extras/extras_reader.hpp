@@ -5,7 +5,7 @@
 
 #include <optional>
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 #include "extras/system_extras.hpp"
 #include "extras/thermal_sensors.hpp"
 

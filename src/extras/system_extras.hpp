@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "extras/battery_info.hpp"
+#include "extras/battery.hpp"
 
 namespace tarn {
 

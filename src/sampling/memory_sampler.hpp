@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "sampling/pid_map.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn {
@@ -22,7 +22,7 @@ namespace tarn {
 /// share of each group, and, for its whole life, bundle roots and display names.
 class MemorySampler {
  public:
-  explicit MemorySampler(SamplerPort port = platformSamplerPort());
+  explicit MemorySampler(SamplerPort port);
 
   MemorySampler(const MemorySampler&) = delete;
   MemorySampler& operator=(const MemorySampler&) = delete;

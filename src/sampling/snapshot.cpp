@@ -25,6 +25,24 @@ std::vector<std::size_t> ranking(const std::vector<AppGroup>& groups, SortMetric
 
 }  // namespace
 
+std::optional<MemoryPressure> memoryPressureFromRawValue(std::int32_t rawValue) {
+  switch (rawValue) {
+    case 1:
+      return MemoryPressure::normal;
+    case 2:
+      return MemoryPressure::warning;
+    case 4:
+      return MemoryPressure::critical;
+    default:
+      return std::nullopt;
+  }
+}
+
+MemoryPressure memoryPressureFromReading(std::optional<std::int32_t> reading) {
+  if (!reading) return MemoryPressure::normal;
+  return memoryPressureFromRawValue(*reading).value_or(MemoryPressure::normal);
+}
+
 AppGroup AppGroup::withProcessCount(std::int64_t count) const {
   require(count >= 0);
   return {id,        name,       bundlePath,

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "extras/thermal_state.hpp"
-
 #include <gtest/gtest.h>
+
+#include "extras/thermal.hpp"
 
 namespace tarn {
 namespace {

@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "sampling/platform_readers.hpp"
-
 #include <gtest/gtest.h>
 
+#include "sampling/process_source.hpp"
 #include "support/fake_machine.hpp"
 
 namespace tarn {

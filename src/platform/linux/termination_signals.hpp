@@ -7,7 +7,7 @@
 #include <QSocketNotifier>
 #include <functional>
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 
 namespace tarn {
 

@@ -9,7 +9,7 @@
 
 #include "platform/linux/app_identity/desktop_entry.hpp"
 #include "platform/linux/app_identity/property_list.hpp"
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "sampling/bundle_path.hpp"
 
 namespace tarn {

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 
 namespace tarn {
 

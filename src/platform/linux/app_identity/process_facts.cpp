@@ -9,8 +9,8 @@
 #include <array>
 #include <string_view>
 
-#include "platform/linux/procfs/bounded_file.hpp"
-#include "platform/linux/procfs/process_files.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 
 namespace tarn {

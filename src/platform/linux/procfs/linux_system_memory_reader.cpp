@@ -13,7 +13,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/directory_stream.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 

@@ -7,7 +7,7 @@
 #include <chrono>
 #include <string>
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
 
 namespace tarn {

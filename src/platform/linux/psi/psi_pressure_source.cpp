@@ -8,7 +8,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 
 namespace tarn {
 
@@ -118,12 +118,8 @@ PsiPressureSource::~PsiPressureSource() {
   run_->state.wait(Run::State::running);
 }
 
-std::unique_ptr<PressureSource> platformPressureSource() {
-  return std::make_unique<PsiPressureSource>(LinuxRoots{});
-}
-
-std::optional<std::int32_t> platformPressureLevel() {
-  const auto level = levelAtOnce(lookAtPressure(LinuxRoots{}));
+std::optional<std::int32_t> readPressureLevel(const LinuxRoots& roots) {
+  const auto level = levelAtOnce(lookAtPressure(roots));
   if (!level) return std::nullopt;
   return static_cast<std::int32_t>(*level);
 }

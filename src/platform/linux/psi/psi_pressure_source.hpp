@@ -4,13 +4,14 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 
 #include "monitor/pressure_source.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
-#include "platform/linux/psi/memory_pressure_rules.hpp"
+#include "platform/linux/psi/pressure_level.hpp"
 #include "platform/linux/psi/pressure_events.hpp"
 
 namespace tarn {
@@ -75,5 +76,8 @@ class PsiPressureSource final : public PressureSource {
   struct Run;
   std::shared_ptr<Run> run_;  // shared with the task on the queue, which may be dropped long after
 };
+
+/// The present memory pressure as a raw MemoryPressure value; nullopt when it cannot be read. Any thread.
+std::optional<std::int32_t> readPressureLevel(const LinuxRoots& roots);
 
 }  // namespace tarn

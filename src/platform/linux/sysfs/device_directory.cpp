@@ -11,7 +11,7 @@
 #include <array>
 #include <memory>
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 
 namespace tarn {

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "platform/linux/sysfs/volume_name.hpp"
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 
 namespace tarn {
 

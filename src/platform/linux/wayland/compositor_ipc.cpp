@@ -14,7 +14,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 
 namespace tarn {
 namespace {

@@ -121,6 +121,38 @@ ScreenArea areaOfMonitor(const QJsonObject& monitor) {
   return {whole, whole.adjusted(at(0), at(1), -at(2), -at(3))};
 }
 
+class SwayPlacement final : public CompositorPlacement {
+ public:
+  explicit SwayPlacement(std::string socket) : socket_(std::move(socket)) {}
+
+  std::optional<CompositorPlace> locate() override { return locateOnSway(socket_); }
+
+  void moveTo(const QPoint& corner) override {
+    commandSway(socket_, "move absolute position " + std::to_string(corner.x()) + " px " +
+                             std::to_string(corner.y()) + " px");
+  }
+
+ private:
+  std::string socket_;
+};
+
+class HyprlandPlacement final : public CompositorPlacement {
+ public:
+  explicit HyprlandPlacement(std::string socket) : socket_(std::move(socket)) {}
+
+  std::optional<CompositorPlace> locate() override { return locateOnHyprland(socket_); }
+
+  void moveTo(const QPoint& corner) override {
+    const std::string window = "pid:" + std::to_string(::getpid());
+    requestHyprland(socket_, "[[BATCH]]dispatch setfloating " + window + ";dispatch movewindowpixel exact " +
+                                 std::to_string(corner.x()) + " " + std::to_string(corner.y()) + "," +
+                                 window);
+  }
+
+ private:
+  std::string socket_;
+};
+
 }  // namespace
 
 std::optional<CompositorPlace> placeInSwayTree(std::string_view json, std::int32_t pid) {
@@ -144,24 +176,12 @@ std::optional<CompositorPlace> placeOnHyprland(std::string_view pointer, std::st
   return std::nullopt;
 }
 
-CompositorPlacement swayPlacement(std::string socket) {
-  return {.locate = [socket] { return locateOnSway(socket); },
-          .moveTo =
-              [socket = std::move(socket)](const QPoint& corner) {
-                commandSway(socket, "move absolute position " + std::to_string(corner.x()) + " px " +
-                                        std::to_string(corner.y()) + " px");
-              }};
+std::unique_ptr<CompositorPlacement> swayPlacement(std::string socket) {
+  return std::make_unique<SwayPlacement>(std::move(socket));
 }
 
-CompositorPlacement hyprlandPlacement(std::string socket) {
-  return {.locate = [socket] { return locateOnHyprland(socket); },
-          .moveTo =
-              [socket = std::move(socket)](const QPoint& corner) {
-                const std::string window = "pid:" + std::to_string(::getpid());
-                requestHyprland(socket, "[[BATCH]]dispatch setfloating " + window +
-                                            ";dispatch movewindowpixel exact " + std::to_string(corner.x()) +
-                                            " " + std::to_string(corner.y()) + "," + window);
-              }};
+std::unique_ptr<CompositorPlacement> hyprlandPlacement(std::string socket) {
+  return std::make_unique<HyprlandPlacement>(std::move(socket));
 }
 
 }  // namespace tarn

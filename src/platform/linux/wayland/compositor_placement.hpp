@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,10 +18,10 @@ namespace tarn {
 
 /// Placement by sway at `socket`. sway does not report the pointer's position: locate() has sway center the
 /// window on the pointer and reads the window's position. Main thread; each request blocks for 50 ms at most.
-CompositorPlacement swayPlacement(std::string socket);
+std::unique_ptr<CompositorPlacement> swayPlacement(std::string socket);
 
 /// Placement by Hyprland, which reports the pointer's position. Thread and time as above.
-CompositorPlacement hyprlandPlacement(std::string socket);
+std::unique_ptr<CompositorPlacement> hyprlandPlacement(std::string socket);
 
 /// Parses a reply to sway's GET_TREE after sway has centered the floating window of `pid` on the pointer.
 /// Nothing when there is no such window.

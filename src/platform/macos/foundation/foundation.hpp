@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 
 namespace tarn::macos {
 

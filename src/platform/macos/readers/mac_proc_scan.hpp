@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/macos/readers/system_functions.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn::macos {
 

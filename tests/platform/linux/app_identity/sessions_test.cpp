@@ -10,7 +10,7 @@
 #include <map>
 
 #include "platform/linux/app_identity/linux_application_rules.hpp"
-#include "platform/linux/procfs/linux_proc_scan.hpp"
+#include "platform/linux/procfs/sleeping_process_cache.hpp"
 #include "support/temporary_tree.hpp"
 #include "sampling/memory_sampler.hpp"
 

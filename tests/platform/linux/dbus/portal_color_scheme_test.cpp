@@ -181,11 +181,5 @@ TEST_F(PortalColorSchemeTest, IgnoresSignalsOfOtherSenders) {
   EXPECT_EQ(scheme_->preference(), ColorScheme::light);
 }
 
-TEST(ColorSchemeWithoutABus, IsUnknown) {
-  const std::unique_ptr<ColorSchemeWatcher> scheme = platformColorScheme();
-  ASSERT_NE(scheme, nullptr);
-  EXPECT_EQ(scheme->preference(), std::nullopt);
-}
-
 }  // namespace
 }  // namespace tarn

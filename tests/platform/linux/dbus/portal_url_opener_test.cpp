@@ -8,15 +8,12 @@
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
 #include <QDeadlineTimer>
-#include <QDesktopServices>
 #include <QList>
 #include <QStringList>
-#include <QUrl>
 #include <chrono>
 #include <memory>
 #include <utility>
 
-#include "app/page_opener.hpp"
 #include "platform/linux/dbus/bus_client.hpp"
 #include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
@@ -165,30 +162,5 @@ TEST_F(PortalUrlOpenerTest, IgnoresTheReplyAfterItsDestruction) {
   EXPECT_EQ(fallbackUrls_, QStringList());
 }
 
-/// Records the URLs that QDesktopServices is asked to open.
-class DesktopServicesRecorder final : public QObject {
-  Q_OBJECT
-
- public:
-  DesktopServicesRecorder() { QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "record"); }
-  ~DesktopServicesRecorder() override { QDesktopServices::unsetUrlHandler(QStringLiteral("https")); }
-  Q_DISABLE_COPY_MOVE(DesktopServicesRecorder)
-
-  QStringList urls;
-
- public Q_SLOTS:
-  void record(const QUrl& address) { urls << address.toString(); }
-};
-
-TEST(PageOpenerWithoutABus, LeavesItToTheToolkit) {
-  const DesktopServicesRecorder recorder;
-  const PageOpener opener = platformPageOpener();
-  opener(url);
-  ASSERT_TRUE(eventually([&] { return !recorder.urls.isEmpty(); }));
-  EXPECT_EQ(recorder.urls, QStringList{url});
-}
-
 }  // namespace
 }  // namespace tarn
-
-#include "portal_url_opener_test.moc"

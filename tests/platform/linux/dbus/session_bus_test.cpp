@@ -12,9 +12,6 @@
 #include "platform/linux/dbus/bus_client.hpp"
 #include "platform/linux/dbus/bus_single_instance.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
-#include "platform/linux/status_notifier/fake_watcher.hpp"
-#include "platform/linux/status_notifier/panel_item.hpp"
-#include "platform/linux/status_notifier/test_label.hpp"
 #include "support/event_loop.hpp"
 
 namespace tarn {
@@ -77,27 +74,6 @@ TEST_F(SessionBusTest, DoesNotReconnectWhileConnected) {
   const auto bus = follow();
   const QSignalSpy appeared(bus.get(), &SessionBus::appeared);
   EXPECT_FALSE(eventually([&] { return !appeared.isEmpty(); }, retryInterval * 5));
-}
-
-TEST_F(SessionBusTest, PanelItemMovesToTheNewBus) {
-  const auto bus = follow();
-  PanelItem item({bus->connection(), [](unsigned) { return QString(); }, {}});
-  QObject::connect(bus.get(), &SessionBus::appeared, &item, [&] { item.moveTo(bus->connection()); });
-  item.show(test::labelWithText(QStringLiteral("1 GB")));
-  const QSignalSpy activated(&item, &MenuBarItem::activated);
-  for (int times = 1; times <= 3; ++times) {
-    kill(*bus);
-    daemon_.start();
-    const test::FakeWatcher watcher(daemon_.connection());
-    ASSERT_TRUE(eventually([&] { return watcher.items() == QStringList{bus->connection().baseService()}; }));
-    test::BusClient panel(daemon_.connection(), bus->connection().baseService());
-    const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
-    const QString path = QStringLiteral("/StatusNotifierItem");
-    EXPECT_EQ(panel.property(path, interface, QStringLiteral("Title")).toString(),
-              QStringLiteral("Tarn — 1 GB"));
-    panel.call(path, interface, QStringLiteral("Activate"), {1, 2});
-    EXPECT_TRUE(eventually([&] { return activated.size() == times; }));
-  }
 }
 
 TEST_F(SessionBusTest, SingleInstanceMovesToTheNewBus) {

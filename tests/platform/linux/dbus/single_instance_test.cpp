@@ -1,8 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "app/single_instance.hpp"
-
 #include <gtest/gtest.h>
 
 #include <QDBusConnectionInterface>
@@ -103,10 +101,6 @@ TEST_F(BusSingleInstanceTest, OffersTheApplicationInterfaceAtThePathOfItsName) {
   EXPECT_EQ(call("ActivateAction", {QStringLiteral("open"), QVariantList(), platformData}).type(),
             QDBusMessage::ReplyMessage);
   EXPECT_EQ(launches_, 3);
-}
-
-TEST(SingleInstanceWithoutABus, IsTheFirst) {
-  EXPECT_TRUE(platformSingleInstance()->claim([] {}));
 }
 
 }  // namespace

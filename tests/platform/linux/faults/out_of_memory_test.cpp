@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "extras/extras_reader.hpp"
-#include "platform/linux/faults/whole_machine.hpp"
+#include "platform/linux/faults/machine_fixture.hpp"
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
 #include "sampling/memory_sampler.hpp"

@@ -12,8 +12,9 @@
 #include <filesystem>
 #include <thread>
 
-#include "platform/linux/procfs/linux_proc_scan.hpp"
-#include "sampling/platform_readers.hpp"
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
+#include "platform/linux/procfs/sleeping_process_cache.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 namespace {
@@ -96,7 +97,7 @@ TEST(LiveProcess, AChildThatEndedAndIsGoneGivesNoValue) {
 }
 
 TEST(LivePort, SweepsTheRunningSystem) {
-  const SamplerPort port = platformSamplerPort();
+  const SamplerPort port = makeLinuxSamplerPort(LinuxRoots{});
   const double before = port.uptime();
   const auto pids = port.processes->allPIDs();
   EXPECT_THAT(pids, Contains(::getpid()));

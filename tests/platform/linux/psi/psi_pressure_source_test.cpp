@@ -207,15 +207,15 @@ TEST(KernelPressureEvents, AKernelWithoutThemRefuses) {
   EXPECT_FALSE(KernelPressureEvents(TemporaryTree().roots()).arm());
 }
 
-TEST(PlatformPressureLevel, IsTheLevelOfTheRunningSystem) {
-  const auto level = platformPressureLevel();
+TEST(ReadPressureLevel, IsTheLevelOfTheRunningSystem) {
+  const auto level = readPressureLevel(LinuxRoots{});
   ASSERT_TRUE(level);
   EXPECT_TRUE(memoryPressureFromRawValue(*level)) << *level;
 }
 
-TEST(PlatformPressureSource, StartsAndEnds) {
+TEST(PsiPressureSource, StartsAndEndsOnTheRunningSystem) {
   ThreadQueue queue;
-  const auto source = platformPressureSource();
+  const auto source = std::make_unique<PsiPressureSource>(LinuxRoots{});
   source->resume(queue, [](PressureFlags) {});
 }
 

@@ -14,6 +14,7 @@
 
 #include "platform/linux/dbus/bus_client.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
+#include "platform/linux/dbus/session_bus.hpp"
 #include "platform/linux/status_notifier/fake_watcher.hpp"
 #include "platform/linux/status_notifier/item_content.hpp"
 #include "platform/linux/status_notifier/notifier_types.hpp"
@@ -329,12 +330,6 @@ TEST(PanelItemWithoutBus, EmitsHostMissing) {
   EXPECT_TRUE(eventually([&] { return missing.size() == 1; }));
 }
 
-TEST(MenuBarItemWithoutABus, IsMadeAndDestroyedAllTheSame) {
-  const std::unique_ptr<MenuBarItem> item = platformMenuBarItem();
-  ASSERT_NE(item, nullptr);
-  item->show(ordinaryLabel());
-}
-
 TEST(PanelItemOnDyingBus, EmitsHostMissing) {
   auto bus = std::make_unique<test::PrivateBus>();
   const QDBusConnection connection = bus->connection();
@@ -347,6 +342,28 @@ TEST(PanelItemOnDyingBus, EmitsHostMissing) {
   bus->kill();
   EXPECT_TRUE(eventually([&] { return missing.size() == 1; }));
   item.show(labelWithText(QStringLiteral("1 GB")));
+}
+
+TEST(PanelItemOnDyingBus, MovesToTheNewBus) {
+  test::PrivateBus daemon;
+  SessionBus bus(daemon.connection(), daemon.address());
+  bus.setInterval(std::chrono::milliseconds(20));
+  PanelItem item({bus.connection(), [](unsigned) { return QString(); }, {}});
+  QObject::connect(&bus, &SessionBus::appeared, &item, [&] { item.moveTo(bus.connection()); });
+  item.show(labelWithText(QStringLiteral("1 GB")));
+  const QSignalSpy activated(&item, &MenuBarItem::activated);
+  for (int times = 1; times <= 3; ++times) {
+    daemon.kill();
+    ASSERT_TRUE(eventually([&] { return !bus.connection().isConnected(); }));
+    daemon.start();
+    const FakeWatcher watcher(daemon.connection());
+    ASSERT_TRUE(eventually([&] { return watcher.items() == QStringList{bus.connection().baseService()}; }));
+    test::BusClient panel(daemon.connection(), bus.connection().baseService());
+    EXPECT_EQ(panel.property(path, interface, QStringLiteral("Title")).toString(),
+              QStringLiteral("Tarn — 1 GB"));
+    panel.call(path, interface, QStringLiteral("Activate"), {1, 2});
+    EXPECT_TRUE(eventually([&] { return activated.size() == times; }));
+  }
 }
 
 }  // namespace

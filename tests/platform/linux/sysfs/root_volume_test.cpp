@@ -8,7 +8,7 @@
 
 #include "platform/linux/sysfs/machine_tree.hpp"
 #include "platform/linux/sysfs/volume_name.hpp"
-#include "platform/linux/procfs/bounded_file.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 
 namespace tarn {
 namespace {

@@ -102,7 +102,7 @@ TEST(SwayPlacement, CentersTheWindowOnThePointerAndReadsItsPosition) {
          EXPECT_EQ(readBytes(connection, 14), "i3-ipc\0\0\0\0\4\0\0\0"s);
          write(connection, swayReply(treeWith(R"({"x":2000,"y":0,"width":321,"height":500})", ::getpid())));
        }});
-  const auto place = swayPlacement(sway.path()).locate();
+  const auto place = swayPlacement(sway.path())->locate();
   ASSERT_TRUE(place);
   EXPECT_EQ(place->pointer, QPoint(2160, 0));
   EXPECT_EQ(command, criteria + "floating enable, border none, move position cursor");
@@ -115,9 +115,9 @@ TEST(SwayPlacement, IsAbsentWhileSwayDoesNotHaveTheWindow) {
       readSwayCommand(connection);
       write(connection, swayReply(answer));
     });
-    EXPECT_FALSE(swayPlacement(sway.path()).locate()) << answer;
+    EXPECT_FALSE(swayPlacement(sway.path())->locate()) << answer;
   }
-  EXPECT_FALSE(swayPlacement("/nowhere/at/all").locate());
+  EXPECT_FALSE(swayPlacement("/nowhere/at/all")->locate());
 }
 
 TEST(SwayPlacement, MovesTheUpperLeftCorner) {
@@ -127,7 +127,7 @@ TEST(SwayPlacement, MovesTheUpperLeftCorner) {
       command = readSwayCommand(connection);
       write(connection, swayReply(R"([{"success":true}])"));
     });
-    swayPlacement(sway.path()).moveTo(QPoint(1540, -12));
+    swayPlacement(sway.path())->moveTo(QPoint(1540, -12));
   }
   EXPECT_EQ(command, criteria + "move absolute position 1540 px -12 px");
 }
@@ -143,12 +143,12 @@ TEST(HyprlandPlacement, RequestsThePointerOnceTheWindowExists) {
   const FakeCompositor hyprland({replyTo(9, "j/clients", windows),
                                  replyTo(11, "j/cursorpos", R"({"x": 1200, "y": 12})"),
                                  replyTo(10, "j/monitors", monitors)});
-  const auto place = hyprlandPlacement(hyprland.path()).locate();
+  const auto place = hyprlandPlacement(hyprland.path())->locate();
   ASSERT_TRUE(place);
   EXPECT_EQ(place->pointer, QPoint(1200, 12));
 
   const FakeCompositor without(replyTo(9, "j/clients", R"([{"pid":1}])"));
-  EXPECT_FALSE(hyprlandPlacement(without.path()).locate());
+  EXPECT_FALSE(hyprlandPlacement(without.path())->locate());
 }
 
 TEST(HyprlandPlacement, MovesTheUpperLeftCorner) {
@@ -161,7 +161,7 @@ TEST(HyprlandPlacement, MovesTheUpperLeftCorner) {
       command = readBytes(connection, expected.size());
       write(connection, "ok");
     });
-    hyprlandPlacement(hyprland.path()).moveTo(QPoint(15, -3));
+    hyprlandPlacement(hyprland.path())->moveTo(QPoint(15, -3));
   }
   EXPECT_EQ(command, expected);
 }

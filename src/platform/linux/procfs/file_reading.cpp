@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/procfs/file_reading.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace tarn {
+
+namespace {
+
+// Without O_NONBLOCK the opening of a pipe waits for its writer.
+constexpr int openFlags = O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
+
+/// The number of bytes read; 0 at the end and on any failure.
+std::size_t readSome(int file, std::span<char> buffer) {
+  ssize_t count = 0;
+  do {
+    count = ::read(file, buffer.data(), buffer.size());
+  } while (count < 0 && errno == EINTR);
+  return count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+}  // namespace
+
+FileDescriptor::~FileDescriptor() {
+  if (valid()) ::close(number_);
+}
+
+std::string_view readOnce(int directory, const char* path, std::span<char> buffer) {
+  const FileDescriptor file(::openat(directory, path, openFlags));
+  if (!file.valid()) return {};
+  return {buffer.data(), readSome(file.number(), buffer)};
+}
+
+std::string readFile(const std::string& path, std::size_t limit) {
+  const FileDescriptor file(::open(path.c_str(), openFlags));
+  struct stat status {};
+  if (!file.valid() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+  std::string text;
+  constexpr std::size_t step = 4096;
+  while (text.size() < limit) {
+    const std::size_t before = text.size();
+    text.resize(std::min(limit, before + std::max(step, before)));
+    const std::size_t count = readSome(file.number(), std::span(text).subspan(before));
+    text.resize(before + count);
+    if (count == 0) break;
+  }
+  return text;
+}
+
+}  // namespace tarn
