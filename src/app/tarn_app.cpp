@@ -47,8 +47,8 @@ MonitorPorts makeMonitorPorts(Platform& platform, RunLoop& mainLoop, std::shared
           .activeProcessorCount = [&platform] { return platform.activeProcessorCount(); }};
 }
 
-Maker maker() {
-  const QString address = QStringLiteral(TARN_MAKER_ADDRESS);
+Vendor vendor() {
+  const QString address = QStringLiteral(TARN_VENDOR_ADDRESS);
   return {address, QStringLiteral("https://") + address};
 }
 
@@ -141,10 +141,10 @@ PopoverWindow& TarnApp::popover() {
   if (!popover_) {
     letSweepsBegin();
     prepareForWindows();
-    auto* view = new PopoverView(model_, prefs_, platform_.makeFileIconLoader(), maker());
+    auto* view = new PopoverView(model_, prefs_, platform_.makeFileIconLoader(), vendor());
     popover_ = std::make_unique<PopoverWindow>(view, platform_.makeCompositorPlacement());
     connect(view, &PopoverView::quitRequested, this, [this] { platform_.terminate(); });
-    connect(view, &PopoverView::pageRequested, this, platform_.makeUrlOpener());
+    connect(view, &PopoverView::urlRequested, this, platform_.makeUrlOpener());
     connect(popover_.get(), &PopoverWindow::closed, this, [this] {
       // Without a menu bar this window is all there is of Tarn: closing it ends the program.
       if (popover_->style() == PopoverStyle::regular) platform_.terminate();

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::int64_t wholePercent = 100;
 
-/// The value under a key, if it is there and of that type.
+/// The value for `key`; nullopt when it is absent or has another type.
 template <typename Value>
 std::optional<Value> valueOf(const PropertyDictionary& properties, std::string_view key) {
   const auto entry = properties.find(key);
@@ -26,7 +26,7 @@ std::optional<Value> valueOf(const PropertyDictionary& properties, std::string_v
   return value ? std::optional(*value) : std::nullopt;
 }
 
-/// `part` of `whole`, halves away from zero; at most 100, without a lower bound.
+/// `part` in percent of `whole`. Rounds halves away from zero. The result is at most 100 and may be negative.
 std::int64_t percentOf(std::int64_t part, std::int64_t whole) {
   const double percent =
       std::round(static_cast<double>(part) / static_cast<double>(whole) * static_cast<double>(wholePercent));
@@ -35,7 +35,7 @@ std::int64_t percentOf(std::int64_t part, std::int64_t whole) {
   return percent <= static_cast<double>(lowest) ? lowest : static_cast<std::int64_t>(percent);
 }
 
-/// The capacity of a full charge, by the first key that has one.
+/// The full-charge capacity: the first of these keys that has an integer value.
 std::optional<std::int64_t> fullChargeCapacity(const PropertyDictionary& controller) {
   for (const auto* key : {"AppleRawMaxCapacity", "MaxCapacity", "NominalChargeCapacity"}) {
     if (const auto capacity = valueOf<std::int64_t>(controller, key)) return capacity;
@@ -48,7 +48,7 @@ std::optional<std::int64_t> fullChargeCapacity(const PropertyDictionary& control
 std::optional<BatteryInfo> BatteryInfo::read(const PowerPort& port) {
   const auto charge = readPowerSource(port);
   if (!charge) return std::nullopt;
-  const Wear wear = readSmartBattery(port).value_or(Wear{});
+  const Wear wear = readBatteryController(port).value_or(Wear{});
   return BatteryInfo{charge->percent, charge->isCharging, wear.cycleCount, wear.healthPercent};
 }
 
@@ -58,7 +58,7 @@ std::optional<BatteryInfo::Charge> BatteryInfo::readPowerSource(const PowerPort&
     const auto current = valueOf<std::int64_t>(*source, "Current Capacity");
     const auto max = valueOf<std::int64_t>(*source, "Max Capacity");
     if (!current || !max || *max < 1) continue;
-    // Of a full charge of 100 the capacity is a percentage already.
+    // With a maximum of 100 the current capacity is already a percentage.
     const std::int64_t percent =
         *max == wholePercent ? std::min(*current, wholePercent) : percentOf(*current, *max);
     return Charge{percent, valueOf<bool>(*source, "Is Charging").value_or(false)};
@@ -66,7 +66,7 @@ std::optional<BatteryInfo::Charge> BatteryInfo::readPowerSource(const PowerPort&
   return std::nullopt;
 }
 
-std::optional<BatteryInfo::Wear> BatteryInfo::readSmartBattery(const PowerPort& port) {
+std::optional<BatteryInfo::Wear> BatteryInfo::readBatteryController(const PowerPort& port) {
   const auto controller = port.batteryController();
   if (!controller) return std::nullopt;
   Wear wear{.cycleCount = valueOf<std::int64_t>(*controller, "CycleCount")};

@@ -10,15 +10,16 @@ namespace tarn {
 
 struct PowerPort;
 
-/// The internal battery.
+/// State of the internal battery.
 struct BatteryInfo {
   std::int64_t percent = 0;  ///< charge, at most 100
   bool isCharging = false;
   std::optional<std::int64_t> cycleCount;
-  std::optional<std::int64_t> healthPercent;  ///< full charge as a share of the design's, at most 100
+  std::optional<std::int64_t>
+      healthPercent;  ///< full-charge capacity in percent of the design's, at most 100
 
-  /// Asks the power sources, then, if one of them is an internal battery, its controller. Nothing without
-  /// such a source; a controller that does not answer leaves cycle count and health absent.
+  /// Reads the power sources and, when one of them is an internal battery, the battery controller. Returns
+  /// nullopt without an internal battery. Without a controller `cycleCount` and `healthPercent` are absent.
   static std::optional<BatteryInfo> read(const PowerPort& port);
 
   bool operator==(const BatteryInfo&) const = default;
@@ -34,7 +35,7 @@ struct BatteryInfo {
   };
 
   static std::optional<Charge> readPowerSource(const PowerPort& port);
-  static std::optional<Wear> readSmartBattery(const PowerPort& port);
+  static std::optional<Wear> readBatteryController(const PowerPort& port);
 };
 
 }  // namespace tarn

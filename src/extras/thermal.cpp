@@ -3,6 +3,8 @@
 
 #include "extras/thermal.hpp"
 
+#include <utility>
+
 namespace tarn {
 
 ThermalState thermalStateFromRawValue(std::int64_t rawValue) {
@@ -24,6 +26,26 @@ std::string thermalPhrase(ThermalState state) {
       break;
   }
   return "Temperature unknown";
+}
+
+bool isPlausibleTemperature(double celsius) {
+  constexpr double lowerBound = 1.0;
+  constexpr double upperBound = 120.0;
+  return celsius > lowerBound && celsius < upperBound;
+}
+
+ThermalSensors::ThermalSensors(SensorReadings readings) : readings_(std::move(readings)) {}
+
+std::optional<double> ThermalSensors::averageCelsius() const {
+  double sum = 0;
+  int count = 0;
+  for (const double celsius : readings_()) {
+    if (!isPlausibleTemperature(celsius)) continue;
+    sum += celsius;
+    ++count;
+  }
+  if (count == 0) return std::nullopt;
+  return sum / count;
 }
 
 }  // namespace tarn

@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What the sampler needs from the operating system. A port implements these contracts in its platform
-// folder; deltas, smoothing, grouping and sorting are shared code above them.
+// The contract between MemorySampler and a platform. A platform folder implements these interfaces. Deltas,
+// smoothing, grouping and sorting are shared code in MemorySampler.
 //
-// All calls come from the sampler's serial queue, one at a time, in this order per sweep: uptime, allPIDs,
-// then for each pid bsdInfo, path (only for a process not met before), usage, processName (only without a
-// path); at the end uptime and SystemMemoryReader::read. A process may vanish between any two calls.
+// Thread: all calls come from the sampler's serial queue, one at a time.
+// Order of calls in one sweep: uptime; allPIDs; for each pid bsdInfo, path (only when no path is cached for
+// this process), usage, processName (only when the path is empty); uptime; SystemMemoryReader::read. A
+// process may exit between any two calls.
 
 #pragma once
 
@@ -22,7 +23,7 @@
 
 namespace tarn {
 
-/// What one process uses.
+/// Resources that one process uses.
 struct ProcessUsage {
   std::uint64_t footprint = 0;  ///< physical footprint, bytes
   std::uint64_t cpuTime = 0;    ///< user and system time since the process started, nanoseconds
@@ -30,41 +31,45 @@ struct ProcessUsage {
   bool operator==(const ProcessUsage&) const = default;
 };
 
-/// Where a process comes from.
+/// Parent, owner and start time of one process.
 struct BsdInfo {
-  std::int32_t ppid = 0;       ///< parent pid
-  std::uint32_t uid = 0;       ///< real owner
-  std::uint64_t startSec = 0;  ///< start time, whole seconds since the epoch; a pid's identity over time
+  std::int32_t ppid = 0;  ///< parent pid
+  std::uint32_t uid = 0;  ///< real user id
+  std::uint64_t startSec =
+      0;  ///< start time, whole seconds since the epoch; tells apart processes of one pid
 
   bool operator==(const BsdInfo&) const = default;
 };
 
-/// Queries of the process table. A process that cannot be asked gives no value, or an empty text; nothing is
-/// reported and nothing throws.
+/// Queries of the process table. A query for a process that has exited or denies access returns nullopt or
+/// empty text. No query throws or reports an error.
 class ProcScan {
  public:
   virtual ~ProcScan() = default;
 
-  /// All live pids greater than 0, in the system's order; empty when they cannot be listed. Called first in
-  /// every sweep, so a port may prepare or prune here what it keeps for the sweep.
+  /// All live pids greater than 0, in the system's order. Empty when they cannot be listed. It is the first
+  /// query of every sweep, so an implementation may prune its per-process caches here.
   virtual std::vector<std::int32_t> allPIDs() = 0;
 
   virtual std::optional<BsdInfo> bsdInfo(std::int32_t pid) = 0;
 
-  /// Path of the executable; empty when it is refused or when there is none.
+  /// Absolute path of the executable. Empty when access is denied or the process has no executable.
   virtual std::string path(std::int32_t pid) = 0;
 
   virtual std::optional<ProcessUsage> usage(std::int32_t pid) = 0;
 
-  /// What the system calls a process whose path is unknown, for display only; empty when it has no name for
-  /// it.
+  /// The system's short name of a process whose path is empty. For display only.
   virtual SharedText processName(std::int32_t pid) = 0;
 
-  /// The footprint alone, through `usage`.
-  std::optional<std::uint64_t> footprint(std::int32_t pid);
+  /// The footprint from `usage`, bytes.
+  std::optional<std::uint64_t> footprint(std::int32_t pid) {
+    const std::optional<ProcessUsage> processUsage = usage(pid);
+    if (!processUsage) return std::nullopt;
+    return processUsage->footprint;
+  }
 };
 
-/// The system-wide memory figures; each is 0 when it cannot be read, independently of the others.
+/// System-wide memory figures in bytes. A figure that cannot be read is 0; the others are still valid.
 class SystemMemoryReader {
  public:
   virtual ~SystemMemoryReader() = default;
@@ -73,34 +78,34 @@ class SystemMemoryReader {
   virtual SystemMemory read() = 0;
 };
 
-/// Finds the application of a process by other means than a bundle directory in its path. Asked only where
-/// the path gives no root: for the process itself, then for each ancestor on the walk.
+/// Finds the application of a process that has no ".app" directory in its path. MemorySampler calls it first
+/// for the process itself, then for each ancestor until one has an application.
 class ApplicationRules {
  public:
   virtual ~ApplicationRules() = default;
 
-  /// Root path of the application that owns the process, or empty. `path` may be empty. Asked in every sweep,
-  /// at most once for each process.
+  /// Root path of the application that owns the process. Empty when there is none. `path` may be empty.
+  /// Called at most once per process and sweep.
   virtual SharedText applicationRoot(std::int32_t pid, const std::string& path) = 0;
 };
 
-/// The text entries of a bundle's information dictionary; entries of other types are left out.
+/// The entries of a bundle's Info.plist whose values are strings.
 using InformationDictionary = std::map<std::string, std::string, std::less<>>;
 
-/// The operating system as the sampler sees it. Owned by the sampler, used on its queue only.
+/// The operating system's side of MemorySampler. Owned by the sampler and used only on its queue.
 struct SamplerPort {
   /// Shared with application rules that need it; they run on the same queue.
   std::shared_ptr<ProcScan> processes;
   std::unique_ptr<SystemMemoryReader> memory;
 
-  /// Seconds since the system started, without the time it slept.
+  /// Seconds since boot, without the time in system sleep.
   std::function<double()> uptime;
 
-  /// Information dictionary of the bundle at a path; empty when there is none. Unset where the platform has
-  /// no bundles: applications are then named by their directory.
+  /// Info.plist of the bundle at `bundleRoot`; empty when it has none. Unset on platforms without bundles: an
+  /// application is then named after its directory.
   std::function<InformationDictionary(const std::string& bundleRoot)> bundleInformation;
 
-  /// Null where the platform knows applications by their paths alone.
+  /// Null on platforms where the path alone identifies the application.
   std::unique_ptr<ApplicationRules> applicationRules;
 };
 

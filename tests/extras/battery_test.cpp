@@ -20,7 +20,7 @@ class BatteryInfoTest : public ::testing::Test {
 
   std::optional<BatteryInfo> read() { return BatteryInfo::read(extras_.port().power); }
 
-  /// The battery of a machine with this one source.
+  /// The battery of a machine with one power source.
   std::optional<BatteryInfo> readSource(const PropertyDictionary& source) {
     extras_.powerSources = {source};
     return read();
@@ -31,7 +31,7 @@ class BatteryInfoTest : public ::testing::Test {
     return readSource(internalBattery(current, max)).value().percent;
   }
 
-  /// The battery of a machine with a full pack and this controller.
+  /// The battery of a machine with a full battery and this controller.
   BatteryInfo readController(const PropertyDictionary& controller) {
     extras_.powerSources = {internalBattery(100, 100)};
     extras_.batteryController = controller;
@@ -42,20 +42,20 @@ class BatteryInfoTest : public ::testing::Test {
   std::vector<std::string> calls_;
 };
 
-TEST_F(BatteryInfoTest, IsAbsentWithoutPowerSourcesAndThenAsksNoController) {
+TEST_F(BatteryInfoTest, ReturnsNothingWithoutPowerSourcesAndDoesNotReadTheController) {
   extras_.batteryController = PropertyDictionary{{"CycleCount", std::int64_t{5}}};
   EXPECT_EQ(read(), std::nullopt);
   EXPECT_EQ(calls_, std::vector<std::string>{"powerSources"});
 }
 
-TEST_F(BatteryInfoTest, IsAbsentWhereOnlyOtherSourcesAre) {
+TEST_F(BatteryInfoTest, ReturnsNothingWithoutInternalBattery) {
   PropertyDictionary supply = internalBattery(80, 100);
   supply["Type"] = std::string("UPS");
   EXPECT_EQ(readSource(supply), std::nullopt);
   EXPECT_EQ(calls_, std::vector<std::string>{"powerSources"});
 }
 
-TEST_F(BatteryInfoTest, SkipsASourceThatDoesNotTellItsType) {
+TEST_F(BatteryInfoTest, SkipsASourceWithoutType) {
   PropertyDictionary source = internalBattery(80, 100);
   source.erase("Type");
   EXPECT_EQ(readSource(source), std::nullopt);
@@ -64,7 +64,7 @@ TEST_F(BatteryInfoTest, SkipsASourceThatDoesNotTellItsType) {
   EXPECT_EQ(readSource({}), std::nullopt);
 }
 
-TEST_F(BatteryInfoTest, SkipsABatteryWithoutAWholeNumberOfCurrentCapacity) {
+TEST_F(BatteryInfoTest, SkipsABatteryWithoutIntegerCurrentCapacity) {
   PropertyDictionary source = internalBattery(80, 100);
   for (const PropertyValue& value :
        {PropertyValue(std::string("80")), PropertyValue(80.0), PropertyValue(true), PropertyValue()}) {
@@ -75,7 +75,7 @@ TEST_F(BatteryInfoTest, SkipsABatteryWithoutAWholeNumberOfCurrentCapacity) {
   EXPECT_EQ(readSource(source), std::nullopt);
 }
 
-TEST_F(BatteryInfoTest, SkipsABatteryWhoseMaxCapacityIsNotAtLeastOne) {
+TEST_F(BatteryInfoTest, SkipsABatteryWithMaxCapacityBelowOne) {
   EXPECT_EQ(readSource(internalBattery(80, 0)), std::nullopt);
   EXPECT_EQ(readSource(internalBattery(80, -100)), std::nullopt);
   EXPECT_EQ(percent(1, 1), 100);
@@ -86,7 +86,7 @@ TEST_F(BatteryInfoTest, SkipsABatteryWhoseMaxCapacityIsNotAtLeastOne) {
   EXPECT_EQ(readSource(source), std::nullopt);
 }
 
-TEST_F(BatteryInfoTest, IsTheFirstSourceThatPasses) {
+TEST_F(BatteryInfoTest, UsesTheFirstValidSource) {
   PropertyDictionary supply = internalBattery(10, 100);
   supply["Type"] = std::string("UPS");
   extras_.powerSources = {std::nullopt, supply, internalBattery(20, 0), internalBattery(30, 100),
@@ -94,30 +94,30 @@ TEST_F(BatteryInfoTest, IsTheFirstSourceThatPasses) {
   EXPECT_EQ(read()->percent, 30);
 }
 
-TEST_F(BatteryInfoTest, TakesTheCurrentCapacityAsItStandsWhenFullIs100) {
+TEST_F(BatteryInfoTest, UsesTheCurrentCapacityAsPercentWhenMaxIs100) {
   EXPECT_EQ(percent(87, 100), 87);
   EXPECT_EQ(percent(0, 100), 0);
   EXPECT_EQ(percent(-5, 100), -5);
 }
 
-TEST_F(BatteryInfoTest, RoundsTheShareToTheNearestPercentHalvesAwayFromZero) {
+TEST_F(BatteryInfoTest, RoundsHalvesAwayFromZero) {
   EXPECT_EQ(percent(4123, 4382), 94);
   EXPECT_EQ(percent(125, 1000), 13);
   EXPECT_EQ(percent(124, 1000), 12);
   EXPECT_EQ(percent(-125, 1000), -13);
 }
 
-TEST_F(BatteryInfoTest, IsNeverAbove100Percent) {
+TEST_F(BatteryInfoTest, ClampsTo100Percent) {
   EXPECT_EQ(percent(105, 100), 100);
   EXPECT_EQ(percent(4500, 4382), 100);
   EXPECT_EQ(percent(std::numeric_limits<std::int64_t>::max(), 1), 100);
 }
 
-TEST_F(BatteryInfoTest, BearsAnAbsurdlyNegativeCapacity) {
+TEST_F(BatteryInfoTest, AcceptsTheLowestCapacity) {
   EXPECT_EQ(percent(std::numeric_limits<std::int64_t>::min(), 1), std::numeric_limits<std::int64_t>::min());
 }
 
-TEST_F(BatteryInfoTest, IsChargingOnlyWhenTheSourceSaysSo) {
+TEST_F(BatteryInfoTest, IsChargingOnlyWhenTheSourceReportsTrue) {
   PropertyDictionary source = internalBattery(80, 100);
   EXPECT_FALSE(readSource(source)->isCharging);
   source["Is Charging"] = true;
@@ -128,19 +128,19 @@ TEST_F(BatteryInfoTest, IsChargingOnlyWhenTheSourceSaysSo) {
   EXPECT_FALSE(readSource(source)->isCharging);
 }
 
-TEST_F(BatteryInfoTest, HasChargeAloneWithoutAController) {
+TEST_F(BatteryInfoTest, HasOnlyChargeWithoutController) {
   EXPECT_EQ(readSource(internalBattery(64, 100)), (BatteryInfo{.percent = 64}));
   EXPECT_EQ(calls_, (std::vector<std::string>{"powerSources", "batteryController"}));
 }
 
-TEST_F(BatteryInfoTest, TellsTheCycleCountAsTheControllerDoes) {
+TEST_F(BatteryInfoTest, ReportsTheCycleCountOfTheController) {
   EXPECT_EQ(readController({{"CycleCount", std::int64_t{312}}}).cycleCount, 312);
   EXPECT_EQ(readController({{"CycleCount", std::int64_t{0}}}).cycleCount, 0);
   EXPECT_EQ(readController({{"CycleCount", std::string("312")}}).cycleCount, std::nullopt);
   EXPECT_EQ(readController({}).cycleCount, std::nullopt);
 }
 
-TEST_F(BatteryInfoTest, TellsHealthAsAShareOfTheDesignCapacity) {
+TEST_F(BatteryInfoTest, ReportsHealthInPercentOfTheDesignCapacity) {
   const auto health = [this](std::int64_t full, std::int64_t design) {
     return readController({{"AppleRawMaxCapacity", full}, {"DesignCapacity", design}}).healthPercent;
   };
@@ -154,7 +154,7 @@ TEST_F(BatteryInfoTest, TellsHealthAsAShareOfTheDesignCapacity) {
   EXPECT_EQ(health(3950, -1), std::nullopt);
 }
 
-TEST_F(BatteryInfoTest, TakesTheFirstFullCapacityThatIsAWholeNumber) {
+TEST_F(BatteryInfoTest, UsesTheFirstFullCapacityThatIsAnInteger) {
   PropertyDictionary controller = {{"DesignCapacity", std::int64_t{1000}},
                                    {"AppleRawMaxCapacity", std::int64_t{910}},
                                    {"MaxCapacity", std::int64_t{820}},
@@ -170,7 +170,7 @@ TEST_F(BatteryInfoTest, TakesTheFirstFullCapacityThatIsAWholeNumber) {
   EXPECT_EQ(readController(controller).healthPercent, std::nullopt);
 }
 
-TEST_F(BatteryInfoTest, DoesNotGoOnFromAFullCapacityOfZero) {
+TEST_F(BatteryInfoTest, DoesNotFallBackFromAFullCapacityOfZero) {
   EXPECT_EQ(readController({{"DesignCapacity", std::int64_t{1000}},
                             {"AppleRawMaxCapacity", std::int64_t{0}},
                             {"MaxCapacity", std::int64_t{820}}})
@@ -178,7 +178,7 @@ TEST_F(BatteryInfoTest, DoesNotGoOnFromAFullCapacityOfZero) {
             std::nullopt);
 }
 
-TEST_F(BatteryInfoTest, TellsTheCycleCountOfAControllerWithoutADesignCapacity) {
+TEST_F(BatteryInfoTest, ReportsTheCycleCountWithoutDesignCapacity) {
   const BatteryInfo battery =
       readController({{"CycleCount", std::int64_t{7}}, {"MaxCapacity", std::int64_t{820}}});
   EXPECT_EQ(battery.cycleCount, 7);

@@ -2,12 +2,16 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/fuzz_target.hpp"
-#include "platform/linux/procfs/system_memory.hpp"
 #include "platform/linux/psi/pressure_level.hpp"
 
 FUZZ_TARGET(memory_info, text) {
-  const auto availability = tarn::memoryAvailability(tarn::parseMemoryInfo(text));
-  if (!availability) return;
-  tarn::require(availability->availableShare >= 0 && availability->availableShare <= 1);
-  tarn::require(availability->freeSwapShare >= 0 && availability->freeSwapShare <= 1);
+  using tarn::MemoryPressure;
+  const tarn::MemoryInfo memory = tarn::parseMemoryInfo(text);
+  const bool known = memory.total.value_or(0) > 0 && memory.available;
+  const auto calm = tarn::pressureLevel(MemoryPressure::normal, memory);
+  const auto stalled = tarn::pressureLevel(MemoryPressure::critical, memory);
+  tarn::require(calm.has_value() == known && stalled.has_value() == known);
+  if (!known) return;
+  tarn::require(*calm <= *stalled);
+  if (*memory.available >= *memory.total) tarn::require(*stalled == MemoryPressure::normal);
 }

@@ -44,7 +44,7 @@ ProcessLine processLine(const ProcessSample& process, SortMetric metric) {
 }
 
 RowContent rowContent(const AppGroup& group, SortMetric metric) {
-  const bool isAggregate = group.id == "everything-else";
+  const bool isAggregate = group.id == everythingElseId;
   RowContent row{
       .id = group.id,
       .name = displayText(group.name),

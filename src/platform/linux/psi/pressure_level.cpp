@@ -4,95 +4,112 @@
 #include "platform/linux/psi/pressure_level.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <string_view>
 
 namespace tarn {
 
 namespace {
 
-// Shares of time: 200 ms and 400 ms of two seconds.
-constexpr double someStallShare = 0.1;
-constexpr double fullStallShare = 0.2;
-constexpr std::uint64_t someReportMicros = 200'000;
-constexpr std::uint64_t fullReportMicros = 400'000;
-constexpr double someStallAverage = 10;
-constexpr double fullStallAverage = 20;
-constexpr double calmAverage = 5;
+using namespace std::chrono_literals;
 
-// Shares of the memory that is available.
-constexpr double scarceWhileSomeStall = 0.5;
-constexpr double scarceWhileAllStall = 0.2;
-constexpr double scarce = 0.1;
-constexpr double exhausted = 0.05;
-constexpr double exhaustedSwap = 0.1;
+/// The kernel gives unprivileged users triggers with windows of a multiple of two seconds only
+/// (Documentation/accounting/psi.rst).
+constexpr std::chrono::microseconds stallWindow = 2s;
+
+/// What makes a level: its PSI line stalls while available memory is below `availableInStall`; or available
+/// memory is below `available` while free swap is below `freeSwap`.
+struct Threshold {
+  MemoryPressure level;
+  std::string_view lineName;
+  PsiStats::Line PsiStats::*line;
+  std::chrono::microseconds stall;  ///< within `stallWindow`
+  double avg10;                     ///< percent; replaces `stall` for a single reading
+  double availableInStall;          ///< share of MemTotal
+  double available;                 ///< share of MemTotal
+  double freeSwap;                  ///< share of SwapTotal
+};
+
+constexpr double anyFreeSwap = std::numeric_limits<double>::infinity();
+
+/// Highest level first.
+constexpr std::array thresholds{
+    Threshold{MemoryPressure::critical, "full", &PsiStats::full, 400ms, 20, 0.2, 0.05, 0.1},
+    Threshold{MemoryPressure::warning, "some", &PsiStats::some, 200ms, 10, 0.5, 0.1, anyFreeSwap},
+};
+
+constexpr std::chrono::seconds quietTime = 15s;
+constexpr double calmAvg10 = 5;  // percent
+
+const Threshold& thresholdOf(MemoryPressure level) {
+  return level == MemoryPressure::critical ? thresholds.front() : thresholds.back();
+}
 
 double share(std::uint64_t part, std::uint64_t whole) {
-  return whole == 0 ? 0 : std::min(1.0, static_cast<double>(part) / static_cast<double>(whole));
+  return whole == 0 ? 0 : static_cast<double>(part) / static_cast<double>(whole);
+}
+
+/// Returns the highest level whose threshold matches; normal when none does.
+template <typename Matches>
+MemoryPressure highestLevel(Matches matches) {
+  const auto* const match = std::find_if(thresholds.begin(), thresholds.end(), matches);
+  return match == thresholds.end() ? MemoryPressure::normal : match->level;
 }
 
 }  // namespace
 
-std::optional<MemoryAvailability> memoryAvailability(const MemoryInfo& info) {
-  if (!info.total || *info.total == 0 || !info.available) return std::nullopt;
-  return MemoryAvailability{share(*info.available, *info.total),
-                            share(info.swapFree.value_or(0), info.swapTotal.value_or(0))};
+std::chrono::microseconds stallThreshold(MemoryPressure level) {
+  return thresholdOf(level).stall;
 }
 
-StallVerdict stallsBetween(const MemoryStalls& before, const MemoryStalls& after,
-                           std::chrono::nanoseconds elapsed) {
-  const double micros = std::chrono::duration<double, std::micro>(elapsed).count();
-  const auto reaches = [&](const StallLine& from, const StallLine& to, double threshold) {
-    return micros > 0 && to.totalMicros > from.totalMicros &&
-           static_cast<double>(to.totalMicros - from.totalMicros) >= micros * threshold;
-  };
-  return {reaches(before.some, after.some, someStallShare), reaches(before.full, after.full, fullStallShare)};
+std::string psiTrigger(MemoryPressure level) {
+  const Threshold& threshold = thresholdOf(level);
+  return std::string(threshold.lineName) + ' ' + std::to_string(threshold.stall.count()) + ' ' +
+         std::to_string(stallWindow.count());
 }
 
-StallVerdict StallReports::believed(const StallVerdict& reported, const std::optional<MemoryStalls>& now) {
-  const auto isTrue = [](bool cameBefore, const StallLine& atFirst, const StallLine& last,
-                         std::uint64_t least) {
-    return cameBefore || last.totalMicros >= atFirst.totalMicros + least;
-  };
-  StallVerdict verdict = reported;
-  if (atFirst_ && now) {
-    verdict.some &= isTrue(cameBefore_.some, atFirst_->some, now->some, someReportMicros);
-    verdict.full &= isTrue(cameBefore_.full, atFirst_->full, now->full, fullReportMicros);
-  }
-  cameBefore_.some |= reported.some;
-  cameBefore_.full |= reported.full;
-  return verdict;
+MemoryPressure stallLevel(const PsiStats& before, const PsiStats& after, std::chrono::nanoseconds elapsed) {
+  const double elapsedMicros = std::chrono::duration<double, std::micro>(elapsed).count();
+  return highestLevel([&](const Threshold& threshold) {
+    const std::uint64_t from = (before.*threshold.line).totalMicros;
+    const std::uint64_t to = (after.*threshold.line).totalMicros;
+    const double stallShare =
+        static_cast<double>(threshold.stall.count()) / static_cast<double>(stallWindow.count());
+    return elapsedMicros > 0 && to > from && static_cast<double>(to - from) >= elapsedMicros * stallShare;
+  });
 }
 
-StallVerdict stallsByAverage(const MemoryStalls& stalls) {
-  return {stalls.some.average10 >= someStallAverage, stalls.full.average10 >= fullStallAverage};
+MemoryPressure stallLevel(const PsiStats& stats) {
+  return highestLevel(
+      [&](const Threshold& threshold) { return (stats.*threshold.line).avg10 >= threshold.avg10; });
 }
 
-MemoryPressure pressureOf(const StallVerdict& stalls, const MemoryAvailability& availability) {
-  const double available = availability.availableShare;
-  if (stalls.full && available < scarceWhileAllStall) return MemoryPressure::critical;
-  if (available < exhausted && availability.freeSwapShare < exhaustedSwap) return MemoryPressure::critical;
-  // While all tasks wait, some do.
-  if ((stalls.some || stalls.full) && available < scarceWhileSomeStall) return MemoryPressure::warning;
-  if (available < scarce) return MemoryPressure::warning;
-  return MemoryPressure::normal;
+std::optional<MemoryPressure> pressureLevel(MemoryPressure stalls, const MemoryInfo& memory) {
+  if (!memory.total || *memory.total == 0 || !memory.available) return std::nullopt;
+  const double available = share(*memory.available, *memory.total);
+  const double freeSwap = share(memory.swapFree.value_or(0), memory.swapTotal.value_or(0));
+  return highestLevel([&](const Threshold& threshold) {
+    const bool inStall = stalls >= threshold.level && available < threshold.availableInStall;
+    return inStall || (available < threshold.available && freeSwap < threshold.freeSwap);
+  });
 }
 
-std::optional<MemoryPressure> pressureAtOnce(const std::optional<MemoryStalls>& stalls,
-                                             const std::optional<MemoryAvailability>& availability) {
-  if (!availability) return std::nullopt;
-  return pressureOf(stalls ? stallsByAverage(*stalls) : StallVerdict{}, *availability);
+std::optional<MemoryPressure> pressureLevel(const std::optional<PsiStats>& stats, const MemoryInfo& memory) {
+  return pressureLevel(stats ? stallLevel(*stats) : MemoryPressure::normal, memory);
 }
 
 PressureHysteresis::PressureHysteresis(MemoryPressure level, TimePoint now)
     : level_(level), lastWarning_(now), lastCritical_(now) {}
 
-MemoryPressure PressureHysteresis::update(MemoryPressure found, double someAverage10, TimePoint now) {
+MemoryPressure PressureHysteresis::update(MemoryPressure found, double someAvg10, TimePoint now) {
   if (found >= MemoryPressure::warning) lastWarning_ = now;
   if (found == MemoryPressure::critical) lastCritical_ = now;
   if (found >= level_) return level_ = found;
 
-  const bool calm = someAverage10 < calmAverage;
   const TimePoint lastAtLevel = level_ == MemoryPressure::critical ? lastCritical_ : lastWarning_;
-  if (!calm || now - lastAtLevel < quietTime) return level_;
+  if (someAvg10 >= calmAvg10 || now - lastAtLevel < quietTime) return level_;
   const bool quietBelow = now - lastWarning_ >= quietTime;
   return level_ = quietBelow ? MemoryPressure::normal : MemoryPressure::warning;
 }

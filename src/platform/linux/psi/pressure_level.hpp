@@ -1,84 +1,62 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// When memory is short: from what the kernel counts to a MemoryPressure level. Plain functions of readings.
+// The rules for the memory-pressure level: thresholds and hysteresis. No I/O.
+//
+// Two things decide: how long tasks stalled (waited for memory), and how much memory is available.
 
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <optional>
+#include <string>
 
 #include "platform/linux/procfs/system_memory.hpp"
+#include "platform/linux/psi/psi_file.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn {
 
-/// How much memory is left to be had.
-struct MemoryAvailability {
-  double availableShare = 0;  ///< 0 to 1: what programs can get without swapping
-  double freeSwapShare = 0;   ///< 0 to 1; a machine without swap has none free
-};
+/// Returns the stall time in two seconds that counts for a level: on the "full" line for critical, on the
+/// "some" line for warning. `level` is not normal.
+std::chrono::microseconds stallThreshold(MemoryPressure level);
 
-/// Nothing when the total or the available memory is not known.
-std::optional<MemoryAvailability> memoryAvailability(const MemoryInfo& info);
+/// Returns the PSI trigger for `stallThreshold(level)`: "some 200000 2000000", that is the line's name,
+/// threshold and window in microseconds.
+std::string psiTrigger(MemoryPressure level);
 
-/// Whether tasks had to wait for memory beyond what is usual, within a short time just past.
-struct StallVerdict {
-  bool some = false;  ///< at least one task waited a tenth of the time
-  bool full = false;  ///< all that could have run waited a fifth of the time
-};
+/// Returns the level that the stalls between two readings stand for, whatever memory is available: normal
+/// when neither line reached its threshold, when no time passed, and when a total went backwards.
+MemoryPressure stallLevel(const PsiStats& before, const PsiStats& after, std::chrono::nanoseconds elapsed);
 
-/// The verdict for the time between two readings of the kernel's totals; no stall when no time passed.
-StallVerdict stallsBetween(const MemoryStalls& before, const MemoryStalls& after,
-                           std::chrono::nanoseconds elapsed);
+/// The same by the kernel's 10-second averages: for a single reading.
+MemoryPressure stallLevel(const PsiStats& stats);
 
-/// What the kernel reports of stalls, less what it reports by mistake: the first report of each kind may come
-/// with the first wait, however short, as if it counted from the machine's start.
-class StallReports {
- public:
-  /// `atFirst` is what was read once the reports were asked for; without it, all of them are believed.
-  explicit StallReports(const std::optional<MemoryStalls>& atFirst) : atFirst_(atFirst) {}
+/// Returns the level for stalls of `stalls` (from `stallLevel`) and available memory. Stalls count only while
+/// little memory is available: a container at its own limit does not change the level of a machine with
+/// memory to spare. Returns nothing when `MemTotal` or `MemAvailable` is unknown. No swap is no free swap.
+std::optional<MemoryPressure> pressureLevel(MemoryPressure stalls, const MemoryInfo& memory);
 
-  /// Gives what to believe of a report, `now` being what was read after it.
-  StallVerdict believed(const StallVerdict& reported, const std::optional<MemoryStalls>& now);
+/// Returns the level by a single reading. Without `stats` the available memory alone decides.
+std::optional<MemoryPressure> pressureLevel(const std::optional<PsiStats>& stats, const MemoryInfo& memory);
 
- private:
-  std::optional<MemoryStalls> atFirst_;
-  StallVerdict cameBefore_;
-};
-
-/// The verdict by the kernel's 10-second averages, for a single look.
-StallVerdict stallsByAverage(const MemoryStalls& stalls);
-
-/// What one look finds. Stalls count only on a machine short of memory: one container at its own limit
-/// does not colour a machine with memory to spare.
-MemoryPressure pressureOf(const StallVerdict& stalls, const MemoryAvailability& availability);
-
-/// The level at a single look, without a past; nothing when the available memory is not known. Without
-/// `stalls` the available memory alone decides.
-std::optional<MemoryPressure> pressureAtOnce(const std::optional<MemoryStalls>& stalls,
-                                             const std::optional<MemoryAvailability>& availability);
-
-/// The level over time: up at once, down only after 15 seconds without a look as bad as the level held, and
-/// once the machine is calm.
+/// The level over time. It rises at once. It falls when it was not found for 15 seconds and the 10-second
+/// average of the "some" line is below 5 percent.
 class PressureHysteresis {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
 
-  static constexpr std::chrono::seconds quietTime{15};
-
   PressureHysteresis(MemoryPressure level, TimePoint now);
 
-  /// Takes in what a look found and returns the level to show. `someAverage10` is the kernel's average in
-  /// percent; 0 where there is none.
-  MemoryPressure update(MemoryPressure found, double someAverage10, TimePoint now);
+  /// Takes the level found at `now` and returns the level to report. `someAvg10` is in percent; 0 where the
+  /// kernel has no PSI.
+  MemoryPressure update(MemoryPressure found, double someAvg10, TimePoint now);
 
   MemoryPressure level() const { return level_; }
 
  private:
   MemoryPressure level_;
-  TimePoint lastWarning_;  // or worse
+  TimePoint lastWarning_;  ///< last time that warning or critical was found
   TimePoint lastCritical_;
 };
 

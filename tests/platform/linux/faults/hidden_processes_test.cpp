@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
+#include "platform/linux/psi/psi_file.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/temporary_tree.hpp"
@@ -193,8 +194,8 @@ class RefusedNotifications : public testing::TestWithParam<PressureFiles> {
 
 TEST_P(RefusedNotifications, LeaveTheLevelToLooksAtTheFiles) {
   const auto work = [] {
-    REQUIRE_THAT(!KernelPressureEvents(LinuxRoots{}).arm());
-    REQUIRE_THAT(lookAtPressure(LinuxRoots{}).stalls.has_value() == GetParam().hasStalls);
+    REQUIRE_THAT(!PsiTriggers::ofKernel(LinuxRoots{})->arm());
+    REQUIRE_THAT(readMemoryPsi(LinuxRoots{}).has_value() == GetParam().hasStalls);
     REQUIRE_THAT(readPressureLevel(LinuxRoots{}).has_value());
     ThreadQueue queue;
     const auto source = std::make_unique<PsiPressureSource>(LinuxRoots{});

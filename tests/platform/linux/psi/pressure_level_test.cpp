@@ -3,7 +3,7 @@
 
 #include "platform/linux/psi/pressure_level.hpp"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <chrono>
 #include <vector>
@@ -15,113 +15,122 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using enum MemoryPressure;
 
-constexpr StallVerdict noStall{};
-constexpr StallVerdict someStall{.some = true};
-constexpr StallVerdict fullStall{.some = true, .full = true};
-
-MemoryStalls totals(std::uint64_t some, std::uint64_t full) {
+PsiStats totals(std::uint64_t some, std::uint64_t full) {
   return {{0, some}, {0, full}};
 }
 
-MemoryStalls averages(double some, double full) {
+PsiStats averages(double some, double full) {
   return {{some, 0}, {full, 0}};
 }
 
-TEST(Stalls, ThresholdsAre200And400MillisecondsOfTwoSeconds) {
+MemoryInfo memoryInfo(std::uint64_t available, std::uint64_t total, std::uint64_t swapFree = 0,
+                      std::uint64_t swapTotal = 0) {
+  MemoryInfo info;
+  info.total = total;
+  info.available = available;
+  info.swapFree = swapFree;
+  info.swapTotal = swapTotal;
+  return info;
+}
+
+TEST(PsiTrigger, HasLineThresholdAndWindowInMicroseconds) {
+  EXPECT_EQ(psiTrigger(warning), "some 200000 2000000");
+  EXPECT_EQ(psiTrigger(critical), "full 400000 2000000");
+}
+
+TEST(StallLevel, ThresholdsAre200And400MillisecondsOfTwoSeconds) {
   const auto within2s = [](std::uint64_t some, std::uint64_t full) {
-    return stallsBetween(totals(1000, 1000), totals(1000 + some, 1000 + full), seconds(2));
+    return stallLevel(totals(1000, 1000), totals(1000 + some, 1000 + full), seconds(2));
   };
-  EXPECT_FALSE(within2s(199'999, 0).some);
-  EXPECT_TRUE(within2s(200'000, 0).some);
-  EXPECT_FALSE(within2s(500'000, 399'999).full);
-  EXPECT_TRUE(within2s(500'000, 400'000).full);
+  EXPECT_EQ(within2s(199'999, 0), normal);
+  EXPECT_EQ(within2s(200'000, 0), warning);
+  EXPECT_EQ(within2s(500'000, 399'999), warning);
+  EXPECT_EQ(within2s(500'000, 400'000), critical);
+  EXPECT_EQ(stallThreshold(warning), milliseconds(200));
+  EXPECT_EQ(stallThreshold(critical), milliseconds(400));
 }
 
-TEST(Stalls, ALongerWindowNeedsMore) {
-  EXPECT_FALSE(stallsBetween(totals(0, 0), totals(399'999, 0), seconds(4)).some);
-  EXPECT_TRUE(stallsBetween(totals(0, 0), totals(400'000, 0), seconds(4)).some);
+TEST(StallLevel, ThresholdsGrowWithTheTimeBetweenReadings) {
+  EXPECT_EQ(stallLevel(totals(0, 0), totals(399'999, 0), seconds(4)), normal);
+  EXPECT_EQ(stallLevel(totals(0, 0), totals(400'000, 0), seconds(4)), warning);
 }
 
-TEST(Stalls, NoTimeAndCountersThatRunBackwardsAreNoStall) {
-  EXPECT_FALSE(stallsBetween(totals(0, 0), totals(500'000, 500'000), seconds(0)).some);
-  EXPECT_FALSE(stallsBetween(totals(0, 0), totals(500'000, 500'000), seconds(-2)).full);
-  EXPECT_FALSE(stallsBetween(totals(9'000'000, 9'000'000), totals(5, 5), seconds(2)).full);
+TEST(StallLevel, IsNormalWhenNoTimePassedOrTotalsWentBackwards) {
+  EXPECT_EQ(stallLevel(totals(0, 0), totals(500'000, 500'000), seconds(0)), normal);
+  EXPECT_EQ(stallLevel(totals(0, 0), totals(500'000, 500'000), seconds(-2)), normal);
+  EXPECT_EQ(stallLevel(totals(9'000'000, 9'000'000), totals(5, 5), seconds(2)), normal);
 }
 
-TEST(Stalls, AveragesServeASingleLook) {
-  EXPECT_FALSE(stallsByAverage(averages(9.99, 0)).some);
-  EXPECT_TRUE(stallsByAverage(averages(10, 0)).some);
-  EXPECT_FALSE(stallsByAverage(averages(30, 19.99)).full);
-  EXPECT_TRUE(stallsByAverage(averages(30, 20)).full);
+TEST(StallLevel, UsesAveragesForASingleReading) {
+  EXPECT_EQ(stallLevel(averages(9.99, 0)), normal);
+  EXPECT_EQ(stallLevel(averages(10, 0)), warning);
+  EXPECT_EQ(stallLevel(averages(30, 19.99)), warning);
+  EXPECT_EQ(stallLevel(averages(30, 20)), critical);
 }
 
-struct PressureRow {
-  StallVerdict stalls;
-  double available;
-  double freeSwap;
+struct LevelRow {
+  MemoryPressure stalls;
+  std::uint64_t availablePercent;
+  std::uint64_t freeSwapPercent;
   MemoryPressure expected;
 };
 
-class PressureRows : public testing::TestWithParam<PressureRow> {};
+class PressureLevelRows : public testing::TestWithParam<LevelRow> {};
 
-TEST_P(PressureRows, HaveTheirLevel) {
-  const PressureRow& row = GetParam();
-  EXPECT_EQ(pressureOf(row.stalls, {row.available, row.freeSwap}), row.expected);
+TEST_P(PressureLevelRows, FollowFromStallsAvailableMemoryAndFreeSwap) {
+  const LevelRow& row = GetParam();
+  EXPECT_EQ(pressureLevel(row.stalls, memoryInfo(row.availablePercent, 100, row.freeSwapPercent, 100)),
+            row.expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rules, PressureRows,
-    testing::Values(PressureRow{fullStall, 0.19, 1, critical}, PressureRow{fullStall, 0.2, 1, warning},
-                    PressureRow{fullStall, 0.49, 1, warning}, PressureRow{fullStall, 0.5, 1, normal},
-                    PressureRow{{.full = true}, 0.3, 1, warning}, PressureRow{someStall, 0.19, 1, warning},
-                    PressureRow{someStall, 0.49, 1, warning}, PressureRow{someStall, 0.5, 1, normal},
-                    PressureRow{noStall, 0.1, 1, normal}, PressureRow{noStall, 0.09, 1, warning},
-                    PressureRow{noStall, 0.04, 1, warning}, PressureRow{noStall, 0.04, 0.1, warning},
-                    PressureRow{noStall, 0.04, 0.09, critical}, PressureRow{noStall, 0.04, 0, critical},
-                    PressureRow{noStall, 0.05, 0, warning}, PressureRow{noStall, 0.9, 0, normal}));
+    Rules, PressureLevelRows,
+    testing::Values(LevelRow{critical, 19, 100, critical}, LevelRow{critical, 20, 100, warning},
+                    LevelRow{critical, 49, 100, warning}, LevelRow{critical, 50, 100, normal},
+                    LevelRow{critical, 30, 100, warning}, LevelRow{warning, 19, 100, warning},
+                    LevelRow{warning, 49, 100, warning}, LevelRow{warning, 50, 100, normal},
+                    LevelRow{normal, 10, 100, normal}, LevelRow{normal, 9, 100, warning},
+                    LevelRow{normal, 4, 100, warning}, LevelRow{normal, 4, 10, warning},
+                    LevelRow{normal, 4, 9, critical}, LevelRow{normal, 4, 0, critical},
+                    LevelRow{normal, 5, 0, warning}, LevelRow{normal, 90, 0, normal}));
 
-TEST(Availability, IsAShareOfTheTotal) {
-  MemoryInfo info;
-  info.total = 1000;
-  info.available = 250;
-  info.swapTotal = 400;
-  info.swapFree = 100;
-  const auto availability = memoryAvailability(info);
-  ASSERT_TRUE(availability);
-  EXPECT_DOUBLE_EQ(availability->availableShare, 0.25);
-  EXPECT_DOUBLE_EQ(availability->freeSwapShare, 0.25);
+TEST(PressureLevel, ComparesSharesOfTheTotals) {
+  EXPECT_EQ(pressureLevel(critical, memoryInfo(199, 1000, 400, 400)), critical);
+  EXPECT_EQ(pressureLevel(critical, memoryInfo(250, 1000, 100, 400)), warning);
+  EXPECT_EQ(pressureLevel(normal, memoryInfo(99, 1000, 100, 400)), warning);
+  EXPECT_EQ(pressureLevel(normal, memoryInfo(49, 1000, 40, 400)), warning);
+  EXPECT_EQ(pressureLevel(normal, memoryInfo(49, 1000, 39, 400)), critical);
+  EXPECT_EQ(pressureLevel(critical, memoryInfo(2000, 1000)), normal) << "more available than the total";
 }
 
-TEST(Availability, NoSwapCountsAsNoFreeSwap) {
-  MemoryInfo info;
-  info.total = 1000;
-  info.available = 40;
-  EXPECT_DOUBLE_EQ(memoryAvailability(info)->freeSwapShare, 0);
-  info.swapTotal = 0;
-  info.swapFree = 0;
-  EXPECT_DOUBLE_EQ(memoryAvailability(info)->freeSwapShare, 0);
+TEST(PressureLevel, CountsNoSwapAsNoFreeSwap) {
+  EXPECT_EQ(pressureLevel(normal, memoryInfo(40, 1000, 0, 0)), critical);
+  MemoryInfo info = memoryInfo(40, 1000);
+  info.swapTotal.reset();
+  info.swapFree.reset();
+  EXPECT_EQ(pressureLevel(normal, info), critical);
 }
 
-TEST(Availability, IsUnknownWithoutItsFields) {
+TEST(PressureLevel, IsUnknownWithoutTotalOrAvailableMemory) {
   MemoryInfo info;
   info.available = 5;
-  EXPECT_FALSE(memoryAvailability(info));
+  EXPECT_FALSE(pressureLevel(normal, info));
   info.total = 0;
-  EXPECT_FALSE(memoryAvailability(info));
+  EXPECT_FALSE(pressureLevel(normal, info));
   info.total = 10;
   info.available.reset();
-  EXPECT_FALSE(memoryAvailability(info));
+  EXPECT_FALSE(pressureLevel(normal, info));
 }
 
-TEST(PressureAtOnce, UsesAveragesAndAvailability) {
-  EXPECT_EQ(pressureAtOnce(averages(30, 20), MemoryAvailability{0.1, 1}), critical);
-  EXPECT_EQ(pressureAtOnce(averages(30, 19), MemoryAvailability{0.1, 1}), warning);
-  EXPECT_EQ(pressureAtOnce(averages(9, 0), MemoryAvailability{0.4, 1}), normal);
-  EXPECT_EQ(pressureAtOnce(std::nullopt, MemoryAvailability{0.04, 0}), critical);
-  EXPECT_EQ(pressureAtOnce(averages(100, 100), std::nullopt), std::nullopt);
+TEST(PressureLevel, UsesAveragesAndAvailableMemoryForASingleReading) {
+  EXPECT_EQ(pressureLevel(averages(30, 20), memoryInfo(10, 100, 1, 1)), critical);
+  EXPECT_EQ(pressureLevel(averages(30, 19), memoryInfo(10, 100, 1, 1)), warning);
+  EXPECT_EQ(pressureLevel(averages(9, 0), memoryInfo(40, 100, 1, 1)), normal);
+  EXPECT_EQ(pressureLevel(std::nullopt, memoryInfo(4, 100)), critical);
+  EXPECT_EQ(pressureLevel(averages(100, 100), MemoryInfo{}), std::nullopt);
 }
 
-/// Seconds since the start, what a look found, the average, and the level that is to be shown.
+/// Time since the start, the level found then, avg10 of the "some" line, and the level to report.
 struct Step {
   milliseconds time;
   MemoryPressure found;
@@ -153,7 +162,7 @@ TEST(PressureHysteresis, FallsAfter15QuietSeconds) {
                   {seconds(25), normal, 0, normal}});
 }
 
-TEST(PressureHysteresis, EveryBadLookStartsTheQuietTimeAnew) {
+TEST(PressureHysteresis, RestartsTheQuietTimeWhenTheLevelIsFoundAgain) {
   follow(normal, {{seconds(0), warning, 0, warning},
                   {seconds(10), warning, 0, warning},
                   {seconds(15), normal, 0, warning},
@@ -161,13 +170,13 @@ TEST(PressureHysteresis, EveryBadLookStartsTheQuietTimeAnew) {
                   {seconds(25), normal, 0, normal}});
 }
 
-TEST(PressureHysteresis, DoesNotFallBeforeTheMachineIsCalm) {
+TEST(PressureHysteresis, DoesNotFallWhileTheAverageIs5PercentOrMore) {
   follow(normal, {{seconds(0), warning, 0, warning},
                   {seconds(60), normal, 5, warning},
                   {seconds(62), normal, 4.99, normal}});
 }
 
-TEST(PressureHysteresis, FallsFromCriticalToWarningWhileThingsStayBad) {
+TEST(PressureHysteresis, FallsFromCriticalToWarningWhileWarningIsFound) {
   follow(normal, {{seconds(0), critical, 0, critical},
                   {seconds(10), warning, 0, critical},
                   {seconds(15), warning, 0, warning},
@@ -175,14 +184,14 @@ TEST(PressureHysteresis, FallsFromCriticalToWarningWhileThingsStayBad) {
                   {seconds(30), normal, 0, normal}});
 }
 
-TEST(PressureHysteresis, FallsOnlyToWarningWhereAWarningWasRecent) {
+TEST(PressureHysteresis, FallsFromCriticalToWarningAfterARecentWarning) {
   follow(normal, {{seconds(0), critical, 0, critical},
                   {seconds(10), warning, 0, critical},
                   {seconds(16), normal, 0, warning},
                   {seconds(25), normal, 0, normal}});
 }
 
-TEST(PressureHysteresis, ALevelAtTheStartFallsLikeAnyOther) {
+TEST(PressureHysteresis, TreatsTheLevelAtTheStartLikeAnyOther) {
   follow(critical, {{milliseconds(14'999), normal, 0, critical}, {seconds(15), normal, 0, normal}});
 }
 

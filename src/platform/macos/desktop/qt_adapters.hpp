@@ -20,9 +20,9 @@ class MenuBarStatusItem final : public MenuBarItem {
   Q_OBJECT
 
  public:
-  using Maker = std::function<std::unique_ptr<StatusItem>(std::function<void(ScreenPoint)> clicked)>;
+  using Factory = std::function<std::unique_ptr<StatusItem>(std::function<void(ScreenPoint)> clicked)>;
 
-  explicit MenuBarStatusItem(const Maker& make);
+  explicit MenuBarStatusItem(const Factory& makeItem);
 
   void show(const MenuBarLabel& label) override;
 

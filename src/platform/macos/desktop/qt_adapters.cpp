@@ -40,8 +40,8 @@ StatusItemContent statusItemContent(const MenuBarLabel& label) {
   return content;
 }
 
-MenuBarStatusItem::MenuBarStatusItem(const Maker& make)
-    : item_(make([this](ScreenPoint point) {
+MenuBarStatusItem::MenuBarStatusItem(const Factory& makeItem)
+    : item_(makeItem([this](ScreenPoint point) {
         Q_EMIT activated(
             QPoint(static_cast<int>(std::lround(point.x)), static_cast<int>(std::lround(point.y))));
       })) {}
