@@ -6,7 +6,7 @@
 #include <array>
 #include <cstddef>
 
-#include "platform/linux/procfs/directory_stream.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 
 namespace tarn {
 

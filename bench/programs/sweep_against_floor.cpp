@@ -53,11 +53,13 @@ tarn::SamplerPort busyMachine() {
   const tarn::LinuxRoots roots;
   tarn::SamplerPort port = tarn::platformSamplerPort();
   port.applicationRules = nullptr;  // they ask the process table that is replaced
-  port.processes = std::make_unique<tarn::LinuxProcScan>(
-      roots, [read = tarn::processClockFor(roots.proc), moved = std::uint64_t{0}](std::int32_t pid) mutable {
-        const auto time = read(pid);
-        return time ? std::optional(*time + ++moved) : std::nullopt;
-      });
+  auto clock = [read = tarn::processClockFor(roots.proc),
+                moved = std::uint64_t{0}](std::int32_t pid) mutable {
+    const auto time = read(pid);
+    return time ? std::optional(*time + ++moved) : std::nullopt;
+  };
+  port.processes =
+      std::make_unique<tarn::SleepingProcessCache>(tarn::ProcfsReader(roots, std::move(clock)));
   return port;
 }
 

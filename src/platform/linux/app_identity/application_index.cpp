@@ -13,7 +13,6 @@
 #include "platform/linux/app_identity/exec_line.hpp"
 #include "platform/linux/app_identity/process_signs.hpp"
 #include "platform/linux/procfs/file_reading.hpp"
-#include "platform/linux/procfs/directory_stream.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 #include "sampling/bundle_path.hpp"
 

@@ -8,7 +8,7 @@
 
 #include "platform/linux/app_identity/exec_line.hpp"
 #include "platform/linux/app_identity/process_signs.hpp"
-#include "platform/linux/procfs/directory_stream.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "sampling/bundle_path.hpp"
 
 namespace tarn {

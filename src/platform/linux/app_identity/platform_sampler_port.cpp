@@ -9,7 +9,7 @@
 #include "platform/linux/app_identity/linux_application_rules.hpp"
 #include "platform/linux/procfs/sleeping_process_cache.hpp"
 #include "platform/linux/procfs/linux_system_memory_reader.hpp"
-#include "platform/linux/procfs/uptime.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
 #include "sampling/platform_readers.hpp"
 
 namespace tarn {
@@ -25,12 +25,12 @@ std::string environmentValue(const char* variable) {
 
 SamplerPort platformSamplerPort() {
   const LinuxRoots roots;
-  auto processes = std::make_unique<LinuxProcScan>(roots);
+  auto processes = std::make_unique<SleepingProcessCache>(ProcfsReader(roots));
   ApplicationIndex index(roots, dataDirectories(environmentValue), programDirectories(environmentValue));
   SamplerPort port;
-  // The rules are destroyed before the scan that they ask.
+  // The rules hold a reference to the cache and are destroyed before it.
   port.applicationRules = std::make_unique<LinuxApplicationRules>(
-      roots, std::move(index), [&scan = *processes](std::int32_t pid) { return scan.programOf(pid); });
+      roots, std::move(index), [&cache = *processes](std::int32_t pid) { return cache.execId(pid); });
   port.processes = std::move(processes);
   port.memory = std::make_unique<LinuxSystemMemoryReader>(roots);
   port.uptime = uptimeSeconds;

@@ -11,7 +11,7 @@
 #include "platform/linux/sysfs/root_volume.hpp"
 #include "platform/linux/sysfs/thermal_zones.hpp"
 #include "platform/linux/sysfs/throttle_counters.hpp"
-#include "platform/linux/procfs/uptime.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
 
 namespace tarn {
 

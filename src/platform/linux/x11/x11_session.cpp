@@ -165,7 +165,7 @@ std::optional<std::int32_t> X11Session::declaredProcess(std::uint32_t window, Cl
                                          XCB_ATOM_CARDINAL, 0, longestProperty);
   const auto pid = number(property(declared.sequence, XCB_ATOM_CARDINAL, 32, deadline));
   if (!pid || *pid == 0 || !std::in_range<std::int32_t>(*pid)) return std::nullopt;
-  return processThatDeclares(roots_.proc, static_cast<std::int32_t>(*pid), getuid(), deadline);
+  return resolveNamespacedPid(roots_.proc, static_cast<std::int32_t>(*pid), getuid(), deadline);
 }
 
 std::vector<std::uint8_t> X11Session::property(unsigned sequence, std::uint32_t type, std::uint8_t bits,

@@ -46,14 +46,14 @@ class Session {
   /// The application of each process, as one sweep finds it; "none" for a process on its own.
   std::map<std::int32_t, std::string> foundApplications() const {
     SamplerPort port;
-    auto processes = std::make_unique<LinuxProcScan>(tree_.roots());
+    auto processes = std::make_unique<SleepingProcessCache>(ProcfsReader(tree_.roots()));
     port.applicationRules = std::make_unique<LinuxApplicationRules>(
         tree_.roots(),
         ApplicationIndex(tree_.roots(),
                          {"/home/a/.local/share", "/usr/share", "/home/a/.local/share/flatpak/exports/share",
                           "/var/lib/flatpak/exports/share", "/var/lib/snapd/desktop"},
                          {"/usr/bin"}),
-        [&scan = *processes](std::int32_t pid) { return scan.programOf(pid); });
+        [&cache = *processes](std::int32_t pid) { return cache.execId(pid); });
     port.processes = std::move(processes);
     port.memory = std::make_unique<NoMemory>();
     port.uptime = [] { return 1.0; };

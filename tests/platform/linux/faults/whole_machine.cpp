@@ -85,12 +85,12 @@ void writeWholeMachine(const TemporaryTree& tree) {
 }
 
 SamplerPort wholeMachinePort(const LinuxRoots& roots, ProcessClock clock, std::function<double()> uptime) {
-  auto processes = std::make_unique<LinuxProcScan>(roots, std::move(clock));
+  auto processes = std::make_unique<SleepingProcessCache>(ProcfsReader(roots, std::move(clock)));
   SamplerPort port;
   // Time passes by the minute, so that each sweep looks for new applications.
   port.applicationRules = std::make_unique<LinuxApplicationRules>(
       roots, ApplicationIndex(roots, {"/usr/share", "/usr/local/share"}, {"/usr/bin"}),
-      [&scan = *processes](std::int32_t pid) { return scan.programOf(pid); },
+      [&cache = *processes](std::int32_t pid) { return cache.execId(pid); },
       [now = std::chrono::steady_clock::time_point()]() mutable { return now += std::chrono::minutes(1); });
   port.processes = std::move(processes);
   port.memory = std::make_unique<LinuxSystemMemoryReader>(roots);
