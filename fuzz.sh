@@ -1,16 +1,15 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# fuzz.sh [SECONDS [NAME...]]: makes up inputs for the parsers of all that comes from outside, each for so many seconds of
-# processor time (300 if nothing is said), beginning with tests/fuzz/seeds. Prints how much of each parser was reached, and
-# ends badly when one was brought down: the input is then in build/fuzz/findings, to be kept as a seed. Installs what is
-# missing.
+# fuzz.sh [SECONDS [TARGET...]]: fuzzes the parsers of untrusted input, SECONDS of CPU time (default: 300) for each
+# target, starting from tests/fuzz/corpus. Prints the coverage of each target. Exits with an error if an input crashes a
+# parser: that input is then in build/fuzz/findings, to be added to the corpus. Installs missing packages.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
 
 seconds="${1:-300}"
-[[ "$seconds" =~ ^[0-9]+$ ]] || fail "usage: fuzz.sh [SECONDS [NAME...]]"
+[[ "$seconds" =~ ^[0-9]+$ ]] || fail "usage: fuzz.sh [SECONDS [TARGET...]]"
 shift || true
 
 cd "$repository"
@@ -19,57 +18,58 @@ scripts/build.sh fuzz
 programs="$repository/build/fuzz/tests/fuzz"
 findings="$repository/build/fuzz/findings"
 corpus="$repository/build/fuzz/corpus"
-names=("$@")
-if [ ${#names[@]} -eq 0 ]; then
+targets=("$@")
+if [ ${#targets[@]} -eq 0 ]; then
   for program in "$programs"/*_fuzz; do
-    name="$(basename "$program")"
-    names+=("${name%_fuzz}")
+    target="$(basename "$program")"
+    targets+=("${target%_fuzz}")
   done
 fi
 
-# Says how much of our functions that a fuzzer entered was reached. The sanitizers' own checks, which must never fail, count
-# among the branches.
+# coverage_of LOG: functions of src/ that a target entered, and how many of their branches it reached. The sanitizers'
+# own checks, which never fail, count among the branches.
 coverage_of() {
   sed -n 's|^COVERED_FUNC: hits: [0-9]* edges: \([0-9]*\)/\([0-9]*\) .*/src/.*|\1 \2|p' "$1" |
     awk '{reached += $1; all += $2} END {printf "%d functions, %d of %d branches", NR, reached, all}'
 }
 
-# Runs one fuzzer, and prints one line. The fuzzer counts seconds of the clock: it is called again until its own are spent (in ms).
+# fuzz TARGET: fuzzes one target and prints one line. libFuzzer's limit is wall-clock time, so it is started again until
+# the target has used its CPU time (in ms).
 fuzz() {
-  local name="$1" log="$repository/build/fuzz/$1.log" status=0 spent=0 inputs=0 executed TIMEFORMAT="%U %S"
-  mkdir -p "$corpus/$name" "$findings"
-  local run=("${fixed_addresses[@]}" "$programs/${name}_fuzz" -max_len=4096 -timeout=10 -print_coverage=1
-    -print_final_stats=1 -artifact_prefix="$findings/$name-")
-  [ ! -f "tests/fuzz/words/$name" ] || run+=(-dict="tests/fuzz/words/$name")
-  # The toolkit's fonts are kept by a library of its own until the process ends.
-  [ "$name" != row_layout ] || export ASAN_OPTIONS=detect_leaks=0
+  local target="$1" log="$repository/build/fuzz/$1.log" status=0 spent=0 inputs=0 executed TIMEFORMAT="%U %S"
+  mkdir -p "$corpus/$target" "$findings"
+  local run=("${fixed_addresses[@]}" "$programs/${target}_fuzz" -max_len=4096 -timeout=10 -print_coverage=1
+    -print_final_stats=1 -artifact_prefix="$findings/$target-")
+  [ ! -f "tests/fuzz/dictionaries/$target" ] || run+=(-dict="tests/fuzz/dictionaries/$target")
+  # Fontconfig keeps the fonts that Qt finds until the process ends.
+  [ "$target" != row_layout ] || export ASAN_OPTIONS=detect_leaks=0
   while [ "$((spent / 1000))" -lt "$seconds" ] && [ "$status" -eq 0 ]; do
-    { time LC_ALL=C.UTF-8 "${run[@]}" -max_total_time=$((seconds - spent / 1000)) "$corpus/$name" \
-      "tests/fuzz/seeds/$name" >"$log" 2>&1; } 2>"$log.time" || status=$?
+    { time LC_ALL=C.UTF-8 "${run[@]}" -max_total_time=$((seconds - spent / 1000)) "$corpus/$target" \
+      "tests/fuzz/corpus/$target" >"$log" 2>&1; } 2>"$log.time" || status=$?
     spent=$((spent + $(awk 'END {printf "%d", 1000 * ($1 + $2)}' "$log.time")))
     executed="$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")"
     inputs=$((inputs + ${executed:-0}))
   done
-  printf '%-20s %3d s of processor time, %9d inputs, %s%s\n' "$name" "$((spent / 1000))" "$inputs" "$(coverage_of "$log")" \
-    "$([ "$status" -eq 0 ] || echo ", BROUGHT DOWN: see $log")"
+  printf '%-20s %3d s of CPU time, %9d inputs, %s%s\n' "$target" "$((spent / 1000))" "$inputs" "$(coverage_of "$log")" \
+    "$([ "$status" -eq 0 ] || echo ", CRASHED: see $log")"
   return "$status"
 }
 
-brought_down=0
+crashed=0
 running=0
-say "$seconds seconds of processor time for each of ${#names[@]} parsers, $(nproc) at a time"
-for name in "${names[@]}"; do
+say "$seconds seconds of CPU time for each of ${#targets[@]} targets, $(nproc) at a time"
+for target in "${targets[@]}"; do
   if [ "$running" -ge "$(nproc)" ]; then
-    wait -n || brought_down=$((brought_down + 1))
+    wait -n || crashed=$((crashed + 1))
     running=$((running - 1))
   fi
-  fuzz "$name" &
+  fuzz "$target" &
   running=$((running + 1))
 done
 while [ "$running" -gt 0 ]; do
-  wait -n || brought_down=$((brought_down + 1))
+  wait -n || crashed=$((crashed + 1))
   running=$((running - 1))
 done
 
-[ "$brought_down" -eq 0 ] || fail "$brought_down of ${#names[@]} parsers were brought down; the inputs are in $findings"
-say "No input brought a parser down, in $SECONDS seconds."
+[ "$crashed" -eq 0 ] || fail "$crashed of ${#targets[@]} targets crashed; the inputs are in $findings"
+say "No input crashed a parser, in $SECONDS seconds."

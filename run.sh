@@ -25,7 +25,7 @@ fi
 
 say "There is no display. Showing Tarn on a virtual desktop."
 rm -rf "$pictures"
-"$repository/scripts/on_virtual_desktop.sh" "$tarn" "$pictures" tour.py
+"$repository/scripts/on_virtual_desktop.sh" --tarn "$tarn" --results "$pictures" screenshots.py
 say "" "The pictures and what the popover said:"
 printf '  %s\n' "$pictures"/*
 say "" "Tarn ran: a click on its circle opened the popover, every tab was shown, and a row was opened."

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# test.sh [--all]: builds Tarn and runs its tests, all of them under the sanitizers. --all adds what takes minutes of
-# its own: clang-tidy over all sources, the tests on a platform that tells nothing, the program as it is released, in
-# panels of every kind, among floods and failures, and as a unit of the session manager, real applications, which it
-# installs, the Debian package in a fresh Debian, and the benchmarks. Installs what is missing.
+# test.sh [--all]: builds Tarn and runs its tests: format, module dependencies and spelling, unit tests under
+# AddressSanitizer, UndefinedBehaviorSanitizer and ThreadSanitizer, end-to-end tests in a virtual desktop, and the macOS
+# port, compiled. --all adds the slow stages: clang-tidy, the "unsupported" platform, the release build, all panels,
+# faults, the systemd unit, real applications, the Debian package and the benchmarks. Installs missing packages.
+# The output of each stage is in build/results.
 set -euo pipefail
 [ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" test "$@"
 # shellcheck source=scripts/lib.sh
@@ -18,147 +19,145 @@ case "$*" in
 esac
 
 cd "$repository"
+readonly results="$repository/build/results"
+rm -rf "$results"
+mkdir -p "$results"
 passed=0
 failed=0
 summary=()
+declare -A started=()
 
-# stage NAME FUNCTION: runs one stage, which may add to `stage_passed` and `stage_failed` what it counted; a stage
-# that counts nothing is one test.
+# A stage is a function. It may write "PASSED FAILED", the tests that it counted, to the file $counts; a stage that
+# writes none is one test.
+run_stage() {
+  local function="$1" start="$SECONDS" status
+  counts="$results/$function.counts"
+  set +e  # and on again within: "|| status=$?" would switch it off there, too
+  (
+    set -e
+    "$function"
+  )
+  status=$?
+  set -e
+  [ -s "$counts" ] || say "1 0" >"$counts"
+  say "$status $((SECONDS - start))" >"$results/$function.status"
+}
+
+# stage TITLE FUNCTION: runs a stage.
 stage() {
-  local name="$1" function="$2" start="$SECONDS" status=0
-  stage_passed=0
-  stage_failed=0
-  say "" "=== $name"
-  "$function" || status=$?
-  if [ "$status" -ne 0 ] && [ "$stage_failed" -eq 0 ]; then stage_failed=1; fi
-  if [ "$status" -eq 0 ] && [ "$stage_passed" -eq 0 ]; then stage_passed=1; fi
+  say "" "=== $1"
+  run_stage "$2" 2>&1 | tee "$results/$2.log"
+  add_to_summary "$1" "$2"
+}
+
+# start TITLE FUNCTION: runs a stage beside the following ones.
+start() {
+  run_stage "$2" >"$results/$2.log" 2>&1 &
+  started[$2]="$!"
+}
+
+# finish TITLE FUNCTION: waits for a started stage, and prints its output.
+finish() {
+  wait "${started[$2]}" || true
+  say "" "=== $1"
+  cat "$results/$2.log"
+  add_to_summary "$1" "$2"
+}
+
+add_to_summary() {
+  local title="$1" function="$2" status=1 seconds=0 stage_passed=0 stage_failed=0
+  read -r status seconds <"$results/$function.status" || true
+  read -r stage_passed stage_failed <"$results/$function.counts" || true
+  if [ "$status" -ne 0 ] && [ "$stage_failed" -eq 0 ]; then
+    stage_failed=1
+    stage_passed=$((stage_passed > 1 ? stage_passed : 0))
+  fi
   passed=$((passed + stage_passed))
   failed=$((failed + stage_failed))
-  summary+=("$(printf '%-44s %4d passed %3d failed %5d s' "$name" "$stage_passed" "$stage_failed" \
-    "$((SECONDS - start))")")
+  summary+=("$(printf '%-50s %4d passed %3d failed %5d s' "$title" "$stage_passed" "$stage_failed" "$seconds")")
 }
 
-# Builds a preset with tests and runs them all, counting the cases of each test program.
-build_and_test() {
-  local preset="$1" status=0 tests failures
-  local results="$repository/build/results/$preset"
-  scripts/build.sh "$preset" || return
-  rm -rf "$results"
-  GTEST_OUTPUT="xml:$results/" "${fixed_addresses[@]}" ctest --preset "$preset" --parallel "$(nproc)" || status=$?
+# unit_tests PRESET: runs all unit tests of a build and counts the test cases.
+unit_tests() {
+  local status=0 tests failures ok=0 bad=0 folder="$results/$1"
+  GTEST_OUTPUT="xml:$folder/" "${fixed_addresses[@]}" ctest --preset "$1" --parallel "$(nproc)" || status=$?
   while read -r tests failures; do
-    stage_passed=$((stage_passed + tests - failures))
-    stage_failed=$((stage_failed + failures))
-  done < <(sed -n 's/^<testsuites tests="\([0-9]*\)" failures="\([0-9]*\)".*/\1 \2/p' "$results"/*.xml)
+    ok=$((ok + tests - failures))
+    bad=$((bad + failures))
+  done < <(sed -n 's/^<testsuites tests="\([0-9]*\)" failures="\([0-9]*\)".*/\1 \2/p' "$folder"/*.xml)
+  say "$ok $bad" >"$counts"
   return "$status"
 }
 
-# end_to_end PRESET GROUP...: the end-to-end tests of some groups, on the program of a preset.
-end_to_end() { end_to_end_with -- "$@"; }
-
-# end_to_end_with OPTION... -- PRESET GROUP...: the same on a desktop with options of on_virtual_desktop.sh.
-end_to_end_with() {
-  local options=()
-  while [ "$1" != -- ]; do
-    options+=("$1")
-    shift
-  done
-  shift
-  local preset="$1" status=0 tests_passed tests_failed
-  local results="$repository/build/results/end_to_end-$preset$2"
-  shift
-  rm -rf "$results"
-  scripts/build.sh "$preset" || return
-  scripts/on_virtual_desktop.sh "${options[@]}" "build/$preset/src/app/tarn" "$results" run_tests.py "$@" || status=$?
-  if read -r tests_passed tests_failed 2>/dev/null <"$results/counts"; then
-    stage_passed=$((stage_passed + tests_passed))
-    stage_failed=$((stage_failed + tests_failed))
-  fi
+# end_to_end_tests LABELS: runs the end-to-end tests with these CTest labels (a regular expression) and counts them.
+end_to_end_tests() {
+  local status=0 log
+  log="$(mktemp "$results/pytest.XXXXXX")"
+  ctest --preset end-to-end --label-regex "$1" --verbose | tee "$log" || status=$?
+  # The closing line of each pytest: "= 3 failed, 40 passed, 1 skipped in 12.34s =".
+  awk '/=+ .* in [0-9.]+s/ {
+    for (i = 2; i <= NF; i++) {
+      if ($i ~ /^passed/) passed += $(i - 1)
+      if ($i ~ /^(failed|error)/) failed += $(i - 1)
+    }
+  } END { print passed + 0, failed + 0 }' "$log" >"$counts"
   return "$status"
 }
 
-packages() { scripts/install_packages.sh build run desktop test ${all:+lint}; }
-tests_with_address_sanitizer() { build_and_test asan; }
-tests_with_thread_sanitizer() { build_and_test tsan; }
-tests_on_an_unsupported_system() { build_and_test unsupported; }
-# What sanitizers weigh upon: figures and rhythm.
-end_to_end_release() { end_to_end release --use FiguresTest RhythmTest; }
-end_to_end_hosts() {
-  scripts/install_packages.sh hosts || return
-  end_to_end release --hosts
+check_texts() {
+  scripts/check_format.sh
+  scripts/check_modules.py
+  scripts/check_text.sh
 }
-end_to_end_faults() { end_to_end asan --faults; }
-# Sanitizers keep memory, and end the program when there is none: both are for the program as it is released.
-end_to_end_patience() {
-  local status=0
-  scripts/install_packages.sh faults || return
-  end_to_end release --patience MemoryLimitTest SoakTest || status=$?
-  end_to_end asan --patience || status=$?
-  return "$status"
-}
-# Tests that wait most of the time leave the processors to clang-tidy, which takes none that they want.
-tidy_beside_patience() {
-  local status=0 tidy
-  chrt --idle 0 scripts/check_tidy.sh &
-  tidy=$!
-  end_to_end_patience || status=$?
-  if wait "$tidy"; then
-    stage_passed=$((stage_passed + 1))
-  else
-    stage_failed=$((stage_failed + 1))
-    status=1
-  fi
-  return "$status"
-}
-# Says which tests it leaves out where it can not be had.
-end_to_end_unit() {
-  scripts/install_packages.sh session || return
-  end_to_end_with --session --with packaging/linux/tarn.service.in \
-    --with build/asan/tests/platform/linux/applications/list_groups -- release --unit
-}
-live_applications() {
-  local results="$repository/build/results/applications"
-  scripts/install_packages.sh applications session || return
-  scripts/on_virtual_desktop.sh --session build/asan/tests/platform/linux/applications/list_groups "$results" \
-    applications.py
-}
-# Their figures are ./bench.sh's business; that they can be had is ours.
+build_asan() { scripts/build.sh asan; }
+unit_tests_asan() { unit_tests asan; }
+unit_tests_tsan() { scripts/build.sh tsan && unit_tests tsan; }
+unit_tests_unsupported() { scripts/build.sh unsupported && unit_tests unsupported; }
+check_macos() { scripts/check_macos.sh; }
+end_to_end_desktop() { end_to_end_tests '^desktop$'; }
+build_release() { scripts/build.sh release; }
+end_to_end_release() { end_to_end_tests '^release$'; }
+end_to_end_all() { end_to_end_tests '^(hosts|faults|slow|unit|applications)$'; }
+check_packages() { scripts/check_packages.sh; }
+# Only that they build and run: ./bench.sh checks their figures.
 benchmarks() {
-  local piece
-  scripts/install_packages.sh bench || return
-  scripts/build.sh bench || return
-  for piece in build/bench/bench/*_benchmark; do
-    "$piece" --benchmark_min_time=0.01 >/dev/null 2>&1 || return
+  local benchmark
+  scripts/build.sh bench
+  for benchmark in build/bench/bench/*_benchmark; do
+    "$benchmark" --benchmark_min_time=0.01 >/dev/null 2>&1
   done
   build/bench/bench/sweep_against_floor 100 3
 }
-end_to_end_sanitized() { end_to_end asan --use; }
+# At idle priority: the end-to-end tests that run beside it wait most of the time, and some measure time.
+check_tidy() { chrt --idle 0 scripts/check_tidy.py; }
 
-packages
-stage "layout of the code" scripts/check_format.sh
-stage "rooms include only what they may" scripts/check_includes.sh
-stage "tests, address and undefined sanitizers" tests_with_address_sanitizer
-stage "tests, thread sanitizer" tests_with_thread_sanitizer
-stage "end to end on a virtual desktop, sanitized" end_to_end_sanitized
-stage "the macOS port, compiled for a Mac" scripts/check_macos.sh
+scripts/install_packages.sh build run desktop test lint \
+  ${all:+hosts faults session applications bench packages}
+stage "format, module dependencies, spelling" check_texts
+stage "build with AddressSanitizer and UBSan" build_asan
+# These tests wait most of the time.
+start "end-to-end tests, sanitized" end_to_end_desktop
+stage "unit tests, AddressSanitizer and UBSan" unit_tests_asan
+stage "unit tests, ThreadSanitizer" unit_tests_tsan
+stage "macOS port compiles" check_macos
+finish "end-to-end tests, sanitized" end_to_end_desktop
 if [ -n "$all" ]; then
-  stage "tests, on a system that tells nothing" tests_on_an_unsupported_system
-  stage "end to end, figures and rhythm, release" end_to_end_release
-  stage "end to end, panels of every kind, release" end_to_end_hosts
-  stage "end to end, floods and failures, sanitized" end_to_end_faults
-  stage "as the unit of a session manager, release" end_to_end_unit
-  stage "real applications and their processes" live_applications
-  stage "what is installed, and the Debian package" scripts/check_packages.sh
-  stage "benchmarks are built and run" benchmarks
-  stage "clang-tidy, and what takes patience" tidy_beside_patience
+  stage "release build" build_release
+  stage "end-to-end tests of figures and timing, release" end_to_end_release
+  start "end-to-end tests: panels, faults, unit, applications" end_to_end_all
+  stage "unit tests, unsupported platform" unit_tests_unsupported
+  stage "clang-tidy" check_tidy
+  finish "end-to-end tests: panels, faults, unit, applications" end_to_end_all
+  stage "Debian package" check_packages
+  stage "benchmarks build and run" benchmarks
 fi
 
 say ""
 printf '%s\n' "${summary[@]}"
-say ""
-say "$passed passed, $failed failed"
+say "" "$passed passed, $failed failed"
 if [ "$failed" -eq 0 ]; then
   say "All tests passed in $SECONDS seconds."
 else
-  say "Some tests failed; see above."
+  say "Some tests failed; see above. The output of each stage is in build/results."
   exit 1
 fi

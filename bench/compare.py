@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""compare.py [--quick]: measures Tarn beside its peers, prints the goals and whether they are met, and leaves all that was
-measured in build/bench/report.json. Every ratio is the median over rounds in which both sides took turns."""
+"""compare.py [--quick]: measures Tarn beside its peers, prints the goals and whether they are met, and leaves all that
+was measured in build/bench/report.json. Every ratio is the median over rounds in which both sides took turns."""
 
 import json
 import subprocess
@@ -39,7 +39,8 @@ class Measurements:
 
 
 def run(*command, **options):
-    return subprocess.run([str(word) for word in command], check=True, stdout=subprocess.PIPE, text=True, **options).stdout
+    return subprocess.run([str(word) for word in command], check=True, stdout=subprocess.PIPE, text=True,
+                          **options).stdout
 
 
 def measure_pieces(found, quick):
@@ -85,10 +86,11 @@ def measure_terminal_monitors(found, rounds, processes=1_000):
 
 def measure_desktop(found, rounds, rest_seconds, monitors):
     results = BUILD / "desktop"
-    command = [REPOSITORY / "scripts/on_virtual_desktop.sh", "--with", REPOSITORY / "bench/desktop/desktop_costs.py"]
+    command = [REPOSITORY / "scripts/on_virtual_desktop.sh", "--tarn", BUILD / "src/app/tarn", "--results", results,
+               "--with", REPOSITORY / "bench/desktop/desktop_costs.py"]
     for name in ("bare_tray_program", "first_frame", "idle_processes"):
         command += ["--with", PROGRAMS / name]
-    command += [BUILD / "src/app/tarn", results, "desktop_costs.py", rounds, rest_seconds, *monitors]
+    command += ["desktop_costs.py", rounds, rest_seconds, *monitors]
     subprocess.run([str(word) for word in command], check=True)
     for name, values in json.loads((results / "figures.json").read_text()).items():
         for value in values:
@@ -102,7 +104,8 @@ def results_of(found):
     values["sweep per process, 10,000 ÷ 1,000 processes"] = large / small if small and large else None
     for name in ("top", "htop", "btop"):
         values[f"sweep ÷ refresh of {name}"] = found.ratio("sweep beside monitors, s", f"refresh of {name}, s")
-    values["sweep ÷ ps -eo pid,ppid,uid,rss,cputimes,comm"] = found.ratio("sweep beside monitors, s", "refresh of ps, s")
+    values["sweep ÷ ps -eo pid,ppid,uid,rss,cputimes,comm"] = found.ratio("sweep beside monitors, s",
+                                                                          "refresh of ps, s")
     index = "piece buildIndexOf500Files/iterations:1/repeats:9"
     values["index of 500 desktop files, ms"] = scaled(found.median(f"{index}, s"), 1e3)
     values["index of 500 desktop files, KB"] = found.median(f"{index}, KB")

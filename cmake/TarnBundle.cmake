@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# Makes the program an application bundle, with the toolkit inside it once it is installed, and a disk image of that.
+# Builds the program as an application bundle that contains Qt once it is installed, and a disk image of the bundle.
 
 set_target_properties(tarn PROPERTIES
   OUTPUT_NAME Tarn
@@ -11,14 +11,14 @@ install(TARGETS tarn BUNDLE DESTINATION .)
 find_package(Qt6 REQUIRED COMPONENTS Core)
 set(script_argument OUTPUT_SCRIPT)
 if(Qt6_VERSION VERSION_LESS 6.5)
-  set(script_argument FILENAME_VARIABLE)  # as it was called then
+  set(script_argument FILENAME_VARIABLE)  # its name before Qt 6.5
 endif()
 qt_generate_deploy_app_script(TARGET tarn ${script_argument} deploy_script)
 install(SCRIPT "${deploy_script}")
 
 set(CPACK_GENERATOR DragNDrop)
 set(CPACK_PACKAGE_NAME Tarn)
-set(CPACK_PACKAGE_VENDOR "${TARN_MAKER_ADDRESS}")
+set(CPACK_PACKAGE_VENDOR "${TARN_VENDOR_ADDRESS}")
 set(CPACK_PACKAGE_FILE_NAME "Tarn-${PROJECT_VERSION}")
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
 include(CPack)

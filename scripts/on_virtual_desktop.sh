@@ -1,165 +1,203 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# on_virtual_desktop.sh [--session] [--with FILE]... TARN OUTPUT SCRIPT [WORD...]: runs tests/end_to_end/SCRIPT with
-# the program TARN as an ordinary user, when called by root beside a process of root, and one that can make tasks
-# wait for memory. What the script leaves in its folder "pictures" and its file "counts" goes to the folder OUTPUT.
-# With --session, where root calls, the script can start a session manager and install applications in /opt, which
-# is told by TARN_SESSION. With --with, a program lies beside TARN, or a script beside those in tests/end_to_end.
+# on_virtual_desktop.sh [OPTION...] COMMAND...: runs "python3 COMMAND..." in a copy of tests/end_to_end as an ordinary
+# user, with Tarn and helper programs in a temporary folder ("stage"). Root starts it as the user tarn-desktop, because
+# others may not be able to read the clone.
+#   --tarn PATH           the program under test
+#   --release-tarn PATH   the program for tests that need an optimized one
+#   --list-groups PATH    the program that prints the group of every process
+#   --with FILE           copies one more program, or a Python script, to the stage; may be repeated
+#   --results FOLDER      where the files go that COMMAND leaves in $TARN_STAGE/results
+#   --directory FOLDER    the working directory, relative to the repository
+#   --isolated            runs COMMAND in namespaces of its own, see in_namespaces.sh, beside a process that can cause
+#                         memory pressure
+#   --workers             the same for the processes that COMMAND, which is pytest, starts by $TARN_WORKER_PYTHON
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 readonly user=tarn-desktop
-readonly foreign_megabytes=200
-# What thrashes reads more than it may keep in memory.
+# The thrash program reads more than it may keep in memory.
 readonly thrash_limit_megabytes=40
 readonly thrash_megabytes=160
 readonly thrash_processes=8
-wants_session=""
+tarn=""
+release_tarn=""
+list_groups=""
+results=""
+directory="tests/end_to_end"
+isolation=""
 others=()
 while true; do
   case "$1" in
-    --session) wants_session=yes ;;
-    --with) others+=("$2") && shift ;;
+    --tarn) tarn="$2" ;;
+    --release-tarn) release_tarn="$2" ;;
+    --list-groups) list_groups="$2" ;;
+    --with) others+=("$2") ;;
+    --results) results="$2" ;;
+    --directory) directory="$2" ;;
+    --isolated | --workers)
+      isolation="$1"
+      shift
+      continue
+      ;;
     *) break ;;
   esac
-  shift
+  shift 2
 done
-tarn="$1"
-output="$2"
-script="$3"
-shift 3
 
 end_to_end="$repository/tests/end_to_end"
-foreign=""
 thrasher=""
 harness=""
-control_group="tarn-session-$$"
-tight_group="tarn-tight-$$"
-# Everything that the user needs is copied here: the clone may lie where that user can not go.
+session_cgroup="tarn-session-$$"
+thrash_cgroup="tarn-thrash-$$"
 stage="$(mktemp --directory "${TMPDIR:-/tmp}/tarn-stage.XXXXXX")"
 
 # shellcheck disable=SC2317
 clean_up() {
   local pid
-  for pid in $harness $foreign $thrasher; do
+  for pid in $harness $thrasher; do
     kill "$pid" 2>/dev/null || true
+    # unshare blocks SIGTERM; SIGKILL also ends everything in the PID namespace.
+    timeout 5 tail --pid="$pid" --follow /dev/null || kill -KILL "$pid" 2>/dev/null || true
     wait "$pid" 2>/dev/null || true
   done
   rm -rf "$stage"
-  # Empty directories, each of which takes its own removal.
-  find /sys/fs/cgroup -maxdepth 2 \( -name "$control_group*" -o -name "$tight_group" \) \
+  # rmdir removes cgroups one by one, children first.
+  find /sys/fs/cgroup -maxdepth 2 \( -name "$session_cgroup*" -o -name "$thrash_cgroup" \) \
     -exec find {} -depth -type d -delete \; 2>/dev/null || true
 }
 trap clean_up EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 
+# compile NAME SOURCE OPTION...: compiles a helper program into build/end_to_end/bin unless it is up to date.
+compile() {
+  local program="$repository/build/end_to_end/bin/$1" source="$2"
+  if ! { [ "$program" -nt "$source" ] && [ "$program" -nt "$repository/tests/support/machine_description.hpp" ]; }; then
+    mkdir -p "$(dirname "$program")"
+    g++ -std=c++20 -O1 -Wall -Wextra -Werror -I "$repository/tests" "${@:3}" -o "$program.$$" "$source"
+    mv "$program.$$" "$program"
+  fi
+  cp "$program" "$stage/bin/"
+}
+
 fill_stage() {
-  mkdir "$stage/bin"
+  local name other
+  mkdir -p "$stage/bin/release" "$stage/tests/fixtures/linux" "$stage/work" "$stage/results" "$stage/root"
+  chmod 700 "$stage/root"
+  chmod 755 "$stage"
   cp "$tarn" "$stage/bin/tarn"
-  cp -r "$end_to_end" "$stage/end_to_end"
-  local other
+  [ -z "$release_tarn" ] || cp "$release_tarn" "$stage/bin/release/tarn"
+  [ -z "$list_groups" ] || cp "$list_groups" "$stage/bin/list_groups"
+  cp "$repository/setup.cfg" "$stage/"
+  cp "$repository/packaging/linux/tarn.service.in" "$repository/tests/support/lsan.supp" "$stage/bin/"
+  cp -r "$end_to_end" "$stage/tests/"
+  cp -r "$repository/tests/fixtures/linux/machines" "$stage/tests/fixtures/linux/"
   for other in "${others[@]}"; do
     case "$other" in
-      *.py) cp "$other" "$stage/end_to_end/" ;;
+      *.py) cp "$other" "$stage/tests/end_to_end/" ;;
       *) cp "$other" "$stage/bin/" ;;
     esac
   done
-  cp -r "$repository/tests/fixtures/linux/machines" "$stage/machines"
-  if [ -f "$repository/tests/support/lsan.supp" ]; then cp "$repository/tests/support/lsan.supp" "$stage/"; fi
-  local load
-  for load in hold_memory burn_core application_tree thrash; do
-    g++ -std=c++20 -O1 -Wall -Wextra -Werror -o "$stage/bin/$load" "$end_to_end/loads/$load.cpp"
+  for name in hold_memory burn_core application_tree thrash lay_out_machine; do
+    compile "$name" "$end_to_end/programs/$name.cpp"
   done
-  g++ -std=c++20 -O1 -Wall -Wextra -Werror -fPIC -shared -o "$stage/bin/shifted_clocks.so" \
-    "$end_to_end/loads/shifted_clocks.cpp"
-  # Where X servers put their sockets; they may not make it themselves without being root.
+  compile shifted_clocks.so "$end_to_end/programs/shifted_clocks.cpp" -fPIC -shared
+  # X servers put their sockets there; only root may create it.
   [ -d /tmp/.X11-unix ] || mkdir --mode=1777 /tmp/.X11-unix
 }
 
-# Gives the stage to an ordinary user and sets `become` to the words that run a command as that user.
+# Gives the writable folders to an ordinary user and sets `become` to the command prefix for that user.
 become_ordinary_user() {
   become=()
   is_root || return 0
   id "$user" >/dev/null 2>&1 || useradd --system --no-create-home --shell /usr/sbin/nologin "$user"
-  chown -R "$user:" "$stage"
+  chown "$user:" "$stage/work" "$stage/results"
   become=(setpriv "--reuid=$user" "--regid=$(id -g "$user")" --init-groups)
 }
 
-# Has the command of the ordinary user run where that user can have a session manager, if we can make that.
-prepare_session() {
-  [ -n "$wants_session" ] && is_root || return 0
-  local rooms=(unshare --mount --propagation private "$repository/scripts/in_session_rooms.sh" "$user")
-  # What stands in the way is said by the trial.
-  "${rooms[@]}" "$control_group-trial" true || return 0
-  become=("${rooms[@]}" "$control_group" "${become[@]}")
-  variables+=("TARN_SESSION=yes")
-}
-
-# Starts a process of root that holds memory, so that there is one to be seen.
-start_foreign_process() {
-  is_root || return 0
-  local program="foreign_memory_$$"
-  mkdir --mode=700 "$stage/root"
-  chown root: "$stage/root"
-  cp "$stage/bin/hold_memory" "$stage/root/$program"
-  "$stage/root/$program" "$foreign_megabytes" >/dev/null &
-  foreign=$!
-  variables+=("TARN_FOREIGN_PID=$foreign")
-}
-
-# Makes a control group with little memory, in either layout of the hierarchy, and prints its directory; what is in
-# the way otherwise.
-make_tight_group() {
-  local limit=$((thrash_limit_megabytes << 20)) group
+# Makes a cgroup with little memory (cgroup v1 or v2) and prints its directory, or else the reason for failing.
+make_thrash_cgroup() {
+  local limit=$((thrash_limit_megabytes << 20)) cgroup
   if [ -e /sys/fs/cgroup/memory/memory.limit_in_bytes ]; then
-    group="/sys/fs/cgroup/memory/$tight_group"
-    mkdir "$group" && echo "$limit" >"$group/memory.limit_in_bytes"
+    cgroup="/sys/fs/cgroup/memory/$thrash_cgroup"
+    mkdir "$cgroup" && echo "$limit" >"$cgroup/memory.limit_in_bytes"
   elif grep --quiet --word-regexp memory /sys/fs/cgroup/cgroup.subtree_control 2>/dev/null; then
-    group="/sys/fs/cgroup/$tight_group"
-    mkdir "$group" && echo "$limit" >"$group/memory.max"
+    cgroup="/sys/fs/cgroup/$thrash_cgroup"
+    mkdir "$cgroup" && echo "$limit" >"$cgroup/memory.max"
   else
-    echo "no control group here limits memory"
+    echo "this system has no memory cgroups"
     return 1
-  fi 2>&1 && echo "$group"
+  fi 2>&1 && echo "$cgroup"
 }
 
-# Starts what makes tasks wait for memory when it is asked to, as the ordinary user and in little memory of its own.
+# Starts the program that causes memory pressure on request, in a cgroup of its own.
 start_thrasher() {
-  local group="only root can limit a program's memory"
-  if ! is_root || ! group="$(make_tight_group)"; then
-    variables+=("TARN_NO_THRASHER=$group")
+  local cgroup="only root can limit a program's memory"
+  if ! is_root || ! cgroup="$(make_thrash_cgroup)"; then
+    variables+=("TARN_NO_THRASHER=$cgroup")
     return 0
   fi
-  mkfifo --mode=600 "$stage/thrash"
-  chown "$user:" "$stage/thrash"
+  mkfifo --mode=600 "$stage/work/thrash"
+  chown "$user:" "$stage/work/thrash"
   (
-    echo "$BASHPID" >"$group/cgroup.procs"
-    exec "${become[@]}" "$stage/bin/thrash" "$stage/thrash" /var/tmp "$thrash_megabytes" "$thrash_processes"
+    echo "$BASHPID" >"$cgroup/cgroup.procs"
+    exec "${become[@]}" "$stage/bin/thrash" "$stage/work/thrash" /var/tmp "$thrash_megabytes" "$thrash_processes"
   ) &
   thrasher=$!
-  variables+=("TARN_THRASHER=$stage/thrash")
+  variables+=("TARN_THRASHER=$stage/work/thrash")
 }
 
-variables=("PATH=/usr/local/bin:/usr/bin:/bin" "HOME=$stage" "LC_ALL=C.UTF-8" "PYTHONDONTWRITEBYTECODE=1"
-  "TARN_STAGE=$stage" "LSAN_OPTIONS=suppressions=$stage/lsan.supp:print_suppressions=0")
+# Writes the program that runs Python in namespaces of its own, unless the kernel refuses them.
+write_isolated_python() {
+  local isolate=(scripts/in_namespaces.sh "$user" "$session_cgroup" "$stage/root/foreign_memory_$$")
+  cp "$stage/bin/hold_memory" "$stage/root/foreign_memory_$$"
+  isolate[0]="$stage/root/in_namespaces.sh"
+  cp "$repository/scripts/in_namespaces.sh" "${isolate[0]}"
+  if ! "${isolate[@]}" true; then
+    say "NO ISOLATION: the kernel refuses PID namespaces. The tests run one by one and see all processes."
+    isolation=""
+    return 0
+  fi
+  worker_python="$stage/root/python"
+  {
+    say '#!/bin/sh'
+    printf '%q ' exec "${fixed_addresses[@]}" env --ignore-environment "${variables[@]}" "${isolate[@]}" \
+      /usr/bin/python3
+    say '"$@"'
+  } >"$worker_python"
+  chmod +x "$worker_python"
+}
+
+variables=("PATH=/usr/local/bin:/usr/bin:/bin" "HOME=$stage/work" "LC_ALL=C.UTF-8" "PYTHONDONTWRITEBYTECODE=1"
+  "TARN_STAGE=$stage" "LSAN_OPTIONS=suppressions=$stage/bin/lsan.supp:print_suppressions=0")
+[ -z "${TERM:-}" ] || variables+=("TERM=$TERM")
 fill_stage
+if [ -n "$results" ] && [ -d "$results/cache" ]; then cp -r "$results/cache" "$stage/results/"; fi
 become_ordinary_user
-start_thrasher
-prepare_session
-start_foreign_process
+worker_python=""
+if [ -n "$isolation" ]; then
+  start_thrasher
+  write_isolated_python
+fi
+python=("${fixed_addresses[@]}" "${become[@]}" env --ignore-environment "${variables[@]}" /usr/bin/python3)
+case "$isolation" in
+  --isolated) python=("$worker_python") ;;
+  # The workers leave root; this process only hands out tests.
+  --workers) python=(env --ignore-environment "${variables[@]}" "TARN_WORKER_PYTHON=$worker_python" /usr/bin/python3) ;;
+esac
 
 status=0
-cd "$stage"
-"${fixed_addresses[@]}" "${become[@]}" env --ignore-environment "${variables[@]}" \
-  /usr/bin/python3 "$stage/end_to_end/$script" "$@" &
+cd "$stage/$directory"
+"${python[@]}" "$@" <&0 &
 harness=$!
 wait "$harness" || status=$?
 harness=""
 
-mkdir -p "$output"
-if [ -d "$stage/pictures" ]; then cp -r "$stage/pictures/." "$output/"; fi
-if [ -f "$stage/counts" ]; then cp "$stage/counts" "$output/"; fi
+if [ -n "$results" ]; then
+  mkdir -p "$results"
+  cp -r "$stage/results/." "$results/"
+fi
 exit "$status"

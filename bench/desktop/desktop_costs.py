@@ -5,7 +5,6 @@ desktop, one after the other, so many times; and what Tarn costs at rest, over s
 list of values for each figure."""
 
 import json
-import os
 import subprocess
 import sys
 import time
@@ -13,14 +12,15 @@ from pathlib import Path
 
 from gi.repository import GLib
 
-import proc_reader
-from menu_bar import INTERFACE
-from processes import adopt_orphans, end_descendants, end_on_signal, wait_until
-from programs import STAGE, TARN
-from sweep_watch import SWEEP_THREAD
-from virtual_desktop import WATCHER, VirtualDesktop
+from harness import proc_reader
+from harness.desktop import WATCHER
+from harness.processes import all_ended_afterwards, wait_until
+from harness.stage import BIN, RESULTS, TARN
+from harness.status_item import INTERFACE
+from harness.sweeps import SWEEP_THREAD
+from harness.virtual_desktop import VirtualDesktop
 
-BARE = STAGE / "bin/bare_tray_program"
+BARE = BIN / "bare_tray_program"
 POPOVER_WIDTH = 300  # at least; pixels
 WATCHED = 2  # seconds for which the processor time of a monitor is watched
 SETTLED = 3  # seconds after which a program has drawn itself and looked around once
@@ -93,7 +93,7 @@ class Program:
 
 def open_and_time(desktop, tarn, figures):
     """Opens the popover and measures the time to its first frame."""
-    watch = subprocess.Popen([STAGE / "bin/first_frame", str(POPOVER_WIDTH)], env=desktop.environment,
+    watch = subprocess.Popen([BIN / "first_frame", str(POPOVER_WIDTH)], env=desktop.environment,
                              stdout=subprocess.PIPE, text=True)
     watch.stdout.readline()
     begin = time.monotonic()
@@ -176,7 +176,7 @@ def measure_monitor(desktop, figures, name):
 
 def measure_rest(desktop, figures, seconds):
     """What the closed popover costs on a machine with a usual number of processes."""
-    idle = desktop.start("idle", [STAGE / "bin/idle_processes", IDLE_PROCESSES])
+    idle = desktop.start("idle", [BIN / "idle_processes", IDLE_PROCESSES])
     wait_until(lambda: "ready" in desktop.log("idle"), "the idle processes are there")
     tarn = Program(desktop, TARN)
     time.sleep(SETTLED)
@@ -195,23 +195,17 @@ def measure_rest(desktop, figures, seconds):
 
 def main():
     rounds, rest_seconds, monitors = int(sys.argv[1]), int(sys.argv[2]), sys.argv[3:]
-    adopt_orphans()
-    end_on_signal()
     figures = Figures()
-    try:
-        with VirtualDesktop(STAGE, accessible=False) as desktop:
-            measure_starts(desktop, figures)
-            for _ in range(rounds):
-                measure_tarn(desktop, figures)
-                measure_bare(desktop, figures)
-                for name in monitors:
-                    measure_monitor(desktop, figures, name)
-            if rest_seconds:
-                measure_rest(desktop, figures, rest_seconds)
-    finally:
-        end_descendants()
-    (STAGE / "pictures").mkdir(exist_ok=True)
-    (STAGE / "pictures/figures.json").write_text(json.dumps(figures.values, indent=1), encoding="ascii")
+    with all_ended_afterwards(), VirtualDesktop(accessible=False) as desktop:
+        measure_starts(desktop, figures)
+        for _ in range(rounds):
+            measure_tarn(desktop, figures)
+            measure_bare(desktop, figures)
+            for name in monitors:
+                measure_monitor(desktop, figures, name)
+        if rest_seconds:
+            measure_rest(desktop, figures, rest_seconds)
+    (RESULTS / "figures.json").write_text(json.dumps(figures.values, indent=1), encoding="ascii")
     return 0
 
 

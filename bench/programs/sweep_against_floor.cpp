@@ -13,6 +13,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "platform/linux/procfs/sleeping_process_cache.hpp"
 #include "programs/floor_sweep.hpp"
 #include "sampling/memory_sampler.hpp"
@@ -51,7 +52,7 @@ double median(std::vector<double> values) {
 /// This machine, with clocks by which no process ever sleeps.
 tarn::SamplerPort busyMachine() {
   const tarn::LinuxRoots roots;
-  tarn::SamplerPort port = tarn::platformSamplerPort();
+  tarn::SamplerPort port = tarn::makeLinuxSamplerPort(tarn::LinuxRoots{});
   port.applicationRules = nullptr;  // they ask the process table that is replaced
   auto clock = [read = tarn::processClockFor(roots.proc),
                 moved = std::uint64_t{0}](std::int32_t pid) mutable {
@@ -75,7 +76,7 @@ int main(int argumentCount, char** arguments) {
   tarn::FloorSweep floor;
   const std::size_t present = floor.run();
   const tarn::IdleProcesses idle(wanted - std::min(wanted, present));
-  tarn::MemorySampler sampler(tarn::platformSamplerPort());
+  tarn::MemorySampler sampler(tarn::makeLinuxSamplerPort(tarn::LinuxRoots{}));
   tarn::MemorySampler busySampler(busyMachine());
   // The first two sweeps look at each process more closely.
   for (int warmUp = 0; warmUp < 2; ++warmUp) {

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/idle_processes.hpp"
 
@@ -32,7 +33,7 @@ int main(int argumentCount, char** arguments) {
   if (argumentCount != 3) return 2;
   const int sweeps = std::atoi(arguments[1]);
   const std::size_t churn = std::strtoul(arguments[2], nullptr, 10);
-  tarn::MemorySampler sampler(tarn::platformSamplerPort());
+  tarn::MemorySampler sampler(tarn::makeLinuxSamplerPort(tarn::LinuxRoots{}));
   long early = 0;
   for (int sweep = 0; sweep < sweeps; ++sweep) {
     const tarn::IdleProcesses shortLived(churn);

@@ -14,11 +14,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "app/page_opener.hpp"
-#include "app/program.hpp"
-#include "monitor/active_processors.hpp"
 #include "monitor/serial_queue.hpp"
-#include "monitor/thread_name.hpp"
 #include "ui/menu_bar/menu_bar_icon.hpp"
 #include "ui/popover/popover_placement.hpp"
 
@@ -28,35 +24,36 @@ namespace {
 
 /// Makes a queue whose tasks begin once `begin` is there: a first sweep costs as much as the whole start of a
 /// program, and would come before the user sees anything.
-std::unique_ptr<TaskQueue> makeNamedQueue(const std::string& label, const std::shared_future<void>& begin) {
+std::unique_ptr<TaskQueue> makeNamedQueue(const Platform& platform, const std::string& label,
+                                          const std::shared_future<void>& begin) {
   constexpr auto longEnough = std::chrono::seconds(1);
   auto queue = std::make_unique<SerialQueue>();
-  queue->async([label, begin, longEnough] {
-    setCurrentThreadName(label);
+  queue->async([&platform, label, begin, longEnough] {
+    platform.setCurrentThreadName(label);
     begin.wait_for(longEnough);
   });
   return queue;
 }
 
-MonitorPorts platformMonitorPorts(RunLoop& mainLoop, std::shared_future<void> begin) {
+MonitorPorts makeMonitorPorts(Platform& platform, RunLoop& mainLoop, std::shared_future<void> begin) {
   return {.mainLoop = mainLoop,
-          .makeQueue =
-              [begin = std::move(begin)](const std::string& label) { return makeNamedQueue(label, begin); },
-          .sampler = platformSamplerPort(),
-          .extras = platformExtrasPort(),
-          .pressureLevel = platformPressureLevel,
-          .pressureSource = platformPressureSource(),
-          .frontmostApplication = platformFrontmostApplication(),
-          .activeProcessorCount = platformActiveProcessorCount};
+          .makeQueue = [&platform, begin = std::move(begin)](
+                           const std::string& label) { return makeNamedQueue(platform, label, begin); },
+          .sampler = platform.makeSamplerPort(),
+          .extras = platform.makeExtrasPort(),
+          .pressureLevel = [&platform] { return platform.pressureLevel(); },
+          .pressureSource = platform.makePressureSource(),
+          .frontmostApplication = platform.makeFrontmostApplicationSource(),
+          .activeProcessorCount = [&platform] { return platform.activeProcessorCount(); }};
 }
 
-Maker maker() {
-  const QString address = QStringLiteral(TARN_MAKER_ADDRESS);
+Vendor vendor() {
+  const QString address = QStringLiteral(TARN_VENDOR_ADDRESS);
   return {address, QStringLiteral("https://") + address};
 }
 
-PopoverStyle styleOn(const WindowSystem& windowSystem) {
-  return windowSystem.clientsPlaceWindows && windowSystem.popupsTakeKeys ? PopoverStyle::popup
+PopoverStyle styleOn(const WindowCapabilities& capabilities) {
+  return capabilities.clientsPlaceWindows && capabilities.popupsTakeKeys ? PopoverStyle::popup
                                                                          : PopoverStyle::tool;
 }
 
@@ -73,33 +70,37 @@ QIcon windowIcon() {
       MenuBarIcon::image(QStringLiteral("circle"), MenuBarIcon::color(Tint::green), size));
 }
 
-/// Where the click was: the pointer knows best while windows may ask for it; a host's word is believed only
-/// when it can be true.
-std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const WindowSystem& windowSystem) {
+/// The menu-bar item's position. Some hosts report a wrong position, so the pointer's position is preferred.
+std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const WindowSystemState& state) {
   const auto isPlausible = [](const QPoint& point) {
     const QScreen* screen = QGuiApplication::screenAt(point);
     return screen != nullptr && isPlausibleAnchor(point, {screen->geometry(), screen->availableGeometry()});
   };
-  if (windowSystem.hostKnowsItsPlace && position) return position;
-  if (windowSystem.clientsPlaceWindows && isPlausible(QCursor::pos())) return QCursor::pos();
+  if (state.capabilities.hostKnowsItsPlace && position) return position;
+  if (state.capabilities.clientsPlaceWindows && state.pointer && isPlausible(*state.pointer))
+    return state.pointer;
   if (position && isPlausible(*position)) return position;
   return std::nullopt;
 }
 
 }  // namespace
 
-TarnApp::TarnApp()
-    : model_(MonitorViewModel::create(platformMonitorPorts(runLoop_, sweepsMayBegin_.get_future().share()))),
-      colorScheme_(platformColorScheme()),
-      item_(platformMenuBarItem()),
+TarnApp::TarnApp(Platform& platform)
+    : platform_(platform),
+      model_(MonitorViewModel::create(
+          makeMonitorPorts(platform, runLoop_, sweepsMayBegin_.get_future().share()))),
+      colorScheme_(platform.makeColorSchemeWatcher()),
+      item_(platform.makeMenuBarItem()),
       labelRenderer_([this] { renderLabel(); }) {
   connect(model_.get(), &MonitorViewModel::willChange, &labelRenderer_, &RenderScheduler::schedule);
   connect(&prefs_, &Preferences::willChange, &labelRenderer_, &RenderScheduler::schedule);
   connect(colorScheme_.get(), &ColorSchemeWatcher::changed, this, &TarnApp::applyTheme);
   connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::itemClicked);
-  connect(item_.get(), &MenuBarItem::openRequested, this,
-          [this] { openPopover(clickAnchor(std::nullopt, platformWindowSystem())); });
-  connect(item_.get(), &MenuBarItem::quitRequested, this, platformTerminate);
+  connect(item_.get(), &MenuBarItem::openRequested, this, [this] {
+    const WindowSystemState state = platform_.windowSystemState();
+    openPopoverAt(clickAnchor(std::nullopt, state), state);
+  });
+  connect(item_.get(), &MenuBarItem::quitRequested, this, [this] { platform_.terminate(); });
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::letSweepsBegin);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::leaveForMenuBar);
@@ -140,21 +141,23 @@ PopoverWindow& TarnApp::popover() {
   if (!popover_) {
     letSweepsBegin();
     prepareForWindows();
-    auto* view = new PopoverView(model_, prefs_, platformFileIcon(), maker());
-    popover_ = std::make_unique<PopoverWindow>(view);
-    connect(view, &PopoverView::quitRequested, this, platformTerminate);
-    connect(view, &PopoverView::pageRequested, this, platformPageOpener());
+    auto* view = new PopoverView(model_, prefs_, platform_.makeFileIconLoader(), vendor());
+    popover_ = std::make_unique<PopoverWindow>(view, platform_.makeCompositorPlacement());
+    connect(view, &PopoverView::quitRequested, this, [this] { platform_.terminate(); });
+    connect(view, &PopoverView::urlRequested, this, platform_.makeUrlOpener());
     connect(popover_.get(), &PopoverWindow::closed, this, [this] {
       // Without a menu bar this window is all there is of Tarn: closing it ends the program.
-      if (popover_->style() == PopoverStyle::regular) platformTerminate();
+      if (popover_->style() == PopoverStyle::regular) platform_.terminate();
       labelRenderer_.schedule();
     });
-    workspaceWatch_ = platformWorkspaceWatch([this] {
+    workspaceWatch_ = platform_.watchWorkspaces([this] {
       const bool isPopover = popover_ && popover_->isVisible() && popover_->style() != PopoverStyle::regular;
       if (isPopover) popover_->close();
     });
     // Once the window has let go of its own.
-    connect(popover_.get(), &PopoverWindow::closed, this, &platformReturnMemory, Qt::QueuedConnection);
+    connect(
+        popover_.get(), &PopoverWindow::closed, this, [this] { platform_.releaseFreeHeap(); },
+        Qt::QueuedConnection);
     applyTheme();
   }
   return *popover_;
@@ -168,23 +171,26 @@ void TarnApp::applyTheme() {
   popover_->setTheme(scheme == ColorScheme::dark ? Theme::dark() : Theme::light());
 }
 
-void TarnApp::openPopover(std::optional<QPoint> position) {
-  if (!model_) return;
+void TarnApp::openPopover() {
+  if (model_) openPopoverAt(std::nullopt, platform_.windowSystemState());
+}
+
+void TarnApp::openPopoverAt(std::optional<QPoint> anchor, const WindowSystemState& state) {
   if (popover().isVisible()) {
     popover().raise();
     popover().activateWindow();
     return;
   }
-  const WindowSystem windowSystem = platformWindowSystem();
-  const PopoverStyle style = hasMenuBar_ ? styleOn(windowSystem) : PopoverStyle::regular;
-  popover().open(style, position, windowSystem);
+  const PopoverStyle style = hasMenuBar_ ? styleOn(state.capabilities) : PopoverStyle::regular;
+  popover().open(style, {anchor, state.windowUnderPointer}, state.capabilities);
 }
 
 void TarnApp::itemClicked(std::optional<QPoint> position) {
-  // A panel that can be clicked is a menu bar, whatever it said of itself.
+  // A click proves that a host shows the item, even after hostMissing.
   leaveForMenuBar();
-  const WindowSystem windowSystem = platformWindowSystem();
-  popover().toggle(styleOn(windowSystem), clickAnchor(position, windowSystem), windowSystem);
+  const WindowSystemState state = platform_.windowSystemState();
+  popover().toggle(styleOn(state.capabilities), {clickAnchor(position, state), state.windowUnderPointer},
+                   state.capabilities);
 }
 
 void TarnApp::showWithoutMenuBar() {
@@ -192,7 +198,7 @@ void TarnApp::showWithoutMenuBar() {
              stderr);
   hasMenuBar_ = false;
   popover().setWindowIcon(windowIcon());
-  popover().open(PopoverStyle::regular, std::nullopt, platformWindowSystem());
+  popover().open(PopoverStyle::regular, {}, platform_.windowSystemState().capabilities);
 }
 
 void TarnApp::leaveForMenuBar() {

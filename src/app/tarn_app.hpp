@@ -9,13 +9,14 @@
 #include <memory>
 #include <optional>
 
+#include "app/platform.hpp"
 #include "monitor/monitor_view_model.hpp"
 #include "monitor/preferences.hpp"
 #include "monitor/qt_run_loop.hpp"
-#include "ui/widgets/color_scheme.hpp"
 #include "ui/menu_bar/menu_bar_item.hpp"
 #include "ui/menu_bar/menu_bar_label.hpp"
 #include "ui/popover/popover_window.hpp"
+#include "ui/widgets/color_scheme.hpp"
 #include "ui/widgets/render_scheduler.hpp"
 
 namespace tarn {
@@ -25,7 +26,8 @@ class TarnApp : public QObject {
   Q_OBJECT
 
  public:
-  TarnApp();
+  /// `platform` must outlive this object.
+  explicit TarnApp(Platform& platform);
 
   /// Waits for a sweep in flight, which still uses the run loop.
   ~TarnApp() override;
@@ -33,9 +35,8 @@ class TarnApp : public QObject {
   TarnApp(const TarnApp&) = delete;
   TarnApp& operator=(const TarnApp&) = delete;
 
-  /// Shows the popover, by whatever way leads to it: the way back for somebody who can not find the item.
-  /// `position` is the item's on the screen, where it is known.
-  void openPopover(std::optional<QPoint> position = std::nullopt);
+  /// Shows the popover in the screen's corner, for a second launch of the program.
+  void openPopover();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -44,11 +45,13 @@ class TarnApp : public QObject {
   void letSweepsBegin();
   void renderLabel();
   void applyTheme();
+  void openPopoverAt(std::optional<QPoint> anchor, const WindowSystemState& state);
   void itemClicked(std::optional<QPoint> position);
   void showWithoutMenuBar();
   void leaveForMenuBar();
   PopoverWindow& popover();
 
+  Platform& platform_;
   QtRunLoop runLoop_;
   std::promise<void> sweepsMayBegin_;
   bool sweepsBegan_ = false;

@@ -10,7 +10,7 @@ namespace tarn {
 
 namespace {
 
-std::uint64_t byteCount(std::int64_t capacity) {
+std::uint64_t clampToByteCount(std::int64_t capacity) {
   return static_cast<std::uint64_t>(std::max<std::int64_t>(capacity, 0));
 }
 
@@ -33,10 +33,10 @@ ThermalState ExtrasReader::thermalState() const {
 }
 
 std::optional<StorageInfo> ExtrasReader::storage(const ExtrasPort& port) {
-  const auto values = port.rootVolume();
+  const std::optional<VolumeValues> values = port.rootVolume();
   if (!values || !values->totalCapacity || !values->availableCapacityForImportantUsage) return std::nullopt;
-  return StorageInfo{values->name.value_or("Macintosh HD"), byteCount(*values->totalCapacity),
-                     byteCount(*values->availableCapacityForImportantUsage)};
+  return StorageInfo{values->name.value_or("Macintosh HD"), clampToByteCount(*values->totalCapacity),
+                     clampToByteCount(*values->availableCapacityForImportantUsage)};
 }
 
 }  // namespace tarn

@@ -5,26 +5,25 @@
 
 #include <optional>
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 #include "extras/system_extras.hpp"
-#include "extras/thermal_sensors.hpp"
+#include "extras/thermal.hpp"
 
 namespace tarn {
 
-/// Gathers what there is to know about the machine besides memory and processor. Used on the sampler's queue
-/// only; keeps nothing between two gatherings.
+/// Reads storage, battery, temperature and uptime. Not thread-safe: used only on the sampler's queue. Caches
+/// nothing between readings.
 class ExtrasReader {
  public:
   explicit ExtrasReader(ExtrasPort port);
 
-  /// One full gathering: what cannot be read is absent. Without the memory for it there is none, and
-  /// std::bad_alloc is thrown; the next one is as right as any.
+  /// Reads everything once. Values that cannot be read are absent. Throws std::bad_alloc when memory runs
+  /// out; the next reading is correct again.
   SystemExtras read() const;
 
-  /// The platform's own thermal state.
   ThermalState thermalState() const;
 
-  /// The start-up volume; nothing when it cannot be asked or does not tell both capacities.
+  /// The startup volume. Returns nullopt when it cannot be queried or one of its capacities is absent.
   static std::optional<StorageInfo> storage(const ExtrasPort& port);
 
  private:

@@ -7,11 +7,11 @@
 #include <optional>
 #include <string>
 
-#include "extras/battery_info.hpp"
+#include "extras/battery.hpp"
 
 namespace tarn {
 
-/// The start-up volume.
+/// Capacity of the startup volume.
 struct StorageInfo {
   std::string volumeName;
   std::uint64_t total = 0;      ///< bytes
@@ -20,12 +20,12 @@ struct StorageInfo {
   bool operator==(const StorageInfo&) const = default;
 };
 
-/// The machine's health in one reading; what could not be read is absent.
+/// The result of one reading by ExtrasReader. Values that could not be read are absent.
 struct SystemExtras {
   std::optional<StorageInfo> storage;
   std::optional<BatteryInfo> battery;
-  std::optional<double> temperatureCelsius;  ///< mean of the accepted sensors
-  double uptime = 0;                         ///< seconds since the system started
+  std::optional<double> temperatureCelsius;  ///< mean of the plausible sensor readings
+  double uptime = 0;                         ///< seconds since boot
 
   bool operator==(const SystemExtras&) const = default;
 };

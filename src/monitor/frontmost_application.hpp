@@ -26,7 +26,4 @@ const AppGroup* groupOf(const FrontmostApplication& application, const MemorySna
 /// answers within 50 ms or gives nothing.
 using FrontmostApplicationSource = std::function<std::optional<FrontmostApplication>()>;
 
-/// The running system's source; each platform folder defines it.
-FrontmostApplicationSource platformFrontmostApplication();
-
 }  // namespace tarn

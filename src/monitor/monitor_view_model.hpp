@@ -13,10 +13,10 @@
 #include "extras/extras_reader.hpp"
 #include "monitor/cpu_presentation.hpp"
 #include "monitor/frontmost_application.hpp"
-#include "monitor/memory_pressure_monitor.hpp"
+#include "monitor/memory_pressure.hpp"
 #include "monitor/pressure_source.hpp"
 #include "monitor/run_loop.hpp"
-#include "monitor/status_presentation.hpp"
+#include "monitor/presentation.hpp"
 #include "sampling/memory_sampler.hpp"
 
 namespace tarn {

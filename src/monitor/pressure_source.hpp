@@ -5,8 +5,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
-#include <optional>
 
 #include "monitor/task_queue.hpp"
 
@@ -30,11 +28,5 @@ class PressureSource {
   /// is the same as before.
   virtual void resume(TaskQueue& queue, Handler handler) = 0;
 };
-
-/// The running system's source; each platform folder defines it.
-std::unique_ptr<PressureSource> platformPressureSource();
-
-/// The system's present level as a raw MemoryPressure value; nothing when it cannot be read. Main thread.
-std::optional<std::int32_t> platformPressureLevel();
 
 }  // namespace tarn

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "monitor/run_loop.hpp"
-#include "monitor/task_inbox.hpp"
+#include "monitor/concurrency.hpp"
 
 namespace tarn {
 

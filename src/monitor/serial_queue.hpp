@@ -5,7 +5,7 @@
 
 #include <thread>
 
-#include "monitor/task_inbox.hpp"
+#include "monitor/concurrency.hpp"
 #include "monitor/task_queue.hpp"
 
 namespace tarn {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "monitor/status_presentation.hpp"
+#include "monitor/presentation.hpp"
 
 namespace tarn {
 

@@ -9,12 +9,12 @@ std::optional<std::string> outermostBundle(std::string_view path) {
   std::string prefix;
   while (!path.empty()) {
     const std::size_t slash = path.find('/');
-    const std::string_view piece = path.substr(0, slash);
+    const std::string_view component = path.substr(0, slash);
     path = slash == std::string_view::npos ? std::string_view{} : path.substr(slash + 1);
-    if (piece.empty()) continue;
+    if (component.empty()) continue;
     prefix += '/';
-    prefix += piece;
-    if (piece.ends_with(".app")) return prefix;
+    prefix += component;
+    if (component.ends_with(".app")) return prefix;
   }
   return std::nullopt;
 }

@@ -18,7 +18,7 @@ namespace tarn {
 namespace {
 
 constexpr double nanosecondsPerSecond = 1'000'000'000.0;
-constexpr std::size_t ancestorSteps = 8;
+constexpr std::size_t maxAncestorSteps = 8;
 
 constexpr auto largestFootprintFirst = [](const auto& left, const auto& right) {
   return left.footprint > right.footprint;
@@ -36,13 +36,13 @@ MemorySnapshot MemorySampler::sample() {
   endSweep(start);
 
   MemorySnapshot snapshot;
-  tallyGroups();
+  accumulateGroups();
   rankGroups();
   snapshot.groups = makeGroups();
   std::swap(smoothedProcessCPU_, sweep_.smoothedCPU);
-  forgetVanishedApplications(snapshot.groups);
+  pruneSmoothedCPU(snapshot.groups);
+  // The duration covers the sweep over processes, not the system-wide figures.
   snapshot.sweepDuration = port_.uptime() - start;
-  // Outside the measured duration: the system's figures are not part of the sweep over processes.
   snapshot.system = port_.memory->read();
   return snapshot;
 }
@@ -61,12 +61,12 @@ void MemorySampler::beginSweep(double uptime, std::size_t processCount) {
 }
 
 void MemorySampler::measure(std::int32_t pid) {
-  // A process table that changes while it is read may name a process twice.
+  // A process table that changes while it is read may list a pid twice.
   const auto [ancestor, isFirst] = sweep_.live.tryEmplace(pid);
   if (!isFirst) return;
   const std::optional<BsdInfo> info = port_.processes->bsdInfo(pid);
-  const Executable& program = executable(pid, info);
-  *ancestor = {.ppid = info ? info->ppid : 0, .executable = &program, .root = program.bundle};
+  const Executable& executable = executableOf(pid, info);
+  *ancestor = {.ppid = info ? info->ppid : 0, .executable = &executable, .root = executable.bundle};
 
   const std::optional<ProcessUsage> usage = port_.processes->usage(pid);
   if (!usage) return;
@@ -78,17 +78,17 @@ void MemorySampler::measure(std::int32_t pid) {
     sample.cpuPercent = cpuPercent(pid, current);
     sweep_.cpu[pid] = current;
   }
-  sample.name = program.path.empty() ? nameWithoutPath(pid) : program.name;
-  sample.path = program.path;
+  sample.name = executable.path.empty() ? nameWithoutPath(pid) : executable.name;
+  sample.path = executable.path;
   sweep_.samples.push_back(std::move(sample));
 }
 
-const MemorySampler::Executable& MemorySampler::executable(std::int32_t pid,
-                                                           const std::optional<BsdInfo>& info) {
-  // Without a start time nothing says whether a cached path is still this process's.
+const MemorySampler::Executable& MemorySampler::executableOf(std::int32_t pid,
+                                                             const std::optional<BsdInfo>& info) {
+  // The start time validates the cached path. Without it the path is read each time and not cached.
   if (!info) return executableAt(port_.processes->path(pid));
   CachedPath& cached = pathCache_[pid];
-  // There is none in a new one, nor where memory ran out before it was known.
+  // A new entry has no executable, nor has one whose path was not read because std::bad_alloc was thrown.
   if (cached.executable == nullptr || cached.startSec != info->startSec) {
     cached = {info->startSec, &executableAt(port_.processes->path(pid))};
   }
@@ -96,19 +96,19 @@ const MemorySampler::Executable& MemorySampler::executable(std::int32_t pid,
 }
 
 const MemorySampler::Executable& MemorySampler::executableAt(std::string_view path) {
-  const auto cached = bundleRootCache_.find(path);
-  if (cached != bundleRootCache_.end()) return cached->second;
+  const auto cached = executables_.find(path);
+  if (cached != executables_.end()) return cached->second;
   Executable executable{std::string(path), std::string(lastPathComponent(path)),
                         outermostBundle(path).value_or("")};
   const std::string_view key = executable.path;
-  return bundleRootCache_.emplace(key, std::move(executable)).first->second;
+  return executables_.emplace(key, std::move(executable)).first->second;
 }
 
 double MemorySampler::cpuPercent(std::int32_t pid, const CachedCPU& current) const {
-  const CachedCPU* const before = previousCPU_.find(pid);
-  if (!sweep_.interval || before == nullptr) return 0;
-  if (before->startSec != current.startSec || current.cpuTime < before->cpuTime) return 0;
-  return static_cast<double>(current.cpuTime - before->cpuTime) / *sweep_.interval * 100;
+  const CachedCPU* const previous = previousCPU_.find(pid);
+  if (!sweep_.interval || previous == nullptr) return 0;
+  if (previous->startSec != current.startSec || current.cpuTime < previous->cpuTime) return 0;
+  return static_cast<double>(current.cpuTime - previous->cpuTime) / *sweep_.interval * 100;
 }
 
 SharedText MemorySampler::nameWithoutPath(std::int32_t pid) {
@@ -124,49 +124,51 @@ void MemorySampler::endSweep(double uptime) {
   }
 }
 
-void MemorySampler::tallyGroups() {
-  sweep_.tallies.clear();
-  sweep_.tallyOfSample.clear();
+void MemorySampler::accumulateGroups() {
+  sweep_.accumulators.clear();
+  sweep_.accumulatorOfSample.clear();
   sweep_.smoothedCPU.clear();
-  std::unordered_map<std::string_view, std::size_t> tallyOfRoot;
+  // The keys are views of text that `accumulators` keep alive until the next sweep.
+  std::unordered_map<std::string_view, std::size_t> indexOfRoot;
   for (std::size_t i = 0; i < sweep_.samples.size(); ++i) {
     const ProcessSample& sample = sweep_.samples[i];
     SharedText root = ownRoot(sample.pid, *sweep_.live.find(sample.pid));
-    if (root.empty()) root = ancestorBundleRoot(sample.pid);
-    std::size_t place = sweep_.tallies.size();
-    // A root's text lasts: whoever has it keeps it until the next sweep.
-    if (!root.empty()) place = tallyOfRoot.try_emplace(root.string(), place).first->second;
-    if (place == sweep_.tallies.size()) sweep_.tallies.push_back({.root = std::move(root), .firstSample = i});
-    Tally& tally = sweep_.tallies[place];
-    ++tally.count;
-    tally.footprint = checkedAdd(tally.footprint, sample.footprint);
-    tally.rawCPU += sample.cpuPercent;
-    sweep_.tallyOfSample.push_back(place);
+    if (root.empty()) root = ancestorRoot(sample.pid);
+    std::size_t index = sweep_.accumulators.size();
+    if (!root.empty()) index = indexOfRoot.try_emplace(root.string(), index).first->second;
+    if (index == sweep_.accumulators.size()) {
+      sweep_.accumulators.push_back({.root = std::move(root), .firstSample = i});
+    }
+    GroupAccumulator& accumulator = sweep_.accumulators[index];
+    ++accumulator.count;
+    accumulator.footprint = checkedAdd(accumulator.footprint, sample.footprint);
+    accumulator.rawCPU += sample.cpuPercent;
+    sweep_.accumulatorOfSample.push_back(index);
   }
-  sweep_.applications = tallyOfRoot.size();
+  sweep_.applicationCount = indexOfRoot.size();
 }
 
 void MemorySampler::rankGroups() {
-  // What is sorted are places: tallies are large to move.
-  sweep_.ranking.resize(sweep_.tallies.size());
+  // Sorts indexes because accumulators are large. The index breaks ties, so the order is stable.
+  sweep_.ranking.resize(sweep_.accumulators.size());
   std::iota(sweep_.ranking.begin(), sweep_.ranking.end(), std::size_t{0});
   std::sort(sweep_.ranking.begin(), sweep_.ranking.end(), [this](std::size_t left, std::size_t right) {
-    const std::uint64_t one = sweep_.tallies[left].footprint;
-    const std::uint64_t other = sweep_.tallies[right].footprint;
-    return one != other ? one > other : left < right;
+    const std::uint64_t leftFootprint = sweep_.accumulators[left].footprint;
+    const std::uint64_t rightFootprint = sweep_.accumulators[right].footprint;
+    return leftFootprint != rightFootprint ? leftFootprint > rightFootprint : left < right;
   });
 }
 
 std::vector<AppGroup> MemorySampler::makeGroups() {
   std::vector<AppGroup> groups;
-  groups.reserve(sweep_.tallies.size());
-  for (const std::size_t ranked : sweep_.ranking) {
-    sweep_.tallies[ranked].place = groups.size();
-    groups.push_back(makeGroup(sweep_.tallies[ranked]));
+  groups.reserve(sweep_.accumulators.size());
+  for (const std::size_t index : sweep_.ranking) {
+    sweep_.accumulators[index].groupIndex = groups.size();
+    groups.push_back(makeGroup(sweep_.accumulators[index]));
   }
   for (std::size_t i = 0; i < sweep_.samples.size(); ++i) {
-    const Tally& tally = sweep_.tallies[sweep_.tallyOfSample[i]];
-    groups[tally.place].processes.push_back(std::move(sweep_.samples[i]));
+    const GroupAccumulator& accumulator = sweep_.accumulators[sweep_.accumulatorOfSample[i]];
+    groups[accumulator.groupIndex].processes.push_back(std::move(sweep_.samples[i]));
   }
   for (AppGroup& group : groups) {
     if (group.processes.size() < 2) continue;
@@ -175,57 +177,58 @@ std::vector<AppGroup> MemorySampler::makeGroups() {
   return groups;
 }
 
-void MemorySampler::forgetVanishedApplications(const std::vector<AppGroup>& groups) {
-  if (sweep_.applications == smoothedCPU_.size()) return;
-  std::unordered_set<std::string_view> roots;
-  for (const AppGroup& group : groups) roots.insert(group.id);
-  std::erase_if(smoothedCPU_, [&](const auto& remembered) { return !roots.contains(remembered.first); });
-}
-
-AppGroup MemorySampler::makeGroup(const Tally& tally) {
-  const ProcessSample& first = sweep_.samples[tally.firstSample];
-  AppGroup group{.id = tally.root.string(), .name = first.name, .footprint = tally.footprint};
-  if (tally.root.empty()) {
+AppGroup MemorySampler::makeGroup(const GroupAccumulator& accumulator) {
+  const ProcessSample& first = sweep_.samples[accumulator.firstSample];
+  AppGroup group{.id = accumulator.root.string(), .name = first.name, .footprint = accumulator.footprint};
+  if (accumulator.root.empty()) {
     group.id = "pid:" + std::to_string(first.pid);
-    group.cpuPercent = smoothedOfProcess(first.pid, tally.rawCPU);
+    group.cpuPercent = smoothProcessCPU(first.pid, accumulator.rawCPU);
   } else {
     group.name = displayNameText(group.id);
     group.bundlePath = group.id;
-    group.cpuPercent = smoothedOfApplication(group.id, tally.rawCPU);
+    group.cpuPercent = smoothApplicationCPU(group.id, accumulator.rawCPU);
   }
-  group.processes.reserve(tally.count);
+  group.processes.reserve(accumulator.count);
   return group;
 }
 
-double MemorySampler::smoothed(double before, double raw) {
-  return before + (raw - before) * cpuSmoothing;
+void MemorySampler::pruneSmoothedCPU(const std::vector<AppGroup>& groups) {
+  if (sweep_.applicationCount == smoothedCPU_.size()) return;
+  std::unordered_set<std::string_view> roots;
+  for (const AppGroup& group : groups) roots.insert(group.id);
+  std::erase_if(smoothedCPU_, [&](const auto& entry) { return !roots.contains(entry.first); });
 }
 
-double MemorySampler::smoothedOfApplication(const std::string& root, double raw) {
-  const auto [remembered, isNew] = smoothedCPU_.try_emplace(root, raw);
-  if (!isNew) remembered->second = smoothed(remembered->second, raw);
-  return remembered->second;
+double MemorySampler::smooth(double previous, double raw) {
+  return previous + (raw - previous) * cpuSmoothing;
 }
 
-double MemorySampler::smoothedOfProcess(std::int32_t pid, double raw) {
-  const double* const remembered = smoothedProcessCPU_.find(pid);
-  return sweep_.smoothedCPU[pid] = remembered ? smoothed(*remembered, raw) : raw;
+double MemorySampler::smoothApplicationCPU(const std::string& root, double raw) {
+  const auto [entry, isNew] = smoothedCPU_.try_emplace(root, raw);
+  if (!isNew) entry->second = smooth(entry->second, raw);
+  return entry->second;
+}
+
+double MemorySampler::smoothProcessCPU(std::int32_t pid, double raw) {
+  const double* const previous = smoothedProcessCPU_.find(pid);
+  return sweep_.smoothedCPU[pid] = previous ? smooth(*previous, raw) : raw;
 }
 
 const SharedText& MemorySampler::ownRoot(std::int32_t pid, Ancestor& process) {
-  if (process.root.empty() && !process.isAsked && port_.applicationRules) {
+  if (process.root.empty() && !process.rulesChecked && port_.applicationRules) {
     process.root = port_.applicationRules->applicationRoot(pid, process.executable->path.string());
   }
-  process.isAsked = true;
+  process.rulesChecked = true;
   return process.root;
 }
 
-SharedText MemorySampler::ancestorBundleRoot(std::int32_t startPID) {
-  std::array<std::int32_t, ancestorSteps> visited{};
+SharedText MemorySampler::ancestorRoot(std::int32_t startPID) {
+  std::array<std::int32_t, maxAncestorSteps> visited{};
   Ancestor* process = sweep_.live.find(startPID);
   for (std::size_t step = 0; step < visited.size() && process != nullptr; ++step) {
     const std::int32_t parent = process->ppid;
-    // Pids 0 and 1 own no application; a parent met before means the table changed while it was read.
+    // Pids 0 and 1 belong to no application. The parent chain has a cycle when the process table changed
+    // while it was read.
     if (parent < 2 || std::find(visited.begin(), visited.end(), parent) != visited.end()) break;
     visited[step] = parent;
     process = sweep_.live.find(parent);
@@ -244,8 +247,8 @@ std::string MemorySampler::displayName(const std::string& forBundleRoot) {
 }
 
 const SharedText& MemorySampler::displayNameText(const std::string& bundleRoot) {
-  const auto cached = displayNameCache_.find(bundleRoot);
-  if (cached != displayNameCache_.end()) return cached->second;
+  const auto cached = displayNames_.find(bundleRoot);
+  if (cached != displayNames_.end()) return cached->second;
 
   InformationDictionary information;
   if (port_.bundleInformation) information = port_.bundleInformation(bundleRoot);
@@ -256,7 +259,7 @@ const SharedText& MemorySampler::displayNameText(const std::string& bundleRoot) 
     name = entry->second;
     break;
   }
-  return displayNameCache_.emplace(bundleRoot, std::move(name)).first->second;
+  return displayNames_.emplace(bundleRoot, std::move(name)).first->second;
 }
 
 }  // namespace tarn

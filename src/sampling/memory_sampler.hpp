@@ -10,40 +10,40 @@
 #include <vector>
 
 #include "sampling/pid_map.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn {
 
-/// Turns the process table into one snapshot of application groups per call of `sample`.
+/// Reads the process table and returns one snapshot of application groups per call of `sample`.
 ///
-/// A reference object, not thread-safe: its owner calls it from one serial queue. Between sweeps it remembers
-/// paths and CPU times of live processes (valid only while a pid's start time is unchanged), the smoothed
-/// share of each group, and, for its whole life, bundle roots and display names.
+/// Not thread-safe: the owner calls all functions from one serial queue. State kept between sweeps:
+/// executable paths and CPU times of live processes (valid while the start time of the pid is unchanged) and
+/// the smoothed CPU percentage of each group. Bundle roots and display names are cached for the sampler's
+/// lifetime.
 class MemorySampler {
  public:
-  explicit MemorySampler(SamplerPort port = platformSamplerPort());
+  explicit MemorySampler(SamplerPort port);
 
   MemorySampler(const MemorySampler&) = delete;
   MemorySampler& operator=(const MemorySampler&) = delete;
 
-  /// One sweep over every process: what cannot be read is left out or neutral. Without the memory for it
-  /// there is none, and std::bad_alloc is thrown; the next one is as right as any.
+  /// One sweep over every process. A process whose usage cannot be read is left out; other values that cannot
+  /// be read are 0 or empty. Throws std::bad_alloc when memory runs out; the next sweep is correct again.
   MemorySnapshot sample();
 
-  /// The application bundle that holds an executable, cached; nothing when its path has none.
+  /// The ".app" bundle that contains the executable at `forPath`; nullopt when there is none. Cached.
   std::optional<std::string> bundleRoot(const std::string& forPath);
 
-  /// The name of the application at a root, cached: from its information dictionary, else its directory's.
+  /// The name of the application at `forBundleRoot`: from its Info.plist, else from its directory. Cached.
   std::string displayName(const std::string& forBundleRoot);
 
  private:
-  /// An executable, and what its path alone tells. Processes of one path share one, which lasts as long as
-  /// the sampler.
+  /// An executable file. One object per path; it exists as long as the sampler.
   struct Executable {
     SharedText path;
     SharedText name;
-    SharedText bundle;  ///< root of the bundle that holds it; empty without one
+    SharedText bundle;  ///< root of the ".app" bundle that contains it; empty without one
   };
   struct CachedPath {
     std::uint64_t startSec = 0;
@@ -54,70 +54,72 @@ class MemorySampler {
     std::uint64_t cpuTime = 0;  ///< nanoseconds
   };
 
-  /// What a listed process is to its descendants.
+  /// A listed process in the walk from a process to its ancestors.
   struct Ancestor {
-    std::int32_t ppid = 0;  ///< 0 when unknown
-    bool isAsked = false;   ///< whether the platform's rules were asked in this sweep
+    std::int32_t ppid = 0;      ///< 0 when unknown
+    bool rulesChecked = false;  ///< whether ApplicationRules were called in this sweep
     const Executable* executable = nullptr;
-    SharedText root;  ///< of its own application; empty without one, or before it is asked
+    SharedText root;  ///< root of its application; empty without one or before the rules are checked
   };
 
-  /// A group before its records are made.
-  struct Tally {
-    SharedText root;  ///< empty for a process on its own
+  /// The sums over the processes of one group.
+  struct GroupAccumulator {
+    SharedText root;  ///< application root; empty for a process without an application
     std::size_t firstSample = 0;
     std::size_t count = 0;
     std::uint64_t footprint = 0;
-    double rawCPU = 0;
-    std::size_t place = 0;  ///< among the snapshot's groups
+    double rawCPU = 0;           ///< unsmoothed, percent of one core
+    std::size_t groupIndex = 0;  ///< in the snapshot
   };
 
-  /// What one sweep gathers before it makes groups. The room that it takes is kept for the next one.
+  /// The data of the current sweep. A member of the sampler so that its allocations are reused.
   struct Sweep {
-    std::optional<double> interval;  ///< nanoseconds since the previous sweep; absent when it did not advance
-    PidMap<Ancestor> live;           ///< every process that was listed
+    std::optional<double>
+        interval;           ///< nanoseconds since the previous sweep; absent when uptime did not advance
+    PidMap<Ancestor> live;  ///< every listed process
     PidMap<CachedCPU> cpu;
     std::vector<ProcessSample> samples;
-    std::vector<Tally> tallies;
-    std::vector<std::size_t> tallyOfSample;
-    std::vector<std::size_t> ranking;  ///< places in `tallies`, largest footprint first
-    std::size_t applications = 0;      ///< how many of them have a root
-    PidMap<double> smoothedCPU;        ///< of those without one, by the only process of each
+    std::vector<GroupAccumulator> accumulators;
+    std::vector<std::size_t> accumulatorOfSample;  ///< index in `accumulators` for each of `samples`
+    std::vector<std::size_t> ranking;              ///< indexes in `accumulators`, largest footprint first
+    std::size_t applicationCount = 0;              ///< number of `accumulators` that have a root
+    PidMap<double> smoothedCPU;  ///< of groups without a root, by the pid of their only process
   };
 
   void beginSweep(double uptime, std::size_t processCount);
   void measure(std::int32_t pid);
-  const Executable& executable(std::int32_t pid, const std::optional<BsdInfo>& info);
+  const Executable& executableOf(std::int32_t pid, const std::optional<BsdInfo>& info);
   const Executable& executableAt(std::string_view path);
   double cpuPercent(std::int32_t pid, const CachedCPU& current) const;
   SharedText nameWithoutPath(std::int32_t pid);
   void endSweep(double uptime);
 
-  void tallyGroups();
+  void accumulateGroups();
   void rankGroups();
   std::vector<AppGroup> makeGroups();
-  void forgetVanishedApplications(const std::vector<AppGroup>& groups);
-  AppGroup makeGroup(const Tally& tally);
-  static double smoothed(double before, double raw);
-  double smoothedOfApplication(const std::string& root, double raw);
-  double smoothedOfProcess(std::int32_t pid, double raw);
+  AppGroup makeGroup(const GroupAccumulator& accumulator);
+  void pruneSmoothedCPU(const std::vector<AppGroup>& groups);
+  static double smooth(double previous, double raw);
+  double smoothApplicationCPU(const std::string& root, double raw);
+  double smoothProcessCPU(std::int32_t pid, double raw);
 
-  /// The application of a listed process by its path, else by the platform's rules; empty without one.
+  /// The application root of a listed process, by its path, else by ApplicationRules. Empty without one.
   const SharedText& ownRoot(std::int32_t pid, Ancestor& process);
 
-  /// The application of the nearest of at most eight ancestors that has one; empty without one.
-  SharedText ancestorBundleRoot(std::int32_t startPID);
+  /// The application root of the nearest ancestor that has one. Looks at eight ancestors at most. Empty
+  /// without one.
+  SharedText ancestorRoot(std::int32_t startPID);
 
   const SharedText& displayNameText(const std::string& bundleRoot);
 
   SamplerPort port_;
-  std::unordered_map<std::string_view, Executable> bundleRootCache_;  ///< by their own paths; never pruned
-  std::unordered_map<std::string, SharedText> displayNameCache_;      ///< never pruned
+  std::unordered_map<std::string_view, Executable> executables_;  ///< by the value's own path; never pruned
+  std::unordered_map<std::string, SharedText> displayNames_;      ///< by bundle root; never pruned
   PidMap<CachedPath> pathCache_;
   PidMap<CachedCPU> previousCPU_;
-  std::optional<double> previousUptime_;                 ///< seconds, at the start of the previous sweep
-  std::unordered_map<std::string, double> smoothedCPU_;  ///< of groups that have a root, by it
-  PidMap<double> smoothedProcessCPU_;                    ///< of groups of one process without a root
+  std::optional<double> previousUptime_;                 ///< at the start of the previous sweep, seconds
+  std::unordered_map<std::string, double> smoothedCPU_;  ///< of groups with a root, by root
+  PidMap<double> smoothedProcessCPU_;                    ///< of groups without a root, by pid
   Sweep sweep_;
   static constexpr double cpuSmoothing = 0.4;  ///< weight of the newest value
 };

@@ -12,7 +12,7 @@ namespace tarn {
 
 namespace {
 
-/// Where the groups stand in descending order of the metric; equal ones keep their order.
+/// Indexes of the groups in descending order of the metric. Equal groups keep their order.
 std::vector<std::size_t> ranking(const std::vector<AppGroup>& groups, SortMetric metric) {
   std::vector<std::size_t> order(groups.size());
   for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
@@ -24,6 +24,24 @@ std::vector<std::size_t> ranking(const std::vector<AppGroup>& groups, SortMetric
 }
 
 }  // namespace
+
+std::optional<MemoryPressure> memoryPressureFromRawValue(std::int32_t rawValue) {
+  switch (rawValue) {
+    case 1:
+      return MemoryPressure::normal;
+    case 2:
+      return MemoryPressure::warning;
+    case 4:
+      return MemoryPressure::critical;
+    default:
+      return std::nullopt;
+  }
+}
+
+MemoryPressure memoryPressureFromReading(std::optional<std::int32_t> reading) {
+  if (!reading) return MemoryPressure::normal;
+  return memoryPressureFromRawValue(*reading).value_or(MemoryPressure::normal);
+}
 
 AppGroup AppGroup::withProcessCount(std::int64_t count) const {
   require(count >= 0);
@@ -54,7 +72,7 @@ TopGroups MemorySnapshot::topGroups(SortMetric by, std::int64_t limit) const {
   for (std::size_t i = 0; i < shown; ++i) top.rows.push_back(groups[order[i]]);
   if (everyGroupFits) return top;
 
-  AppGroup rest{.id = "everything-else", .name = "Everything else"};
+  AppGroup rest{.id = std::string(everythingElseId), .name = "Everything else"};
   std::int64_t count = 0;
   for (std::size_t i = shown; i < order.size(); ++i) {
     const AppGroup& group = groups[order[i]];

@@ -1,34 +1,39 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Programs on the session bus that mean harm: a watcher, a portal, and whoever calls."""
+"""Hostile programs on the session bus: a watcher, a portal, and callers."""
 
 import time
-import unittest
 
-import proc_reader
-from desktop_test import DesktopTest
+import pytest
 from gi.repository import GLib
-from menu_bar import INTERFACE, RegisteredItem
-from proc_reader import takes_no_more, takings
-from processes import wait_until
-from programs import STAGE, Tarn
-from virtual_desktop import VirtualDesktop
+
+from harness import proc_reader
+from harness.proc_reader import resource_usage, uses_no_more
+from harness.processes import wait_until
+from harness.programs import Tarn
+from harness.shared_desktop import SharedDesktop
+from harness.stage import PROGRAMS
+from harness.status_item import INTERFACE, RegisteredItem
+from harness.virtual_desktop import VirtualDesktop
+
+pytestmark = pytest.mark.faults
 
 APPLICATION = "example.tarn.Tarn"
 ITEM, MENU = "/StatusNotifierItem", "/StatusNotifierItem/Menu"
 APPLICATION_PATH = "/example/tarn/Tarn"
 MENU_INTERFACE = "com.canonical.dbusmenu"
 PROPERTIES = "org.freedesktop.DBus.Properties"
-OPEN = 1  # the menu's entry
+OPEN = 1  # id of the menu entry
 LARGEST = 2**31 - 1
-UNANSWERED = ("silent", "refusing", "nonsense", "huge")
-BOUND = 10  # seconds for an answer: the machine may be busy, and the program sanitized
+BAD_REPLIES = ("silent", "refusing", "nonsense", "huge")
+MAX_REPLY_TIME = 10  # seconds: the machine may be busy, and the program sanitized
 MANY = 100_000
 SLACK = 4 * proc_reader.MEGABYTE
+EMPTY = GLib.Variant("s", "")
 
 
 class ItemOnTheBus(RegisteredItem):
-    """The item of the session's Tarn, whoever shows it, at a place where no panel is."""
+    """The item of the only Tarn on the bus, with or without a panel."""
 
     def _find(self):
         return self._desktop.session.has_owner(APPLICATION) and (APPLICATION, ITEM)
@@ -38,14 +43,14 @@ class ItemOnTheBus(RegisteredItem):
 
 
 class HostileService:
-    """A program that has the name of a "watcher" or a "portal"; see hostile_service.py."""
+    """A program that owns the name of a "watcher" or a "portal"; see hostile_service.py."""
 
     def __init__(self, desktop, kind, manner):
         self._desktop, self._log = desktop, f"{kind}-{manner}-{time.monotonic_ns()}"
-        self._process = desktop.start(self._log, ["python3", STAGE / "end_to_end/hostile_service.py", kind, manner])
-        wait_until(lambda: "ready" in self.said(), f"the {manner} {kind} is there", timeout=60)
+        self._process = desktop.start(self._log, ["python3", PROGRAMS / "hostile_service.py", kind, manner])
+        wait_until(lambda: "ready" in self.output(), f"the {manner} {kind} is ready", timeout=60)
 
-    def said(self):
+    def output(self):
         return self._desktop.log(self._log).splitlines()
 
     def stop(self):
@@ -59,165 +64,165 @@ class HostileService:
         self.stop()
 
 
-def quick_answer(item):
-    """The item's title, for which the program takes no longer than it may."""
+def title_in_time(item):
+    """Reads the item's title. Fails if the reply takes too long."""
     start = time.monotonic()
     title = item.title()
     taken = time.monotonic() - start
-    if taken > BOUND:
-        raise AssertionError(f"an answer took {taken:.1f} seconds")
+    if taken > MAX_REPLY_TIME:
+        raise AssertionError(f"the reply took {taken:.1f} seconds")
     return title
 
 
-class HostileStartTest(unittest.TestCase):
-    """What Tarn finds when it starts."""
-
-    def test_under_a_watcher_that_never_answers_well_it_is_within_reach(self):
-        for manner in UNANSWERED:
-            with self.subTest(manner), VirtualDesktop(STAGE, panel=False) as desktop, \
-                    HostileService(desktop, "watcher", manner) as watcher:
-                tarn = Tarn(desktop, find_item=ItemOnTheBus)
-                tarn.popover.wait_for(lambda content: content.rows, "it has a window of its own", timeout=40)
-                self.assertIn("asked RegisterStatusNotifierItem", watcher.said())
-                self.assertTrue(quick_answer(tarn.item))
-                # The watcher may have the item all the same.
-                tarn.popover.wait_for(lambda content: content.rows, "the window stays")
-                tarn.item.click()
-                wait_until(tarn.popover.read, "a click opens the popover")
-                self.assertLess(watcher.said().count("asked RegisterStatusNotifierItem"), 2)
-                tarn.process.terminate()
-                self.assertEqual(tarn.process.wait(timeout=20), 0, desktop.log("tarn"))
-
-    def test_under_a_portal_that_never_answers_well_it_is_in_the_panel(self):
-        for manner in (*UNANSWERED, "flapping", "shouting"):
-            with self.subTest(manner), VirtualDesktop(STAGE) as desktop:
-                desktop.stop_portal()
-                with HostileService(desktop, "portal", manner) as portal:
-                    tarn = Tarn(desktop)
-                    tarn.popover.open()
-                    self.assertIn("asked Read", portal.said())
-                    self.assertTrue(quick_answer(tarn.item))
-                    tarn.process.terminate()
-                    self.assertEqual(tarn.process.wait(timeout=20), 0, desktop.log("tarn"))
+@pytest.mark.parametrize("manner", BAD_REPLIES)
+def test_it_shows_a_window_beside_a_watcher_without_valid_replies(manner):
+    with VirtualDesktop(panel=False) as desktop, HostileService(desktop, "watcher", manner) as watcher:
+        tarn = Tarn(desktop, find_item=ItemOnTheBus)
+        tarn.popover.wait_for(lambda content: content.rows, "it has a window of its own", timeout=40)
+        assert "asked RegisterStatusNotifierItem" in watcher.output()
+        assert title_in_time(tarn.item)
+        # The watcher may show the item although it sent no valid reply.
+        tarn.popover.wait_for(lambda content: content.rows, "the window stays")
+        tarn.item.click()
+        wait_until(tarn.popover.read, "a click opens the popover")
+        assert watcher.output().count("asked RegisterStatusNotifierItem") < 2
+        tarn.process.terminate()
+        assert tarn.process.wait(timeout=20) == 0, desktop.log("tarn")
 
 
-class HostileCallersTest(DesktopTest):
-    """What befalls a Tarn that runs, without a panel but for the hostile one."""
+@pytest.mark.parametrize("manner", (*BAD_REPLIES, "flapping", "shouting"))
+def test_it_is_in_the_panel_beside_a_portal_without_valid_replies(manner):
+    with VirtualDesktop() as desktop:
+        desktop.stop_portal()
+        with HostileService(desktop, "portal", manner) as portal:
+            tarn = Tarn(desktop)
+            tarn.popover.open()
+            assert "asked Read" in portal.output()
+            assert title_in_time(tarn.item)
+            tarn.process.terminate()
+            assert tarn.process.wait(timeout=20) == 0, desktop.log("tarn")
 
-    @classmethod
-    def make_desktop(cls):
-        return VirtualDesktop(STAGE, panel=False)
 
-    @classmethod
-    def start_tarn(cls):
-        return Tarn(cls.desktop, find_item=ItemOnTheBus)
+class TestHostileCallers(SharedDesktop):
+    """A running Tarn without a panel."""
 
-    def assert_takes_no_more(self, before):
-        wait_until(lambda: takes_no_more(self.tarn.pid, before, SLACK), "it takes no more than before", timeout=40)
+    @pytest.fixture(scope="class")
+    def desktop(self):
+        with VirtualDesktop(panel=False) as desktop:
+            yield desktop
+
+    @pytest.fixture(scope="class")
+    def tarn(self, desktop):
+        return Tarn(desktop, find_item=ItemOnTheBus)
+
+    def assert_uses_no_more(self, before):
+        wait_until(lambda: uses_no_more(self.tarn.pid, before, SLACK), "it uses no more than before", timeout=40)
 
     def wait_for_window(self):
         self.popover.wait_for(lambda content: content.rows, "it has a window of its own", timeout=40)
 
     def assert_one_click_is_one_opening(self):
-        """The panel's window is gone; a click opens the popover, which stays."""
-        wait_until(lambda: self.popover.read() is None, "the window leaves for the panel")
+        """Tarn's window closes because there is a watcher. A click opens the popover, which stays open."""
+        wait_until(lambda: self.popover.read() is None, "the window closes")
         self.tarn.item.click()
         self.popover.wait_for(lambda content: content.rows, "the popover opens")
         time.sleep(1)  # a second opening would have closed it
-        self.assertIsNotNone(self.popover.read())
+        assert self.popover.read() is not None
         self.desktop.press_key("Escape")
         self.popover.wait_until_closed()
 
-    def befall(self, misfortune):
-        """Has it twice, the first time for what is made once; then all is as it was."""
+    def check_leaks(self, fault):
+        """Causes a fault twice, because the first time may allocate caches. Then Tarn uses no more than before."""
         self.wait_for_window()
-        misfortune()
+        fault()
         self.wait_for_window()
-        before = takings(self.tarn.pid)
-        misfortune()
+        before = resource_usage(self.tarn.pid)
+        fault()
         self.wait_for_window()
-        self.assert_takes_no_more(before)
+        self.assert_uses_no_more(before)
         self.assert_alive()
 
-    def under_watcher(self, manner):
+    def output_of_watcher(self, manner):
         with HostileService(self.desktop, "watcher", manner) as watcher:
-            self.assertTrue(quick_answer(self.tarn.item))
+            assert title_in_time(self.tarn.item)
             self.assert_one_click_is_one_opening()
-            return watcher.said()
+            return watcher.output()
 
-    def test_a_watcher_whose_name_flaps_gets_the_item_in_the_end(self):
-        def misfortune():
-            items = [line for line in self.under_watcher("flapping") if line.startswith("item ")]
-            self.assertEqual(len(set(items)), 1, "always the same item")
+    def test_a_watcher_that_comes_and_goes_gets_the_item(self):
+        def fault():
+            items = [line for line in self.output_of_watcher("flapping") if line.startswith("item ")]
+            assert len(set(items)) == 1, "always the same item"
 
-        self.befall(misfortune)
+        self.check_leaks(fault)
 
-    def test_a_watcher_that_shouts_is_asked_one_thing_at_a_time(self):
-        def misfortune():
-            said = self.under_watcher("shouting")
-            self.assertEqual(len([line for line in said if line.startswith("item ")]), 1)
+    def test_a_watcher_that_floods_signals_gets_one_registration(self):
+        def fault():
+            output = self.output_of_watcher("shouting")
+            assert len([line for line in output if line.startswith("item ")]) == 1
 
-        self.befall(misfortune)
+        self.check_leaks(fault)
 
     def call(self, path, interface, method, arguments):
         return self.desktop.session.call(APPLICATION, path, interface, method, arguments, timeout=60)
 
     def flood(self, count, path, interface, method, arguments):
-        """Sends so many calls that want an answer, and waits until they are dealt with."""
+        """Sends `count` calls that request a reply, and waits until they are handled."""
         for _ in range(count):
             self.desktop.session.send_for_reply(APPLICATION, path, interface, method, arguments)
         self.desktop.session.flush()
         wait_until(lambda: self.tarn.item.property("Id") == "tarn", "it answers", timeout=60)
 
-    def test_calls_without_end_leave_nothing_behind(self):
+    @pytest.mark.parametrize("path, interface, method, arguments", (
+        pytest.param(ITEM, PROPERTIES, "GetAll", GLib.Variant("(s)", (INTERFACE,)), id="item_GetAll"),
+        pytest.param(MENU, PROPERTIES, "GetAll", GLib.Variant("(s)", (MENU_INTERFACE,)), id="menu_GetAll"),
+        pytest.param(ITEM, PROPERTIES, "Set",
+                     GLib.Variant("(ssv)", (INTERFACE, "Title", GLib.Variant("s", "x" * 1_000))), id="Set"),
+        pytest.param(ITEM, "org.freedesktop.DBus.Introspectable", "Introspect", None, id="Introspect"),
+        pytest.param(MENU, MENU_INTERFACE, "GetLayout", GLib.Variant("(iias)", (0, -1, [])), id="GetLayout"),
+        pytest.param(MENU, MENU_INTERFACE, "NoSuchMethod", GLib.Variant("(s)", ("x" * 1_000,)), id="NoSuchMethod")))
+    def test_floods_of_calls_leak_nothing(self, path, interface, method, arguments):
         self.wait_for_window()
-        for path, interface, method, arguments in (
-                (ITEM, PROPERTIES, "GetAll", GLib.Variant("(s)", (INTERFACE,))),
-                (MENU, PROPERTIES, "GetAll", GLib.Variant("(s)", (MENU_INTERFACE,))),
-                (ITEM, PROPERTIES, "Set", GLib.Variant("(ssv)", (INTERFACE, "Title", GLib.Variant("s", "x" * 1_000)))),
-                (ITEM, "org.freedesktop.DBus.Introspectable", "Introspect", None),
-                (MENU, MENU_INTERFACE, "GetLayout", GLib.Variant("(iias)", (0, -1, []))),
-                (MENU, MENU_INTERFACE, "NoSuchMethod", GLib.Variant("(s)", ("x" * 1_000,)))):
-            with self.subTest(method):
-                self.flood(500, path, interface, method, arguments)
-                before = takings(self.tarn.pid)
-                self.flood(2_000, path, interface, method, arguments)
-                self.assertTrue(quick_answer(self.tarn.item))
-                self.assert_takes_no_more(before)
+        self.flood(500, path, interface, method, arguments)
+        before = resource_usage(self.tarn.pid)
+        self.flood(2_000, path, interface, method, arguments)
+        assert title_in_time(self.tarn.item)
+        self.assert_uses_no_more(before)
 
-    def test_absurd_entries_of_the_menu_are_refused_or_ignored(self):
-        nothing = GLib.Variant("s", "")
-        for method, arguments in (
-                ("Event", GLib.Variant("(isvu)", (LARGEST, "clicked", nothing, 0))),
-                ("Event", GLib.Variant("(isvu)", (-LARGEST - 1, "clicked", nothing, 0))),
-                ("GetProperty", GLib.Variant("(is)", (LARGEST, "label"))),
-                ("GetProperty", GLib.Variant("(is)", (OPEN, "x" * MANY))),
-                ("GetLayout", GLib.Variant("(iias)", (-1, LARGEST, []))),
-                ("AboutToShow", GLib.Variant("(i)", (LARGEST,)))):
-            with self.subTest(method), self.assertRaises(GLib.Error):
-                self.call(MENU, MENU_INTERFACE, method, arguments)
+    @pytest.mark.parametrize("method, arguments", (
+        pytest.param("Event", GLib.Variant("(isvu)", (LARGEST, "clicked", EMPTY, 0)), id="Event_largest"),
+        pytest.param("Event", GLib.Variant("(isvu)", (-LARGEST - 1, "clicked", EMPTY, 0)), id="Event_smallest"),
+        pytest.param("GetProperty", GLib.Variant("(is)", (LARGEST, "label")), id="GetProperty_of_unknown_entry"),
+        pytest.param("GetProperty", GLib.Variant("(is)", (OPEN, "x" * MANY)), id="GetProperty_with_unknown_name"),
+        pytest.param("GetLayout", GLib.Variant("(iias)", (-1, LARGEST, [])), id="GetLayout"),
+        pytest.param("AboutToShow", GLib.Variant("(i)", (LARGEST,)), id="AboutToShow")))
+    def test_calls_about_unknown_menu_entries_are_refused(self, method, arguments):
+        with pytest.raises(GLib.Error):
+            self.call(MENU, MENU_INTERFACE, method, arguments)
+
+    def test_unknown_menu_entries_in_long_lists_are_ignored(self):
         many = list(range(-MANY, MANY))
-        self.call(MENU, MENU_INTERFACE, "Event", GLib.Variant("(isvu)", (OPEN, "x" * MANY, nothing, LARGEST)))
-        self.assertEqual(len(self.call(MENU, MENU_INTERFACE, "GetGroupProperties",
-                                       GLib.Variant("(aias)", (many, ["label"] * MANY)))[0]), 3)
-        self.assertEqual(len(self.call(MENU, MENU_INTERFACE, "AboutToShowGroup", GLib.Variant("(ai)", (many,)))[1]),
-                         len(many) - 3)
-        self.assertEqual(len(self.call(MENU, MENU_INTERFACE, "GetLayout",
-                                       GLib.Variant("(iias)", (0, LARGEST, ["label"] * MANY)))), 2)
-        unknown = GLib.Variant("(a(isvu))", ([(number, "clicked", nothing, 0) for number in range(3, MANY)],))
-        self.assertEqual(len(self.call(MENU, MENU_INTERFACE, "EventGroup", unknown)[0]), MANY - 3)
-        self.assertTrue(quick_answer(self.tarn.item))
+        self.call(MENU, MENU_INTERFACE, "Event", GLib.Variant("(isvu)", (OPEN, "x" * MANY, EMPTY, LARGEST)))
+        properties, = self.call(MENU, MENU_INTERFACE, "GetGroupProperties",
+                                GLib.Variant("(aias)", (many, ["label"] * MANY)))
+        assert len(properties) == 3
+        _, unknown = self.call(MENU, MENU_INTERFACE, "AboutToShowGroup", GLib.Variant("(ai)", (many,)))
+        assert len(unknown) == len(many) - 3
+        layout = self.call(MENU, MENU_INTERFACE, "GetLayout", GLib.Variant("(iias)", (0, LARGEST, ["label"] * MANY)))
+        assert len(layout) == 2
+        unknown = GLib.Variant("(a(isvu))", ([(number, "clicked", EMPTY, 0) for number in range(3, MANY)],))
+        assert len(self.call(MENU, MENU_INTERFACE, "EventGroup", unknown)[0]) == MANY - 3
+        assert title_in_time(self.tarn.item)
         self.assert_alive()
 
-    def test_choosing_open_without_end_opens_once(self):
-        nothing = GLib.Variant("s", "")
-        group = GLib.Variant("(a(isvu))", ([(OPEN, "clicked", nothing, 0)] * MANY,))
-        for path, interface, method, arguments, count in (
-                (MENU, MENU_INTERFACE, "EventGroup", group, 1),
-                (APPLICATION_PATH, "org.freedesktop.Application", "Activate", GLib.Variant("(a{sv})", ({},)), 5_000)):
-            with self.subTest(method):
-                started = time.monotonic()
-                self.flood(count, path, interface, method, arguments)
-                self.assertTrue(quick_answer(self.tarn.item))
-                self.assertLess(time.monotonic() - started, BOUND)
-                self.assertIsNotNone(self.popover.read())
+    @pytest.mark.parametrize("is_one_message", (True, False), ids=("EventGroup", "Activate"))
+    def test_activating_it_many_times_opens_it_once(self, is_one_message):
+        group = GLib.Variant("(a(isvu))", ([(OPEN, "clicked", EMPTY, 0)] * MANY,))
+        started = time.monotonic()
+        if is_one_message:
+            self.flood(1, MENU, MENU_INTERFACE, "EventGroup", group)
+        else:
+            self.flood(5_000, APPLICATION_PATH, "org.freedesktop.Application", "Activate",
+                       GLib.Variant("(a{sv})", ({},)))
+        assert title_in_time(self.tarn.item)
+        assert time.monotonic() - started < MAX_REPLY_TIME
+        assert self.popover.read() is not None

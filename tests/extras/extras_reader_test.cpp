@@ -35,7 +35,7 @@ class ExtrasReaderTest : public ::testing::Test {
   std::vector<std::string> calls_;
 };
 
-TEST_F(ExtrasReaderTest, GathersEverythingInOneRecord) {
+TEST_F(ExtrasReaderTest, ReadsAllValues) {
   EXPECT_EQ(read(),
             (SystemExtras{.storage = StorageInfo{"Data", 500'000'000'000, 200'000'000'000},
                           .battery = BatteryInfo{.percent = 64, .isCharging = false, .cycleCount = 312},
@@ -43,25 +43,25 @@ TEST_F(ExtrasReaderTest, GathersEverythingInOneRecord) {
                           .uptime = 90'000.5}));
 }
 
-TEST_F(ExtrasReaderTest, AsksForTheUptimeLast) {
+TEST_F(ExtrasReaderTest, ReadsUptimeLast) {
   read();
   EXPECT_THAT(calls_,
               ElementsAre("rootVolume", "powerSources", "batteryController", "temperatures", "uptime"));
 }
 
-TEST_F(ExtrasReaderTest, AsksNothingBeforeItReads) {
+TEST_F(ExtrasReaderTest, DoesNotCallThePortInItsConstructor) {
   const ExtrasReader reader(extras_.port());
   EXPECT_THAT(calls_, ElementsAre());
 }
 
-TEST_F(ExtrasReaderTest, PassesOnTheThermalStateOfThePlatform) {
+TEST_F(ExtrasReaderTest, ReturnsTheThermalStateOfThePort) {
   const ExtrasReader reader(extras_.port());
   EXPECT_EQ(reader.thermalState(), ThermalState::fair);
   extras_.thermalState = ThermalState::critical;
   EXPECT_EQ(reader.thermalState(), ThermalState::critical);
 }
 
-TEST_F(ExtrasReaderTest, AsksTheSystemAfreshEachTime) {
+TEST_F(ExtrasReaderTest, ReadsThePortAgainEachTime) {
   const ExtrasReader reader(extras_.port());
   reader.read();
   extras_.volume->availableCapacityForImportantUsage = 1;
@@ -74,7 +74,7 @@ TEST_F(ExtrasReaderTest, AsksTheSystemAfreshEachTime) {
                                          .uptime = 3}));
 }
 
-TEST_F(ExtrasReaderTest, ReadsTheOtherExtrasWhereTheVolumeCannotBeAsked) {
+TEST_F(ExtrasReaderTest, ReadsOtherValuesWithoutVolume) {
   extras_.volume = std::nullopt;
   const SystemExtras extras = read();
   EXPECT_EQ(extras.storage, std::nullopt);
@@ -83,43 +83,43 @@ TEST_F(ExtrasReaderTest, ReadsTheOtherExtrasWhereTheVolumeCannotBeAsked) {
   EXPECT_EQ(extras.uptime, 90'000.5);
 }
 
-TEST_F(ExtrasReaderTest, HasNoBatteryOnADesktopMachine) {
+TEST_F(ExtrasReaderTest, HasNoBatteryWithoutPowerSources) {
   extras_.powerSources.clear();
   const SystemExtras extras = read();
   EXPECT_EQ(extras.battery, std::nullopt);
   EXPECT_TRUE(extras.storage && extras.temperatureCelsius);
 }
 
-TEST_F(ExtrasReaderTest, HasNoTemperatureWithoutAPlausibleReading) {
+TEST_F(ExtrasReaderTest, HasNoTemperatureWithoutPlausibleReading) {
   extras_.temperatures = {0, 128};
   EXPECT_EQ(read().temperatureCelsius, std::nullopt);
 }
 
-TEST_F(ExtrasReaderTest, AlwaysHasAnUptime) {
+TEST_F(ExtrasReaderTest, HasOnlyUptimeWhenNothingElseIsAvailable) {
   FakeExtras nothing;
   nothing.uptime = 12;
   EXPECT_EQ(ExtrasReader(nothing.port()).read(), (SystemExtras{.uptime = 12}));
 }
 
-TEST_F(ExtrasReaderTest, HasNoStorageWhereACapacityIsMissing) {
+TEST_F(ExtrasReaderTest, HasNoStorageWithoutBothCapacities) {
   extras_.volume->totalCapacity = std::nullopt;
   EXPECT_EQ(storage(), std::nullopt);
   extras_.volume = VolumeValues{500 * gigabyte, std::nullopt, "Data"};
   EXPECT_EQ(storage(), std::nullopt);
 }
 
-TEST_F(ExtrasReaderTest, NamesAVolumeWithoutANameMacintoshHD) {
+TEST_F(ExtrasReaderTest, NamesAVolumeWithoutNameMacintoshHD) {
   extras_.volume->name = std::nullopt;
   EXPECT_EQ(storage()->volumeName, "Macintosh HD");
 }
 
-TEST_F(ExtrasReaderTest, RaisesANegativeCapacityToZero) {
+TEST_F(ExtrasReaderTest, ClampsANegativeCapacityToZero) {
   constexpr auto lowest = std::numeric_limits<std::int64_t>::min();
   extras_.volume = VolumeValues{-1, lowest, "Data"};
   EXPECT_EQ(storage(), (StorageInfo{"Data", 0, 0}));
 }
 
-TEST_F(ExtrasReaderTest, KeepsTheLargestCapacity) {
+TEST_F(ExtrasReaderTest, AcceptsTheLargestCapacity) {
   constexpr auto highest = std::numeric_limits<std::int64_t>::max();
   extras_.volume = VolumeValues{highest, highest, "Data"};
   EXPECT_EQ(storage()->total, static_cast<std::uint64_t>(highest));

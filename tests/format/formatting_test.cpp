@@ -6,9 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "format/byte_formatting.hpp"
-#include "format/cpu_formatting.hpp"
-#include "format/uptime_formatting.hpp"
+#include "format/formatting.hpp"
 
 namespace tarn {
 namespace {

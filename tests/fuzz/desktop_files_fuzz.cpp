@@ -4,18 +4,18 @@
 #include <array>
 #include <string>
 
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "platform/linux/app_identity/application_index.hpp"
 #include "platform/linux/app_identity/desktop_entry.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace {
 
-/// Where the programs lie that the files name.
+/// Programs that the desktop file can start.
 constexpr std::array programs{"/usr/bin/paint", "/usr/bin/env", "/opt/paint/bin/paint",
                               "/opt/paint/paint.py"};
 
-const tarn::TemporaryTree& machine() {
+const tarn::TemporaryTree& treeWithPrograms() {
   static const tarn::TemporaryTree tree;
   static const bool isReady = [] {
     for (const std::string program : programs) tree.write(program.substr(1), "");
@@ -27,10 +27,9 @@ const tarn::TemporaryTree& machine() {
 
 }  // namespace
 
-// An application's desktop file and, after a line "%%", its bus service's.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const tarn::TemporaryTree& tree = machine();
-  const std::string_view text = tarn::textOf(data, size);
+// The input is a desktop file and, after a line "%%", the D-Bus service file of the same application.
+FUZZ_TARGET(desktop_files, text) {
+  const tarn::TemporaryTree& tree = treeWithPrograms();
   const std::size_t end = text.find("\n%%\n");
   const std::string file = "/share/applications/org.example.Paint.desktop";
   tree.write(file.substr(1), text.substr(0, end));
@@ -47,5 +46,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
          {index.byExecutable(program), index.byServiceExecutable(program), index.byPrivateDirectory(program)})
       tarn::require(found == nullptr || *found == file);
   }
-  return 0;
 }

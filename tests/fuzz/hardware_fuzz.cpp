@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "extras/extras_reader.hpp"
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "support/temporary_tree.hpp"
 
@@ -41,10 +41,10 @@ constexpr std::array files{"power_supply/BAT0/type",
 
 }  // namespace
 
-// Each line is what one file of the machine's devices says; a line "-" stands for a file that is not there.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+// Each line of the input is the content of one file in /sys/class. A line "-" stands for a missing file.
+FUZZ_TARGET(hardware, text) {
   static const tarn::TemporaryTree tree;
-  std::string_view rest = tarn::textOf(data, size);
+  std::string_view rest = text;
   for (const std::string file : files) {
     const std::string_view line = rest.substr(0, rest.find('\n'));
     rest.remove_prefix(std::min(rest.size(), line.size() + 1));
@@ -52,11 +52,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (line != "-") tree.write("sys/class/" + file, line);
   }
   const tarn::ExtrasReader reader(tarn::linuxExtrasPort(tree.roots()));
-  for (int gathering = 0; gathering < 2; ++gathering) {
+  for (int reading = 0; reading < 2; ++reading) {
     const tarn::SystemExtras extras = reader.read();
     if (extras.temperatureCelsius)
       tarn::require(*extras.temperatureCelsius > 1 && *extras.temperatureCelsius < 120);
     reader.thermalState();
   }
-  return 0;
 }

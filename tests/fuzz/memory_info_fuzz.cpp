@@ -1,14 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "fuzz/fuzz_input.hpp"
-#include "platform/linux/procfs/system_memory.hpp"
-#include "platform/linux/psi/memory_pressure_rules.hpp"
+#include "fuzz/fuzz_target.hpp"
+#include "platform/linux/psi/pressure_level.hpp"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto availability = tarn::memoryAvailability(tarn::parseMemoryInfo(tarn::textOf(data, size)));
-  if (!availability) return 0;
-  tarn::require(availability->availableShare >= 0 && availability->availableShare <= 1);
-  tarn::require(availability->freeSwapShare >= 0 && availability->freeSwapShare <= 1);
-  return 0;
+FUZZ_TARGET(memory_info, text) {
+  using tarn::MemoryPressure;
+  const tarn::MemoryInfo memory = tarn::parseMemoryInfo(text);
+  const bool known = memory.total.value_or(0) > 0 && memory.available;
+  const auto calm = tarn::pressureLevel(MemoryPressure::normal, memory);
+  const auto stalled = tarn::pressureLevel(MemoryPressure::critical, memory);
+  tarn::require(calm.has_value() == known && stalled.has_value() == known);
+  if (!known) return;
+  tarn::require(*calm <= *stalled);
+  if (*memory.available >= *memory.total) tarn::require(*stalled == MemoryPressure::normal);
 }

@@ -1,18 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "fuzz/fuzz_input.hpp"
-#include "platform/linux/procfs/system_memory.hpp"
-#include "platform/linux/psi/memory_pressure_rules.hpp"
+#include "fuzz/fuzz_target.hpp"
+#include "platform/linux/psi/pressure_level.hpp"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view text = tarn::textOf(data, size);
-  const auto before = tarn::parseMemoryStalls(text.substr(0, size / 2));
-  const auto after = tarn::parseMemoryStalls(text);
-  constexpr tarn::MemoryAvailability scarce{.availableShare = 0.1, .freeSwapShare = 0};
-  tarn::pressureAtOnce(after, scarce);
-  if (!before || !after) return 0;
-  tarn::pressureOf(tarn::stallsBetween(*before, *after, std::chrono::seconds(2)), scarce);
-  tarn::require(!tarn::stallsBetween(*after, *after, std::chrono::seconds(2)).some);
-  return 0;
+FUZZ_TARGET(memory_stalls, text) {
+  const auto before = tarn::parsePsiStats(text.substr(0, text.size() / 2));
+  const auto after = tarn::parsePsiStats(text);
+  tarn::MemoryInfo scarce;
+  scarce.total = 100;
+  scarce.available = 10;
+  tarn::require(tarn::pressureLevel(after, scarce).has_value());
+  if (!before || !after) return;
+  const auto stalls = tarn::stallLevel(*before, *after, std::chrono::seconds(2));
+  tarn::require(tarn::pressureLevel(stalls, scarce) == stalls);
+  tarn::require(tarn::stallLevel(*after, *after, std::chrono::seconds(2)) == tarn::MemoryPressure::normal);
 }

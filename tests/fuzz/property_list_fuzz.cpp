@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "platform/linux/app_identity/property_list.hpp"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  tarn::parsePropertyTexts(tarn::textOf(data, size));
-  return 0;
+FUZZ_TARGET(property_list, text) {
+  tarn::parsePropertyTexts(text);
 }

@@ -5,14 +5,14 @@
 #include <QImage>
 #include <QWidget>
 
-#include "fuzz/fuzz_input.hpp"
-#include "ui/widgets/display_text.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "ui/popover/row_text.hpp"
+#include "ui/widgets/display_text.hpp"
 #include "ui/widgets/text_label.hpp"
 
 namespace {
 
-/// A row's name and second line, in the room that a row gives them.
+/// A row's name and second line, in the width that the popover gives them.
 class Row : public QWidget {
  public:
   explicit Row(const QString& text) {
@@ -30,24 +30,23 @@ void paint(Row& row) {
 
 }  // namespace
 
-// A name, as a process or a desktop file might bear it.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+// The input is the name of a process or of a desktop file.
+FUZZ_TARGET(row_layout, input) {
   static int argumentCount = 1;
-  static char program[] = "row_layout_fuzz";
+  static char program[] = "row_layout";
   static char* arguments[] = {program, nullptr};
   qputenv("QT_QPA_PLATFORM", "offscreen");
-  // Never destroyed: it would outlive the fonts that it holds.
+  // Never destroyed: Qt's font database is destroyed before static objects of this file.
   static const auto* const application = new QApplication(argumentCount, arguments);
   tarn::require(application != nullptr);
-  static const int usualHeight = Row(QStringLiteral("Editor")).sizeHint().height();
-  const QString text = tarn::displayText(tarn::textOf(data, size));
+  static const int plainTextHeight = Row(QStringLiteral("Editor")).sizeHint().height();
+  const QString text = tarn::displayText(input);
   for (const QChar character : text) {
     tarn::require(!character.isSurrogate() || text.isValidUtf16());
     tarn::require(character.category() != QChar::Other_Control);
   }
   Row row(text);
-  if (!text.isEmpty()) tarn::require(row.sizeHint().height() == usualHeight);
+  if (!text.isEmpty()) tarn::require(row.sizeHint().height() == plainTextHeight);
   tarn::require(row.minimumSizeHint().width() <= 100);
   paint(row);
-  return 0;
 }

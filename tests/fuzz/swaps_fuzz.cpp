@@ -1,11 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "fuzz/fuzz_input.hpp"
+#include "fuzz/fuzz_target.hpp"
 #include "platform/linux/procfs/system_memory.hpp"
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const tarn::SwapUse use = tarn::parseSwaps(tarn::textOf(data, size));
+FUZZ_TARGET(swaps, text) {
+  const tarn::SwapUse use = tarn::parseSwaps(text);
   tarn::require(use.outsideMemory <= use.used);
-  return 0;
 }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "sampling/memory_pressure.hpp"
+#include "sampling/snapshot.hpp"
 
 #include <gtest/gtest.h>
 

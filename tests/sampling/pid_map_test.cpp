@@ -12,7 +12,7 @@
 namespace tarn {
 namespace {
 
-TEST(PidMap, HasWhatWasPutIn) {
+TEST(PidMap, FindsInsertedValues) {
   PidMap<std::string> map;
   EXPECT_EQ(map.find(7), nullptr);
   map[7] = "seven";
@@ -23,7 +23,7 @@ TEST(PidMap, HasWhatWasPutIn) {
   EXPECT_EQ(map.size(), 2U);
 }
 
-TEST(PidMap, HasNoneOfPidsThatCannotBe) {
+TEST(PidMap, FindsNothingForInvalidOrUnknownPids) {
   PidMap<int> map;
   map[1] = 1;
   EXPECT_EQ(map.find(0), nullptr);
@@ -31,7 +31,7 @@ TEST(PidMap, HasNoneOfPidsThatCannotBe) {
   EXPECT_EQ(map.find(2147483647), nullptr);
 }
 
-TEST(PidMap, KeepsItsRoomWhenCleared) {
+TEST(PidMap, KeepsItsMemoryWhenCleared) {
   PidMap<int> map;
   map.reserve(100);
   int* const first = map.tryEmplace(50).first;
@@ -39,20 +39,20 @@ TEST(PidMap, KeepsItsRoomWhenCleared) {
   EXPECT_EQ(map.size(), 0U);
   EXPECT_EQ(map.find(50), nullptr);
   EXPECT_EQ(map.tryEmplace(50).first, first);
-  EXPECT_EQ(*first, 0) << "as new";
+  EXPECT_EQ(*first, 0) << "the value is new";
 }
 
-/// Pids that the map is tried with: neighbours, and such as lie far apart.
-class PidMapOverTime : public testing::TestWithParam<std::int32_t> {};
+/// The parameter is the distance between two neighbouring pids.
+class PidMapStress : public testing::TestWithParam<std::int32_t> {};
 
-TEST_P(PidMapOverTime, AgreesWithAMapOverRandomChanges) {
-  const std::int32_t apart = GetParam();
+TEST_P(PidMapStress, AgreesWithStdMapOverRandomChanges) {
+  const std::int32_t distance = GetParam();
   std::mt19937 random(1);
   PidMap<int> map;
   std::map<std::int32_t, int> expected;
   for (int step = 0; step < 20'000; ++step) {
-    // Few pids, so that runs of neighbours form, grow and break.
-    const auto pid = static_cast<std::int32_t>(1 + random() % 300) * apart;
+    // Only 300 pids, so that runs of occupied slots form, grow and shrink.
+    const auto pid = static_cast<std::int32_t>(1 + random() % 300) * distance;
     if (random() % 2 == 0) {
       map[pid] = step;
       expected[pid] = step;
@@ -62,10 +62,10 @@ TEST_P(PidMapOverTime, AgreesWithAMapOverRandomChanges) {
     }
     ASSERT_EQ(map.size(), expected.size());
   }
-  map.eraseIf([=](std::int32_t pid, int) { return pid / apart % 3 == 0; });
-  std::erase_if(expected, [=](const auto& entry) { return entry.first / apart % 3 == 0; });
+  map.eraseIf([=](std::int32_t pid, int) { return pid / distance % 3 == 0; });
+  std::erase_if(expected, [=](const auto& entry) { return entry.first / distance % 3 == 0; });
   EXPECT_EQ(map.size(), expected.size());
-  for (std::int32_t pid = apart; pid <= 300 * apart; pid += apart) {
+  for (std::int32_t pid = distance; pid <= 300 * distance; pid += distance) {
     const auto entry = expected.find(pid);
     ASSERT_EQ(map.contains(pid), entry != expected.end()) << pid;
     if (entry != expected.end()) {
@@ -74,7 +74,7 @@ TEST_P(PidMapOverTime, AgreesWithAMapOverRandomChanges) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Pids, PidMapOverTime, testing::Values(1, 8, 4096, 7'000'001));
+INSTANTIATE_TEST_SUITE_P(Pids, PidMapStress, testing::Values(1, 8, 4096, 7'000'001));
 
 }  // namespace
 }  // namespace tarn

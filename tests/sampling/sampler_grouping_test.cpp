@@ -24,7 +24,7 @@ FakeProcess process(std::int32_t pid, std::int32_t parent, std::string path, std
 
 class SamplerGrouping : public ::testing::Test {
  protected:
-  /// The id of the group that a process was counted in; empty when it was in none.
+  /// The id of the group that contains the process; empty when no group does.
   std::string groupOf(std::int32_t pid) {
     for (const AppGroup& group : sampler_.sample().groups) {
       for (const ProcessSample& sample : group.processes) {
@@ -50,7 +50,7 @@ std::vector<std::int32_t> pids(const AppGroup& group) {
   return pids;
 }
 
-TEST_F(SamplerGrouping, GathersAllThatRunsInOneOutermostApplication) {
+TEST_F(SamplerGrouping, GroupsProcessesByOutermostBundle) {
   machine_.processes = {process(10, 1, "/Applications/A.app/Contents/MacOS/A", 1),
                         process(11, 1, "/Applications/A.app/Contents/MacOS/helper", 2),
                         process(12, 1, "/Applications/A.app/Contents/Library/B.app/Contents/MacOS/B", 4)};
@@ -62,7 +62,7 @@ TEST_F(SamplerGrouping, GathersAllThatRunsInOneOutermostApplication) {
   EXPECT_THAT(pids(group), ElementsAre(12, 11, 10));
 }
 
-TEST_F(SamplerGrouping, KeepsAProcessWithoutAnApplicationInAGroupOfItsOwn) {
+TEST_F(SamplerGrouping, GivesAProcessWithoutApplicationItsOwnGroup) {
   machine_.processes = {process(412, 1, "/usr/sbin/cupsd", 8)};
   const AppGroup group = onlyGroup();
   EXPECT_EQ(group.id, "pid:412");
@@ -71,7 +71,7 @@ TEST_F(SamplerGrouping, KeepsAProcessWithoutAnApplicationInAGroupOfItsOwn) {
   EXPECT_EQ(group.footprint, 8U);
 }
 
-TEST_F(SamplerGrouping, KeepsTwoRunsOfOneProgramApart) {
+TEST_F(SamplerGrouping, KeepsTwoProcessesOfOneExecutableApart) {
   machine_.processes = {process(10, 1, "/usr/bin/worker"), process(11, 1, "/usr/bin/worker")};
   EXPECT_EQ(groupOf(10), "pid:10");
   EXPECT_EQ(groupOf(11), "pid:11");
@@ -83,14 +83,14 @@ TEST_F(SamplerGrouping, NamesAGroupWithoutPathAfterItsPid) {
   EXPECT_EQ(onlyGroup().name, "PID 412");
 }
 
-TEST_F(SamplerGrouping, NeverGroupsByTheNameThatTheSystemGivesAProcess) {
+TEST_F(SamplerGrouping, DoesNotGroupByProcessName) {
   machine_.processes = {process(412, 1, "")};
   machine_.process(412).systemName = "/opt/A.app/a";
   EXPECT_EQ(onlyGroup().id, "pid:412");
   EXPECT_EQ(onlyGroup().name, "/opt/A.app/a");
 }
 
-TEST_F(SamplerGrouping, OrdersGroupsAndMembersByFootprint) {
+TEST_F(SamplerGrouping, SortsGroupsAndProcessesByFootprint) {
   machine_.processes = {process(10, 1, "/usr/bin/small", 5), process(20, 1, "/opt/A.app/a", 3),
                         process(21, 1, "/opt/A.app/b", 9), process(30, 1, "/usr/bin/large", 100),
                         process(22, 1, "/opt/A.app/c", 6)};
@@ -103,12 +103,12 @@ TEST_F(SamplerGrouping, OrdersGroupsAndMembersByFootprint) {
   EXPECT_EQ(snapshot.groups[2].id, "pid:10");
 }
 
-TEST_F(SamplerGrouping, CountsWhatAnApplicationStartedAsItsOwn) {
+TEST_F(SamplerGrouping, AddsDescendantsToTheApplication) {
   machine_.processes = {process(10, 1, "/opt/A.app/a"), process(11, 10, "/bin/sh"), process(12, 11, "")};
   EXPECT_THAT(pids(onlyGroup()), UnorderedElementsAre(10, 11, 12));
 }
 
-TEST_F(SamplerGrouping, PrefersTheApplicationThatHoldsAnExecutableToTheOneThatStartedIt) {
+TEST_F(SamplerGrouping, PrefersTheOwnBundleToTheParents) {
   machine_.processes = {process(10, 1, "/opt/A.app/a"), process(11, 10, "/opt/B.app/b")};
   EXPECT_EQ(groupOf(11), "/opt/B.app");
 }
@@ -119,7 +119,7 @@ TEST_F(SamplerGrouping, PrefersTheNearestAncestor) {
   EXPECT_EQ(groupOf(12), "/opt/B.app");
 }
 
-/// Pid 100, below so many ancestors that the last is an application.
+/// Pid 100 with `ancestors` ancestors, of which only the last one is an application.
 std::vector<FakeProcess> chainOf(std::int32_t ancestors) {
   std::vector<FakeProcess> chain;
   chain.reserve(static_cast<std::size_t>(ancestors) + 1);
@@ -133,48 +133,48 @@ TEST_F(SamplerGrouping, FindsTheEighthAncestor) {
   EXPECT_EQ(groupOf(100), "/opt/A.app");
 }
 
-TEST_F(SamplerGrouping, LooksAtNoNinthAncestor) {
+TEST_F(SamplerGrouping, DoesNotLookAtTheNinthAncestor) {
   machine_.processes = chainOf(9);
   EXPECT_EQ(groupOf(100), "pid:100");
   EXPECT_EQ(groupOf(101), "/opt/A.app");
 }
 
-TEST_F(SamplerGrouping, EndsAtAProcessThatTheFirstProcessStarted) {
+TEST_F(SamplerGrouping, StopsAtPidOne) {
   machine_.processes = {process(1, 0, "/opt/Init.app/init"), process(412, 1, "/usr/sbin/cupsd")};
   EXPECT_EQ(groupOf(412), "pid:412");
 }
 
-TEST_F(SamplerGrouping, CountsWhatTheSecondProcessStartedAsItsOwn) {
+TEST_F(SamplerGrouping, AcceptsPidTwoAsAncestor) {
   machine_.processes = {process(2, 0, "/opt/A.app/a"), process(412, 2, "/usr/sbin/cupsd")};
   EXPECT_EQ(groupOf(412), "/opt/A.app");
 }
 
-TEST_F(SamplerGrouping, EndsAtParentsBelowTheFirstProcess) {
+TEST_F(SamplerGrouping, StopsAtParentPidsBelowOne) {
   for (const std::int32_t parent : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
     machine_.processes = {process(412, parent, "/usr/sbin/cupsd")};
     EXPECT_EQ(groupOf(412), "pid:412") << parent;
   }
 }
 
-TEST_F(SamplerGrouping, EndsAtAParentThatIsNotListed) {
+TEST_F(SamplerGrouping, StopsAtAParentThatIsNotListed) {
   machine_.processes = {process(412, 400, "/usr/sbin/cupsd")};
   EXPECT_EQ(groupOf(412), "pid:412");
 }
 
-TEST_F(SamplerGrouping, EndsWhereProcessesAreEachOthersParents) {
+TEST_F(SamplerGrouping, StopsAtACycleOfParents) {
   machine_.processes = {process(10, 11, "/bin/a"), process(11, 12, "/bin/b"), process(12, 10, "/bin/c"),
                         process(20, 20, "/bin/d")};
   EXPECT_EQ(groupOf(10), "pid:10");
   EXPECT_EQ(groupOf(20), "pid:20");
 }
 
-TEST_F(SamplerGrouping, HasNoWayUpFromAProcessWhoseParentIsRefused) {
+TEST_F(SamplerGrouping, DoesNotWalkUpWithoutParentPid) {
   machine_.processes = {process(10, 1, "/opt/A.app/a"), process(11, 10, "/bin/sh")};
   machine_.process(11).info.reset();
   EXPECT_EQ(groupOf(11), "pid:11");
 }
 
-TEST_F(SamplerGrouping, SeesTheApplicationOfAnAncestorThatItCouldNotMeasure) {
+TEST_F(SamplerGrouping, FindsTheApplicationOfAnAncestorWithoutUsage) {
   machine_.processes = {process(10, 1, "/opt/A.app/a"), process(11, 10, "/bin/sh"),
                         process(20, 1, "/opt/B.app/b"), process(21, 20, "/bin/sh")};
   machine_.process(10).usage.reset();
@@ -191,53 +191,53 @@ TEST_F(SamplerGrouping, FindsAnAncestorThatIsListedLater) {
 
 using SamplerGroupingDeathTest = SamplerGrouping;
 
-TEST_F(SamplerGroupingDeathTest, StopsTheProgramWhenTheFootprintsOfAGroupOverflow) {
+TEST_F(SamplerGroupingDeathTest, AbortsWhenTheFootprintSumOverflows) {
   machine_.processes = {process(10, 1, "/opt/A.app/a", std::numeric_limits<std::uint64_t>::max()),
                         process(11, 1, "/opt/A.app/b", 1)};
   EXPECT_DEATH(sampler_.sample(), "");
 }
 
-TEST_F(SamplerGrouping, AddsNoFootprintsAcrossGroups) {
+TEST_F(SamplerGrouping, DoesNotAddFootprintsAcrossGroups) {
   machine_.processes = {process(10, 1, "", std::numeric_limits<std::uint64_t>::max()), process(11, 1, "", 1)};
   EXPECT_EQ(sampler_.sample().groups.size(), 2U);
 }
 
-/// Knows applications by pid, and writes down whom it was asked about.
-class FakeRules final : public ApplicationRules {
+/// Returns application roots by pid and records all calls.
+class FakeApplicationRules final : public ApplicationRules {
  public:
-  using Answers = std::map<std::int32_t, std::string>;
-  using Questions = std::vector<std::pair<std::int32_t, std::string>>;
+  using Roots = std::map<std::int32_t, std::string>;
+  using Calls = std::vector<std::pair<std::int32_t, std::string>>;
 
-  FakeRules(Answers answers, Questions& questions) : answers_(std::move(answers)), questions_(questions) {}
+  FakeApplicationRules(Roots roots, Calls& calls) : roots_(std::move(roots)), calls_(calls) {}
 
   SharedText applicationRoot(std::int32_t pid, const std::string& path) override {
-    questions_.emplace_back(pid, path);
-    const auto answer = answers_.find(pid);
-    return answer == answers_.end() ? SharedText() : SharedText(answer->second);
+    calls_.emplace_back(pid, path);
+    const auto root = roots_.find(pid);
+    return root == roots_.end() ? SharedText() : SharedText(root->second);
   }
 
  private:
-  Answers answers_;
-  Questions& questions_;
+  Roots roots_;
+  Calls& calls_;
 };
 
 class SamplerApplicationRules : public SamplerGrouping {
  protected:
-  AppGroup onlyGroupWith(FakeRules::Answers answers) {
+  AppGroup onlyGroupWith(FakeApplicationRules::Roots roots) {
     SamplerPort port = samplerPortOf(machine_);
-    port.applicationRules = std::make_unique<FakeRules>(std::move(answers), questions_);
+    port.applicationRules = std::make_unique<FakeApplicationRules>(std::move(roots), calls_);
     MemorySnapshot snapshot = MemorySampler(std::move(port)).sample();
     EXPECT_EQ(snapshot.groups.size(), 1U);
     return snapshot.groups.at(0);
   }
 
-  FakeRules::Questions questions_;
+  FakeApplicationRules::Calls calls_;
 };
 
-TEST_F(SamplerApplicationRules, AreAskedOnlyWhereThePathTellsNothing) {
+TEST_F(SamplerApplicationRules, AreNotCalledWhenThePathContainsABundle) {
   machine_.processes = {process(10, 1, "/opt/A.app/a")};
   EXPECT_EQ(onlyGroupWith({{10, "/elsewhere"}}).id, "/opt/A.app");
-  EXPECT_THAT(questions_, testing::IsEmpty());
+  EXPECT_THAT(calls_, testing::IsEmpty());
 }
 
 TEST_F(SamplerApplicationRules, FindTheApplicationOfAProcess) {
@@ -247,23 +247,22 @@ TEST_F(SamplerApplicationRules, FindTheApplicationOfAProcess) {
   EXPECT_EQ(group.id, "/usr/share/applications/editor.desktop");
   EXPECT_EQ(group.bundlePath, group.id);
   EXPECT_EQ(group.name, "editor");
-  EXPECT_THAT(questions_, UnorderedElementsAre(std::pair(10, "/usr/bin/editor"), std::pair(11, "")));
+  EXPECT_THAT(calls_, UnorderedElementsAre(std::pair(10, "/usr/bin/editor"), std::pair(11, "")));
 }
 
-TEST_F(SamplerApplicationRules, FindTheApplicationOfAnAncestorToo) {
+TEST_F(SamplerApplicationRules, FindTheApplicationOfAnAncestor) {
   machine_.processes = {process(10, 1, ""), process(11, 10, "/bin/sh")};
   EXPECT_EQ(onlyGroupWith({{10, "/x/y.desktop"}}).id, "/x/y.desktop");
-  EXPECT_THAT(questions_, UnorderedElementsAre(std::pair(10, ""), std::pair(11, "/bin/sh")))
-      << "once for each process";
+  EXPECT_THAT(calls_, UnorderedElementsAre(std::pair(10, ""), std::pair(11, "/bin/sh")))
+      << "one call per process";
 }
 
-TEST_F(SamplerApplicationRules, AreAskedOnceAboutEachOfAncestorsThatAreEachOthersParents) {
+TEST_F(SamplerApplicationRules, AreCalledOncePerProcessInACycleOfParents) {
   machine_.processes = {process(10, 11, "/bin/a"), process(11, 12, "/bin/b"), process(12, 11, "/bin/c")};
   machine_.process(11).usage.reset();
   machine_.process(12).usage.reset();
   EXPECT_EQ(onlyGroupWith({}).id, "pid:10");
-  EXPECT_THAT(questions_,
-              ElementsAre(std::pair(10, "/bin/a"), std::pair(11, "/bin/b"), std::pair(12, "/bin/c")));
+  EXPECT_THAT(calls_, ElementsAre(std::pair(10, "/bin/a"), std::pair(11, "/bin/b"), std::pair(12, "/bin/c")));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What a sweep asks the system, what it remembers of the answers, and how it names things.
+// Calls from MemorySampler to its port, caching of paths, and names of processes and applications.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ class SamplerProcesses : public ::testing::Test {
   MemorySampler sampler_{samplerPortOf(machine_)};
 };
 
-TEST_F(SamplerProcesses, AreAskedInAFixedOrderAndTheSystemLast) {
+TEST_F(SamplerProcesses, CallsThePortInAFixedOrder) {
   machine_.processes = {{.pid = 10, .path = "/bin/a"}, {.pid = 9}};
   sampler_.sample();
   EXPECT_THAT(machine_.calls,
@@ -39,23 +39,23 @@ TEST_F(SamplerProcesses, AreAskedInAFixedOrderAndTheSystemLast) {
                           "usage 9", "processName 9", "uptime", "memory"));
 }
 
-TEST_F(SamplerProcesses, AreMeasuredWithoutTheSystemsFigures) {
+TEST_F(SamplerProcesses, ExcludesSystemMemoryFromTheDuration) {
   machine_.timePerSweep = 0.25;
   EXPECT_DOUBLE_EQ(sampler_.sample().sweepDuration, 0.25);
 }
 
-TEST_F(SamplerProcesses, ComeWithTheSystemsFiguresOfTheSameSweep) {
+TEST_F(SamplerProcesses, ReadsSystemMemoryInEverySweep) {
   machine_.memory = {.totalRAM = 5, .wired = 4, .compressed = 3, .cachedFiles = 2, .swapUsed = 1};
   EXPECT_EQ(sampler_.sample().system, machine_.memory);
   machine_.memory.swapUsed = 77;
   EXPECT_EQ(sampler_.sample().system, machine_.memory);
 }
 
-TEST_F(SamplerProcesses, MayBeNone) {
+TEST_F(SamplerProcesses, ReturnsNoGroupsWithoutProcesses) {
   EXPECT_THAT(sampler_.sample().groups, IsEmpty());
 }
 
-TEST_F(SamplerProcesses, CarryWhatTheSystemKnowsOfThem) {
+TEST_F(SamplerProcesses, FillsInAllFieldsOfASample) {
   machine_.processes = {{.pid = 10,
                          .path = "/usr/bin/editor",
                          .info = BsdInfo{.ppid = 3, .uid = 1000, .startSec = 5},
@@ -65,7 +65,7 @@ TEST_F(SamplerProcesses, CarryWhatTheSystemKnowsOfThem) {
   EXPECT_EQ(sampleOf(10), expected);
 }
 
-TEST_F(SamplerProcesses, HaveNoParentAndNoOwnerWhereThoseAreRefused) {
+TEST_F(SamplerProcesses, LeavesParentAndOwnerZeroWhenUnavailable) {
   machine_.processes = {{.pid = 10, .path = "/usr/bin/editor", .info = std::nullopt}};
   const ProcessSample sample = sampleOf(10);
   EXPECT_EQ(sample.ppid, 0);
@@ -73,93 +73,94 @@ TEST_F(SamplerProcesses, HaveNoParentAndNoOwnerWhereThoseAreRefused) {
   EXPECT_EQ(sample.path, "/usr/bin/editor");
 }
 
-TEST_F(SamplerProcesses, AreLeftOutWhereTheirUsageIsRefused) {
+TEST_F(SamplerProcesses, OmitsProcessesWithoutUsage) {
   machine_.processes = {{.pid = 10, .path = "/bin/a", .usage = std::nullopt}, {.pid = 11, .path = "/bin/b"}};
   const MemorySnapshot snapshot = sampler_.sample();
   ASSERT_EQ(snapshot.groups.size(), 1U);
   EXPECT_EQ(snapshot.groups[0].id, "pid:11");
 }
 
-TEST_F(SamplerProcesses, AreCountedOnceWhenTheSystemListsThemTwice) {
+TEST_F(SamplerProcesses, CountsAPidOnceWhenListedTwice) {
   machine_.processes = {{.pid = 10, .path = "/opt/A.app/a", .usage = ProcessUsage{.footprint = 5}},
                         {.pid = 10, .path = "/opt/A.app/a", .usage = ProcessUsage{.footprint = 5}}};
   EXPECT_EQ(sampler_.sample().attributedTotal(), 5U);
 }
 
-TEST_F(SamplerProcesses, AreNamedAfterTheLastPieceOfTheirPath) {
+TEST_F(SamplerProcesses, NamesAProcessAfterItsLastPathComponent) {
   machine_.processes = {{.pid = 10, .path = "/opt/My Tool/run me.sh", .systemName = "other"}};
   EXPECT_EQ(sampleOf(10).name, "run me.sh");
 }
 
-TEST_F(SamplerProcesses, AreNamedByTheSystemWithoutAPathAndAfterTheirPidAsALastResort) {
+TEST_F(SamplerProcesses, FallsBackToProcessNameThenPid) {
   machine_.processes = {{.pid = 10, .systemName = "kworker/0:1"}, {.pid = 412}};
   EXPECT_EQ(sampleOf(10).name, "kworker/0:1");
   EXPECT_EQ(sampleOf(10).path, "");
   EXPECT_EQ(sampleOf(412).name, "PID 412");
 }
 
-TEST_F(SamplerProcesses, AreAskedForTheirPathOnceInTheirLife) {
+TEST_F(SamplerProcesses, ReadsThePathOncePerProcess) {
   machine_.processes = {{.pid = 10, .path = "/bin/a"}, {.pid = 11, .path = ""}};
   for (int sweep = 0; sweep < 3; ++sweep) sampler_.sample();
   EXPECT_EQ(machine_.callsOf("path 10"), 1);
-  EXPECT_EQ(machine_.callsOf("path 11"), 1) << "an empty path is remembered as well";
+  EXPECT_EQ(machine_.callsOf("path 11"), 1) << "an empty path is cached as well";
   EXPECT_EQ(machine_.callsOf("bsdInfo 10"), 3);
   EXPECT_EQ(machine_.callsOf("usage 10"), 3);
   EXPECT_EQ(sampleOf(10).path, "/bin/a");
 }
 
-TEST_F(SamplerProcesses, AreAskedForTheirPathAgainWhenANewOneTookOverThePid) {
+TEST_F(SamplerProcesses, ReadsThePathAgainWhenThePidIsReused) {
   machine_.processes = {{.pid = 10, .path = "/bin/a"}};
   sampler_.sample();
   machine_.process(10).path = "/bin/b";
-  EXPECT_EQ(sampleOf(10).path, "/bin/a") << "the same process: not read again";
+  EXPECT_EQ(sampleOf(10).path, "/bin/a") << "same process, cached path";
   machine_.process(10).info->startSec -= 1;
   EXPECT_EQ(sampleOf(10).path, "/bin/b");
   EXPECT_EQ(sampleOf(10).path, "/bin/b");
   EXPECT_EQ(machine_.callsOf("path 10"), 2);
 }
 
-TEST_F(SamplerProcesses, AreAskedForTheirPathEachTimeWithoutAStartTime) {
+TEST_F(SamplerProcesses, ReadsThePathInEverySweepWithoutStartTime) {
   machine_.processes = {{.pid = 10, .path = "/bin/a", .info = std::nullopt}};
   sampler_.sample();
   machine_.process(10).path = "/bin/b";
   EXPECT_EQ(sampleOf(10).path, "/bin/b");
   machine_.process(10).info = BsdInfo{.startSec = 4};
   machine_.process(10).path = "/bin/c";
-  EXPECT_EQ(sampleOf(10).path, "/bin/c") << "nothing was remembered without a start time";
+  EXPECT_EQ(sampleOf(10).path, "/bin/c") << "a path without start time is not cached";
 }
 
-TEST_F(SamplerProcesses, AreRememberedWhileTheirStartTimeIsRefusedForASweep) {
+TEST_F(SamplerProcesses, KeepsTheCachedPathWhenStartTimeIsUnavailableOnce) {
   machine_.processes = {{.pid = 10, .path = "/bin/a"}};
   sampler_.sample();
   const auto info = std::exchange(machine_.process(10).info, std::nullopt);
   sampler_.sample();
   machine_.process(10).info = info;
   sampler_.sample();
-  EXPECT_EQ(machine_.callsOf("path 10"), 2) << "once known, once without a start time";
+  EXPECT_EQ(machine_.callsOf("path 10"), 2) << "one cached read and one without start time";
 }
 
-TEST_F(SamplerProcesses, AreForgottenOnceFewerLiveThanAreRemembered) {
+TEST_F(SamplerProcesses, PrunesPathsWhenFewerProcessesLiveThanAreCached) {
   machine_.processes = {{.pid = 10}, {.pid = 99, .path = "/bin/a"}};
   sampler_.sample();
   machine_.end(99);
   sampler_.sample();
   machine_.processes.push_back({.pid = 99, .path = "/bin/b"});
   EXPECT_EQ(sampleOf(99).path, "/bin/b");
-  EXPECT_EQ(machine_.callsOf("path 10"), 1) << "whoever lives on is remembered";
+  EXPECT_EQ(machine_.callsOf("path 10"), 1) << "the path of a live process stays cached";
 }
 
-TEST_F(SamplerProcesses, AreKeptInMindWhileAsManyLiveAsAreRemembered) {
+TEST_F(SamplerProcesses, DoesNotPrunePathsWhileAsManyProcessesLiveAsAreCached) {
   machine_.processes = {{.pid = 10}, {.pid = 99, .path = "/bin/a"}};
   sampler_.sample();
   machine_.end(99);
-  machine_.processes.push_back({.pid = 11, .info = std::nullopt});  // lives, but cannot be remembered
+  machine_.processes.push_back(
+      {.pid = 11, .info = std::nullopt});  // live, but without start time its path is not cached
   sampler_.sample();
   machine_.processes.push_back({.pid = 99, .path = "/bin/b"});
   EXPECT_EQ(sampleOf(99).path, "/bin/a");
 }
 
-TEST_F(SamplerProcesses, StayRememberedWhileTheirUsageIsRefused) {
+TEST_F(SamplerProcesses, KeepsTheCachedPathWithoutUsage) {
   machine_.processes = {{.pid = 10, .path = "/bin/a", .usage = std::nullopt}, {.pid = 11}};
   sampler_.sample();
   sampler_.sample();
@@ -174,28 +175,28 @@ class SamplerDisplayName : public SamplerProcesses {
   }
 };
 
-TEST_F(SamplerDisplayName, IsTheOneMeantForDisplay) {
+TEST_F(SamplerDisplayName, IsCFBundleDisplayName) {
   EXPECT_EQ(nameWith({{"CFBundleDisplayName", "Text Editor"}, {"CFBundleName", "Ed"}}), "Text Editor");
 }
 
-TEST_F(SamplerDisplayName, IsTheBundlesNameWhereNoneIsMeantForDisplay) {
+TEST_F(SamplerDisplayName, FallsBackToCFBundleName) {
   EXPECT_EQ(nameWith({{"CFBundleName", "Ed"}}), "Ed");
   EXPECT_EQ(nameWith({{"CFBundleDisplayName", ""}, {"CFBundleName", "Ed"}}), "Ed");
 }
 
-TEST_F(SamplerDisplayName, IsTheDirectorysWithoutEither) {
+TEST_F(SamplerDisplayName, FallsBackToTheDirectoryName) {
   EXPECT_EQ(nameWith({}), "Editor");
   EXPECT_EQ(nameWith({{"CFBundleDisplayName", ""}, {"CFBundleName", ""}}), "Editor");
   EXPECT_EQ(nameWith({{"CFBundleIdentifier", "org.example"}}), "Editor");
 }
 
-TEST_F(SamplerDisplayName, IsTheDirectorysWherePlatformsHaveNoBundles) {
+TEST_F(SamplerDisplayName, IsTheDirectoryNameOnPlatformsWithoutBundles) {
   SamplerPort port = samplerPortOf(machine_);
   port.bundleInformation = nullptr;
   EXPECT_EQ(MemorySampler(std::move(port)).displayName("/opt/My.Clock.app"), "My.Clock");
 }
 
-TEST_F(SamplerDisplayName, IsReadOncePerApplicationForTheSamplersWholeLife) {
+TEST_F(SamplerDisplayName, IsReadOncePerApplication) {
   machine_.bundles["/opt/A.app"] = {{"CFBundleName", "First"}};
   machine_.processes = {{.pid = 10, .path = "/opt/A.app/a"}, {.pid = 11, .path = "/opt/A.app/b"}};
   sampler_.sample();
@@ -207,12 +208,24 @@ TEST_F(SamplerDisplayName, IsReadOncePerApplicationForTheSamplersWholeLife) {
   EXPECT_EQ(machine_.callsOf("bundle /opt/A.app"), 1);
 }
 
-TEST_F(SamplerProcesses, HaveTheSameBundleRootEachTimeItIsAskedFor) {
+TEST_F(SamplerProcesses, ReturnsTheSameBundleRootEachTime) {
   for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(sampler_.bundleRoot("/opt/A.app/a"), "/opt/A.app");
     EXPECT_EQ(sampler_.bundleRoot("/bin/sh"), std::nullopt);
     EXPECT_EQ(sampler_.bundleRoot(""), std::nullopt);
   }
+}
+
+TEST(ProcScanFootprint, IsTheFootprintOfTheUsage) {
+  FakeMachine machine;
+  machine.processes = {{.pid = 7, .usage = ProcessUsage{.footprint = 4096, .cpuTime = 12}}};
+  EXPECT_EQ(FakeProcScan(machine).footprint(7), 4096U);
+}
+
+TEST(ProcScanFootprint, IsAbsentWithoutUsage) {
+  FakeMachine machine;
+  machine.processes = {{.pid = 7, .usage = std::nullopt}};
+  EXPECT_EQ(FakeProcScan(machine).footprint(7), std::nullopt);
 }
 
 }  // namespace

@@ -38,12 +38,34 @@ std::vector<std::string> ids(const std::vector<AppGroup>& groups) {
   return ids;
 }
 
+TEST(SharedText, ComparesEqualToItsText) {
+  const SharedText text = "/usr/bin/editor";
+  EXPECT_EQ(text, "/usr/bin/editor");
+  EXPECT_EQ(text, SharedText(std::string("/usr/bin/editor")));
+  EXPECT_FALSE(text == SharedText("/usr/bin/other"));
+  EXPECT_EQ(std::string_view(text).size(), 15U);
+}
+
+TEST(SharedText, CopiesShareOneBuffer) {
+  const SharedText text = "/usr/bin/editor";
+  SharedText copy;
+  copy = text;
+  EXPECT_EQ(&copy.string(), &text.string());
+}
+
+TEST(SharedText, IsEmptyWithoutText) {
+  EXPECT_TRUE(SharedText().empty());
+  EXPECT_TRUE(SharedText("").empty());
+  EXPECT_EQ(SharedText(), "");
+  EXPECT_EQ(SharedText().string(), "");
+}
+
 TEST(AppGroup, CountsItsProcesses) {
   EXPECT_EQ(group("a", 0, 0, 0).processCount(), 0U);
   EXPECT_EQ(group("a", 0, 0, 3).processCount(), 3U);
 }
 
-TEST(AppGroup, CarriesAProcessCountAsPlaceholdersAndKeepsAllElse) {
+TEST(AppGroup, WithProcessCountReplacesOnlyTheProcesses) {
   AppGroup original = group("/opt/A.app", 12, 3.5, 2);
   original.name = "A";
   original.bundlePath = "/opt/A.app";
@@ -57,15 +79,15 @@ TEST(AppGroup, CarriesAProcessCountAsPlaceholdersAndKeepsAllElse) {
   EXPECT_EQ(counted, expected);
 }
 
-TEST(AppGroup, MayCarryACountOfZero) {
+TEST(AppGroup, WithProcessCountAcceptsZero) {
   EXPECT_THAT(group("a", 1, 1, 2).withProcessCount(0).processes, IsEmpty());
 }
 
-TEST(AppGroupDeathTest, StopsTheProgramOnANegativeCount) {
+TEST(AppGroupDeathTest, WithProcessCountAbortsOnANegativeCount) {
   EXPECT_DEATH(group("a", 1, 1).withProcessCount(-1), "");
 }
 
-TEST(MemorySnapshot, WithoutGroupsHasNoTotalsAndNoRows) {
+TEST(MemorySnapshot, HasZeroTotalsAndNoRowsWithoutGroups) {
   const MemorySnapshot empty;
   EXPECT_EQ(empty.attributedTotal(), 0U);
   EXPECT_EQ(empty.totalCPUPercent(), 0);
@@ -81,17 +103,17 @@ TEST(MemorySnapshot, SumsUpItsGroups) {
   EXPECT_DOUBLE_EQ(fourGroups().totalCPUPercent(), 33);
 }
 
-TEST(MemorySnapshot, HoldsTotalsUpToTheLargestNumber) {
+TEST(MemorySnapshot, AcceptsTotalsUpToTheLargestNumber) {
   const MemorySnapshot full{.groups = {group("a", most - 1, 0), group("b", 1, 0)}};
   EXPECT_EQ(full.attributedTotal(), most);
 }
 
-TEST(MemorySnapshotDeathTest, StopsTheProgramWhenTheTotalOverflows) {
+TEST(MemorySnapshotDeathTest, AbortsWhenTheTotalOverflows) {
   const MemorySnapshot overfull{.groups = {group("a", most, 0), group("b", 1, 0)}};
   EXPECT_DEATH(std::ignore = overfull.attributedTotal(), "");
 }
 
-TEST(TopGroups, RanksByMemory) {
+TEST(TopGroups, SortsByMemory) {
   MemorySnapshot snapshot = fourGroups();
   std::swap(snapshot.groups[0], snapshot.groups[3]);
   EXPECT_THAT(ids(snapshot.topGroups(SortMetric::memory, 4).rows), ElementsAre("a", "b", "c", "d"));
@@ -102,11 +124,11 @@ TEST(TopGroups, ComparesFootprintsAsUnsignedNumbers) {
   EXPECT_THAT(ids(snapshot.topGroups(SortMetric::memory, 2).rows), ElementsAre("huge", "small"));
 }
 
-TEST(TopGroups, RanksByProcessorShareAndKeepsEqualOnesInTheirOrder) {
+TEST(TopGroups, SortsByCPUAndKeepsTheOrderOfEqualGroups) {
   EXPECT_THAT(ids(fourGroups().topGroups(SortMetric::cpu, 4).rows), ElementsAre("c", "a", "d", "b"));
 }
 
-TEST(TopGroups, KeepsManyEqualGroupsInTheirOrder) {
+TEST(TopGroups, KeepsTheOrderOfManyEqualGroups) {
   MemorySnapshot snapshot;
   std::vector<std::string> expected;
   for (int i = 0; i < 100; ++i) {
@@ -117,13 +139,13 @@ TEST(TopGroups, KeepsManyEqualGroupsInTheirOrder) {
   EXPECT_EQ(ids(snapshot.topGroups(SortMetric::cpu, 100).rows), expected);
 }
 
-TEST(TopGroups, LeavesTheSnapshotAsItWas) {
+TEST(TopGroups, DoesNotChangeTheSnapshot) {
   const MemorySnapshot snapshot = fourGroups();
   std::ignore = snapshot.topGroups(SortMetric::cpu, 2);
   EXPECT_EQ(snapshot, fourGroups());
 }
 
-TEST(TopGroups, FoldsNothingWhenEveryGroupFits) {
+TEST(TopGroups, HasNoAggregateWhenEveryGroupFits) {
   for (const std::int64_t limit : {4, 5, 1000}) {
     const TopGroups top = fourGroups().topGroups(SortMetric::memory, limit);
     EXPECT_EQ(top.rows.size(), 4U);
@@ -131,7 +153,7 @@ TEST(TopGroups, FoldsNothingWhenEveryGroupFits) {
   }
 }
 
-TEST(TopGroups, FoldsExactlyTheLastGroupWhenOneDoesNotFit) {
+TEST(TopGroups, PutsOneExcessGroupIntoTheAggregate) {
   const TopGroups top = fourGroups().topGroups(SortMetric::cpu, 3);
   EXPECT_THAT(ids(top.rows), ElementsAre("c", "a", "d"));
   ASSERT_TRUE(top.everythingElse);
@@ -140,7 +162,7 @@ TEST(TopGroups, FoldsExactlyTheLastGroupWhenOneDoesNotFit) {
   EXPECT_EQ(top.everythingElse->processCount(), 3U);
 }
 
-TEST(TopGroups, NamesTheAggregateAndFillsItWithPlaceholders) {
+TEST(TopGroups, FillsInIdNameAndProcessCountOfTheAggregate) {
   const TopGroups top = fourGroups().topGroups(SortMetric::memory, 2);
   const AppGroup expected{.id = "everything-else",
                           .name = "Everything else",
@@ -151,7 +173,7 @@ TEST(TopGroups, NamesTheAggregateAndFillsItWithPlaceholders) {
   EXPECT_EQ(top.everythingElse, expected);
 }
 
-TEST(TopGroups, FoldsEverythingWhenNoRowIsWanted) {
+TEST(TopGroups, PutsAllGroupsIntoTheAggregateWithLimitZero) {
   const TopGroups top = fourGroups().topGroups(SortMetric::memory, 0);
   EXPECT_THAT(top.rows, IsEmpty());
   ASSERT_TRUE(top.everythingElse);
@@ -160,18 +182,18 @@ TEST(TopGroups, FoldsEverythingWhenNoRowIsWanted) {
   EXPECT_EQ(top.everythingElse->processCount(), 10U);
 }
 
-TEST(TopGroupsDeathTest, StopsTheProgramOnANegativeLimit) {
+TEST(TopGroupsDeathTest, AbortsOnANegativeLimit) {
   EXPECT_DEATH(std::ignore = fourGroups().topGroups(SortMetric::memory, -1), "");
   EXPECT_DEATH(std::ignore = MemorySnapshot{}.topGroups(SortMetric::memory, -1), "");
 }
 
-TEST(TopGroupsDeathTest, StopsTheProgramWhenTheFoldedFootprintsOverflow) {
+TEST(TopGroupsDeathTest, AbortsWhenTheAggregateOverflows) {
   const MemorySnapshot overfull{.groups = {group("a", most, 0), group("b", most, 0), group("c", 1, 0)}};
   EXPECT_EQ(overfull.topGroups(SortMetric::memory, 2).everythingElse->footprint, 1U);
   EXPECT_DEATH(std::ignore = overfull.topGroups(SortMetric::memory, 1), "");
 }
 
-TEST(CheckedAddDeathTest, StopsTheProgramWhenASumOfCountsOverflows) {
+TEST(CheckedAddDeathTest, AbortsWhenASumOfCountsOverflows) {
   constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
   EXPECT_EQ(checkedAdd(largest - 1, std::int64_t{1}), largest);
   EXPECT_DEATH(std::ignore = checkedAdd(largest, std::int64_t{1}), "");

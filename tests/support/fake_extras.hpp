@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 
 namespace tarn {
 

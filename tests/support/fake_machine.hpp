@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

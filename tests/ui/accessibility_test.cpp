@@ -43,7 +43,7 @@ class AccessibilityTest : public ::testing::Test {
     stage_.makeView();
     window_ = std::make_unique<PopoverWindow>(stage_.view.release());
     window_->setTheme(Theme::light());
-    window_->open(PopoverStyle::popup, QPoint(400, 10), {});
+    window_->open(PopoverStyle::popup, {QPoint(400, 10)}, {});
     PopoverStage::settle();
   }
 

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "ui/widgets/controls.hpp"
-#include "ui/popover_stage.hpp"
 #include "ui/popover/tab_picker.hpp"
+#include "ui/popover_stage.hpp"
+#include "ui/widgets/controls.hpp"
 
 namespace tarn {
 namespace {
@@ -223,7 +223,7 @@ TEST(PopoverTabs, MoveWithTheArrowKeys) {
 TEST(PopoverLink, AsksForTheMakersPageOncePerClick) {
   PopoverStage stage;
   PopoverView& view = stage.showView();
-  const QSignalSpy requests(&view, &PopoverView::pageRequested);
+  const QSignalSpy requests(&view, &PopoverView::urlRequested);
   click(*view.findChild<LinkButton*>());
   EXPECT_EQ(requests.size(), 1);
   EXPECT_EQ(requests.value(0), QVariantList{QStringLiteral("https://tarn.example")});

@@ -94,7 +94,7 @@ PopoverView& PopoverStage::makeView() {
   };
   view = std::make_unique<PopoverView>(
       model, *preferences, loadIcon,
-      Maker{QStringLiteral("tarn.example"), QStringLiteral("https://tarn.example")});
+      Vendor{QStringLiteral("tarn.example"), QStringLiteral("https://tarn.example")});
   return *view;
 }
 

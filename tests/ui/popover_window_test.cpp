@@ -20,8 +20,8 @@
 #include <utility>
 #include <vector>
 
-#include "ui/popover_stage.hpp"
 #include "ui/popover/tab_picker.hpp"
+#include "ui/popover_stage.hpp"
 
 namespace tarn {
 namespace {
@@ -29,13 +29,13 @@ namespace {
 using namespace std::chrono_literals;
 
 const QPoint item(400, 10);
-const WindowSystem plain{.clientsPlaceWindows = true, .blendsWindows = false};
-const WindowSystem blending{.clientsPlaceWindows = true, .blendsWindows = true};
+const WindowCapabilities plain{.clientsPlaceWindows = true, .blendsWindows = false};
+const WindowCapabilities blending{.clientsPlaceWindows = true, .blendsWindows = true};
 
 class PopoverWindowTest : public ::testing::Test {
  protected:
   PopoverWindowTest()
-      : view_((stage_.makeView(), stage_.view.release())), window_(view_, [this] { return now_; }) {
+      : view_((stage_.makeView(), stage_.view.release())), window_(view_, nullptr, [this] { return now_; }) {
     window_.setTheme(Theme::light());
   }
 
@@ -44,13 +44,14 @@ class PopoverWindowTest : public ::testing::Test {
     PopoverStage::settle();
   }
 
-  void open(PopoverStyle style, std::optional<QPoint> anchor = item, const WindowSystem& system = plain) {
-    window_.open(style, anchor, system);
+  void open(PopoverStyle style, const PopoverGeometry& geometry = {item},
+            const WindowCapabilities& capabilities = plain) {
+    window_.open(style, geometry, capabilities);
     PopoverStage::settle();
   }
 
   void toggle(std::optional<QPoint> anchor = item, PopoverStyle style = PopoverStyle::popup) {
-    window_.toggle(style, anchor, plain);
+    window_.toggle(style, {anchor}, plain);
     PopoverStage::settle();
   }
 
@@ -82,7 +83,7 @@ TEST_F(PopoverWindowTest, HangsBelowTheItemWithTheFocusWherePopupsTakeNoKeys) {
   open(PopoverStyle::popup);
   const QRect asPopup = window_.geometry();
   window_.close();
-  open(PopoverStyle::tool, item, {.clientsPlaceWindows = true, .popupsTakeKeys = false});
+  open(PopoverStyle::tool, {item}, {.clientsPlaceWindows = true, .popupsTakeKeys = false});
   EXPECT_EQ(window_.geometry(), asPopup);
 }
 
@@ -97,7 +98,7 @@ TEST_F(PopoverWindowTest, HasItsHeightFromTheStart) {
   for (const char* name : {"One.app", "Two.app", "Three.app"}) stage_.add({name, 100, {megabyte, megabyte}});
   stage_.sweep();
   for (const PopoverStyle style : {PopoverStyle::popup, PopoverStyle::tool}) {
-    window_.open(style, item, plain);
+    window_.open(style, {item}, plain);
     const int first = window_.height();
     PopoverStage::settle();
     EXPECT_EQ(window_.height(), first);
@@ -126,24 +127,21 @@ TEST_F(PopoverWindowTest, HangsUnderItsItemInsideTheScreen) {
 }
 
 TEST_F(PopoverWindowTest, StandsBesideThePanelThatThePointerIsOn) {
-  WindowSystem onPanel = plain;
-  onPanel.windowUnderPointer = QRect(0, 0, 60, 700);
-  open(PopoverStyle::popup, QPoint(30, 10), onPanel);
+  open(PopoverStyle::popup, {QPoint(30, 10), QRect(0, 0, 60, 700)});
   EXPECT_EQ(window_.geometry().topLeft(), QPoint(66, 6));
   window_.close();
-  onPanel.windowUnderPointer = QRect(0, 600, 60, 100);
-  open(PopoverStyle::popup, QPoint(30, 10), onPanel);
+  open(PopoverStyle::popup, {QPoint(30, 10), QRect(0, 600, 60, 100)});
   EXPECT_EQ(window_.geometry().left(), 6) << "another window";
 }
 
 TEST_F(PopoverWindowTest, LeavesRoomForItsShadowWhereWindowsAreBlended) {
-  open(PopoverStyle::popup, item, blending);
+  open(PopoverStyle::popup, {item}, blending);
   EXPECT_GT(window_.width(), 320);
   EXPECT_EQ(view_->width(), 320);
   EXPECT_TRUE(window_.testAttribute(Qt::WA_TranslucentBackground));
   EXPECT_TRUE(window_.windowHandle()->mask().isEmpty());
   window_.close();
-  open(PopoverStyle::popup, item, plain);
+  open(PopoverStyle::popup, {item}, plain);
   EXPECT_EQ(window_.width(), 320);
   EXPECT_FALSE(window_.testAttribute(Qt::WA_TranslucentBackground));
 }
@@ -186,7 +184,7 @@ TEST_F(PopoverWindowTest, ClosesOnAPressOutsideOnly) {
 }
 
 TEST_F(PopoverWindowTest, CountsItsShadowAsOutside) {
-  open(PopoverStyle::popup, item, blending);
+  open(PopoverStyle::popup, {item}, blending);
   press(window_.geometry().topLeft() + QPoint(2, 2));
   EXPECT_FALSE(window_.isVisible());
 }

@@ -1,10 +1,12 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# Run over the gathered files before the package is made of them: adds Debian's changelog, and compresses what Debian
-# wants compressed, the same way each time.
+# CPack runs this over the staged files before it builds the package: adds the Debian changelog, and compresses it and
+# the manual page without a time stamp, so that builds are reproducible.
 
 set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
-file(COPY_FILE "${CMAKE_CURRENT_LIST_DIR}/changelog" "${share}/doc/tarn/changelog.Debian")
+execute_process(COMMAND date --utc --rfc-email "--date=${CPACK_TARN_RELEASE_DATE} 12:00"
+  OUTPUT_VARIABLE release_time OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+configure_file("${CMAKE_CURRENT_LIST_DIR}/changelog.in" "${share}/doc/tarn/changelog.Debian" @ONLY)
 foreach(document doc/tarn/changelog.Debian man/man1/tarn.1)
   file(CHMOD "${share}/${document}" PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
   execute_process(COMMAND gzip --best --no-name "${share}/${document}" COMMAND_ERROR_IS_FATAL ANY)

@@ -63,6 +63,23 @@ std::string_view environmentValue(const char* variable) {
   return value == nullptr ? std::string_view{} : std::string_view{value};
 }
 
+// Until a figure is shown, ICU's data would only cost memory.
+class LazyByteCountFormatter final : public ByteCountFormatter {
+ public:
+  std::string string(std::int64_t byteCount) const override {
+    static const IcuByteCountFormatter formatter(figureLocale());
+    return formatter.string(byteCount);
+  }
+};
+
+class LazyPercentFormatter final : public PercentFormatter {
+ public:
+  std::optional<std::string> string(double fraction) const override {
+    static const IcuPercentFormatter formatter(figureLocale());
+    return formatter.string(fraction);
+  }
+};
+
 }  // namespace
 
 icu::Locale figureLocale() {
@@ -99,14 +116,18 @@ std::optional<std::string> IcuPercentFormatter::string(double fraction) const {
   return formatted(percents_, fraction);
 }
 
+Formatters icuFormatters() {
+  static const LazyByteCountFormatter bytes;
+  static const LazyPercentFormatter percents;
+  return {bytes, percents};
+}
+
 const ByteCountFormatter& platformByteCountFormatter() {
-  static const IcuByteCountFormatter formatter(figureLocale());
-  return formatter;
+  return icuFormatters().bytes;
 }
 
 const PercentFormatter& platformPercentFormatter() {
-  static const IcuPercentFormatter formatter(figureLocale());
-  return formatter;
+  return icuFormatters().percents;
 }
 
 }  // namespace tarn

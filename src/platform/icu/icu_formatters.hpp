@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-#include "format/platform_formatters.hpp"
+#include "format/formatting.hpp"
 
 namespace tarn {
 
@@ -40,5 +40,9 @@ class IcuPercentFormatter final : public PercentFormatter {
  private:
   icu::number::LocalizedNumberFormatter percents_;
 };
+
+/// Formatters for figureLocale(). The first call of each formatter loads ICU's data, not this function. They
+/// live until the process ends. Any thread.
+Formatters icuFormatters();
 
 }  // namespace tarn

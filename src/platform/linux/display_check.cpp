@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "app/display_check.hpp"
+#include "platform/linux/display_check.hpp"
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -44,7 +44,7 @@ bool reachesWayland() {
 
 }  // namespace
 
-std::optional<QString> platformDisplayProblem() {
+std::optional<QString> findDisplayProblem() {
   // Another of the toolkit's platforms was asked for; whether it works is for the toolkit to say.
   const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
   if (!chosen.isEmpty() && !chosen.startsWith("xcb") && !chosen.startsWith("wayland")) return std::nullopt;

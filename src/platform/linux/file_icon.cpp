@@ -11,7 +11,6 @@
 #include "platform/linux/app_identity/application_information.hpp"
 #include "platform/linux/app_identity/desktop_entry.hpp"
 #include "sampling/bundle_path.hpp"
-#include "ui/popover/app_icon_provider.hpp"
 
 namespace tarn {
 
@@ -74,10 +73,6 @@ QIcon applicationIcon(const std::string& path) {
   if (path.ends_with(".app")) icon = bundleIcon(path);
   if (icon.isNull()) icon = themeIcon(themeIconName(path));
   return icon.isNull() ? iconForPrograms() : icon;
-}
-
-FileIconLoader platformFileIcon() {
-  return applicationIcon;
 }
 
 }  // namespace tarn

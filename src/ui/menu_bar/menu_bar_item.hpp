@@ -5,7 +5,6 @@
 
 #include <QObject>
 #include <QPoint>
-#include <memory>
 #include <optional>
 
 #include "ui/menu_bar/menu_bar_label.hpp"
@@ -42,8 +41,5 @@ class MenuBarItem : public QObject {
   /// followed within it. Not repeated until a host has appeared in between.
   void hostMissing();
 };
-
-/// The running desktop's menu bar; each platform folder defines it.
-std::unique_ptr<MenuBarItem> platformMenuBarItem();
 
 }  // namespace tarn

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "format/byte_formatting.hpp"
+#include "format/formatting.hpp"
 #include "ui/popover/popover_content.hpp"
 
 namespace tarn {
@@ -38,7 +38,8 @@ MenuBarLabel menuBarLabel(const StatusPresentation& status, const std::optional<
     label.hover.memory = snapshot->system;
   }
   if (showFrontmostFootprint && frontmostFootprint) {
-    label.text = QString::fromStdString(ByteFormatting::string(*frontmostFootprint));
+    label.text =
+        QString::fromStdString(ByteFormatting::string(*frontmostFootprint, platformByteCountFormatter()));
     label.hover.text = label.text;
   }
   return label;

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "monitor/status_presentation.hpp"
+#include "monitor/presentation.hpp"
 #include "monitor/tint.hpp"
 #include "sampling/snapshot.hpp"
 

@@ -23,9 +23,6 @@ struct AppIcon {
 /// Asks the system for a file's icon. Main thread; null when the system has none at all.
 using FileIconLoader = std::function<QIcon(const std::string& path)>;
 
-/// The running desktop's icons; each platform folder defines it.
-FileIconLoader platformFileIcon();
-
 /// Gives every row its icon. An application's is loaded once, the first time it is shown, and kept for good.
 /// Main thread.
 class AppIconProvider {

@@ -17,7 +17,8 @@ constexpr int patience = 75;  ///< attempts
 
 }  // namespace
 
-CompositorSeat::CompositorSeat(std::function<void()> found) : found_(std::move(found)) {
+CompositorSeat::CompositorSeat(std::unique_ptr<CompositorPlacement> compositor, std::function<void()> found)
+    : compositor_(std::move(compositor)), found_(std::move(found)) {
   timer_.setSingleShot(true);
   QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { ask(); });
 }
@@ -25,13 +26,13 @@ CompositorSeat::CompositorSeat(std::function<void()> found) : found_(std::move(f
 void CompositorSeat::seek() {
   place_.reset();
   corner_.reset();
-  if (!compositor_.locate) return;
+  if (!compositor_ || !isEnabled_) return;
   attempts_ = patience;
   timer_.start(interval);
 }
 
 void CompositorSeat::ask() {
-  place_ = compositor_.locate();
+  place_ = compositor_->locate();
   if (place_) {
     found_();
   } else if (--attempts_ > 0) {
@@ -40,7 +41,7 @@ void CompositorSeat::ask() {
 }
 
 void CompositorSeat::moveTo(QPoint corner) {
-  if (std::exchange(corner_, corner) != corner) compositor_.moveTo(corner);
+  if (std::exchange(corner_, corner) != corner) compositor_->moveTo(corner);
 }
 
 }  // namespace tarn

@@ -6,8 +6,8 @@
 #include <QPoint>
 #include <QTimer>
 #include <functional>
+#include <memory>
 #include <optional>
-#include <utility>
 
 #include "ui/popover/popover_placement.hpp"
 
@@ -16,11 +16,11 @@ namespace tarn {
 /// The place of an open window where only the compositor can tell it and change it. Main thread.
 class CompositorSeat {
  public:
-  /// Calls `found` each time that the compositor has come to know the window.
-  explicit CompositorSeat(std::function<void()> found);
+  /// Calls `found` each time that the compositor has come to know the window. `compositor` may be null.
+  CompositorSeat(std::unique_ptr<CompositorPlacement> compositor, std::function<void()> found);
 
-  /// Whom to ask from now on; nobody where there is nothing to ask.
-  void setCompositor(CompositorPlacement compositor) { compositor_ = std::move(compositor); }
+  /// While it is not enabled, nothing is asked.
+  void setEnabled(bool isEnabled) { isEnabled_ = isEnabled; }
 
   /// The window has just been shown: asks again and again until the compositor knows it. The window stays
   /// where it is if that never happens.
@@ -38,12 +38,13 @@ class CompositorSeat {
  private:
   void ask();
 
-  std::function<void()> found_;
-  CompositorPlacement compositor_;
+  std::unique_ptr<CompositorPlacement> compositor_;
+  bool isEnabled_ = true;
   std::optional<CompositorPlace> place_;
   std::optional<QPoint> corner_;  ///< that the window was told to move to
   QTimer timer_;
   int attempts_ = 0;  ///< that are left
+  std::function<void()> found_;
 };
 
 }  // namespace tarn

@@ -3,8 +3,7 @@
 
 #include "ui/popover/popover_content.hpp"
 
-#include "format/byte_formatting.hpp"
-#include "format/cpu_formatting.hpp"
+#include "format/formatting.hpp"
 #include "ui/widgets/display_text.hpp"
 
 namespace tarn {
@@ -14,11 +13,11 @@ namespace {
 constexpr std::int64_t listedGroups = 8;
 
 QString byteText(std::uint64_t byteCount) {
-  return QString::fromStdString(ByteFormatting::string(byteCount));
+  return QString::fromStdString(ByteFormatting::string(byteCount, platformByteCountFormatter()));
 }
 
 QString cpuText(double percent) {
-  return QString::fromStdString(CPUFormatting::string(percent));
+  return QString::fromStdString(CPUFormatting::string(percent, platformPercentFormatter()));
 }
 
 /// The metric's figure of a group or of a process.
@@ -45,7 +44,7 @@ ProcessLine processLine(const ProcessSample& process, SortMetric metric) {
 }
 
 RowContent rowContent(const AppGroup& group, SortMetric metric) {
-  const bool isAggregate = group.id == "everything-else";
+  const bool isAggregate = group.id == everythingElseId;
   RowContent row{
       .id = group.id,
       .name = displayText(group.name),

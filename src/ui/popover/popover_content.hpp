@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "extras/thermal_state.hpp"
+#include "extras/thermal.hpp"
 #include "monitor/cpu_presentation.hpp"
-#include "monitor/status_presentation.hpp"
+#include "monitor/presentation.hpp"
 #include "monitor/tint.hpp"
 #include "sampling/snapshot.hpp"
 #include "ui/popover/popover_tab.hpp"

@@ -18,7 +18,7 @@ QString appVersion() {
   return version.isEmpty() ? QStringLiteral("1.0") : version;
 }
 
-PopoverFooter::PopoverFooter(Preferences& preferences, const Maker& maker, QWidget* parent)
+PopoverFooter::PopoverFooter(Preferences& preferences, const Vendor& vendor, QWidget* parent)
     : QWidget(parent),
       preferences_(preferences),
       toggle_(new CheckBox(QStringLiteral("Show frontmost app in menu bar"))) {
@@ -36,7 +36,7 @@ PopoverFooter::PopoverFooter(Preferences& preferences, const Maker& maker, QWidg
   stack->setContentsMargins(0, 0, 0, 0);
   stack->setSpacing(8);
   stack->addLayout(controls);
-  stack->addWidget(makeAboutLine(maker));
+  stack->addWidget(makeAboutLine(vendor));
 
   connect(toggle_, &QCheckBox::toggled, this,
           [this](bool ticked) { preferences_.setShowFrontmostFootprint(ticked); });
@@ -49,13 +49,13 @@ void PopoverFooter::showPreference() {
   toggle_->setChecked(preferences_.showFrontmostFootprint());
 }
 
-QWidget* PopoverFooter::makeAboutLine(const Maker& maker) {
+QWidget* PopoverFooter::makeAboutLine(const Vendor& vendor) {
   const QFont font = systemFont(10);
   auto* credit = new CreditLabel(font, TextStyle::tertiary);
   credit->setText(QStringLiteral("Made with ❤️ by "));
-  auto* link = new LinkButton(maker.address);
+  auto* link = new LinkButton(vendor.address);
   link->setFont(font);
-  connect(link, &QPushButton::clicked, this, [this, page = maker.page] { Q_EMIT pageRequested(page); });
+  connect(link, &QPushButton::clicked, this, [this, url = vendor.url] { Q_EMIT urlRequested(url); });
   auto* version = new TextLabel(font, TextStyle::tertiary, Overflow::cuts);
   version->setText(QStringLiteral(" · v") + appVersion());
 

@@ -14,10 +14,10 @@ namespace tarn {
 /// The application's version as the about line shows it: its short version string, "1.0" without one.
 QString appVersion();
 
-/// Whom the about line credits.
-struct Maker {
+/// The vendor shown in the about line.
+struct Vendor {
   QString address;  ///< shown
-  QString page;     ///< asked for when the address is clicked
+  QString url;      ///< opened when the address is clicked
 };
 
 /// The popover's last block: the preference, Quit, and the about line.
@@ -26,17 +26,17 @@ class PopoverFooter : public QWidget {
 
  public:
   /// `preferences` outlives the footer.
-  PopoverFooter(Preferences& preferences, const Maker& maker, QWidget* parent = nullptr);
+  PopoverFooter(Preferences& preferences, const Vendor& vendor, QWidget* parent = nullptr);
 
   /// Shows the preference as it is now.
   void showPreference();
 
  Q_SIGNALS:
   void quitRequested();
-  void pageRequested(const QString& page);
+  void urlRequested(const QString& url);
 
  private:
-  QWidget* makeAboutLine(const Maker& maker);
+  QWidget* makeAboutLine(const Vendor& vendor);
 
   Preferences& preferences_;
   CheckBox* toggle_;

@@ -6,7 +6,6 @@
 #include <QPoint>
 #include <QRect>
 #include <QSize>
-#include <functional>
 #include <optional>
 
 namespace tarn {
@@ -17,19 +16,23 @@ struct ScreenArea {
   QRect available;  ///< without panels
 };
 
-/// What a compositor tells of where a window of ours goes.
+/// The pointer and the screen that it is on, as a compositor reports them.
 struct CompositorPlace {
   ScreenArea screen;
-  QPoint pointer;  ///< its position, on that screen
+  QPoint pointer;  ///< in screen coordinates
 };
 
-/// How a compositor that alone places windows is asked to place ours, once it shows it; both empty where none
-/// is to be asked. Main thread.
-struct CompositorPlacement {
-  /// Where the pointer is; nothing while the compositor does not know the window. May move the window there.
-  std::function<std::optional<CompositorPlace>()> locate;
+/// Places this process's window through a compositor's own protocol, where Wayland clients cannot do it
+/// themselves. Main thread.
+class CompositorPlacement {
+ public:
+  virtual ~CompositorPlacement() = default;
+
+  /// Where the pointer is; nothing while the compositor does not list the window. May move the window there.
+  virtual std::optional<CompositorPlace> locate() = 0;
+
   /// Moves the window's upper left corner.
-  std::function<void(const QPoint& corner)> moveTo;
+  virtual void moveTo(const QPoint& corner) = 0;
 };
 
 /// What is left of a screen beside a panel of which only the window is known: panels do not always reserve

@@ -6,8 +6,8 @@
 #include <QHBoxLayout>
 #include <utility>
 
-#include "ui/widgets/controls.hpp"
 #include "ui/popover/popover_content.hpp"
+#include "ui/widgets/controls.hpp"
 
 namespace tarn {
 
@@ -35,14 +35,14 @@ QVBoxLayout* makeStack(QWidget* widget) {
 }  // namespace
 
 PopoverView::PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& prefs,
-                         FileIconLoader loadFileIcon, const Maker& maker, QWidget* parent)
+                         FileIconLoader loadFileIcon, const Vendor& vendor, QWidget* parent)
     : QWidget(parent),
       model_(std::move(model)),
       prefs_(prefs),
       icons_(std::move(loadFileIcon)),
       renderer_([this] { render(); }),
       tabPicker_(new TabPicker),
-      footer_(new PopoverFooter(prefs, maker)) {
+      footer_(new PopoverFooter(prefs, vendor)) {
   setFixedWidth(popoverWidth);
   auto* stack = makeStack(this);
   stack->setContentsMargins(0, padding, 0, padding);
@@ -59,7 +59,7 @@ PopoverView::PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& p
   connect(tabPicker_, &TabPicker::tabChosen, this, &PopoverView::chooseTab);
   connect(applicationList_, &ApplicationList::toggled, this, &PopoverView::toggle);
   connect(footer_, &PopoverFooter::quitRequested, this, &PopoverView::quitRequested);
-  connect(footer_, &PopoverFooter::pageRequested, this, &PopoverView::pageRequested);
+  connect(footer_, &PopoverFooter::urlRequested, this, &PopoverView::urlRequested);
   const auto renderSoon = [this] {
     if (isVisible()) renderer_.schedule();
   };

@@ -13,12 +13,12 @@
 #include "monitor/preferences.hpp"
 #include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/application_list.hpp"
-#include "ui/widgets/glyph_view.hpp"
 #include "ui/popover/popover_footer.hpp"
 #include "ui/popover/popover_tab.hpp"
-#include "ui/widgets/render_scheduler.hpp"
 #include "ui/popover/system_panel.hpp"
 #include "ui/popover/tab_picker.hpp"
+#include "ui/widgets/glyph_view.hpp"
+#include "ui/widgets/render_scheduler.hpp"
 #include "ui/widgets/text_label.hpp"
 
 namespace tarn {
@@ -33,7 +33,7 @@ class PopoverView : public QWidget {
  public:
   /// `prefs` outlives the view.
   PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& prefs, FileIconLoader loadFileIcon,
-              const Maker& maker, QWidget* parent = nullptr);
+              const Vendor& vendor, QWidget* parent = nullptr);
 
   /// Opens a closed row and closes an open one.
   void toggle(const std::string& id);
@@ -43,8 +43,8 @@ class PopoverView : public QWidget {
  Q_SIGNALS:
   void quitRequested();
 
-  /// The user wants to see a web page.
-  void pageRequested(const QString& page);
+  /// The user clicked a link.
+  void urlRequested(const QString& url);
 
  protected:
   void showEvent(QShowEvent* event) override;

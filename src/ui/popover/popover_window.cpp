@@ -64,8 +64,8 @@ void paintShadow(QPainter& painter, const QRectF& content) {
 
 }  // namespace
 
-PopoverWindow::PopoverWindow(PopoverView* view, Clock clock)
-    : view_(view), compositor_([this] { fitToContent(); }), clock_(std::move(clock)) {
+PopoverWindow::PopoverWindow(PopoverView* view, std::unique_ptr<CompositorPlacement> compositor, Clock clock)
+    : view_(view), compositor_(std::move(compositor), [this] { fitToContent(); }), clock_(std::move(clock)) {
   setWindowTitle(QStringLiteral("Tarn"));
   auto* frame = new QVBoxLayout(this);
   frame->setContentsMargins(0, 0, 0, 0);
@@ -77,34 +77,35 @@ void PopoverWindow::setTheme(const Theme& theme) {
   setPalette(theme.palette());
 }
 
-void PopoverWindow::open(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem) {
-  anchor_ = anchor;
+void PopoverWindow::open(PopoverStyle style, const PopoverGeometry& geometry,
+                         const WindowCapabilities& capabilities) {
+  geometry_ = geometry;
   isAtPointer_ = false;
   closedByPress_.reset();
-  applyStyle(style, windowSystem);
+  applyStyle(style, capabilities);
   show();
   raise();
   if (style != PopoverStyle::popup) activateWindow();
 }
 
-void PopoverWindow::toggle(PopoverStyle style, std::optional<QPoint> anchor,
-                           const WindowSystem& windowSystem) {
+void PopoverWindow::toggle(PopoverStyle style, const PopoverGeometry& geometry,
+                           const WindowCapabilities& capabilities) {
   if (isVisible()) {
     close();
     return;
   }
   // A person's click closes the popover with its press and would reopen it with its release.
-  const bool isNear =
-      style_ == PopoverStyle::tool || !anchor || (*anchor - lastPress_).manhattanLength() < itemReach;
+  const bool isNear = style_ == PopoverStyle::tool || !geometry.anchor ||
+                      (*geometry.anchor - lastPress_).manhattanLength() < itemReach;
   const bool sameClick = isNear && closedByPress_ && clock_() - *closedByPress_ < reopenGuard;
   closedByPress_.reset();
   if (sameClick) return;
-  open(style, anchor, windowSystem);
+  open(style, geometry, capabilities);
   isAtPointer_ = true;
 }
 
-void PopoverWindow::applyStyle(PopoverStyle style, const WindowSystem& windowSystem) {
-  const bool blended = windowSystem.blendsWindows && style != PopoverStyle::regular;
+void PopoverWindow::applyStyle(PopoverStyle style, const WindowCapabilities& capabilities) {
+  const bool blended = capabilities.blendsWindows && style != PopoverStyle::regular;
   if (blended != blended_ || style != style_ || !testAttribute(Qt::WA_WState_Created)) {
     destroy();  // flags and translucency belong to the native window, which is made anew
     setWindowFlags(flagsFor(style));
@@ -113,9 +114,8 @@ void PopoverWindow::applyStyle(PopoverStyle style, const WindowSystem& windowSys
   setAttribute(Qt::WA_MacAlwaysShowToolWindow);
   style_ = style;
   blended_ = blended;
-  isPlaced_ = windowSystem.clientsPlaceWindows && style != PopoverStyle::regular;
-  panel_ = windowSystem.windowUnderPointer;
-  compositor_.setCompositor(style == PopoverStyle::regular ? CompositorPlacement() : windowSystem.compositor);
+  isPlaced_ = capabilities.clientsPlaceWindows && style != PopoverStyle::regular;
+  compositor_.setEnabled(style != PopoverStyle::regular);
   const int margin = blended ? shadowReach : 0;
   layout()->setContentsMargins(margin, margin, margin, margin);
 }
@@ -126,12 +126,13 @@ QRect PopoverWindow::contentFrame() const {
 
 ScreenArea PopoverWindow::screenArea() const {
   if (compositor_.place()) return compositor_.place()->screen;
-  const QScreen* screen = anchor_ ? QGuiApplication::screenAt(*anchor_) : nullptr;
+  const auto& [anchor, panel] = geometry_;
+  const QScreen* screen = anchor ? QGuiApplication::screenAt(*anchor) : nullptr;
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();
   if (screen == nullptr) return {};
   const ScreenArea area{screen->geometry(), screen->availableGeometry()};
-  const bool isInPanel = anchor_ && panel_ && panel_->contains(*anchor_);
-  return isInPanel ? besidePanel(area, *panel_) : area;
+  const bool isInPanel = anchor && panel && panel->contains(*anchor);
+  return isInPanel ? besidePanel(area, *panel) : area;
 }
 
 /// The content's height is asked for before the window is first drawn, and depends on fonts and layouts that
@@ -152,7 +153,7 @@ void PopoverWindow::fitToContent() {
 void PopoverWindow::place(const QSize& size) {
   const QMargins margins = layout()->contentsMargins();
   if (isPlaced_) {
-    setGeometry(popoverFrame(anchor_, size, screenArea()).marginsAdded(margins));
+    setGeometry(popoverFrame(geometry_.anchor, size, screenArea()).marginsAdded(margins));
   } else {
     // Compositors that tile let a window float from the start if it can have only one size.
     if (style_ == PopoverStyle::tool) {

@@ -7,6 +7,7 @@
 #include <QWidget>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "ui/popover/compositor_seat.hpp"
@@ -23,19 +24,20 @@ enum class PopoverStyle {
   regular,  ///< an ordinary small window that stays, for when there is no menu bar
 };
 
-/// What the window system offers the popover.
-struct WindowSystem {
-  bool clientsPlaceWindows = true;  ///< X11 does, Wayland does not
+/// What the window system supports. A compositor may start or stop at any time, so this is read before each
+/// opening.
+struct WindowCapabilities {
+  bool clientsPlaceWindows = true;  ///< X11 and macOS: yes, Wayland: no
   bool blendsWindows = false;       ///< a compositor shows translucent windows
-  bool popupsTakeKeys = true;       ///< where they do not, the popover is a window with the focus instead
-  bool hostKnowsItsPlace = false;   ///< where it says that the item was clicked is exact
-  CompositorPlacement compositor;   ///< where clients do not place windows
-  std::optional<QRect> windowUnderPointer = {};  ///< where that is told: after a click on the item, its panel
+  bool popupsTakeKeys = true;       ///< if not, the popover is a window that takes the focus
+  bool hostKnowsItsPlace = false;   ///< the host reports the exact position of a click on the item
 };
 
-/// Asks the running system anew, since a compositor may come and go. Main thread; each platform folder
-/// defines it.
-WindowSystem platformWindowSystem();
+/// Where a popover opens, in screen coordinates.
+struct PopoverGeometry {
+  std::optional<QPoint> anchor = {};             ///< the menu-bar item; nothing: the screen's corner
+  std::optional<QRect> windowUnderPointer = {};  ///< the panel, when the item was clicked and X11 reports it
+};
 
 /// The window around the popover's view: soft corners and a shadow where the window system blends windows,
 /// soft corners and a hairline elsewhere. Main thread.
@@ -45,17 +47,18 @@ class PopoverWindow : public QWidget {
  public:
   using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
-  /// Takes ownership of `view`.
-  explicit PopoverWindow(PopoverView* view, Clock clock = std::chrono::steady_clock::now);
+  /// Takes ownership of `view`. `compositor` may be null.
+  explicit PopoverWindow(PopoverView* view, std::unique_ptr<CompositorPlacement> compositor = nullptr,
+                         Clock clock = std::chrono::steady_clock::now);
 
   void setTheme(const Theme& theme);
 
-  /// Shows the popover beside the item at `anchor`; without one, in the screen's corner.
-  void open(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem);
+  /// Shows the popover beside the item; without an anchor, in the screen's corner.
+  void open(PopoverStyle style, const PopoverGeometry& geometry, const WindowCapabilities& capabilities);
 
   /// What a click on the item means: opens, or closes what is open. A click whose press already closed the
   /// popover does not open it again.
-  void toggle(PopoverStyle style, std::optional<QPoint> anchor, const WindowSystem& windowSystem);
+  void toggle(PopoverStyle style, const PopoverGeometry& geometry, const WindowCapabilities& capabilities);
 
   PopoverStyle style() const { return style_; }
 
@@ -73,7 +76,7 @@ class PopoverWindow : public QWidget {
   void showEvent(QShowEvent* event) override;
 
  private:
-  void applyStyle(PopoverStyle style, const WindowSystem& windowSystem);
+  void applyStyle(PopoverStyle style, const WindowCapabilities& capabilities);
   void moveByCompositor(const QSize& size);
   void settleContent();
   void fitToContent();
@@ -84,10 +87,9 @@ class PopoverWindow : public QWidget {
 
   PopoverView* view_;
   PopoverStyle style_ = PopoverStyle::popup;
-  std::optional<QPoint> anchor_;
+  PopoverGeometry geometry_;
   bool blended_ = false;
-  bool isPlaced_ = true;        ///< beside the item
-  std::optional<QRect> panel_;  ///< that the pointer was on when it was opened
+  bool isPlaced_ = true;  ///< beside the item
   CompositorSeat compositor_;
   bool isAtPointer_ = false;  ///< it was opened by a click
   Clock clock_;

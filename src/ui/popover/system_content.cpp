@@ -6,8 +6,7 @@
 #include <QStringList>
 #include <cmath>
 
-#include "format/byte_formatting.hpp"
-#include "format/uptime_formatting.hpp"
+#include "format/formatting.hpp"
 #include "ui/widgets/display_text.hpp"
 
 namespace tarn {
@@ -17,8 +16,10 @@ namespace {
 constexpr QStringView separator = u" · ";
 
 ExtrasRow storageRow(const StorageInfo& storage) {
-  const QString available = QString::fromStdString(ByteFormatting::string(storage.available));
-  const QString total = QString::fromStdString(ByteFormatting::string(storage.total));
+  const QString available =
+      QString::fromStdString(ByteFormatting::string(storage.available, platformByteCountFormatter()));
+  const QString total =
+      QString::fromStdString(ByteFormatting::string(storage.total, platformByteCountFormatter()));
   return {.icon = QStringLiteral("internaldrive"),
           .label = QStringLiteral("Storage"),
           .value = available + QStringLiteral(" free"),

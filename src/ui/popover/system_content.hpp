@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "extras/system_extras.hpp"
-#include "extras/thermal_state.hpp"
+#include "extras/thermal.hpp"
 
 namespace tarn {
 

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <QObject>
-#include <memory>
 #include <optional>
 
 namespace tarn {
@@ -26,8 +25,5 @@ class ColorSchemeWatcher : public QObject {
   /// preference() is another one now.
   void changed();
 };
-
-/// The running desktop's preference, never null; each platform folder defines it.
-std::unique_ptr<ColorSchemeWatcher> platformColorScheme();
 
 }  // namespace tarn

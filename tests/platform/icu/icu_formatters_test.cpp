@@ -8,8 +8,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "format/byte_formatting.hpp"
-#include "format/cpu_formatting.hpp"
+#include "format/formatting.hpp"
 
 namespace tarn {
 namespace {

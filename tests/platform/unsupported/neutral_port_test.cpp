@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Everything above the contracts works where the system tells nothing.
+// The shared code works on a platform whose functions all return their neutral value.
 
 #include <gmock/gmock.h>
 
 #include "extras/extras_reader.hpp"
-#include "monitor/active_processors.hpp"
 #include "monitor/monitor_view_model.hpp"
+#include "platform/unsupported/unsupported_platform.hpp"
 #include "support/stepped_queue.hpp"
 #include "support/stepped_run_loop.hpp"
 
@@ -17,7 +17,7 @@ namespace {
 using testing::IsEmpty;
 
 TEST(NeutralPort, GivesASnapshotWithoutProcesses) {
-  MemorySampler sampler(platformSamplerPort());
+  MemorySampler sampler(UnsupportedPlatform().makeSamplerPort());
   for (int sweep = 0; sweep < 2; ++sweep) {
     const MemorySnapshot snapshot = sampler.sample();
     EXPECT_THAT(snapshot.groups, IsEmpty());
@@ -28,23 +28,24 @@ TEST(NeutralPort, GivesASnapshotWithoutProcesses) {
 }
 
 TEST(NeutralPort, GivesExtrasThatAreAbsent) {
-  const ExtrasReader reader(platformExtrasPort());
+  const ExtrasReader reader(UnsupportedPlatform().makeExtrasPort());
   EXPECT_EQ(reader.read(), SystemExtras{});
   EXPECT_EQ(thermalPhrase(reader.thermalState()), "Temperature unknown");
 }
 
 TEST(NeutralPort, LetsTheMonitorRun) {
+  UnsupportedPlatform platform;
   SteppedRunLoop mainLoop;
   SteppedQueues queues;
   const auto model =
       MonitorViewModel::create({.mainLoop = mainLoop,
                                 .makeQueue = [&](const std::string& label) { return queues.make(label); },
-                                .sampler = platformSamplerPort(),
-                                .extras = platformExtrasPort(),
-                                .pressureLevel = platformPressureLevel,
-                                .pressureSource = platformPressureSource(),
-                                .frontmostApplication = [] { return std::nullopt; },
-                                .activeProcessorCount = platformActiveProcessorCount});
+                                .sampler = platform.makeSamplerPort(),
+                                .extras = platform.makeExtrasPort(),
+                                .pressureLevel = [&] { return platform.pressureLevel(); },
+                                .pressureSource = platform.makePressureSource(),
+                                .frontmostApplication = platform.makeFrontmostApplicationSource(),
+                                .activeProcessorCount = [&] { return platform.activeProcessorCount(); }});
   model->popoverOpened();
   for (int sweep = 0; sweep < 2; ++sweep) {
     queues["com.tarn.sampler"].runAll();

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/linux/procfs/linux_roots.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

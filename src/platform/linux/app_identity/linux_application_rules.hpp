@@ -12,7 +12,7 @@
 #include "platform/linux/app_identity/application_index.hpp"
 #include "platform/linux/app_identity/process_facts.hpp"
 #include "sampling/pid_map.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

@@ -3,14 +3,14 @@
 
 #include "platform/linux/dbus/bus_object.hpp"
 
+#include <malloc.h>
+
 #include <QDBusError>
 #include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QStringList>
 #include <chrono>
 #include <utility>
-
-#include "app/program.hpp"
 
 namespace tarn {
 namespace {
@@ -39,7 +39,7 @@ BusObject::BusObject(QDBusConnection bus, QString path, BusInterface interface, 
       interface_(std::move(interface)) {
   calm_.setSingleShot(true);
   calm_.setInterval(calmAfter);
-  connect(&calm_, &QTimer::timeout, this, &platformReturnMemory);
+  connect(&calm_, &QTimer::timeout, this, [] { malloc_trim(0); });
   bus_.registerVirtualObject(path_, this);
 }
 

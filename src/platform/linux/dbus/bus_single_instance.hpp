@@ -10,7 +10,7 @@
 #include <QVariantMap>
 #include <functional>
 
-#include "app/single_instance.hpp"
+#include "app/platform.hpp"
 
 namespace tarn {
 

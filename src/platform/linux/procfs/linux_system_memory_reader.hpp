@@ -8,7 +8,7 @@
 
 #include "platform/linux/procfs/linux_roots.hpp"
 #include "platform/linux/procfs/system_memory.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

@@ -16,7 +16,7 @@
 #include "platform/linux/procfs/kernel_clocks.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
 #include "platform/linux/procfs/proc_pid_files.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

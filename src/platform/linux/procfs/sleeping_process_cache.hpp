@@ -12,7 +12,7 @@
 
 #include "platform/linux/procfs/procfs_reader.hpp"
 #include "sampling/pid_map.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 

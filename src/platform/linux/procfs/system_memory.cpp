@@ -40,21 +40,6 @@ bool isCompressedMemoryDevice(std::string_view path) {
   return name.starts_with(stem) && parseWholeNumber<unsigned>(name.substr(stem.size())).has_value();
 }
 
-/// The text behind "key=" in a word that is to be exactly that.
-std::string_view takeSetting(std::string_view& rest, std::string_view key) {
-  const std::string_view word = takeWord(rest);
-  return word.starts_with(key) ? word.substr(key.size()) : std::string_view{};
-}
-
-std::optional<StallLine> parseStallLine(std::string_view line) {
-  const auto average10 = parseDecimal(takeSetting(line, "avg10="));
-  takeWord(line);
-  takeWord(line);
-  const auto total = parseWholeNumber<std::uint64_t>(takeSetting(line, "total="));
-  if (!average10 || !total) return std::nullopt;
-  return StallLine{*average10, *total};
-}
-
 }  // namespace
 
 MemoryInfo parseMemoryInfo(std::string_view text) {
@@ -93,19 +78,6 @@ std::optional<std::uint64_t> parseCompressedDeviceMemory(std::string_view text) 
   takeWord(text);
   takeWord(text);
   return parseWholeNumber<std::uint64_t>(takeWord(text));
-}
-
-std::optional<MemoryStalls> parseMemoryStalls(std::string_view text) {
-  std::optional<StallLine> some;
-  std::optional<StallLine> full;
-  while (!text.empty()) {
-    std::string_view line = takeLine(text);
-    const std::string_view kind = takeWord(line);
-    if (kind == "some") some = parseStallLine(line);
-    if (kind == "full") full = parseStallLine(line);
-  }
-  if (!some || !full) return std::nullopt;
-  return MemoryStalls{*some, *full};
 }
 
 std::optional<int> countProcessorList(std::string_view text) {

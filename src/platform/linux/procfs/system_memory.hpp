@@ -43,21 +43,6 @@ SwapUse parseSwaps(std::string_view text);
 /// The memory that a compressed memory device occupies, bytes: column 3 of its `mm_stat`.
 std::optional<std::uint64_t> parseCompressedDeviceMemory(std::string_view text);
 
-/// One line of `/proc/pressure/memory`: time that tasks spent waiting for memory.
-struct StallLine {
-  double average10 = 0;           ///< share of the last 10 seconds, percent
-  std::uint64_t totalMicros = 0;  ///< microseconds since the system started
-};
-
-/// `/proc/pressure/memory`.
-struct MemoryStalls {
-  StallLine some;  ///< at least one task waited
-  StallLine full;  ///< all tasks waited that could have run
-};
-
-/// Nothing unless both lines are there.
-std::optional<MemoryStalls> parseMemoryStalls(std::string_view text);
-
 /// How many processors a list such as "0-3,5" names; nothing for other text, and for an absurd number.
 std::optional<int> countProcessorList(std::string_view text);
 

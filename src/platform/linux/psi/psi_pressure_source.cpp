@@ -3,76 +3,191 @@
 
 #include "platform/linux/psi/psi_pressure_source.hpp"
 
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <limits>
 #include <new>
+#include <string>
 #include <thread>
 #include <utility>
 
 #include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
+#include "platform/linux/psi/pressure_level.hpp"
+#include "platform/linux/psi/psi_file.hpp"
 
 namespace tarn {
 
 namespace {
 
-std::optional<MemoryPressure> levelAtOnce(const PressureLook& look) {
-  return pressureAtOnce(look.stalls, look.availability);
+constexpr std::chrono::seconds checkInterval{15};  // of the available memory, while triggers are armed
+constexpr std::chrono::seconds pollInterval{2};    // without triggers
+
+/// Opens the file and registers a trigger on it. The trigger lives as long as the file is open; each trigger
+/// needs a file descriptor of its own.
+FileDescriptor openTrigger(const std::string& path, const std::string& trigger) {
+  FileDescriptor file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+  if (!file.valid()) return {};
+  // Never write to a file of a captured tree.
+  struct statfs fileSystem {};
+  if (::fstatfs(file.number(), &fileSystem) != 0 || fileSystem.f_type != PROC_SUPER_MAGIC) return {};
+  // The kernel replaces the last byte with a zero, so the terminating zero is written too.
+  if (::write(file.number(), trigger.c_str(), trigger.size() + 1) < 0) return {};
+  return file;
 }
+
+class KernelPsiTriggers final : public PsiTriggers {
+ public:
+  explicit KernelPsiTriggers(const LinuxRoots& roots) : path_(roots.proc + "/pressure/memory") {}
+
+  bool arm() override {
+    FileDescriptor some = openTrigger(path_, someTrigger_);
+    FileDescriptor full = openTrigger(path_, fullTrigger_);
+    if (!some.valid() || !full.valid()) return false;
+    some_ = std::move(some);
+    full_ = std::move(full);
+    return true;
+  }
+
+  Wake wait(std::chrono::milliseconds timeout) override {
+    // Without the eventfd nothing could end the wait.
+    if (!cancellation_.valid()) return {.cancelled = true};
+    // poll() ignores negative descriptors: those of triggers that are not armed.
+    std::array<pollfd, 3> files{pollfd{cancellation_.number(), POLLIN, 0}, pollfd{some_.number(), POLLPRI, 0},
+                                pollfd{full_.number(), POLLPRI, 0}};
+    const auto limit = std::clamp<std::int64_t>(timeout.count(), 0, std::numeric_limits<int>::max());
+    int ready = 0;
+    do {
+      ready = ::poll(files.data(), files.size(), static_cast<int>(limit));
+    } while (ready < 0 && errno == EINTR);
+    if (ready < 0) return {.cancelled = true};
+    const auto has = [](const pollfd& file, int events) { return (file.revents & events) != 0; };
+    constexpr int failure = POLLERR | POLLHUP | POLLNVAL;
+    if (has(files[1], failure) || has(files[2], failure)) {
+      some_ = {};
+      full_ = {};
+      return {.cancelled = has(files[0], POLLIN), .lost = true};
+    }
+    return {has(files[0], POLLIN), has(files[1], POLLPRI), has(files[2], POLLPRI), false};
+  }
+
+  void cancel() override {
+    if (cancellation_.valid()) ::eventfd_write(cancellation_.number(), 1);
+  }
+
+ private:
+  // Made here and not in arm(), which must not allocate: nothing on its thread catches std::bad_alloc.
+  std::string path_;
+  std::string someTrigger_ = psiTrigger(MemoryPressure::warning);
+  std::string fullTrigger_ = psiTrigger(MemoryPressure::critical);
+  FileDescriptor cancellation_{::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)};  // stays readable once cancelled
+  FileDescriptor some_;
+  FileDescriptor full_;
+};
+
+MemoryInfo readMemoryInfo(const LinuxRoots& roots) {
+  return parseMemoryInfo(readFile(roots.proc + "/meminfo"));
+}
+
+struct Reading {
+  std::optional<PsiStats> psi;
+  MemoryInfo memory;
+  std::chrono::steady_clock::time_point time;
+};
+
+/// Returns an empty reading, of which only the time is set, when there is no memory to read.
+Reading takeReading(const LinuxRoots& roots, const SteadyClock& clock) {
+  // Both branches return a whole value: a value under construction may be half written when memory runs out.
+  try {
+    return {readMemoryPsi(roots), readMemoryInfo(roots), clock()};
+  } catch (const std::bad_alloc&) {
+    return {{}, {}, clock()};
+  }
+}
+
+/// Drops false reports of triggers. The first report of a trigger may come with the first stall, however
+/// short, as if the kernel compared with the total at boot. It counts only if the total in the PSI file has
+/// grown by the threshold since the trigger was armed.
+class FirstReportFilter {
+ public:
+  /// `armed` was read after the triggers were armed. Without it every report counts.
+  explicit FirstReportFilter(const std::optional<PsiStats>& armed) : armed_(armed) {}
+
+  /// Returns the stall level (see `stallLevel`) that `wake` reports. `now` was read after the wake.
+  MemoryPressure stallLevelOf(const PsiTriggers::Wake& wake, const std::optional<PsiStats>& now) {
+    const bool compare = armed_ && now;
+    const auto counts = [compare](bool reported, bool reportedBefore, const PsiStats::Line& from,
+                                  const PsiStats::Line& to, MemoryPressure level) {
+      if (!reported || reportedBefore || !compare) return reported;
+      return to.totalMicros >= from.totalMicros + static_cast<std::uint64_t>(stallThreshold(level).count());
+    };
+    const PsiStats from = armed_.value_or(PsiStats{});
+    const PsiStats to = now.value_or(PsiStats{});
+    const bool full = counts(wake.full, fullReported_, from.full, to.full, MemoryPressure::critical);
+    const bool some = counts(wake.some, someReported_, from.some, to.some, MemoryPressure::warning);
+    fullReported_ |= wake.full;
+    someReported_ |= wake.some;
+    if (full) return MemoryPressure::critical;
+    return some ? MemoryPressure::warning : MemoryPressure::normal;
+  }
+
+ private:
+  std::optional<PsiStats> armed_;
+  bool someReported_ = false;
+  bool fullReported_ = false;
+};
 
 }  // namespace
 
-PressureLook lookAtPressure(const LinuxRoots& roots) {
-  return {parseMemoryStalls(readFile(roots.proc + "/pressure/memory")),
-          memoryAvailability(parseMemoryInfo(readFile(roots.proc + "/meminfo")))};
+std::unique_ptr<PsiTriggers> PsiTriggers::ofKernel(const LinuxRoots& roots) {
+  return std::make_unique<KernelPsiTriggers>(roots);
 }
 
-PressureWatch::PressureWatch(LinuxRoots roots, PressureEvents& events, SteadyClock clock)
-    : roots_(std::move(roots)), events_(events), clock_(std::move(clock)) {}
-
-PressureWatch::Measurement PressureWatch::measure() const {
-  // Nothing is assigned that is still there after a throw: the compiler may have written half of it by then.
-  try {
-    return {lookAtPressure(roots_), clock_()};
-  } catch (const std::bad_alloc&) {
-    return {{}, clock_()};  // nothing can be told without the memory to look
-  }
-}
-
-void PressureWatch::run(const Handler& handler) {
-  bool armed = events_.arm();
-  Measurement before = measure();
-  StallReports reports(before.look.stalls);
-  PressureHysteresis level(levelAtOnce(before.look).value_or(MemoryPressure::normal), before.time);
+void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyClock& clock,
+                   const PressureSource::Handler& handler) {
+  bool armed = triggers.arm();
+  Reading before = takeReading(roots, clock);
+  FirstReportFilter filter(before.psi);
+  PressureHysteresis hysteresis(pressureLevel(before.psi, before.memory).value_or(MemoryPressure::normal),
+                                before.time);
   for (;;) {
-    const PressureWake wake = events_.wait(armed ? restWithEvents : restWithout);
+    const PsiTriggers::Wake wake = triggers.wait(armed ? checkInterval : pollInterval);
     if (wake.cancelled) return;
-    const Measurement now = measure();
-    StallVerdict stalls = reports.believed({wake.some, wake.full}, now.look.stalls);
-    if (!armed && before.look.stalls && now.look.stalls) {
-      stalls = stallsBetween(*before.look.stalls, *now.look.stalls, now.time - before.time);
-    }
+    const Reading now = takeReading(roots, clock);
+    MemoryPressure stalls = filter.stallLevelOf(wake, now.psi);
+    if (!armed && before.psi && now.psi) stalls = stallLevel(*before.psi, *now.psi, now.time - before.time);
     if (wake.lost) armed = false;
     before = now;
 
-    const MemoryPressure told = level.level();
-    if (now.look.availability) {
-      const double someAverage10 = now.look.stalls ? now.look.stalls->some.average10 : 0;
-      level.update(pressureOf(stalls, *now.look.availability), someAverage10, now.time);
+    const MemoryPressure lastLevel = hysteresis.level();
+    if (const auto found = pressureLevel(stalls, now.memory)) {
+      hysteresis.update(*found, now.psi ? now.psi->some.avg10 : 0, now.time);
     }
-    const bool reported = stalls.some || stalls.full;
-    if (reported || level.level() != told) handler(static_cast<PressureFlags>(level.level()));
+    const bool reported = stalls != MemoryPressure::normal;
+    if (reported || hysteresis.level() != lastLevel) handler(static_cast<PressureFlags>(hysteresis.level()));
   }
 }
 
-/// What the source and its task on the queue share. The first to change the state from `waiting` decides
-/// whether the watch happens: the task that begins, or the destruction that finds it not begun.
-struct PsiPressureSource::Run {
+/// What the source shares with its task on the queue. Whoever changes the state from `waiting` first decides
+/// whether the watch runs: the task when it begins, or the destructor.
+struct PsiPressureSource::Watch {
   enum class State { waiting, running, ended };
 
   LinuxRoots roots;
-  std::unique_ptr<PressureEvents> events;
+  std::unique_ptr<PsiTriggers> triggers;
   SteadyClock clock;
   Handler handler;
-  std::atomic<std::thread::id> thread{};
+  std::atomic<std::thread::id> thread{};  ///< that of the task, once it runs
   std::atomic<State> state{State::waiting};
 
   bool leaveWaiting(State next) {
@@ -80,10 +195,10 @@ struct PsiPressureSource::Run {
     return state.compare_exchange_strong(expected, next);
   }
 
-  void watch() {
+  void run() {
     if (!leaveWaiting(State::running)) return;
     thread = std::this_thread::get_id();
-    PressureWatch(roots, *events, clock).run(handler);
+    watchPressure(roots, *triggers, clock, handler);
     handler = nullptr;
     state = State::ended;
     state.notify_all();
@@ -91,39 +206,34 @@ struct PsiPressureSource::Run {
 };
 
 PsiPressureSource::PsiPressureSource(const LinuxRoots& roots)
-    : PsiPressureSource(roots, std::make_unique<KernelPressureEvents>(roots),
-                        std::chrono::steady_clock::now) {}
+    : PsiPressureSource(roots, PsiTriggers::ofKernel(roots), std::chrono::steady_clock::now) {}
 
-PsiPressureSource::PsiPressureSource(LinuxRoots roots, std::unique_ptr<PressureEvents> events,
+PsiPressureSource::PsiPressureSource(LinuxRoots roots, std::unique_ptr<PsiTriggers> triggers,
                                      SteadyClock clock)
-    : run_(std::make_shared<Run>()) {
-  run_->roots = std::move(roots);
-  run_->events = std::move(events);
-  run_->clock = std::move(clock);
+    : watch_(std::make_shared<Watch>()) {
+  watch_->roots = std::move(roots);
+  watch_->triggers = std::move(triggers);
+  watch_->clock = std::move(clock);
 }
 
 void PsiPressureSource::resume(TaskQueue& queue, Handler handler) {
-  run_->handler = std::move(handler);
-  queue.async([run = run_] { run->watch(); });
+  watch_->handler = std::move(handler);
+  queue.async([watch = watch_] { watch->run(); });
 }
 
 PsiPressureSource::~PsiPressureSource() {
-  if (run_->leaveWaiting(Run::State::ended)) {
-    run_->handler = nullptr;  // the queue may keep the task, but nothing that the handler holds
+  if (watch_->leaveWaiting(Watch::State::ended)) {
+    watch_->handler = nullptr;  // the queue may keep the task, but not what the handler holds
     return;
   }
-  run_->events->cancel();
-  if (run_->thread == std::this_thread::get_id())
-    return;  // the handler destroys its source: it is the last call
-  run_->state.wait(Run::State::running);
+  watch_->triggers->cancel();
+  // The handler destroys its source: the watch ends when the handler returns.
+  if (watch_->thread == std::this_thread::get_id()) return;
+  watch_->state.wait(Watch::State::running);
 }
 
-std::unique_ptr<PressureSource> platformPressureSource() {
-  return std::make_unique<PsiPressureSource>(LinuxRoots{});
-}
-
-std::optional<std::int32_t> platformPressureLevel() {
-  const auto level = levelAtOnce(lookAtPressure(LinuxRoots{}));
+std::optional<std::int32_t> readPressureLevel(const LinuxRoots& roots) {
+  const auto level = pressureLevel(readMemoryPsi(roots), readMemoryInfo(roots));
   if (!level) return std::nullopt;
   return static_cast<std::int32_t>(*level);
 }

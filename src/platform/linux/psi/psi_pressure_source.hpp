@@ -4,67 +4,60 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 
-#include "monitor/pressure_source.hpp"
+#include "monitor/memory_pressure.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
-#include "platform/linux/psi/memory_pressure_rules.hpp"
-#include "platform/linux/psi/pressure_events.hpp"
 
 namespace tarn {
 
-/// The time, without the time that the machine slept.
-using SteadyClock = std::function<std::chrono::steady_clock::time_point()>;
-
-/// What one look at the kernel's files finds; either may be missing.
-struct PressureLook {
-  std::optional<MemoryStalls> stalls;
-  std::optional<MemoryAvailability> availability;
-};
-
-PressureLook lookAtPressure(const LinuxRoots& roots);
-
-/// Watches the level and tells of each change, and of each believed report of the kernel also when the level
-/// stayed.
-///
-/// With the kernel's notifications it rests until one comes, and looks at the available memory every 15 s.
-/// Where they are refused or get lost it looks every 2 s instead: at the time that tasks waited since the
-/// look before, or, on a kernel that does not count it, at the available memory alone. A window in which
-/// tasks waited as long as a notification would ask for counts as a report.
-class PressureWatch {
+/// PSI triggers: files through which the kernel reports stalls (Documentation/accounting/psi.rst, "Monitoring
+/// for pressure thresholds"). `wait` is the only place where the pressure thread sleeps.
+class PsiTriggers {
  public:
-  using Handler = PressureSource::Handler;
-
-  static constexpr std::chrono::seconds restWithEvents{15};
-  static constexpr std::chrono::seconds restWithout{2};
-
-  /// `events` must outlive the watch.
-  PressureWatch(LinuxRoots roots, PressureEvents& events, SteadyClock clock);
-
-  /// Returns when the events are cancelled. The level at the start is not told.
-  void run(const Handler& handler);
-
- private:
-  struct Measurement {
-    PressureLook look;
-    PressureHysteresis::TimePoint time;
+  /// Why a wait ended; all false after a timeout.
+  struct Wake {
+    bool cancelled = false;
+    bool some = false;  ///< the trigger of the "some" line fired
+    bool full = false;  ///< the trigger of the "full" line fired
+    bool lost = false;  ///< the kernel removed the triggers
   };
 
-  Measurement measure() const;
+  /// The triggers of /proc/pressure/memory. Kernels before 6.4 refuse them to unprivileged users.
+  static std::unique_ptr<PsiTriggers> ofKernel(const LinuxRoots& roots);
 
-  LinuxRoots roots_;
-  PressureEvents& events_;
-  SteadyClock clock_;
+  virtual ~PsiTriggers() = default;
+
+  /// Registers the triggers; false when the kernel refuses. Pressure thread, once.
+  virtual bool arm() = 0;
+
+  /// Sleeps until a trigger fires, the timeout ends, or `cancel` is called. Pressure thread.
+  virtual Wake wait(std::chrono::milliseconds timeout) = 0;
+
+  /// Ends the present and every later wait. Any thread.
+  virtual void cancel() = 0;
 };
 
-/// Memory pressure by the kernel's pressure stall information. Occupies the queue from `resume` until it is
-/// destroyed. Destroying it inside the handler is allowed.
+/// Time that does not include suspend.
+using SteadyClock = std::function<std::chrono::steady_clock::time_point()>;
+
+/// Watches the level until the triggers are cancelled. Calls `handler` when the level changes and at each
+/// stall report, also when the level is the same as before; not for the level at the start.
+///
+/// With triggers it reads the files when one fires, and every 15 s for the available memory. Without them it
+/// reads every 2 s, and reports when the totals in the PSI file grew as much as a trigger requires. Without
+/// PSI, the available memory alone decides. A reading that fails for lack of memory changes nothing.
+void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyClock& clock,
+                   const PressureSource::Handler& handler);
+
+/// Runs `watchPressure` on the queue from `resume` until it is destroyed. The handler may destroy it.
 class PsiPressureSource final : public PressureSource {
  public:
   explicit PsiPressureSource(const LinuxRoots& roots);
-  PsiPressureSource(LinuxRoots roots, std::unique_ptr<PressureEvents> events, SteadyClock clock);
+  PsiPressureSource(LinuxRoots roots, std::unique_ptr<PsiTriggers> triggers, SteadyClock clock);
   PsiPressureSource(const PsiPressureSource&) = delete;
   PsiPressureSource& operator=(const PsiPressureSource&) = delete;
   ~PsiPressureSource() override;
@@ -72,8 +65,11 @@ class PsiPressureSource final : public PressureSource {
   void resume(TaskQueue& queue, Handler handler) override;
 
  private:
-  struct Run;
-  std::shared_ptr<Run> run_;  // shared with the task on the queue, which may be dropped long after
+  struct Watch;
+  std::shared_ptr<Watch> watch_;  ///< shared with the task on the queue, which may outlive the source
 };
+
+/// The present memory pressure as a raw MemoryPressure value; nullopt when it cannot be read. Any thread.
+std::optional<std::int32_t> readPressureLevel(const LinuxRoots& roots);
 
 }  // namespace tarn

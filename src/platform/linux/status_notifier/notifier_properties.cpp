@@ -6,7 +6,7 @@
 #include <QDBusObjectPath>
 #include <QStringList>
 
-#include "platform/linux/status_notifier/item_picture.hpp"
+#include "platform/linux/status_notifier/item_content.hpp"
 #include "platform/linux/status_notifier/notifier_types.hpp"
 
 namespace tarn {

@@ -10,8 +10,8 @@
 #include <memory>
 #include <optional>
 
-#include "platform/linux/status_notifier/notifier_host.hpp"
-#include "platform/linux/status_notifier/notifier_menu.hpp"
+#include "platform/linux/status_notifier/watcher_registration.hpp"
+#include "platform/linux/status_notifier/dbus_menu.hpp"
 #include "platform/linux/status_notifier/status_notifier_item.hpp"
 #include "platform/linux/status_notifier/xembed_item.hpp"
 #include "ui/menu_bar/menu_bar_item.hpp"

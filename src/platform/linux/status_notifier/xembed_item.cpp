@@ -8,7 +8,7 @@
 #include <QPixmap>
 #include <QStringList>
 
-#include "platform/linux/status_notifier/item_picture.hpp"
+#include "platform/linux/status_notifier/item_content.hpp"
 #include "platform/linux/status_notifier/notifier_properties.hpp"
 
 namespace tarn {

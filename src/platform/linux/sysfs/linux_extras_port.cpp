@@ -6,12 +6,12 @@
 #include <chrono>
 #include <memory>
 
-#include "platform/linux/sysfs/power_supplies.hpp"
-#include "platform/linux/sysfs/processor_sensors.hpp"
-#include "platform/linux/sysfs/root_volume.hpp"
-#include "platform/linux/sysfs/thermal_zones.hpp"
-#include "platform/linux/sysfs/throttle_counters.hpp"
 #include "platform/linux/procfs/kernel_clocks.hpp"
+#include "platform/linux/sysfs/power_supplies.hpp"
+#include "platform/linux/sysfs/root_volume.hpp"
+#include "platform/linux/sysfs/temperature_sensors.hpp"
+#include "platform/linux/sysfs/thermal_state.hpp"
+#include "platform/linux/sysfs/thermal_zones.hpp"
 
 namespace tarn {
 
@@ -52,10 +52,6 @@ ExtrasPort linuxExtrasPort(const LinuxRoots& roots) {
           .temperatures = [hardware] { return hardware->temperatures(); },
           .uptime = uptimeSeconds,
           .thermalState = [hardware] { return hardware->thermalState(); }};
-}
-
-ExtrasPort platformExtrasPort() {
-  return linuxExtrasPort(LinuxRoots{});
 }
 
 }  // namespace tarn

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
 
 namespace tarn {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 #include "platform/linux/sysfs/device_directory.hpp"
 
 namespace tarn {

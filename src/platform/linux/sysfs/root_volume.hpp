@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "extras/platform_extras.hpp"
-#include "platform/linux/sysfs/volume_name.hpp"
+#include "extras/ports.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
+#include "platform/linux/sysfs/volume_name.hpp"
 
 namespace tarn {
 

@@ -7,7 +7,7 @@
 
 #include <optional>
 
-#include "extras/thermal_state.hpp"
+#include "extras/thermal.hpp"
 
 namespace tarn {
 

@@ -12,7 +12,7 @@
 #include <limits>
 #include <utility>
 
-#include "platform/linux/wayland/compositor_sockets.hpp"
+#include "platform/linux/wayland/compositor_ipc.hpp"
 
 namespace tarn {
 

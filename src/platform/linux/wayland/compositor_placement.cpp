@@ -13,7 +13,7 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/linux/wayland/compositor_sockets.hpp"
+#include "platform/linux/wayland/compositor_ipc.hpp"
 
 namespace tarn {
 
@@ -118,6 +118,37 @@ ScreenArea areaOfMonitor(const QJsonObject& monitor) {
   return {whole, whole.adjusted(at(0), at(1), -at(2), -at(3))};
 }
 
+class SwayPlacement final : public CompositorPlacement {
+ public:
+  explicit SwayPlacement(std::string socket) : socket_(std::move(socket)) {}
+
+  std::optional<CompositorPlace> locate() override { return locateOnSway(socket_); }
+
+  void moveTo(const QPoint& corner) override {
+    orderSway(socket_, "move absolute position " + std::to_string(corner.x()) + " px " +
+                           std::to_string(corner.y()) + " px");
+  }
+
+ private:
+  std::string socket_;
+};
+
+class HyprlandPlacement final : public CompositorPlacement {
+ public:
+  explicit HyprlandPlacement(std::string socket) : socket_(std::move(socket)) {}
+
+  std::optional<CompositorPlace> locate() override { return locateOnHyprland(socket_); }
+
+  void moveTo(const QPoint& corner) override {
+    const std::string ours = "pid:" + std::to_string(::getpid());
+    askHyprland(socket_, "[[BATCH]]dispatch setfloating " + ours + ";dispatch movewindowpixel exact " +
+                             std::to_string(corner.x()) + " " + std::to_string(corner.y()) + "," + ours);
+  }
+
+ private:
+  std::string socket_;
+};
+
 }  // namespace
 
 std::optional<CompositorPlace> placeInSwayTree(std::string_view json, std::int32_t pid) {
@@ -141,24 +172,12 @@ std::optional<CompositorPlace> placeOnHyprland(std::string_view pointer, std::st
   return std::nullopt;
 }
 
-CompositorPlacement swayPlacement(std::string socket) {
-  return {.locate = [socket] { return locateOnSway(socket); },
-          .moveTo =
-              [socket = std::move(socket)](const QPoint& corner) {
-                orderSway(socket, "move absolute position " + std::to_string(corner.x()) + " px " +
-                                      std::to_string(corner.y()) + " px");
-              }};
+std::unique_ptr<CompositorPlacement> swayPlacement(std::string socket) {
+  return std::make_unique<SwayPlacement>(std::move(socket));
 }
 
-CompositorPlacement hyprlandPlacement(std::string socket) {
-  return {.locate = [socket] { return locateOnHyprland(socket); },
-          .moveTo =
-              [socket = std::move(socket)](const QPoint& corner) {
-                const std::string ours = "pid:" + std::to_string(::getpid());
-                askHyprland(socket, "[[BATCH]]dispatch setfloating " + ours +
-                                        ";dispatch movewindowpixel exact " + std::to_string(corner.x()) +
-                                        " " + std::to_string(corner.y()) + "," + ours);
-              }};
+std::unique_ptr<CompositorPlacement> hyprlandPlacement(std::string socket) {
+  return std::make_unique<HyprlandPlacement>(std::move(socket));
 }
 
 }  // namespace tarn

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,10 +18,10 @@ namespace tarn {
 
 /// The placing of this process's window by sway. A position is asked for by having sway move the window to
 /// the pointer, since it tells no position of that. Main thread; each call waits 50 ms at most.
-CompositorPlacement swayPlacement(std::string socket);
+std::unique_ptr<CompositorPlacement> swayPlacement(std::string socket);
 
 /// Likewise Hyprland, which tells the pointer's position.
-CompositorPlacement hyprlandPlacement(std::string socket);
+std::unique_ptr<CompositorPlacement> hyprlandPlacement(std::string socket);
 
 /// Where a process's floating window is in sway's tree, which has just put its middle where the pointer is,
 /// or as near to that as the output's edges allow; nothing while there is no such window.

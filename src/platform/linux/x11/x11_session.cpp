@@ -15,8 +15,8 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/linux/x11/xcb_reply.hpp"
 #include "platform/linux/procfs/namespaced_pid.hpp"
+#include "platform/linux/x11/xcb_reply.hpp"
 
 namespace tarn {
 namespace {
@@ -89,8 +89,8 @@ bool X11Session::learnNames(Clock::time_point deadline) {
   xcb_connection_t* const connection = connection_.get();
   xcb_prefetch_extension_data(connection, &xcb_res_id);
   const std::string tray = "_NET_SYSTEM_TRAY_S" + std::to_string(screen_);
-  const std::array cookies{askForAtom(connection, "_NET_ACTIVE_WINDOW"),
-                           askForAtom(connection, "_NET_WM_PID"), askForAtom(connection, tray)};
+  const std::array cookies{requestAtom(connection, "_NET_ACTIVE_WINDOW"),
+                           requestAtom(connection, "_NET_WM_PID"), requestAtom(connection, tray)};
   std::array<std::uint32_t, cookies.size()> atoms{};
   for (std::size_t index = 0; index < cookies.size(); ++index) {
     const XcbReply<xcb_intern_atom_reply_t> reply(

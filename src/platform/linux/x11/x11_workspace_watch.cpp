@@ -11,7 +11,8 @@
 namespace tarn {
 
 X11WorkspaceWatch::X11WorkspaceWatch(xcb_connection_t* connection, std::function<void()> switched)
-    : switched_(std::move(switched)), currentWorkspace_(atomOf(connection, "_NET_CURRENT_DESKTOP")) {
+    : switched_(std::move(switched)),
+      currentWorkspace_(awaitAtom(connection, requestAtom(connection, "_NET_CURRENT_DESKTOP"))) {
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
 

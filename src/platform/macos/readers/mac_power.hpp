@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "extras/platform_extras.hpp"
+#include "extras/ports.hpp"
 #include "platform/macos/readers/power_functions.hpp"
 
 namespace tarn::macos {

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "platform/macos/readers/system_functions.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn::macos {
 

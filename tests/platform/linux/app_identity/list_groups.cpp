@@ -6,10 +6,11 @@
 
 #include <cstdio>
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "sampling/memory_sampler.hpp"
 
 int main() {
-  tarn::MemorySampler sampler(tarn::platformSamplerPort());
+  tarn::MemorySampler sampler(tarn::makeLinuxSamplerPort(tarn::LinuxRoots{}));
   const tarn::MemorySnapshot snapshot = sampler.sample();
   for (const tarn::AppGroup& group : snapshot.groups) {
     for (const tarn::ProcessSample& process : group.processes) {

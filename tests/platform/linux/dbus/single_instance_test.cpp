@@ -1,8 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "app/single_instance.hpp"
-
 #include <gtest/gtest.h>
 
 #include <QDBusConnectionInterface>
@@ -12,10 +10,12 @@
 #include <future>
 #include <utility>
 
+#include "app/platform.hpp"
 #include "platform/linux/dbus/bus_client.hpp"
 #include "platform/linux/dbus/bus_single_instance.hpp"
-#include "support/event_loop.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
+#include "platform/linux/linux_platform.hpp"
+#include "support/event_loop.hpp"
 
 namespace tarn {
 namespace {
@@ -106,7 +106,7 @@ TEST_F(SingleInstanceOnABus, TheDesktopReachesItAtThePathOfItsName) {
 }
 
 TEST(SingleInstanceWithoutABus, IsTheFirst) {
-  EXPECT_TRUE(platformSingleInstance()->claim([] {}));
+  EXPECT_TRUE(LinuxPlatform().makeSingleInstance()->claim([] {}));
 }
 
 }  // namespace

@@ -22,9 +22,11 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
+#include "platform/linux/psi/psi_file.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
-#include "support/temporary_tree.hpp"
 #include "sampling/memory_sampler.hpp"
+#include "support/temporary_tree.hpp"
 
 namespace tarn {
 namespace {
@@ -131,7 +133,7 @@ TEST_P(HiddenProcesses, AreAbsentAndTheUsersOwnAreTold) {
     foreign = startHolder(true, 60 * megabyte);
   };
   const auto work = [&] {
-    MemorySampler sampler(platformSamplerPort());
+    MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
     sampler.sample();
     const std::vector<char> grown(200 * megabyte, 'x');
     for (int sweep = 0; sweep < 12; ++sweep) {
@@ -192,11 +194,11 @@ class RefusedNotifications : public testing::TestWithParam<PressureFiles> {
 
 TEST_P(RefusedNotifications, LeaveTheLevelToLooksAtTheFiles) {
   const auto work = [] {
-    REQUIRE_THAT(!KernelPressureEvents(LinuxRoots{}).arm());
-    REQUIRE_THAT(lookAtPressure(LinuxRoots{}).stalls.has_value() == GetParam().hasStalls);
-    REQUIRE_THAT(platformPressureLevel().has_value());
+    REQUIRE_THAT(!PsiTriggers::ofKernel(LinuxRoots{})->arm());
+    REQUIRE_THAT(readMemoryPsi(LinuxRoots{}).has_value() == GetParam().hasStalls);
+    REQUIRE_THAT(readPressureLevel(LinuxRoots{}).has_value());
     ThreadQueue queue;
-    const auto source = platformPressureSource();
+    const auto source = std::make_unique<PsiPressureSource>(LinuxRoots{});
     source->resume(queue, [](PressureFlags) {});
     // Beyond the first look, which comes after two seconds.
     ::usleep(2'300'000);

@@ -22,12 +22,13 @@
 
 #include "extras/extras_reader.hpp"
 #include "platform/linux/app_identity/application_information.hpp"
-#include "platform/linux/faults/whole_machine.hpp"
-#include "platform/linux/sysfs/linux_extras_port.hpp"
-#include "platform/linux/sysfs/active_processors.hpp"
+#include "platform/linux/faults/machine_fixture.hpp"
 #include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/namespaced_pid.hpp"
+#include "platform/linux/psi/psi_file.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
+#include "platform/linux/sysfs/cores_online.hpp"
+#include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/allocation_count.hpp"
 
@@ -134,9 +135,8 @@ Reading readMachine(const LinuxRoots& roots) {
     }
     reading.memory = snapshot.system;
   }
-  const PressureLook look = lookAtPressure(roots);
-  reading.hasStalls = look.stalls.has_value();
-  reading.hasAvailability = look.availability.has_value();
+  reading.hasStalls = readMemoryPsi(roots).has_value();
+  reading.hasAvailability = readPressureLevel(roots).has_value();
   const ExtrasReader reader(linuxExtrasPort(roots));
   reading.extras = reader.read();
   reading.extras.uptime = 0;

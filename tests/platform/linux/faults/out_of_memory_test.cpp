@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "extras/extras_reader.hpp"
-#include "platform/linux/faults/whole_machine.hpp"
+#include "platform/linux/faults/machine_fixture.hpp"
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
 #include "sampling/memory_sampler.hpp"
@@ -211,12 +211,12 @@ TEST(OutOfMemory, AMapThatCannotGrowIsAsItWas) {
 }
 
 /// Refuses memory during one look of three.
-class LeanEvents final : public PressureEvents {
+class LeanTriggers final : public PsiTriggers {
  public:
-  explicit LeanEvents(std::function<void(int)> atWait) : atWait_(std::move(atWait)) {}
+  explicit LeanTriggers(std::function<void(int)> atWait) : atWait_(std::move(atWait)) {}
 
   bool arm() override { return true; }
-  PressureWake wait(std::chrono::milliseconds /*timeout*/) override {
+  Wake wait(std::chrono::milliseconds /*timeout*/) override {
     refusal_.reset();
     if (++waits_ > 3) return {.cancelled = true};
     atWait_(waits_);
@@ -233,16 +233,15 @@ class LeanEvents final : public PressureEvents {
 
 TEST(OutOfMemory, ALookAtThePressureLeavesTheLevelAsItIs) {
   const TemporaryTree tree;
-  LeanEvents events([&tree](int wait) {
+  LeanTriggers triggers([&tree](int wait) {
     tree.write("proc/meminfo", wait == 3 ? "MemTotal: 10000 kB\nMemAvailable: 500 kB\n"
                                          : "MemTotal: 10000 kB\nMemAvailable: 3000 kB\n");
   });
   tree.write("proc/meminfo", "MemTotal: 10000 kB\nMemAvailable: 8000 kB\n");
   std::vector<PressureFlags> told;
   told.reserve(8);
-  PressureWatch(tree.roots(), events, std::chrono::steady_clock::now).run([&told](PressureFlags flags) {
-    told.push_back(flags);
-  });
+  watchPressure(tree.roots(), triggers, std::chrono::steady_clock::now,
+                [&told](PressureFlags flags) { told.push_back(flags); });
   EXPECT_THAT(told, testing::ElementsAre(2, 2, 2));
 }
 

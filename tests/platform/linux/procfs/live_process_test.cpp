@@ -15,8 +15,9 @@
 #include <string>
 #include <thread>
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "platform/linux/procfs/sleeping_process_cache.hpp"
-#include "sampling/platform_readers.hpp"
+#include "sampling/process_source.hpp"
 
 namespace tarn {
 namespace {
@@ -119,7 +120,7 @@ TEST_P(LiveProcessTest, ReapedChildHasNoValues) {
 }
 
 TEST(LivePort, SweepsTheRunningSystem) {
-  const SamplerPort port = platformSamplerPort();
+  const SamplerPort port = makeLinuxSamplerPort(LinuxRoots{});
   const double before = port.uptime();
   const auto pids = port.processes->allPIDs();
   EXPECT_THAT(pids, Contains(::getpid()));

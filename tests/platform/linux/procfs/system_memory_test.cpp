@@ -95,28 +95,5 @@ TEST(CompressedDevice, MemoryIsTheThirdColumn) {
   }
 }
 
-TEST(MemoryStalls, BothLinesAreRead) {
-  const auto stalls = parseMemoryStalls(
-      "some avg10=12.34 avg60=5.00 avg300=1.00 total=123456789012\n"
-      "full avg10=0.50 avg60=0.00 avg300=0.00 total=42\n");
-  ASSERT_TRUE(stalls);
-  EXPECT_DOUBLE_EQ(stalls->some.average10, 12.34);
-  EXPECT_EQ(stalls->some.totalMicros, 123456789012U);
-  EXPECT_DOUBLE_EQ(stalls->full.average10, 0.5);
-  EXPECT_EQ(stalls->full.totalMicros, 42U);
-}
-
-TEST(MemoryStalls, BrokenTextGivesNothing) {
-  const std::string some = "some avg10=0.00 avg60=0.00 avg300=0.00 total=0\n";
-  for (const char* full :
-       {"", "full", "full avg10=x avg60=0 avg300=0 total=0", "full avg10=nan avg60=0 avg300=0 total=0",
-        "full avg10=-1 avg60=0 avg300=0 total=0", "full avg10=inf avg60=0 avg300=0 total=0",
-        "full avg10=0 avg60=0 avg300=0 total=-1", "full avg10=0 avg60=0 avg300=0",
-        "full avg10=0 avg60=0 avg300=0 total=18446744073709551616"}) {
-    EXPECT_FALSE(parseMemoryStalls(some + full)) << full;
-  }
-  EXPECT_FALSE(parseMemoryStalls(""));
-}
-
 }  // namespace
 }  // namespace tarn

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// How the source starts and ends, with real threads.
+// Start and end of the source, with real threads.
 
 #include "platform/linux/psi/psi_pressure_source.hpp"
 
@@ -34,7 +34,7 @@ class HeldQueue final : public TaskQueue {
   void async(Task task) override { tasks.push_back(std::move(task)); }
 };
 
-/// Runs each task on a thread of its own at once; joins them at its end.
+/// Runs each task on its own thread; the destructor joins them.
 class ThreadQueue final : public TaskQueue {
  public:
   ~ThreadQueue() override {
@@ -46,11 +46,11 @@ class ThreadQueue final : public TaskQueue {
   std::vector<std::thread> threads_;
 };
 
-/// Reports without end, as fast as it is asked, until it is cancelled.
-class FloodOfEvents final : public PressureEvents {
+/// Every wait ends at once with a report, until cancelled.
+class EndlessTriggers final : public PsiTriggers {
  public:
   bool arm() override { return true; }
-  PressureWake wait(milliseconds /*timeout*/) override {
+  Wake wait(milliseconds /*timeout*/) override {
     const bool cancelled = cancelled_.load();
     return {.cancelled = cancelled, .some = !cancelled};
   }
@@ -60,52 +60,52 @@ class FloodOfEvents final : public PressureEvents {
   std::atomic<bool> cancelled_{false};
 };
 
-/// A machine with little memory left, so that each report is told.
+/// A machine with little available memory, so that each report changes or keeps the level warning.
 class PsiPressureSourceTest : public testing::Test {
  protected:
   PsiPressureSourceTest() { tree_.write("proc/meminfo", "MemTotal: 10000 kB\nMemAvailable: 3000 kB\n"); }
 
-  std::unique_ptr<PsiPressureSource> flooded() const {
-    return std::make_unique<PsiPressureSource>(tree_.roots(), std::make_unique<FloodOfEvents>(),
+  std::unique_ptr<PsiPressureSource> endlessSource() const {
+    return std::make_unique<PsiPressureSource>(tree_.roots(), std::make_unique<EndlessTriggers>(),
                                                std::chrono::steady_clock::now);
   }
 
   TemporaryTree tree_;
 };
 
-TEST_F(PsiPressureSourceTest, CanEndWithoutEverHavingStarted) {
+TEST_F(PsiPressureSourceTest, CanBeDestroyedBeforeResume) {
   PsiPressureSource source(tree_.roots());
   PsiPressureSource live(LinuxRoots{});
 }
 
-TEST_F(PsiPressureSourceTest, CanEndBeforeTheQueueBegins) {
+TEST_F(PsiPressureSourceTest, CanBeDestroyedBeforeTheQueueRuns) {
   HeldQueue queue;
   auto held = std::make_shared<int>(1);
   bool called = false;
-  auto source = flooded();
+  auto source = endlessSource();
   source->resume(queue, [&called, held](PressureFlags) { called = true; });
   ASSERT_EQ(queue.tasks.size(), 1U);
   EXPECT_EQ(held.use_count(), 2);
   source.reset();
-  EXPECT_EQ(held.use_count(), 1) << "what the handler holds is let go at once";
+  EXPECT_EQ(held.use_count(), 1) << "the handler is destroyed at once";
   queue.tasks.front()();
   EXPECT_FALSE(called);
 }
 
-TEST_F(PsiPressureSourceTest, CanEndOnAQueueThatNeverBegins) {
+TEST_F(PsiPressureSourceTest, CanBeDestroyedAfterTheQueueDroppedItsTask) {
   HeldQueue queue;
-  auto source = flooded();
+  auto source = endlessSource();
   source->resume(queue, [](PressureFlags) {});
   queue.tasks.clear();
   source.reset();
 }
 
-TEST_F(PsiPressureSourceTest, CallsNothingOnceItsDestructionReturned) {
+TEST_F(PsiPressureSourceTest, DoesNotCallTheHandlerAfterItsDestructor) {
   for (int round = 0; round < 50; ++round) {
     ThreadQueue queue;
     std::binary_semaphore firstCall{0};
     std::atomic<int> calls{0};
-    auto source = flooded();
+    auto source = endlessSource();
     source->resume(queue, [&](PressureFlags flags) {
       EXPECT_EQ(flags, 2U);
       if (++calls == 1) firstCall.release();
@@ -118,23 +118,23 @@ TEST_F(PsiPressureSourceTest, CallsNothingOnceItsDestructionReturned) {
   }
 }
 
-TEST_F(PsiPressureSourceTest, EndsInARaceWithItsBeginning) {
+TEST_F(PsiPressureSourceTest, CanBeDestroyedWhileItStarts) {
   for (int round = 0; round < 200; ++round) {
-    int calls = 0;  // without a lock: the destruction is what makes it safe to read
+    int calls = 0;  // not atomic: the destructor orders the accesses
     ThreadQueue queue;
-    auto source = flooded();
+    auto source = endlessSource();
     source->resume(queue, [&](PressureFlags) { ++calls; });
     source.reset();
     EXPECT_GE(calls, 0);
   }
 }
 
-TEST_F(PsiPressureSourceTest, TheHandlerMayDestroyIt) {
+TEST_F(PsiPressureSourceTest, CanBeDestroyedByItsHandler) {
   int calls = 0;
   {
     ThreadQueue queue;
     std::binary_semaphore destroyed{0};
-    auto source = flooded();
+    auto source = endlessSource();
     source->resume(queue, [&](PressureFlags) {
       ++calls;
       source.reset();
@@ -145,7 +145,7 @@ TEST_F(PsiPressureSourceTest, TheHandlerMayDestroyIt) {
   EXPECT_EQ(calls, 1);
 }
 
-TEST_F(PsiPressureSourceTest, ARealWaitEndsAtOnceWhenItIsCancelled) {
+TEST_F(PsiPressureSourceTest, EndsARealWaitAtOnce) {
   const auto begin = std::chrono::steady_clock::now();
   ThreadQueue queue;
   for (const LinuxRoots& roots : {LinuxRoots{}, tree_.roots()}) {
@@ -155,67 +155,67 @@ TEST_F(PsiPressureSourceTest, ARealWaitEndsAtOnceWhenItIsCancelled) {
   EXPECT_LT(std::chrono::steady_clock::now() - begin, seconds(2));
 }
 
-TEST(KernelPressureEvents, AWaitTimesOutAndIsCancelledForGood) {
-  KernelPressureEvents events(LinuxRoots{});
-  const PressureWake quiet = events.wait(milliseconds(1));
-  EXPECT_FALSE(quiet.cancelled || quiet.some || quiet.full || quiet.lost);
-  events.cancel();
-  EXPECT_TRUE(events.wait(seconds(60)).cancelled);
-  EXPECT_TRUE(events.wait(seconds(60)).cancelled);
+TEST(KernelPsiTriggers, WaitTimesOutAndStaysCancelled) {
+  const auto triggers = PsiTriggers::ofKernel(LinuxRoots{});
+  const PsiTriggers::Wake timeout = triggers->wait(milliseconds(1));
+  EXPECT_FALSE(timeout.cancelled || timeout.some || timeout.full || timeout.lost);
+  triggers->cancel();
+  EXPECT_TRUE(triggers->wait(seconds(60)).cancelled);
+  EXPECT_TRUE(triggers->wait(seconds(60)).cancelled);
 }
 
-TEST(KernelPressureEvents, ACancelFromAnotherThreadEndsAWait) {
-  KernelPressureEvents events(LinuxRoots{});
-  events.arm();
-  auto wake = std::async(std::launch::async, [&] { return events.wait(seconds(60)); });
-  events.cancel();
+TEST(KernelPsiTriggers, CancelFromAnotherThreadEndsAWait) {
+  const auto triggers = PsiTriggers::ofKernel(LinuxRoots{});
+  triggers->arm();
+  auto wake = std::async(std::launch::async, [&] { return triggers->wait(seconds(60)); });
+  triggers->cancel();
   EXPECT_TRUE(wake.get().cancelled);
 }
 
-TEST(KernelPressureEvents, ACapturedTreeIsNeverWrittenTo) {
+TEST(KernelPsiTriggers, NeverWriteToACapturedTree) {
   const TemporaryTree tree;
   const std::string text = "some avg10=0.00 avg60=0.00 avg300=0.00 total=0\n";
   tree.write("proc/pressure/memory", text);
-  EXPECT_FALSE(KernelPressureEvents(tree.roots()).arm());
+  EXPECT_FALSE(PsiTriggers::ofKernel(tree.roots())->arm());
   std::ostringstream content;
   content << std::ifstream(tree.at("proc/pressure/memory")).rdbuf();
   EXPECT_EQ(content.str(), text);
 }
 
-TEST(KernelPressureEvents, AKernelThatDoesNotTakeTheTriggersRefuses) {
+TEST(KernelPsiTriggers, AreRefusedWhenTheKernelRejectsTheWrite) {
   const TemporaryTree tree;
-  // A file of the kernel that takes numbers, and nothing else.
+  // A /proc file that accepts only numbers.
   tree.link("proc/pressure/memory", "/proc/self/oom_score_adj");
-  EXPECT_FALSE(KernelPressureEvents(tree.roots()).arm());
-  // Files that cannot be written to, whoever asks.
+  EXPECT_FALSE(PsiTriggers::ofKernel(tree.roots())->arm());
+  // /proc files that nobody can write to.
   for (const char* file : {"/proc/version", "/proc/self/mountinfo"}) {
     tree.link("proc/pressure/memory", file);
-    EXPECT_FALSE(KernelPressureEvents(tree.roots()).arm()) << file;
+    EXPECT_FALSE(PsiTriggers::ofKernel(tree.roots())->arm()) << file;
   }
 }
 
-TEST(KernelPressureEvents, APipeOrADirectoryInTheirPlaceRefuses) {
+TEST(KernelPsiTriggers, AreRefusedForAPipeOrADirectory) {
   const TemporaryTree tree;
   tree.pipe("proc/pressure/memory");
-  EXPECT_FALSE(KernelPressureEvents(tree.roots()).arm());
+  EXPECT_FALSE(PsiTriggers::ofKernel(tree.roots())->arm());
   tree.remove("proc/pressure/memory");
   tree.write("proc/pressure/memory/file", "");
-  EXPECT_FALSE(KernelPressureEvents(tree.roots()).arm());
+  EXPECT_FALSE(PsiTriggers::ofKernel(tree.roots())->arm());
 }
 
-TEST(KernelPressureEvents, AKernelWithoutThemRefuses) {
-  EXPECT_FALSE(KernelPressureEvents(TemporaryTree().roots()).arm());
+TEST(KernelPsiTriggers, AreRefusedWithoutThePsiFile) {
+  EXPECT_FALSE(PsiTriggers::ofKernel(TemporaryTree().roots())->arm());
 }
 
-TEST(PlatformPressureLevel, IsTheLevelOfTheRunningSystem) {
-  const auto level = platformPressureLevel();
+TEST(ReadPressureLevel, IsKnownOnTheRunningSystem) {
+  const auto level = readPressureLevel(LinuxRoots{});
   ASSERT_TRUE(level);
   EXPECT_TRUE(memoryPressureFromRawValue(*level)) << *level;
 }
 
-TEST(PlatformPressureSource, StartsAndEnds) {
+TEST(PsiPressureSource, StartsAndEndsOnTheRunningSystem) {
   ThreadQueue queue;
-  const auto source = platformPressureSource();
+  const auto source = std::make_unique<PsiPressureSource>(LinuxRoots{});
   source->resume(queue, [](PressureFlags) {});
 }
 

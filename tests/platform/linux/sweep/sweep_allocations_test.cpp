@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "platform/linux/procfs/proc_pid_files.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/allocation_count.hpp"
@@ -22,7 +23,7 @@ constexpr std::size_t whole = 30;
 
 TEST(ASteadySweep, AllocatesAtMostOnceForEachProcess) {
   const IdleProcesses idle(200);
-  MemorySampler sampler(platformSamplerPort());
+  MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
   for (int warmUp = 0; warmUp < 3; ++warmUp) sampler.sample();
   // Other processes come and go: the sweep that met none of them counts.
   double least = 10;

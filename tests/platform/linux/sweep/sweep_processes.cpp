@@ -8,11 +8,12 @@
 
 #include <cstdlib>
 
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "sampling/memory_sampler.hpp"
 
 int main(int argumentCount, char** arguments) {
   if (argumentCount != 2) return 2;
-  tarn::MemorySampler sampler(tarn::platformSamplerPort());
+  tarn::MemorySampler sampler(tarn::makeLinuxSamplerPort(tarn::LinuxRoots{}));
   std::size_t groups = 0;
   for (int left = std::atoi(arguments[1]); left > 0; --left) {
     static_cast<void>(access("/begin-sweep", F_OK));

@@ -6,29 +6,14 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
-#include <fstream>
 #include <stdexcept>
+
+#include "support/machine_description.hpp"
 
 namespace tarn {
 
 void writeMachine(const TemporaryTree& tree, const std::string& name) {
-  std::ifstream file(std::string(TARN_FIXTURES "/linux/machines/") + name + ".machine");
-  if (!file) throw std::runtime_error("no machine is called " + name);
-  std::string directory;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line.front() == '#') continue;
-    if (line.front() == '[') {
-      directory = line.substr(1, line.size() - 2);
-      std::filesystem::create_directories(tree.at(directory));
-      continue;
-    }
-    const std::size_t equals = line.find(" =");
-    if (equals == std::string::npos) throw std::runtime_error("not a file: " + line);
-    std::string path = directory;
-    path.append("/").append(line, 0, equals);
-    const std::string text = line.size() > equals + 3 ? line.substr(equals + 3) + '\n' : "";
-    tree.write(path, text);
-  }
+  layOutMachine(std::filesystem::path(TARN_FIXTURES "/linux/machines") / (name + ".machine"), tree.at(""));
 }
 
 void writeVolumeRecord(const TemporaryTree& tree, const std::string& text) {

@@ -9,9 +9,7 @@
 
 namespace tarn {
 
-/// Writes the files of a machine, described in tests/fixtures/linux/machines/NAME.machine: a line in brackets
-/// names a directory, each line below it a file and its text. A file without text stands for one whose driver
-/// does not answer.
+/// Writes the files of the machine that tests/fixtures/linux/machines/NAME.machine describes.
 void writeMachine(const TemporaryTree& tree, const std::string& name);
 
 /// Writes the device manager's record of the volume that the tree lies on.

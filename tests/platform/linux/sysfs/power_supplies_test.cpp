@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "extras/battery_info.hpp"
+#include "extras/battery.hpp"
 #include "platform/linux/sysfs/machine_tree.hpp"
 
 namespace tarn {

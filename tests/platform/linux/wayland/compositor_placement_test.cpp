@@ -102,7 +102,7 @@ TEST(SwayPlacement, HasTheWindowMovedToThePointerAndAsksWhereThatIs) {
          EXPECT_EQ(readQuestion(connection, 14), "i3-ipc\0\0\0\0\4\0\0\0"s);
          write(connection, swayAnswer(treeWith(R"({"x":2000,"y":0,"width":321,"height":500})", ::getpid())));
        }});
-  const auto place = swayPlacement(sway.path()).locate();
+  const auto place = swayPlacement(sway.path())->locate();
   ASSERT_TRUE(place);
   EXPECT_EQ(place->pointer, QPoint(2160, 0));
   EXPECT_EQ(order, ours + "floating enable, border none, move position cursor");
@@ -115,9 +115,9 @@ TEST(SwayPlacement, IsUnknownWhileSwayDoesNotKnowTheWindow) {
       readSwayCommand(connection);
       write(connection, swayAnswer(answer));
     });
-    EXPECT_FALSE(swayPlacement(sway.path()).locate()) << answer;
+    EXPECT_FALSE(swayPlacement(sway.path())->locate()) << answer;
   }
-  EXPECT_FALSE(swayPlacement("/nowhere/at/all").locate());
+  EXPECT_FALSE(swayPlacement("/nowhere/at/all")->locate());
 }
 
 TEST(SwayPlacement, MovesTheWindowsCorner) {
@@ -127,7 +127,7 @@ TEST(SwayPlacement, MovesTheWindowsCorner) {
       order = readSwayCommand(connection);
       write(connection, swayAnswer(R"([{"success":true}])"));
     });
-    swayPlacement(sway.path()).moveTo(QPoint(1540, -12));
+    swayPlacement(sway.path())->moveTo(QPoint(1540, -12));
   }
   EXPECT_EQ(order, ours + "move absolute position 1540 px -12 px");
 }
@@ -144,12 +144,12 @@ TEST(HyprlandPlacement, AsksForThePointerOnceTheWindowIsKnown) {
   const FakeCompositor hyprland({answering(9, "j/clients", windows),
                                  answering(11, "j/cursorpos", R"({"x": 1200, "y": 12})"),
                                  answering(10, "j/monitors", monitors)});
-  const auto place = hyprlandPlacement(hyprland.path()).locate();
+  const auto place = hyprlandPlacement(hyprland.path())->locate();
   ASSERT_TRUE(place);
   EXPECT_EQ(place->pointer, QPoint(1200, 12));
 
   const FakeCompositor without(answering(9, "j/clients", R"([{"pid":1}])"));
-  EXPECT_FALSE(hyprlandPlacement(without.path()).locate());
+  EXPECT_FALSE(hyprlandPlacement(without.path())->locate());
 }
 
 TEST(HyprlandPlacement, MovesTheWindowsCorner) {
@@ -162,7 +162,7 @@ TEST(HyprlandPlacement, MovesTheWindowsCorner) {
       order = readQuestion(connection, expected.size());
       write(connection, "ok");
     });
-    hyprlandPlacement(hyprland.path()).moveTo(QPoint(15, -3));
+    hyprlandPlacement(hyprland.path())->moveTo(QPoint(15, -3));
   }
   EXPECT_EQ(order, expected);
 }

@@ -4,23 +4,22 @@
 // Reaches everything of the macOS port that needs no framework, so that all of it is linked.
 
 #include "extras/extras_reader.hpp"
-#include "format/byte_formatting.hpp"
-#include "format/cpu_formatting.hpp"
-#include "monitor/active_processors.hpp"
-#include "monitor/pressure_source.hpp"
-#include "monitor/thread_name.hpp"
+#include "platform/macos/readers/dispatch_pressure_source.hpp"
+#include "platform/macos/readers/mac_system_memory_reader.hpp"
+#include "platform/macos/system/mac_system.hpp"
 #include "sampling/memory_sampler.hpp"
 
+using namespace tarn;
+
 int main() {
-  tarn::setCurrentThreadName("com.tarn.sampler");
-  tarn::MemorySampler sampler(tarn::platformSamplerPort());
-  const tarn::ExtrasReader extras(tarn::platformExtrasPort());
-  const auto pressure = tarn::platformPressureSource();
-  const tarn::MemorySnapshot snapshot = sampler.sample();
-  const std::string texts = tarn::ByteFormatting::string(snapshot.attributedTotal()) +
-                            tarn::CPUFormatting::string(snapshot.totalCPUPercent());
-  return texts.empty() || extras.read().uptime < 0 || tarn::platformPressureLevel().value_or(1) < 0 ||
-                 tarn::platformActiveProcessorCount() < 1
-             ? 1
-             : 0;
+  macos::setCurrentThreadName("com.tarn.sampler");
+  MemorySampler sampler(macos::makeMacSamplerPort());
+  const ExtrasReader extras(macos::makeMacExtrasPort());
+  const macos::DispatchPressureSource pressure(macos::dispatchFunctions());
+  const MemorySnapshot snapshot = sampler.sample();
+  const Formatters formatters = macos::systemFormatters();
+  const bool formats = !formatters.bytes.string(1).empty() && formatters.percents.string(1);
+  return !formats || extras.read().uptime < 0 || snapshot.groups.empty() ||
+         macos::readPressureLevel(macos::systemFunctions()).value_or(1) < 0 ||
+         macos::clampedProcessorCount() < 1;
 }

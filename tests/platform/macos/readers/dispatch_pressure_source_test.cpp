@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "monitor/memory_pressure_monitor.hpp"
+#include "monitor/memory_pressure.hpp"
 #include "monitor/serial_queue.hpp"
 #include "support/stepped_run_loop.hpp"
 

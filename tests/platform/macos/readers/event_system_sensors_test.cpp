@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "extras/thermal_sensors.hpp"
+#include "extras/thermal.hpp"
 #include "platform/macos/readers/event_system_library.hpp"
 
 namespace tarn::macos {

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "extras/battery_info.hpp"
+#include "extras/battery.hpp"
 #include "platform/macos/readers/fake_objects.hpp"
 
 namespace tarn::macos {

@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/macos/readers/fake_kernel.hpp"
-#include "sampling/memory_pressure.hpp"
+#include "sampling/snapshot.hpp"
 
 namespace tarn::macos {
 namespace {

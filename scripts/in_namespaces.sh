@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+# in_namespaces.sh USER CGROUP MEMORY_HOLDER COMMAND...: runs COMMAND in PID and mount namespaces of its own, so that it
+# sees no processes but its own, and all of them end with it.
+# Root gets more: COMMAND runs as USER beside a process of root (its pid is TARN_FOREIGN_PID) that runs MEMORY_HOLDER.
+# If the kernel permits, TARN_SESSION is set: the namespace has what a systemd user instance and installed applications
+# need, which is /run/systemd/system, a runtime directory of USER, a cgroup that USER owns, and a writable /opt. The
+# cgroup is named CGROUP and the caller removes it.
+set -euo pipefail
+
+if [ "$(id -u)" -ne 0 ]; then
+  exec unshare --user --map-current-user --pid --fork --kill-child --mount --mount-proc "${@:4}"
+fi
+if [ "$1" != --inside ]; then
+  exec unshare --pid --fork --kill-child --mount --mount-proc --propagation private "$0" --inside "$1" "$2-$$" "${@:3}"
+fi
+user="$2"
+cgroup="$3"
+memory_holder="$4"
+shift 4
+
+readonly foreign_megabytes=200
+
+mount_empty() {
+  mkdir -p "$1" && mount -t tmpfs -o mode=755 none "$1"
+}
+
+# cgroup v2, or v1 with the hierarchies that systemd uses.
+enter_own_cgroup() {
+  local hierarchy
+  for hierarchy in /sys/fs/cgroup /sys/fs/cgroup/unified /sys/fs/cgroup/systemd; do
+    [ -e "$hierarchy/cgroup.procs" ] || continue
+    mkdir "$hierarchy/$cgroup" && chown -R "$user" "$hierarchy/$cgroup" && echo $$ >"$hierarchy/$cgroup/cgroup.procs" ||
+      return
+  done
+}
+
+prepare_session() {
+  mount_empty /run/systemd && mkdir /run/systemd/system && mount_empty /run/user &&
+    install --directory --mode=700 --owner="$user" "/run/user/$(id -u "$user")" &&
+    mount_empty /opt && chown "$user" /opt && enter_own_cgroup
+}
+
+if prepare_session; then export TARN_SESSION=yes; fi
+"$memory_holder" "$foreign_megabytes" >/dev/null &
+export TARN_FOREIGN_PID=$!
+exec setpriv "--reuid=$user" "--regid=$(id -g "$user")" --init-groups "$@"

@@ -1,0 +1,190 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/linux_platform.hpp"
+
+#include <QtGui/qguiapplication_platform.h>
+#include <malloc.h>
+#include <sys/prctl.h>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QUrl>
+#include <chrono>
+#include <utility>
+
+#include "platform/icu/icu_formatters.hpp"
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
+#include "platform/linux/dbus/bus_single_instance.hpp"
+#include "platform/linux/dbus/portals.hpp"
+#include "platform/linux/dbus/portal_url_opener.hpp"
+#include "platform/linux/dbus/session_bus.hpp"
+#include "platform/linux/display_check.hpp"
+#include "platform/linux/file_icon.hpp"
+#include "platform/linux/psi/psi_pressure_source.hpp"
+#include "platform/linux/status_notifier/panel_item.hpp"
+#include "platform/linux/sysfs/cores_online.hpp"
+#include "platform/linux/sysfs/linux_extras_port.hpp"
+#include "platform/linux/termination_signals.hpp"
+#include "platform/linux/wayland/compositor_frontmost.hpp"
+#include "platform/linux/wayland/compositor_ipc.hpp"
+#include "platform/linux/window_system.hpp"
+#include "platform/linux/x11/x11_frontmost.hpp"
+#include "platform/linux/x11/x11_workspace_watch.hpp"
+
+namespace tarn {
+
+namespace {
+
+constexpr auto trayTimeout = std::chrono::milliseconds(50);
+
+bool runsOnX11() {
+  return QGuiApplication::platformName() == u"xcb";
+}
+
+/// Moves `service`, which was made for the session bus, to every session bus that appears later.
+template <typename Service>
+void followSessionBus(Service* service) {
+  auto* const bus = new SessionBus(QDBusConnection::sessionBus(), sessionBusAddress(), service);
+  QObject::connect(bus, &SessionBus::appeared, service,
+                   [service, bus] { service->moveTo(bus->connection()); });
+}
+
+/// Claims the instance's name again on every session bus that appears later; quits when another process has
+/// it there.
+class SessionSingleInstance final : public SingleInstance {
+ public:
+  SessionSingleInstance() {
+    QObject::connect(&bus_, &SessionBus::appeared, &bus_,
+                     [this] { instance_.claimAgain(bus_.connection(), QCoreApplication::quit); });
+  }
+
+  bool claim(std::function<void()> launchedAgain) override {
+    return instance_.claim(std::move(launchedAgain));
+  }
+
+ private:
+  SessionBus bus_{QDBusConnection::sessionBus(), sessionBusAddress()};
+  BusSingleInstance instance_{bus_.connection()};
+};
+
+}  // namespace
+
+void LinuxPlatform::limitAllocatorArenas() {
+  // mallopt(3): by default each thread gets an arena of its own, and the top of the heap is trimmed late. Few
+  // of Tarn's threads allocate, and rarely.
+  constexpr int trimThreshold = 64 << 10;  // bytes
+  constexpr int topPad = 16 << 10;         // bytes
+  mallopt(M_ARENA_MAX, 1);
+  mallopt(M_TRIM_THRESHOLD, trimThreshold);
+  mallopt(M_TOP_PAD, topPad);
+}
+
+std::optional<QString> LinuxPlatform::version() const {
+  return QStringLiteral(TARN_VERSION);
+}
+
+std::optional<QString> LinuxPlatform::displayProblem() const {
+  return findDisplayProblem();
+}
+
+std::unique_ptr<SingleInstance> LinuxPlatform::makeSingleInstance() {
+  return std::make_unique<SessionSingleInstance>();
+}
+
+std::unique_ptr<QObject> LinuxPlatform::watchTerminationSignals() {
+  return std::make_unique<TerminationSignals>([this] { terminate(); });
+}
+
+void LinuxPlatform::terminate() {
+  QCoreApplication::quit();
+}
+
+void LinuxPlatform::releaseFreeHeap() {
+  malloc_trim(0);
+}
+
+SamplerPort LinuxPlatform::makeSamplerPort() {
+  return makeLinuxSamplerPort(LinuxRoots{});
+}
+
+ExtrasPort LinuxPlatform::makeExtrasPort() {
+  return linuxExtrasPort(LinuxRoots{});
+}
+
+std::unique_ptr<PressureSource> LinuxPlatform::makePressureSource() {
+  return std::make_unique<PsiPressureSource>(LinuxRoots{});
+}
+
+std::optional<std::int32_t> LinuxPlatform::pressureLevel() const {
+  return readPressureLevel(LinuxRoots{});
+}
+
+FrontmostApplicationSource LinuxPlatform::makeFrontmostApplicationSource() {
+  // An X server that runs under Wayland (Xwayland) reports only the windows of its own clients.
+  if (runsOnX11()) return x11FrontmostApplication(std::make_shared<X11Session>());
+  if (const std::string sway = swaySocket(); !sway.empty()) return swayFrontmostApplication(sway);
+  if (const std::string hyprland = hyprlandSocket(); !hyprland.empty())
+    return hyprlandFrontmostApplication(hyprland);
+  return [] { return std::optional<FrontmostApplication>(); };
+}
+
+int LinuxPlatform::activeProcessorCount() const {
+  return tarn::activeProcessorCount(LinuxRoots{});
+}
+
+void LinuxPlatform::setCurrentThreadName(const std::string& name) const {
+  prctl(PR_SET_NAME, name.c_str());  // prctl(2): the kernel keeps the first 15 bytes
+}
+
+Formatters LinuxPlatform::formatters() const {
+  return icuFormatters();
+}
+
+std::unique_ptr<MenuBarItem> LinuxPlatform::makeMenuBarItem() {
+  PanelItemDesktop desktop{QDBusConnection::sessionBus(), runningProgramName, {}};
+  if (runsOnX11()) {
+    desktop.hasEmbeddingTray = [session = std::make_shared<X11Session>()] {
+      return session->hasEmbeddingTray(X11Session::Clock::now() + trayTimeout);
+    };
+  }
+  auto item = std::make_unique<PanelItem>(std::move(desktop));
+  followSessionBus(item.get());
+  return item;
+}
+
+std::unique_ptr<ColorSchemeWatcher> LinuxPlatform::makeColorSchemeWatcher() {
+  auto scheme = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
+  followSessionBus(scheme.get());
+  return scheme;
+}
+
+FileIconLoader LinuxPlatform::makeFileIconLoader() {
+  return applicationIcon;
+}
+
+UrlOpener LinuxPlatform::makeUrlOpener() {
+  auto portal = std::make_shared<PortalUrlOpener>(
+      QDBusConnection::sessionBus(), [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
+  followSessionBus(portal.get());
+  return [portal = std::move(portal)](const QString& url) { portal->open(url); };
+}
+
+WindowSystemState LinuxPlatform::windowSystemState() const {
+  return queryWindowSystem();
+}
+
+std::unique_ptr<CompositorPlacement> LinuxPlatform::makeCompositorPlacement() {
+  return runningCompositorPlacement();
+}
+
+std::unique_ptr<QObject> LinuxPlatform::watchWorkspaces(std::function<void()> switched) {
+  // On Wayland a change of workspace takes the focus from the popover, which closes it.
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (x11 == nullptr) return nullptr;
+  return std::make_unique<X11WorkspaceWatch>(x11->connection(), std::move(switched));
+}
+
+}  // namespace tarn

@@ -1,0 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "app/run_tarn.hpp"
+#include "platform/linux/linux_platform.hpp"
+
+int main(int argc, char* argv[]) {
+  tarn::LinuxPlatform platform;
+  return tarn::runTarn(argc, argv, platform);
+}

@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/sysfs/cores_online.hpp"
+
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
+
+namespace tarn {
+
+int activeProcessorCount(const LinuxRoots& roots) {
+  if (const auto count = countProcessorList(readFile(roots.sys + "/devices/system/cpu/online")))
+    return *count;
+  return static_cast<int>(std::max(1L, ::sysconf(_SC_NPROCESSORS_ONLN)));
+}
+
+}  // namespace tarn

@@ -1,0 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "app/run_tarn.hpp"
+#include "platform/macos/desktop/mac_platform.hpp"
+
+int main(int argc, char* argv[]) {
+  tarn::macos::MacPlatform platform;
+  return tarn::runTarn(argc, argv, platform);
+}

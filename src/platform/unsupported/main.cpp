@@ -1,0 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "app/run_tarn.hpp"
+#include "platform/unsupported/unsupported_platform.hpp"
+
+int main(int argc, char* argv[]) {
+  tarn::UnsupportedPlatform platform;
+  return tarn::runTarn(argc, argv, platform);
+}

@@ -1,0 +1,64 @@
+# SPDX-FileCopyrightText: 2026 The Tarn authors
+# SPDX-License-Identifier: MIT
+"""Files of another machine in the place of files below /proc and /sys, for a program that is started with a prefix."""
+
+import os
+import re
+import subprocess
+import tempfile
+from pathlib import Path
+
+from harness.stage import BIN, MACHINES, PROGRAMS, WORK
+
+CLASSES = ("power_supply", "hwmon", "thermal")
+NO_SWAPS = "Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n"
+WIDTH = 12  # digits with leading spaces: every version of the file has the same size
+
+
+def lay_out(name):
+    """Writes the files of a machine in tests/fixtures to a new folder. Returns its sys/class."""
+    root = Path(tempfile.mkdtemp(prefix=f"{name}.", dir=WORK))
+    classes = root / "sys/class"
+    for device_class in CLASSES:
+        (classes / device_class).mkdir(parents=True)
+    subprocess.run([BIN / "lay_out_machine", MACHINES / f"{name}.machine", root], check=True)
+    return classes
+
+
+def bind_mounts(*places):
+    """The command prefix for a program that finds one file or folder in the place of another. `places` are pairs of
+    source and target."""
+    return PROGRAMS / "with_bind_mounts.py", *(path for place in places for path in place), "--"
+
+
+def with_classes(classes):
+    """The command prefix for a program whose /sys/class is the folder `classes`."""
+    return bind_mounts((classes, "/sys/class"))
+
+
+class FakeMemory:
+    """Files in the place of /proc/meminfo and /proc/swaps: a machine without swap, of whose memory a test sets the
+    available share. The other figures are real. `places` is for `bind_mounts`."""
+
+    def __init__(self, share):
+        folder = Path(tempfile.mkdtemp(prefix="memory.", dir=WORK))
+        self._meminfo = folder / "meminfo"
+        self._swaps = folder / "swaps"
+        self._swaps.write_text(NO_SWAPS, encoding="ascii")
+        self._real = Path("/proc/meminfo").read_text(encoding="ascii")
+        self._total = int(re.search(r"^MemTotal: *(\d+)", self._real, re.MULTILINE)[1])
+        self._meminfo.touch()
+        self.set_available(share)
+        self.places = ((self._meminfo, "/proc/meminfo"), (self._swaps, "/proc/swaps"))
+
+    def set_available(self, share):
+        """Sets the share of the memory that is available, from 0 to 1."""
+        figures = {"MemAvailable": int(self._total * share), "SwapTotal": 0, "SwapFree": 0}
+        text = re.sub(r"^(\w+): *\d+", lambda line: f"{line[1]}:{figures[line[1]]:{WIDTH}}"
+                      if line[1] in figures else line[0], self._real, flags=re.MULTILINE)
+        # One write in place: a reader gets either version completely, and bind mounts need the same inode.
+        file = os.open(self._meminfo, os.O_WRONLY)
+        try:
+            os.pwrite(file, text.encode("ascii"), 0)
+        finally:
+            os.close(file)

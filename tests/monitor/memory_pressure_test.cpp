@@ -1,0 +1,120 @@
+// SPDX-FileCopyrightText: 2026 The Tarn authors
+// SPDX-License-Identifier: MIT
+
+#include "monitor/memory_pressure.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "support/fake_pressure_source.hpp"
+#include "support/stepped_queue.hpp"
+
+namespace tarn {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr PressureFlags normalFlag = 1;
+constexpr PressureFlags warningFlag = 2;
+constexpr PressureFlags criticalFlag = 4;
+
+TEST(PressureFlags, StandForTheGravestLevelAmongThem) {
+  EXPECT_EQ(memoryPressureFromFlags(normalFlag), MemoryPressure::normal);
+  EXPECT_EQ(memoryPressureFromFlags(warningFlag), MemoryPressure::warning);
+  EXPECT_EQ(memoryPressureFromFlags(criticalFlag), MemoryPressure::critical);
+  EXPECT_EQ(memoryPressureFromFlags(warningFlag | criticalFlag), MemoryPressure::critical);
+  EXPECT_EQ(memoryPressureFromFlags(normalFlag | warningFlag), MemoryPressure::warning);
+  EXPECT_EQ(memoryPressureFromFlags(normalFlag | warningFlag | criticalFlag), MemoryPressure::critical);
+}
+
+TEST(PressureFlags, StandForNormalWhenNoneIsKnown) {
+  EXPECT_EQ(memoryPressureFromFlags(0), MemoryPressure::normal);
+  EXPECT_EQ(memoryPressureFromFlags(8 | 16 | 0x80000000U), MemoryPressure::normal);
+  EXPECT_EQ(memoryPressureFromFlags(8 | warningFlag), MemoryPressure::warning);
+}
+
+class PressureMonitor : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    monitor_.emplace(std::make_unique<FakePressureSource>(pressure_), queues_.make("pressure"), mainLoop_,
+                     [this](MemoryPressure level) { delivered_.push_back(level); });
+  }
+
+  SteppedTasks& queue() { return queues_["pressure"]; }
+
+  SteppedRunLoop mainLoop_;
+  SteppedQueues queues_;
+  FakePressure pressure_;
+  std::vector<MemoryPressure> delivered_;
+  std::optional<MemoryPressureMonitor> monitor_;
+};
+
+TEST_F(PressureMonitor, ListensFromItsConstructionOnAndTellsNothingByItself) {
+  EXPECT_EQ(pressure_.resumed, 1);
+  EXPECT_EQ(queue().waiting(), 0U);
+  EXPECT_EQ(mainLoop_.tasks.waiting(), 0U);
+  EXPECT_THAT(delivered_, IsEmpty());
+}
+
+TEST_F(PressureMonitor, DeliversOnTheMainThreadOnly) {
+  pressure_.report(warningFlag);
+  queue().runAll();
+  EXPECT_THAT(delivered_, IsEmpty());
+  ASSERT_EQ(mainLoop_.tasks.waiting(), 1U);
+  mainLoop_.tasks.runAll();
+  EXPECT_THAT(delivered_, ElementsAre(MemoryPressure::warning));
+}
+
+TEST_F(PressureMonitor, DeliversTheReturnToNormal) {
+  for (const PressureFlags flags : {criticalFlag, normalFlag}) pressure_.report(flags);
+  queue().runAll();
+  mainLoop_.tasks.runAll();
+  EXPECT_THAT(delivered_, ElementsAre(MemoryPressure::critical, MemoryPressure::normal));
+}
+
+TEST_F(PressureMonitor, DeliversEveryReportInOrderAlsoWhenTheLevelStays) {
+  for (const PressureFlags flags : {warningFlag, warningFlag, 0U, 0U, warningFlag | criticalFlag})
+    pressure_.report(flags);
+  queue().runAll();
+  EXPECT_EQ(mainLoop_.tasks.waiting(), 5U);
+  mainLoop_.tasks.runAll();
+  EXPECT_THAT(delivered_,
+              ElementsAre(MemoryPressure::warning, MemoryPressure::warning, MemoryPressure::normal,
+                          MemoryPressure::normal, MemoryPressure::critical));
+}
+
+TEST_F(PressureMonitor, CancelsItsSourceWhenItIsDestroyed) {
+  EXPECT_EQ(pressure_.cancelled, 0);
+  monitor_.reset();
+  EXPECT_EQ(pressure_.cancelled, 1);
+}
+
+TEST_F(PressureMonitor, CallsNothingOnceItIsGone) {
+  pressure_.report(criticalFlag);
+  queue().runAll();
+  pressure_.report(warningFlag);
+  monitor_.reset();
+  queue().runAll();
+  mainLoop_.tasks.runAll();
+  EXPECT_THAT(delivered_, IsEmpty());
+}
+
+TEST_F(PressureMonitor, MayBeDestroyedByItsOwnHandler) {
+  monitor_.reset();
+  monitor_.emplace(std::make_unique<FakePressureSource>(pressure_), queues_.make("pressure"), mainLoop_,
+                   [this](MemoryPressure level) {
+                     monitor_.reset();
+                     delivered_.push_back(level);
+                   });
+  pressure_.report(criticalFlag);
+  pressure_.report(warningFlag);
+  queue().runAll();
+  mainLoop_.tasks.runAll();
+  EXPECT_THAT(delivered_, ElementsAre(MemoryPressure::critical));
+}
+
+}  // namespace
+}  // namespace tarn
