@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""check_modules.py: fails when a source file includes a header of a module that its own module's USES does not name, or
-when modules use each other in a cycle.
+"""check_modules.py: fails when a source file includes a header of a module that its own module's USES does not name,
+or when modules use each other in a cycle.
 
 A module is a tarn_module() in a CMakeLists.txt below src/. Its folders are those of its SOURCES. A file in a folder that
 two modules share may include what either of them uses. A main.cpp may include what it composes."""
@@ -51,7 +51,7 @@ def main():
         own = owners.get(path.parent, set())
         allowed = own.union(*(modules[name][1] for name in own))
         for line, text in enumerate(path.read_text(encoding="utf-8").splitlines(), start=1):
-            include = re.match(r'#include "([^"]+)"', text)
+            include = re.match(r'#include "([^"]+\.hpp)"', text)
             if include and not owners.get((SOURCE / include[1]).parent, set()) & allowed:
                 problems.append(f"{path.relative_to(SOURCE)}:{line}: includes {include[1]}, of no module that the "
                                 f"USES of {' and '.join(sorted(own))} names")
