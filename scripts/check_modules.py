@@ -4,8 +4,8 @@
 """check_modules.py: fails when a source file includes a header of a module that its own module's USES does not name,
 or when modules use each other in a cycle.
 
-A module is a tarn_module() in a CMakeLists.txt below src/. Its folders are those of its SOURCES. A file in a folder that
-two modules share may include what either of them uses. A main.cpp may include what it composes."""
+A module is a tarn_module() in a CMakeLists.txt below src/. Its folders are those of its SOURCES. A file in a folder
+that two modules share may include what either of them uses. A main.cpp may include what it composes."""
 
 import re
 import sys
