@@ -9,7 +9,7 @@
 #include <optional>
 
 #include "support/fake_pressure_source.hpp"
-#include "support/stepped_queue.hpp"
+#include "support/stepped_run_loop.hpp"
 
 namespace tarn {
 namespace {

@@ -5,7 +5,8 @@
 
 #include <QApplication>
 
-/// Runs all tests of a program whose tests draw or make widgets, without a display unless one is asked for.
+/// main() of test programs that need a QApplication. Uses the offscreen platform unless QT_QPA_PLATFORM is
+/// set.
 int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   const QApplication application(argc, argv);

@@ -8,7 +8,6 @@
 #include "extras/extras_reader.hpp"
 #include "monitor/monitor_view_model.hpp"
 #include "platform/unsupported/unsupported_platform.hpp"
-#include "support/stepped_queue.hpp"
 #include "support/stepped_run_loop.hpp"
 
 namespace tarn {

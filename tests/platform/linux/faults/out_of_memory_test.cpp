@@ -79,7 +79,7 @@ enum class Outcome { whole, thrown, notReached };
 
 template <typename Work>
 Outcome refuse(std::size_t number, bool isLasting, Work work) {
-  const RefusedAllocation refusal(number, isLasting);
+  const FailingAllocation refusal(number, isLasting);
   try {
     work();
   } catch (const std::bad_alloc&) {
@@ -227,7 +227,7 @@ class LeanTriggers final : public PsiTriggers {
 
  private:
   std::function<void(int)> atWait_;
-  std::optional<RefusedAllocation> refusal_;
+  std::optional<FailingAllocation> refusal_;
   int waits_ = 0;
 };
 
