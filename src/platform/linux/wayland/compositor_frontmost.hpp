@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "monitor/frontmost_application.hpp"
+#include "monitor/presentation.hpp"
 
 namespace tarn {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "monitor/frontmost_application.hpp"
+#include "monitor/presentation.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
 
 struct xcb_connection_t;
