@@ -59,8 +59,7 @@ tarn::SamplerPort busyMachine() {
     const auto time = read(pid);
     return time ? std::optional(*time + ++moved) : std::nullopt;
   };
-  port.processes =
-      std::make_unique<tarn::SleepingProcessCache>(tarn::ProcfsReader(roots, std::move(clock)));
+  port.processes = std::make_unique<tarn::SleepingProcessCache>(tarn::ProcfsReader(roots, std::move(clock)));
   return port;
 }
 

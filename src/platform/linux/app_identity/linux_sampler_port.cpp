@@ -10,7 +10,7 @@
 #include "platform/linux/app_identity/data_directories.hpp"
 #include "platform/linux/app_identity/linux_application_rules.hpp"
 #include "platform/linux/procfs/sleeping_process_cache.hpp"
-#include "platform/linux/procfs/linux_system_memory_reader.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 #include "platform/linux/procfs/kernel_clocks.hpp"
 
 namespace tarn {

@@ -11,7 +11,7 @@
 #include "platform/linux/app_identity/linux_application_rules.hpp"
 #include "platform/linux/sysfs/machine_tree.hpp"
 #include "platform/linux/procfs/sleeping_process_cache.hpp"
-#include "platform/linux/procfs/linux_system_memory_reader.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 
 namespace tarn {
 
