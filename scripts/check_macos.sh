@@ -3,7 +3,7 @@
 # SPDX-License-Identifier: MIT
 # check_macos.sh: compiles the macOS port for a Mac with a compiler from the npm registry, against the system's open
 # headers; links the part that needs no framework; checks the types of the Objective-C++ part against declarations
-# of our own; and makes sure that these checks find mistakes. A state that passed is not checked again:
+# of our own; and tests that files with known mistakes do not compile. A state that passed is not checked again:
 # ~/.cache/tarn/macos has an empty file for each.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
@@ -47,8 +47,8 @@ add_qt_folders() {
   for library in "" /QtCore /QtGui /QtWidgets; do qt_folders+=(-isystem "$headers$library"); done
 }
 
-# compile SOURCE: into an object of the same name. The toolkit's headers are this system's: enough for their types. What
-# the standard library of the oldest system lacks is refused as it is there.
+# compile SOURCE: into an object of the same name. Qt's headers are this system's, enough to check types. Parts of the
+# standard library that the oldest supported macOS lacks are errors.
 compile() {
   "$zig" c++ -target "$target" -std=c++20 -fobjc-arc -O0 -Wall -Wextra -Wpedantic -Wshadow -Wconversion \
     -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wcast-qual -Wformat=2 \
@@ -80,13 +80,13 @@ compile_all() {
   [ -z "$failed" ]
 }
 
-# Every file with a mistake in it must be refused, for the reason that it states itself.
-refuse_mistakes() {
+# Each file in compile_fail must fail with the error message that its comment states.
+check_compile_fail() {
   local source reason said
-  for source in "$checks"/misspelt/*; do
+  for source in "$checks"/compile_fail/*; do
     reason="$(sed -n 's#^// expected: ##p' "$source")"
-    if said="$(compile "$source" 2>&1)"; then fail "$source was compiled, in spite of its mistake."; fi
-    grep --quiet --fixed-strings "$reason" <<<"$said" || fail "$source was refused, but not because of: $reason" "$said"
+    if said="$(compile "$source" 2>&1)"; then fail "$source compiles, but must not."; fi
+    grep --quiet --fixed-strings "$reason" <<<"$said" || fail "$source fails to compile, but not with: $reason" "$said"
   done
 }
 
@@ -100,22 +100,22 @@ add_qt_folders
 rm -rf "$objects"
 mkdir -p "$objects"
 mapfile -t port < <(find src/platform/macos -name '*.cpp' -o -name '*.mm' | sort)
-mapfile -t rooms < <(find src/sampling src/extras src/format -name '*.cpp' | sort)
-stand_ins=("$checks/link/main.cpp" "$checks/link/framework_stand_ins.cpp")
-compile_all "${port[@]}" "${rooms[@]}" "${stand_ins[@]}" || fail "The macOS port does not compile."
+mapfile -t modules < <(find src/sampling src/extras src/format -name '*.cpp' | sort)
+stubs=("$checks/link/main.cpp" "$checks/link/framework_stubs.cpp")
+compile_all "${port[@]}" "${modules[@]}" "${stubs[@]}" || fail "The macOS port does not compile."
 
 linked=()
-for source in "${port[@]}" "${rooms[@]}" "${stand_ins[@]}"; do
+for source in "${port[@]}" "${modules[@]}" "${stubs[@]}"; do
   case "$source" in
-    *.mm | */desktop/*) ;;
+    *.mm | */desktop/* | src/platform/macos/main.cpp) ;;
     *) linked+=("$objects/$(object_name "$source")") ;;
   esac
 done
 "$zig" c++ -target "$target" "${linked[@]}" -o "$objects/tarn-without-frameworks" 2>"$objects/link.log" ||
   fail "The macOS port does not link:" "$(cat "$objects/link.log")"
 
-refuse_mistakes
+check_compile_fail
 python3 "$checks/check_bundle.py" packaging/macos/Info.plist.in
-say "The macOS port compiles (${#port[@]} files), its part without frameworks links, and mistakes are refused."
+say "The macOS port compiles (${#port[@]} files), its part without frameworks links, known mistakes do not compile."
 mkdir -p "$(dirname "$passed")"
 touch "$passed"

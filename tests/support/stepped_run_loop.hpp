@@ -11,13 +11,15 @@
 #include <utility>
 #include <vector>
 
-#include "monitor/run_loop.hpp"
+#include "monitor/concurrency.hpp"
 
 namespace tarn {
 
 /// Tasks that run when, and only when, the test says so: on its own thread, one at a time.
 class SteppedTasks {
  public:
+  bool activated = false;  ///< whether the queue's `activate` was called; tasks run in any case
+
   void push(TaskQueue::Task task) { tasks_.push_back(std::move(task)); }
   std::size_t waiting() const { return tasks_.size(); }
 

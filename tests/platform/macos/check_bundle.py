@@ -1,7 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""check_bundle.py FILE: fails unless the template of the bundle's information is a property list that says what the
-system has to know."""
+"""check_bundle.py FILE: fails unless the template of Info.plist is a property list with the required values."""
 
 import plistlib
 import sys
@@ -22,7 +21,7 @@ def main():
         information = plistlib.load(template)
     wrong = [key for key, value in REQUIRED.items() if information.get(key) != value]
     if wrong:
-        sys.exit(f"{sys.argv[1]}: not as it has to be: {', '.join(wrong)}")
+        sys.exit(f"{sys.argv[1]}: wrong or missing values: {', '.join(wrong)}")
 
 
 if __name__ == "__main__":

@@ -12,7 +12,7 @@
 
 namespace tarn {
 
-int activeProcessorCount(const LinuxRoots& roots) {
+int countCoresOnline(const LinuxRoots& roots) {
   if (const auto count = countCpuList(readFile(roots.sys + "/devices/system/cpu/online")))
     return *count;
   return static_cast<int>(std::max(1L, ::sysconf(_SC_NPROCESSORS_ONLN)));

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What Tarn asks of the workspace and of the application object, in standard types. Main thread.
+// What Tarn needs of AppKit, in standard types: the status item, and the workspace. Main thread.
 
 #pragma once
 
@@ -14,31 +14,61 @@
 
 namespace tarn::macos {
 
-/// The application that has the keyboard.
+/// NSColor's system colours for the memory status.
+enum class StatusColor { green, orange, red };
+
+/// What the status item shows.
+struct StatusItemContent {
+  std::string symbolName;  ///< SF Symbols name; an unknown name leaves the item without an image
+  StatusColor color = StatusColor::green;
+  std::string accessibilityLabel;    ///< of the image; VoiceOver reads it before the title
+  std::optional<std::string> title;  ///< three points beside the image
+  std::string toolTip;
+};
+
+/// A point on the screen, in points from the top left corner of the first screen; y grows downwards.
+struct ScreenPoint {
+  double x = 0;
+  double y = 0;
+};
+
+/// An item in the menu bar. Its destructor removes it.
+class StatusItem {
+ public:
+  virtual ~StatusItem() = default;
+  virtual void show(const StatusItemContent& content) = 0;
+};
+
+/// Adds an item to the menu bar. `clicked` receives the middle of the item's lower edge; it must not destroy
+/// the item.
+std::unique_ptr<StatusItem> makeStatusItem(std::function<void(ScreenPoint)> clicked);
+
+/// An application, as NSRunningApplication describes it.
 struct RunningApplication {
-  std::optional<std::string> bundlePath;  ///< path of its bundle's location
+  std::optional<std::string> bundlePath;
   std::int32_t processIdentifier = 0;
 };
 
-/// Nothing when no application is frontmost.
+/// The application that has the keyboard focus; nullopt when there is none.
 std::optional<RunningApplication> frontmostApplication();
 
-/// A picture in premultiplied 8-bit RGBA, row by row from the top, without padding.
+/// An image in premultiplied 8-bit RGBA, row by row from the top, without padding.
 struct Pixels {
   int width = 0;
   int height = 0;
   std::vector<std::uint8_t> rgba;
 };
 
-/// The icon that the workspace has for a file, 32 x 32 points at `scale` pixels per point, at least 1; empty
-/// when it cannot be drawn.
+/// NSWorkspace's icon for a file, 32 x 32 points at `scale` pixels per point. `scale` is at least 1. Empty
+/// when drawing fails.
 Pixels fileIcon(const std::string& path, int scale);
 
-/// Ends the program as the system does.
+/// -[NSApplication terminate:]. Qt first answers it with a cancel and ends the program from its event loop.
 void terminate();
 
-/// Calls `reopened` when the program is opened while it runs, until the returned object is gone. One at a
-/// time, once the event loop runs: it takes the place of the application's own handling.
+/// Calls `reopened` for each kAEReopenApplication event (the user opens the application while it runs), until
+/// the returned object is destroyed. Replaces Qt's handler, which Qt installs when its event loop starts:
+/// call it later than that. One at a time.
 std::shared_ptr<void> watchReopening(std::function<void()> reopened);
 
 }  // namespace tarn::macos

@@ -9,12 +9,12 @@
 #include <QUrl>
 #include <utility>
 
-#include "platform/macos/desktop/file_icon.hpp"
-#include "platform/macos/desktop/menu_bar_status_item.hpp"
-#include "platform/macos/desktop/workspace.hpp"
-#include "platform/macos/foundation/foundation.hpp"
+#include "platform/macos/desktop/app_kit.hpp"
+#include "platform/macos/desktop/qt_adapters.hpp"
 #include "platform/macos/readers/dispatch_pressure_source.hpp"
-#include "platform/macos/readers/mac_system_memory_reader.hpp"
+#include "platform/macos/readers/kernel_readers.hpp"
+#include "platform/macos/system/bindings.hpp"
+#include "platform/macos/system/foundation.hpp"
 #include "platform/macos/system/mac_system.hpp"
 
 namespace tarn::macos {
@@ -84,7 +84,7 @@ std::unique_ptr<PressureSource> MacPlatform::makePressureSource() {
 }
 
 std::optional<std::int32_t> MacPlatform::pressureLevel() const {
-  return readPressureLevel(systemFunctions());
+  return readPressureLevel(kernelFunctions());
 }
 
 FrontmostApplicationSource MacPlatform::makeFrontmostApplicationSource() {
@@ -116,7 +116,7 @@ std::unique_ptr<ColorSchemeWatcher> MacPlatform::makeColorSchemeWatcher() {
 }
 
 FileIconLoader MacPlatform::makeFileIconLoader() {
-  return [](const std::string& path) { return iconOf({fileIcon(path, 1), fileIcon(path, 2)}); };
+  return [](const std::string& path) { return makeIcon({fileIcon(path, 1), fileIcon(path, 2)}); };
 }
 
 UrlOpener MacPlatform::makeUrlOpener() {

@@ -1,8 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/macos/desktop/menu_bar_status_item.hpp"
+#include "platform/macos/desktop/qt_adapters.hpp"
 
+#include <QImage>
+#include <QPixmap>
 #include <QStringList>
 #include <cmath>
 
@@ -48,10 +50,27 @@ MenuBarStatusItem::MenuBarStatusItem(const Factory& makeItem)
 
 void MenuBarStatusItem::show(const MenuBarLabel& label) {
   if (label == shown_) return;
-  // The menu bar is always there. Who made the item is told once he can be.
-  if (!shown_) QMetaObject::invokeMethod(this, "hostAppeared", Qt::QueuedConnection);
+  // Queued: the caller may still be connecting to the signals.
+  if (!shown_) QMetaObject::invokeMethod(this, &MenuBarItem::hostAppeared, Qt::QueuedConnection);
   shown_ = label;
   item_->show(statusItemContent(label));
+}
+
+QIcon makeIcon(const std::vector<Pixels>& imagesByScale) {
+  QIcon icon;
+  double scale = 0;
+  for (const Pixels& pixels : imagesByScale) {
+    ++scale;
+    const qsizetype bytesPerRow = qsizetype{4} * pixels.width;
+    const qsizetype bytes = bytesPerRow * pixels.height;
+    if (bytes <= 0 || pixels.rgba.size() < static_cast<std::size_t>(bytes)) continue;
+    const QImage image(pixels.rgba.data(), pixels.width, pixels.height, bytesPerRow,
+                       QImage::Format_RGBA8888_Premultiplied);
+    QPixmap pixmap = QPixmap::fromImage(image.copy());
+    pixmap.setDevicePixelRatio(scale);
+    icon.addPixmap(pixmap);
+  }
+  return icon;
 }
 
 }  // namespace tarn::macos

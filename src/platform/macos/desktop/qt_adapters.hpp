@@ -1,21 +1,26 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+// Connects app_kit.hpp to Qt. Needs no Mac: built and tested on every system. Main thread.
+
 #pragma once
 
+#include <QIcon>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
-#include "platform/macos/desktop/status_item.hpp"
+#include "platform/macos/desktop/app_kit.hpp"
 #include "ui/menu_bar/menu_bar_item.hpp"
 
 namespace tarn::macos {
 
-/// What the item shows for a label.
+/// The status item's content for a label.
 StatusItemContent statusItemContent(const MenuBarLabel& label);
 
-/// Tarn's place in the menu bar as a status item, which needs no host: there always is a menu bar.
+/// The menu-bar item as a status item. macOS always has a menu bar: hostAppeared() follows the first show(),
+/// hostMissing() is never emitted.
 class MenuBarStatusItem final : public MenuBarItem {
   Q_OBJECT
 
@@ -30,5 +35,8 @@ class MenuBarStatusItem final : public MenuBarItem {
   std::unique_ptr<StatusItem> item_;
   std::optional<MenuBarLabel> shown_;
 };
+
+/// An icon from one image per scale, beginning with scale 1. Empty images are skipped.
+QIcon makeIcon(const std::vector<Pixels>& imagesByScale);
 
 }  // namespace tarn::macos

@@ -10,10 +10,10 @@ namespace tarn::macos {
 
 namespace {
 
-// Normal, warning and critical: the way back to normal is reported, too.
+// DISPATCH_MEMORYPRESSURE_NORMAL, _WARN and _CRITICAL: the return to normal is reported, too.
 constexpr unsigned long allLevels = 1 | 2 | 4;
 
-/// Waits until the tasks that are in a queue have ended.
+/// Waits until the tasks that are now in the queue have ended.
 void drain(TaskQueue& queue) {
   const auto done = std::make_shared<std::atomic<bool>>(false);
   queue.async([done] {

@@ -5,27 +5,24 @@
 
 #include <memory>
 
-#include "monitor/pressure_source.hpp"
+#include "monitor/memory_pressure.hpp"
 
 namespace tarn::macos {
 
-/// The system's dispatch functions. Objects are opaque; those made are to be released.
+/// libdispatch's functions on opaque objects. The caller releases the objects that it creates.
 struct DispatchFunctions {
-  void* (*createQueue)(const char* label);  ///< serial, for work that nobody waits for
-  /// A source of memory-pressure events of these levels; suspended. Null when the system refuses.
+  void* (*createQueue)(const char* label);  ///< serial, QOS_CLASS_UTILITY
+  /// A suspended DISPATCH_SOURCE_TYPE_MEMORYPRESSURE for these levels; null when it cannot be created.
   void* (*createPressureSource)(unsigned long levels, void* queue);
   void (*setHandler)(void* source, void* context, void (*handler)(void* context));
   void (*resume)(void* source);
   unsigned long (*pendingLevels)(void* source);  ///< in the handler only
-  void (*cancel)(void* source);                  ///< no handler begins after this
-  void (*waitFor)(void* queue);                  ///< until what runs on the queue has ended
+  void (*cancel)(void* source);                  ///< no handler starts after this
+  void (*waitFor)(void* queue);                  ///< until the tasks on the queue have ended
   void (*release)(void* object);
 };
 
-/// The running system's; defined where the system is at hand.
-const DispatchFunctions& dispatchFunctions();
-
-/// The kernel's notifications of memory pressure, through a dispatch source on a queue of its own.
+/// The kernel's memory pressure events, through a dispatch source on a dispatch queue of its own.
 class DispatchPressureSource final : public PressureSource {
  public:
   explicit DispatchPressureSource(const DispatchFunctions& dispatch) : dispatch_(dispatch) {}
@@ -40,8 +37,8 @@ class DispatchPressureSource final : public PressureSource {
   void deliver();
 
   DispatchFunctions dispatch_;
-  TaskQueue* queue_ = nullptr;        ///< the monitor's; absent until resumed
-  std::shared_ptr<Handler> handler_;  ///< deliveries on their way hold it weakly
+  TaskQueue* queue_ = nullptr;        ///< where the handler runs; null until resume()
+  std::shared_ptr<Handler> handler_;  ///< queued deliveries hold a weak reference
   void* dispatchQueue_ = nullptr;
   void* source_ = nullptr;
 };

@@ -3,20 +3,39 @@
 
 #include "platform/macos/readers/event_system_sensors.hpp"
 
+#include <dlfcn.h>
+
 #include <array>
 
 namespace tarn::macos {
 
 namespace {
 
-constexpr std::int64_t temperatureEventType = 15;
-constexpr std::int64_t temperatureField = temperatureEventType << 16;
+constexpr std::int64_t temperatureEventType = 15;                      // kIOHIDEventTypeTemperature
+constexpr std::int64_t temperatureField = temperatureEventType << 16;  // IOHIDEventFieldBase() of it
 
-// Sensors are services on the usage page that is the vendor's own.
+// Temperature sensors are services with a usage on a vendor-defined HID usage page (0xFF00).
 constexpr std::array<IntegerEntry, 2> temperatureSensors = {
     {{"PrimaryUsagePage", 0xFF00}, {"PrimaryUsage", 5}}};
 
+template <typename Function>
+void lookUp(void* library, const char* name, Function& function) {
+  function = reinterpret_cast<Function>(::dlsym(library, name));
+}
+
 }  // namespace
+
+EventSystemFunctions lookUpEventSystem(const std::string& libraryPath) {
+  EventSystemFunctions functions;
+  void* const library = ::dlopen(libraryPath.c_str(), RTLD_NOW);
+  if (library == nullptr) return functions;
+  lookUp(library, "IOHIDEventSystemClientCreate", functions.create);
+  lookUp(library, "IOHIDEventSystemClientSetMatching", functions.setMatching);
+  lookUp(library, "IOHIDEventSystemClientCopyServices", functions.copyServices);
+  lookUp(library, "IOHIDServiceClientCopyEvent", functions.copyEvent);
+  lookUp(library, "IOHIDEventGetFloatValue", functions.getFloat);
+  return functions;
+}
 
 std::vector<double> EventSystemSensors::readings() const {
   if (!events_.areComplete()) return {};

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Objects of the system's frameworks, as far as readers need to know them.
+// Core Foundation objects and functions in plain types, so that the readers compile and are tested on every
+// system.
 
 #pragma once
 
@@ -12,24 +13,24 @@
 
 namespace tarn::macos {
 
-/// A reference to an object of a framework; null for none. Says nothing of who owns it.
+/// A CFTypeRef; may be null. It does not say who owns the object.
 using ObjectRef = const void*;
 
-/// An object that is released with its owner.
+/// An object that its owner releases.
 using OwnedObject = std::unique_ptr<const void, void (*)(ObjectRef)>;
 
-/// A dictionary's key and the whole number under it.
+/// A key of a dictionary and its integer value.
 struct IntegerEntry {
   const char* key;
   std::int64_t value;
 };
 
-/// What an object is, as far as readers tell kinds apart.
+/// The types that the readers distinguish.
 enum class ObjectKind { boolean, integer, real, string, array, dictionary, other };
 
-/// The frameworks' functions on objects. None takes null, but for `release`, which no one calls with it.
+/// Core Foundation's functions. No argument may be null, except where stated.
 struct ObjectFunctions {
-  ObjectRef defaultAllocator;                                            ///< null may stand for it
+  ObjectRef defaultAllocator;                                            ///< may be null
   ObjectRef (*createDictionary)(std::span<const IntegerEntry> entries);  ///< the caller owns the result
   ObjectKind (*kindOf)(ObjectRef object);
   bool (*booleanValue)(ObjectRef boolean);
@@ -38,7 +39,7 @@ struct ObjectFunctions {
   std::string (*stringValue)(ObjectRef string);  ///< UTF-8
   std::int64_t (*arrayCount)(ObjectRef array);
   ObjectRef (*arrayItem)(ObjectRef array, std::int64_t index);         ///< owned by the array
-  ObjectRef (*dictionaryItem)(ObjectRef dictionary, const char* key);  ///< owned by it; null without one
+  ObjectRef (*dictionaryItem)(ObjectRef dictionary, const char* key);  ///< owned by it; null without the key
   void (*release)(ObjectRef object);
 
   OwnedObject owned(ObjectRef object) const { return {object, release}; }

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/macos/readers/mac_proc_scan.hpp"
+#include "platform/macos/readers/kernel_readers.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
@@ -13,20 +14,32 @@ namespace tarn::macos {
 
 namespace {
 
-constexpr std::uint32_t allProcesses = 1;
-constexpr int usageVersion6 = 6;
-constexpr int processRecord = 3;
-constexpr std::size_t longestPath = 4096;
-constexpr std::size_t spareSlots = 16;  ///< for processes that start between two calls
+// Compared with the system's constants in system/kernel_bindings.cpp.
+constexpr std::uint32_t allProcesses = 1;  // PROC_ALL_PIDS
+constexpr int usageVersion6 = 6;           // RUSAGE_INFO_V6
+constexpr int processRecord = 3;           // PROC_PIDTBSDINFO
+constexpr int memoryRecord = 4;            // HOST_VM_INFO64
+
+constexpr std::size_t longestPath = 4096;  // PROC_PIDPATHINFO_MAXSIZE, bytes
+constexpr std::size_t spareSlots = 16;     // for processes that start between two calls
+
+/// The sysctl of that name; nullopt when there is none of this size.
+template <typename Value>
+std::optional<Value> readSysctl(const KernelFunctions& kernel, const char* name) {
+  Value value = {};
+  std::size_t size = sizeof value;
+  if (kernel.sysctlByName(name, &value, &size, nullptr, 0) != 0 || size != sizeof value) return std::nullopt;
+  return value;
+}
 
 }  // namespace
 
 std::vector<std::int32_t> MacProcScan::allPIDs() {
-  const int listSize = system_.listPIDs(allProcesses, 0, nullptr, 0);
+  const int listSize = kernel_.listPIDs(allProcesses, 0, nullptr, 0);
   if (listSize < 1) return {};
   std::vector<std::int32_t> pids(static_cast<std::size_t>(listSize) / sizeof(std::int32_t) + spareSlots);
   const int filled =
-      system_.listPIDs(allProcesses, 0, pids.data(), static_cast<int>(pids.size() * sizeof(std::int32_t)));
+      kernel_.listPIDs(allProcesses, 0, pids.data(), static_cast<int>(pids.size() * sizeof(std::int32_t)));
   if (filled < 1) return {};
   pids.resize(std::min(pids.size(), static_cast<std::size_t>(filled) / sizeof(std::int32_t)));
   std::erase_if(pids, [](std::int32_t pid) { return pid <= 0; });
@@ -36,20 +49,20 @@ std::vector<std::int32_t> MacProcScan::allPIDs() {
 std::optional<BsdInfo> MacProcScan::bsdInfo(std::int32_t pid) {
   ProcessRecord record = {};
   constexpr int size = sizeof record;
-  if (system_.pidInfo(pid, processRecord, 0, &record, size) != size) return std::nullopt;
+  if (kernel_.pidInfo(pid, processRecord, 0, &record, size) != size) return std::nullopt;
   require(record.ppid <= static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::max()));
   return BsdInfo{static_cast<std::int32_t>(record.ppid), record.uid, record.startSeconds};
 }
 
 std::string MacProcScan::path(std::int32_t pid) {
   std::array<char, longestPath> buffer = {};
-  if (system_.pidPath(pid, buffer.data(), buffer.size()) <= 0) return {};
+  if (kernel_.pidPath(pid, buffer.data(), buffer.size()) <= 0) return {};
   return {buffer.data(), ::strnlen(buffer.data(), buffer.size())};
 }
 
 std::optional<ProcessUsage> MacProcScan::usage(std::int32_t pid) {
   UsageRecord record = {};
-  if (system_.pidUsage(pid, usageVersion6, &record) != 0) return std::nullopt;
+  if (kernel_.pidUsage(pid, usageVersion6, &record) != 0) return std::nullopt;
   return ProcessUsage{record.physicalFootprint, nanoseconds(record.userTime + record.systemTime)};
 }
 
@@ -58,9 +71,34 @@ SharedText MacProcScan::processName(std::int32_t /*pid*/) {
 }
 
 std::uint64_t MacProcScan::nanoseconds(std::uint64_t ticks) {
-  std::call_once(timebaseOnce_, [this] { system_.timebaseInfo(&timebase_); });
+  std::call_once(timebaseOnce_, [this] { kernel_.timebaseInfo(&timebase_); });
   require(timebase_.denominator != 0);
   return ticks * timebase_.numerator / timebase_.denominator;
+}
+
+std::uint64_t MacSystemMemoryReader::totalRAM() {
+  return readSysctl<std::uint64_t>(kernel_, "hw.memsize").value_or(0);
+}
+
+std::uint64_t MacSystemMemoryReader::swapUsed() {
+  return readSysctl<SwapRecord>(kernel_, "vm.swapusage").value_or(SwapRecord{}).used;
+}
+
+SystemMemory MacSystemMemoryReader::read() {
+  MemoryRecord record = {};
+  std::uint32_t words = sizeof record / sizeof(std::uint32_t);
+  if (kernel_.hostStatistics(memoryRecord, &record, &words) != 0) record = {};
+  SystemMemory memory;
+  memory.totalRAM = totalRAM();
+  memory.wired = checkedMultiply(record.wiredPages, kernel_.pageSize);
+  memory.compressed = checkedMultiply(record.compressorPages, kernel_.pageSize);
+  memory.cachedFiles = checkedMultiply(record.externalPages, kernel_.pageSize);
+  memory.swapUsed = swapUsed();
+  return memory;
+}
+
+std::optional<std::int32_t> readPressureLevel(const KernelFunctions& kernel) {
+  return readSysctl<std::int32_t>(kernel, "kern.memorystatus_vm_pressure_level");
 }
 
 }  // namespace tarn::macos

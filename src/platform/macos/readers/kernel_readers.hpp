@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+// Processes, memory figures and memory pressure, read through the kernel's functions.
+
 #pragma once
 
 #include <cstdint>
@@ -9,35 +11,54 @@
 #include <string>
 #include <vector>
 
-#include "platform/macos/readers/system_functions.hpp"
+#include "platform/macos/readers/kernel.hpp"
 #include "sampling/process_source.hpp"
 
 namespace tarn::macos {
 
-/// The process table. Reentrant.
+/// The process table, by libproc. Any thread, also concurrently.
 class MacProcScan final : public ProcScan {
  public:
-  explicit MacProcScan(const SystemFunctions& system) : system_(system) {}
+  explicit MacProcScan(const KernelFunctions& kernel) : kernel_(kernel) {}
 
   std::vector<std::int32_t> allPIDs() override;
 
-  /// Nothing unless the system fills the whole record. A parent beyond the range of pids stops the program.
+  /// Nullopt unless the kernel fills the whole record. A parent pid above the range of std::int32_t aborts
+  /// the program.
   std::optional<BsdInfo> bsdInfo(std::int32_t pid) override;
 
   std::string path(std::int32_t pid) override;
 
-  /// Processor time wraps silently where it exceeds 64 bits.
+  /// The CPU time wraps around where it exceeds 64 bits.
   std::optional<ProcessUsage> usage(std::int32_t pid) override;
 
-  /// Always empty: here a process without a path has no other name.
+  /// Always empty: a process whose path is refused has no other name.
   SharedText processName(std::int32_t pid) override;
 
  private:
   std::uint64_t nanoseconds(std::uint64_t ticks);
 
-  SystemFunctions system_;
+  KernelFunctions kernel_;
   std::once_flag timebaseOnce_;
   Timebase timebase_ = {};
 };
+
+/// The memory figures. Each is 0 when its own call fails. Any thread.
+class MacSystemMemoryReader final : public SystemMemoryReader {
+ public:
+  explicit MacSystemMemoryReader(const KernelFunctions& kernel) : kernel_(kernel) {}
+
+  std::uint64_t totalRAM() override;
+  std::uint64_t swapUsed() override;
+
+  /// A number of bytes above 64 bits aborts the program.
+  SystemMemory read() override;
+
+ private:
+  KernelFunctions kernel_;
+};
+
+/// The sysctl kern.memorystatus_vm_pressure_level; nullopt when it cannot be read. Any thread.
+std::optional<std::int32_t> readPressureLevel(const KernelFunctions& kernel);
 
 }  // namespace tarn::macos

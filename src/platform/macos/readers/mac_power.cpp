@@ -36,7 +36,7 @@ PropertyValue valueOf(const ObjectFunctions& objects, ObjectRef object) {
   return std::monostate{};
 }
 
-/// What a dictionary has under these keys; nothing for what is no dictionary.
+/// The values of these keys; nullopt when the object is not a dictionary.
 std::optional<PropertyDictionary> propertiesOf(const ObjectFunctions& objects, ObjectRef dictionary,
                                                Keys keys) {
   if (!objects.isDictionary(dictionary)) return std::nullopt;

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The threads that call this have no autorelease pool of their own, so that every function has one.
+// Each function has an autorelease pool: it may run on a thread without one.
 
-#include "platform/macos/foundation/foundation.hpp"
+#include "platform/macos/system/foundation.hpp"
 
 #include <Foundation/Foundation.h>
 
@@ -18,7 +18,7 @@ std::string standardText(NSString* text) {
   return utf8 == nullptr ? std::string() : std::string(utf8);
 }
 
-// What dictionaries hold may be of any kind.
+// Values of dictionaries may be of any class.
 NSString* stringOrNil(id object) {
   return [object isKindOfClass:NSString.class] ? object : nil;
 }
@@ -82,7 +82,7 @@ std::map<std::string, std::string, std::less<>> bundleInformation(const std::str
   @autoreleasepool {
     std::map<std::string, std::string, std::less<>> information;
     NSString* const location = [NSString stringWithUTF8String:path.c_str()];
-    if (location == nil) return information;  // the bundle would throw
+    if (location == nil) return information;  // NSBundle raises an exception for nil
     NSDictionary<NSString*, id>* const entries = [[NSBundle alloc] initWithPath:location].infoDictionary;
     for (NSString* key in entries) {
       if (auto text = optionalText(entries[key])) information.emplace(standardText(key), std::move(*text));
@@ -99,7 +99,7 @@ std::optional<std::string> shortVersion() {
 
 std::optional<VolumeValues> rootVolumeValues() {
   @autoreleasepool {
-    // A location keeps the values that it was asked for, so that each question takes a new one.
+    // NSURL caches resource values, so each call creates a new one.
     NSURL* const root = [NSURL fileURLWithPath:@"/"];
     NSArray<NSURLResourceKey>* const keys = @[
       NSURLVolumeTotalCapacityKey, NSURLVolumeAvailableCapacityForImportantUsageKey, NSURLVolumeNameKey

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/macos/system/framework_binding.hpp"
-
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/IOKitLib.h>
 #include <IOKit/ps/IOPowerSources.h>
 
 #include <cstddef>
 #include <vector>
+
+#include "platform/macos/system/bindings.hpp"
 
 namespace tarn::macos {
 
@@ -18,7 +18,7 @@ OwnedObject owned(ObjectRef object) {
   return {object, CFRelease};
 }
 
-// Never null: keys are plain words of our own.
+// Never null: keys are ASCII literals.
 OwnedObject makeKey(const char* key) {
   return owned(CFStringCreateWithCString(kCFAllocatorDefault, key, kCFStringEncodingUTF8));
 }
@@ -28,7 +28,7 @@ OwnedObject makeInteger(std::int64_t value) {
 }
 
 ObjectRef createDictionary(std::span<const IntegerEntry> entries) {
-  std::vector<OwnedObject> parts;  // the dictionary holds them for itself
+  std::vector<OwnedObject> parts;  // released after the dictionary retained them
   std::vector<ObjectRef> keys;
   std::vector<ObjectRef> values;
   for (const IntegerEntry& entry : entries) {
@@ -97,7 +97,7 @@ ObjectRef powerSourceDescription(ObjectRef info, ObjectRef source) {
 }
 
 RegistryEntry matchingService(const char* className) {
-  // Asking releases the dictionary.
+  // IOServiceGetMatchingService releases the dictionary.
   return IOServiceGetMatchingService(kIOMainPortDefault, IOServiceMatching(className));
 }
 
@@ -115,7 +115,7 @@ void releaseService(RegistryEntry service) {
 
 }  // namespace
 
-const ObjectFunctions& systemObjectFunctions() {
+const ObjectFunctions& objectFunctions() {
   static const ObjectFunctions functions = {
       .defaultAllocator = kCFAllocatorDefault,
       .createDictionary = createDictionary,
@@ -132,7 +132,7 @@ const ObjectFunctions& systemObjectFunctions() {
   return functions;
 }
 
-const PowerFunctions& systemPowerFunctions() {
+const PowerFunctions& powerFunctions() {
   static const PowerFunctions functions = {
       .copyPowerSourcesInfo = IOPSCopyPowerSourcesInfo,
       .copyPowerSourcesList = copyPowerSourcesList,

@@ -11,13 +11,10 @@
 #include <memory>
 #include <utility>
 
-#include "platform/macos/foundation/foundation.hpp"
-#include "platform/macos/readers/dispatch_pressure_source.hpp"
 #include "platform/macos/readers/event_system_sensors.hpp"
-#include "platform/macos/readers/mac_power.hpp"
-#include "platform/macos/readers/mac_proc_scan.hpp"
-#include "platform/macos/readers/mac_system_memory_reader.hpp"
-#include "platform/macos/system/framework_binding.hpp"
+#include "platform/macos/readers/kernel_readers.hpp"
+#include "platform/macos/system/bindings.hpp"
+#include "platform/macos/system/foundation.hpp"
 
 namespace tarn::macos {
 
@@ -33,7 +30,7 @@ class SystemPercentFormatter final : public PercentFormatter {
   std::optional<std::string> string(double fraction) const override { return percentText(fraction); }
 };
 
-/// The same operation with an autorelease pool around it.
+/// Runs the operation in an autorelease pool.
 template <typename Result>
 std::function<Result()> pooled(std::function<Result()> operation) {
   return [operation = std::move(operation)] {
@@ -47,16 +44,16 @@ std::function<Result()> pooled(std::function<Result()> operation) {
 
 SamplerPort makeMacSamplerPort() {
   SamplerPort port;
-  port.processes = std::make_unique<MacProcScan>(systemFunctions());
-  port.memory = std::make_unique<MacSystemMemoryReader>(systemFunctions());
+  port.processes = std::make_unique<MacProcScan>(kernelFunctions());
+  port.memory = std::make_unique<MacSystemMemoryReader>(kernelFunctions());
   port.uptime = systemUptime;
   port.bundleInformation = bundleInformation;
   return port;
 }
 
 ExtrasPort makeMacExtrasPort() {
-  const EventSystemSensors sensors(lookUpEventSystem(), systemObjectFunctions());
-  PowerPort power = macPowerPort(systemPowerFunctions(), systemObjectFunctions());
+  const EventSystemSensors sensors(lookUpEventSystem(eventSystemLibrary), objectFunctions());
+  PowerPort power = macPowerPort(powerFunctions(), objectFunctions());
   return {.rootVolume = rootVolumeValues,
           .power = {.powerSources = pooled(std::move(power.powerSources)),
                     .batteryController = pooled(std::move(power.batteryController))},
@@ -67,7 +64,7 @@ ExtrasPort makeMacExtrasPort() {
 
 void setCurrentThreadName(const std::string& name) {
   pthread_setname_np(name.c_str());
-  // Threads that have names are those of our queues, whose work nobody waits for.
+  // Only the threads of the task queues get names; the user never waits for their work.
   pthread_set_qos_class_self_np(QOS_CLASS_UTILITY, 0);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The parts of MacPlatform that need no window.
+// The parts of MacPlatform that need neither Qt nor AppKit.
 
 #pragma once
 

@@ -1,21 +1,22 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/macos/desktop/menu_bar_status_item.hpp"
+#include "platform/macos/desktop/qt_adapters.hpp"
 
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QImage>
 #include <vector>
 
 namespace tarn::macos {
 namespace {
 
-/// What an item was told, for as long as the item lives.
+/// The calls that a FakeStatusItem received.
 struct Shown {
   std::vector<StatusItemContent> contents;
   std::function<void(ScreenPoint)> click;
-  bool isGone = false;
+  bool isDestroyed = false;
 };
 
 class FakeStatusItem final : public StatusItem {
@@ -23,7 +24,7 @@ class FakeStatusItem final : public StatusItem {
   explicit FakeStatusItem(Shown& shown) : shown_(shown) {}
   FakeStatusItem(const FakeStatusItem&) = delete;
   FakeStatusItem& operator=(const FakeStatusItem&) = delete;
-  ~FakeStatusItem() override { shown_.isGone = true; }
+  ~FakeStatusItem() override { shown_.isDestroyed = true; }
   void show(const StatusItemContent& content) override { shown_.contents.push_back(content); }
 
  private:
@@ -46,7 +47,7 @@ class MenuBarStatusItemTest : public ::testing::Test {
   MenuBarLabel label_;
 };
 
-TEST_F(MenuBarStatusItemTest, ShowsTheCircleAloneWithItsStatusInWords) {
+TEST_F(MenuBarStatusItemTest, ShowsTheSymbolAndAnAccessibilityLabelWithoutATitle) {
   item_.show(label_);
   ASSERT_EQ(shown_.contents.size(), 1U);
   const StatusItemContent& content = shown_.contents.back();
@@ -57,7 +58,7 @@ TEST_F(MenuBarStatusItemTest, ShowsTheCircleAloneWithItsStatusInWords) {
   EXPECT_EQ(content.toolTip, "Your Mac has memory to spare.");
 }
 
-TEST_F(MenuBarStatusItemTest, ShowsTheFigureBesideTheCircleAndTheDetailOnHover) {
+TEST_F(MenuBarStatusItemTest, ShowsTheTitleAndTheDetailInTheToolTip) {
   label_.text = QStringLiteral("1.5 GB");
   label_.hover.detail = QStringLiteral("Wired 1 GB");
   item_.show(label_);
@@ -65,7 +66,7 @@ TEST_F(MenuBarStatusItemTest, ShowsTheFigureBesideTheCircleAndTheDetailOnHover) 
   EXPECT_EQ(shown_.contents.back().toolTip, "Your Mac has memory to spare.\nWired 1 GB");
 }
 
-TEST_F(MenuBarStatusItemTest, HasTheColourOfTheStatus) {
+TEST_F(MenuBarStatusItemTest, ColorsTheSymbolByTheTint) {
   const auto color = [this](Tint tint) {
     label_.tint = tint;
     return statusItemContent(label_).color;
@@ -75,11 +76,11 @@ TEST_F(MenuBarStatusItemTest, HasTheColourOfTheStatus) {
   EXPECT_EQ(color(Tint::red), StatusColor::red);
 }
 
-TEST_F(MenuBarStatusItemTest, IsInTheMenuBarFromItsFirstLabelOn) {
+TEST_F(MenuBarStatusItemTest, EmitsHostAppearedOnceAfterTheFirstLabel) {
   int appeared = 0;
   QObject::connect(&item_, &MenuBarItem::hostAppeared, [&appeared] { ++appeared; });
   item_.show(label_);
-  EXPECT_EQ(appeared, 0) << "whoever shows it may not be ready yet";
+  EXPECT_EQ(appeared, 0) << "the caller may not be connected yet";
   QCoreApplication::sendPostedEvents(&item_);
   EXPECT_EQ(appeared, 1);
   label_.tint = Tint::red;
@@ -88,7 +89,7 @@ TEST_F(MenuBarStatusItemTest, IsInTheMenuBarFromItsFirstLabelOn) {
   EXPECT_EQ(appeared, 1);
 }
 
-TEST_F(MenuBarStatusItemTest, TellsTheMenuBarNothingThatItKnows) {
+TEST_F(MenuBarStatusItemTest, DoesNotUpdateTheItemForAnUnchangedLabel) {
   item_.show(label_);
   item_.show(label_);
   EXPECT_EQ(shown_.contents.size(), 1U);
@@ -97,7 +98,7 @@ TEST_F(MenuBarStatusItemTest, TellsTheMenuBarNothingThatItKnows) {
   EXPECT_EQ(shown_.contents.size(), 2U);
 }
 
-TEST_F(MenuBarStatusItemTest, TellsWhereItWasClicked) {
+TEST_F(MenuBarStatusItemTest, EmitsActivatedWithTheRoundedPosition) {
   std::vector<std::optional<QPoint>> clicks;
   QObject::connect(&item_, &MenuBarItem::activated,
                    [&](std::optional<QPoint> position) { clicks.push_back(position); });
@@ -105,14 +106,40 @@ TEST_F(MenuBarStatusItemTest, TellsWhereItWasClicked) {
   EXPECT_EQ(clicks, (std::vector<std::optional<QPoint>>{QPoint(1200, 24)}));
 }
 
-TEST(MenuBarStatusItem, LeavesTheMenuBarWithTheObject) {
+TEST(MenuBarStatusItem, RemovesTheItemWhenDestroyed) {
   Shown shown;
   {
     const MenuBarStatusItem item(
         [&](const std::function<void(ScreenPoint)>&) { return std::make_unique<FakeStatusItem>(shown); });
-    EXPECT_FALSE(shown.isGone);
+    EXPECT_FALSE(shown.isDestroyed);
   }
-  EXPECT_TRUE(shown.isGone);
+  EXPECT_TRUE(shown.isDestroyed);
+}
+
+/// A square of one half-transparent colour.
+Pixels square(int side) {
+  Pixels pixels{.width = side, .height = side};
+  for (int i = 0; i < side * side; ++i) pixels.rgba.insert(pixels.rgba.end(), {128, 64, 0, 128});
+  return pixels;
+}
+
+TEST(MakeIcon, HasAnImageForEachScale) {
+  const QIcon icon = makeIcon({square(32), square(64)});
+  EXPECT_EQ(icon.pixmap(QSize(32, 32), 1).size(), QSize(32, 32));
+  const QPixmap twice = icon.pixmap(QSize(32, 32), 2);
+  EXPECT_EQ(twice.size(), QSize(64, 64));
+  const QColor color = twice.toImage().pixelColor(5, 5);
+  EXPECT_NEAR(color.red(), 255, 1);
+  EXPECT_NEAR(color.green(), 127, 1);
+  EXPECT_EQ(color.blue(), 0);
+  EXPECT_EQ(color.alpha(), 128);
+}
+
+TEST(MakeIcon, SkipsImagesThatAreEmptyOrTooShort) {
+  Pixels cut = square(64);
+  cut.rgba.resize(10);
+  EXPECT_TRUE(makeIcon({Pixels{}, cut}).isNull());
+  EXPECT_FALSE(makeIcon({square(32), cut}).isNull());
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// In the place of the Objective-C++ files, whose frameworks are on a Mac only.
+// Stubs of the Objective-C++ files, whose frameworks exist on a Mac only.
 
-#include "platform/macos/foundation/foundation.hpp"
-#include "platform/macos/system/framework_binding.hpp"
+#include "platform/macos/system/bindings.hpp"
+#include "platform/macos/system/foundation.hpp"
 
 namespace tarn::macos {
 
@@ -40,12 +40,12 @@ std::int64_t activeProcessorCount() {
   return 1;
 }
 
-const ObjectFunctions& systemObjectFunctions() {
+const ObjectFunctions& objectFunctions() {
   static const ObjectFunctions functions = {};
   return functions;
 }
 
-const PowerFunctions& systemPowerFunctions() {
+const PowerFunctions& powerFunctions() {
   static const PowerFunctions functions = {};
   return functions;
 }

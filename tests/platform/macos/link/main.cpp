@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Reaches everything of the macOS port that needs no framework, so that all of it is linked.
+// Calls every part of the macOS port that needs no framework, so that the linker checks all of it.
 
 #include "extras/extras_reader.hpp"
-#include "platform/macos/readers/dispatch_pressure_source.hpp"
-#include "platform/macos/readers/mac_system_memory_reader.hpp"
+#include "platform/macos/readers/kernel_readers.hpp"
+#include "platform/macos/system/bindings.hpp"
 #include "platform/macos/system/mac_system.hpp"
 #include "sampling/memory_sampler.hpp"
 
@@ -20,6 +20,6 @@ int main() {
   const Formatters formatters = macos::systemFormatters();
   const bool formats = !formatters.bytes.string(1).empty() && formatters.percents.string(1);
   return !formats || extras.read().uptime < 0 || snapshot.groups.empty() ||
-         macos::readPressureLevel(macos::systemFunctions()).value_or(1) < 0 ||
+         macos::readPressureLevel(macos::kernelFunctions()).value_or(1) < 0 ||
          macos::clampedProcessorCount() < 1;
 }

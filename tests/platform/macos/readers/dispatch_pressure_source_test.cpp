@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
+#include "monitor/concurrency.hpp"
 #include "monitor/memory_pressure.hpp"
-#include "monitor/serial_queue.hpp"
 #include "support/stepped_run_loop.hpp"
 
 namespace tarn::macos {
@@ -21,7 +21,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// What the system's dispatch does in a test; its functions are plain ones, so there is one at a time.
+/// A fake of libdispatch. Its functions are plain function pointers, so only one may exist at a time.
 struct FakeDispatch {
   FakeDispatch() { current = this; }
   FakeDispatch(const FakeDispatch&) = delete;
@@ -34,7 +34,7 @@ struct FakeDispatch {
   void* context = nullptr;
   void (*handler)(void* context) = nullptr;
 
-  /// An event of the kernel.
+  /// Delivers an event of the kernel.
   void report(unsigned long levels) {
     pending = levels;
     handler(context);
@@ -75,7 +75,7 @@ struct FakeDispatch {
   int source_ = 0;
 };
 
-/// Runs each task where it is handed over.
+/// Runs each task in async().
 class ImmediateQueue final : public TaskQueue {
  public:
   void async(Task task) override { task(); }
@@ -95,13 +95,13 @@ class DispatchPressureTest : public ::testing::Test {
   std::vector<MemoryPressure> delivered_;
 };
 
-TEST_F(DispatchPressureTest, ListensForAllThreeLevelsOnASerialQueueOfItsOwn) {
+TEST_F(DispatchPressureTest, ListensForAllThreeLevelsOnItsOwnSerialQueue) {
   const auto monitor = makeMonitor();
   EXPECT_THAT(dispatch_.calls,
               ElementsAre("queue com.tarn.pressure", "source 7", "handler", "resume source"));
 }
 
-TEST_F(DispatchPressureTest, DeliversEachEventInItsOrder) {
+TEST_F(DispatchPressureTest, DeliversEventsInOrder) {
   const auto monitor = makeMonitor();
   for (const unsigned long levels : {4UL, 1UL, 2UL, 6UL, 2UL, 2UL, 0UL}) dispatch_.report(levels);
   mainLoop_.tasks.runAll();
@@ -111,7 +111,7 @@ TEST_F(DispatchPressureTest, DeliversEachEventInItsOrder) {
                           MemoryPressure::normal));
 }
 
-TEST_F(DispatchPressureTest, CancelsAndReleasesEverythingAtItsEnd) {
+TEST_F(DispatchPressureTest, CancelsAndReleasesEverythingWhenDestroyed) {
   auto monitor = makeMonitor();
   dispatch_.calls.clear();
   monitor.reset();
@@ -119,7 +119,7 @@ TEST_F(DispatchPressureTest, CancelsAndReleasesEverythingAtItsEnd) {
               ElementsAre("cancel source", "wait for queue", "release source", "release queue"));
 }
 
-TEST_F(DispatchPressureTest, CallsNothingForAnEventThatFindsTheMonitorGone) {
+TEST_F(DispatchPressureTest, DropsAnEventThatArrivesAfterTheMonitorIsDestroyed) {
   auto monitor = makeMonitor();
   dispatch_.report(4);
   monitor.reset();
@@ -127,19 +127,19 @@ TEST_F(DispatchPressureTest, CallsNothingForAnEventThatFindsTheMonitorGone) {
   EXPECT_THAT(delivered_, IsEmpty());
 }
 
-TEST_F(DispatchPressureTest, DoesWithoutEventsWhereTheSystemRefusesThem) {
+TEST_F(DispatchPressureTest, ReportsNoEventsWhenTheSourceCannotBeCreated) {
   dispatch_.refusesSources = true;
   auto monitor = makeMonitor();
   monitor.reset();
   EXPECT_THAT(dispatch_.calls, ElementsAre("queue com.tarn.pressure", "source 7", "release queue"));
 }
 
-TEST_F(DispatchPressureTest, ReleasesNothingThatItNeverHad) {
+TEST_F(DispatchPressureTest, ReleasesNothingWhenNeverResumed) {
   { const DispatchPressureSource neverResumed(FakeDispatch::functions()); }
   EXPECT_THAT(dispatch_.calls, IsEmpty());
 }
 
-TEST_F(DispatchPressureTest, CallsTheHandlerOnTheQueueAndNoMoreOnceItIsGone) {
+TEST_F(DispatchPressureTest, CallsTheHandlerOnTheQueueUntilDestroyed) {
   SerialQueue queue;
   std::atomic<int> calls = 0;
   auto source = std::make_unique<DispatchPressureSource>(FakeDispatch::functions());

@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "extras/thermal.hpp"
-#include "platform/macos/readers/event_system_library.hpp"
+#include "platform/macos/readers/fake_event_system.hpp"
 
 namespace tarn::macos {
 namespace {
@@ -27,14 +27,14 @@ class EventSystemSensorsTest : public ::testing::Test {
  protected:
   EventSystemSensorsTest() { system_.frameworks = &frameworks_; }
 
-  /// What the sensors read, by a library that lacks a function or nothing.
+  /// The readings through the fake library without one function, or without "nothing".
   std::vector<double> readingsWithout(const std::string& function) {
     const std::string path = libraryWithout(function);
     void* library = ::dlopen(path.c_str(), RTLD_NOW);
     if (library == nullptr) throw std::runtime_error(::dlerror());
     reinterpret_cast<void (*)(FakeEventSystem*)>(::dlsym(library, "prescribe"))(&system_);
     const EventSystemFunctions functions = lookUpEventSystem(path);
-    ::dlclose(library);  // the look-up keeps it open
+    ::dlclose(library);  // lookUpEventSystem() keeps it open
     return EventSystemSensors(functions, FakeFrameworks::functions()).readings();
   }
 
@@ -49,7 +49,7 @@ class EventSystemSensorsTest : public ::testing::Test {
   FakeEventSystem system_;
 };
 
-TEST_F(EventSystemSensorsTest, ReadEachSensorOnceAndReleaseWhatTheyGot) {
+TEST_F(EventSystemSensorsTest, ReadsEachSensorOnceAndReleasesAllObjects) {
   system_.sensors = {{.celsius = 40}, {.celsius = 50}, {.celsius = 0}};
   EXPECT_THAT(readings(), ElementsAre(40, 50, 0));
   EXPECT_THAT(system_.calls, ElementsAre("create", "setMatching", "copyServices",  //
@@ -59,26 +59,26 @@ TEST_F(EventSystemSensorsTest, ReadEachSensorOnceAndReleaseWhatTheyGot) {
   expectAllReleased(3 + 3);
 }
 
-TEST_F(EventSystemSensorsTest, MatchTheTemperatureSensorsOfTheVendorsPage) {
+TEST_F(EventSystemSensorsTest, MatchesTemperatureSensorsOnTheVendorDefinedUsagePage) {
   readings();
   EXPECT_THAT(frameworks_.lastDictionary,
               ElementsAre(std::pair("PrimaryUsagePage", 65280), std::pair("PrimaryUsage", 5)));
 }
 
-TEST_F(EventSystemSensorsTest, PassOverASensorWithoutAnEvent) {
+TEST_F(EventSystemSensorsTest, SkipsASensorWithoutAnEvent) {
   system_.sensors = {{.hasEvent = false}, {.celsius = 50}, {.hasEvent = false}};
   EXPECT_THAT(readings(), ElementsAre(50));
   expectAllReleased(3 + 1);
 }
 
-TEST_F(EventSystemSensorsTest, GiveNothingWithoutAClient) {
+TEST_F(EventSystemSensorsTest, IsEmptyWithoutAClient) {
   system_.refusesClients = true;
   EXPECT_THAT(readings(), IsEmpty());
   EXPECT_THAT(system_.calls, ElementsAre("create"));
   expectAllReleased(0);
 }
 
-TEST_F(EventSystemSensorsTest, GiveNothingWithoutServices) {
+TEST_F(EventSystemSensorsTest, IsEmptyWithoutServices) {
   EXPECT_THAT(readings(), IsEmpty());
   expectAllReleased(3);
   system_.givesServicesOfAnotherKind = true;
@@ -89,7 +89,7 @@ TEST_F(EventSystemSensorsTest, GiveNothingWithoutServices) {
   expectAllReleased(3 + 3 + 2);
 }
 
-TEST_F(EventSystemSensorsTest, MakeANewClientForEachReading) {
+TEST_F(EventSystemSensorsTest, CreatesANewClientForEachReading) {
   system_.sensors = {{.celsius = 40}};
   readings();
   system_.sensors[0].celsius = 41;
@@ -98,14 +98,14 @@ TEST_F(EventSystemSensorsTest, MakeANewClientForEachReading) {
   expectAllReleased(2 * 4);
 }
 
-TEST_F(EventSystemSensorsTest, LeaveBoundsAndMeanToWhoeverAsks) {
+TEST_F(EventSystemSensorsTest, ReturnsImplausibleValuesThatThermalSensorsDrops) {
   system_.sensors = {{.celsius = 40}, {.celsius = 50}, {.celsius = 0}, {.celsius = 120}, {.celsius = -62}};
   const ThermalSensors thermal([this] { return readings(); });
   EXPECT_EQ(thermal.averageCelsius(), 45);
   expectAllReleased(3 + 5);
 }
 
-TEST_F(EventSystemSensorsTest, CallNothingWhereOneFunctionIsMissing) {
+TEST_F(EventSystemSensorsTest, CallsNothingWhenOneFunctionIsMissing) {
   system_.sensors = {{.celsius = 40}};
   for (const auto* function : {"create", "setMatching", "copyServices", "copyEvent", "getFloat"}) {
     EXPECT_FALSE(lookUpEventSystem(libraryWithout(function)).areComplete()) << function;
@@ -122,7 +122,7 @@ TEST(EventSystemLookUp, FindsAllButTheMissingFunction) {
   EXPECT_TRUE(lookUpEventSystem(libraryWithout("nothing")).areComplete());
 }
 
-TEST(EventSystemLookUp, FindsNothingWithoutALibrary) {
+TEST(EventSystemLookUp, FindsNothingWhenTheLibraryCannotBeOpened) {
   for (const std::string path : {"/nowhere/at/all", "/etc/hostname", ""}) {
     const EventSystemFunctions found = lookUpEventSystem(path);
     EXPECT_TRUE(!found.create && !found.setMatching && !found.copyServices && !found.copyEvent &&
@@ -139,7 +139,7 @@ TEST(EventSystemLookUp, NeverClosesTheLibrary) {
   ::dlclose(library);
 }
 
-TEST(EventSystemLookUp, AsksTheSystemsLibraryUnlessToldOtherwise) {
+TEST(EventSystemLookUp, UsesTheIOKitFramework) {
   EXPECT_STREQ(eventSystemLibrary, "/System/Library/Frameworks/IOKit.framework/IOKit");
 }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What the test and its library in the place of the system's know of each other.
+// Shared by the test and the fake library that it loads instead of IOKit.
 
 #pragma once
 
@@ -19,14 +19,14 @@ struct FakeSensor {
   FakeObject service = {};
 };
 
-/// What a library does, and what it was asked for. Belongs to the test.
+/// What the fake library returns, and its calls. Owned by the test.
 struct FakeEventSystem {
   std::vector<FakeSensor> sensors;
   bool refusesClients = false;
   bool hasNoServices = false;
   bool givesServicesOfAnotherKind = false;
 
-  FakeFrameworks* frameworks = nullptr;  ///< hand out objects and count them
+  FakeFrameworks* frameworks = nullptr;  ///< creates and counts objects
 
   std::vector<std::string> calls;
 };

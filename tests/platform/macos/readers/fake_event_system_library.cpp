@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// A library with the event system's functions, over what the test prescribes. One of them may be left out.
+// A fake library with the HID event system's functions, driven by a FakeEventSystem. WITHOUT_x omits one
+// function.
 
-#include "platform/macos/readers/event_system_library.hpp"
+#include "platform/macos/readers/fake_event_system.hpp"
 
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
@@ -25,7 +26,7 @@ EXPORTED void prescribe(FakeEventSystem* system) {
   prescribed = system;
 }
 
-// The names are the system's.
+// IOKit's names.
 // NOLINTBEGIN(readability-identifier-naming)
 #ifndef WITHOUT_create
 EXPORTED const void* IOHIDEventSystemClientCreate(const void* allocator) {

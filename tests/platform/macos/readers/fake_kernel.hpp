@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/macos/readers/system_functions.hpp"
+#include "platform/macos/readers/kernel.hpp"
 
 namespace tarn::macos {
 
@@ -41,7 +41,7 @@ struct FakeKernel {
     std::memcpy(values[name].data(), &value, sizeof value);
   }
 
-  SystemFunctions functions() const {
+  KernelFunctions functions() const {
     return {.sysctlByName = sysctlByName,
             .hostStatistics = hostStatistics,
             .pageSize = pageSize,

@@ -12,7 +12,7 @@
 
 namespace tarn::macos {
 
-/// An object of fake frameworks. Items are the test's own and outlive it.
+/// A fake Core Foundation object. The test owns the items; they outlive it.
 struct FakeObject {
   using Array = std::vector<const FakeObject*>;
   using Dictionary = std::map<std::string, const FakeObject*, std::less<>>;
@@ -20,18 +20,18 @@ struct FakeObject {
   std::variant<std::monostate, bool, std::int64_t, double, std::string, Array, Dictionary> value;
 };
 
-/// Counts what the functions were asked for; there is one at a time.
+/// A fake of Core Foundation that counts objects. Only one may exist at a time.
 struct FakeFrameworks {
   FakeFrameworks() { current = this; }
   FakeFrameworks(const FakeFrameworks&) = delete;
   FakeFrameworks& operator=(const FakeFrameworks&) = delete;
   ~FakeFrameworks() { current = nullptr; }
 
-  int created = 0;  ///< objects that somebody has to release
+  int created = 0;  ///< objects that must be released
   int released = 0;
   std::vector<std::pair<std::string, std::int64_t>> lastDictionary;
 
-  /// A copy of an object, which somebody has to release.
+  /// A copy of an object, which must be released.
   ObjectRef handOut(FakeObject object) {
     ++created;
     return new FakeObject(std::move(object));

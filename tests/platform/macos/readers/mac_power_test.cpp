@@ -31,7 +31,7 @@ const FakeObject battery{FakeObject::Dictionary{{"Type", &internalBattery},
 const FakeObject otherSource{FakeObject::Dictionary{
     {"Type", &uninterruptible}, {"Current Capacity", &number100}, {"Max Capacity", &number100}}};
 
-/// What IOKit answers in a test. Sources are handed out as their own descriptions.
+/// A fake of IOKit. Each source is its own description.
 struct FakeSupply {
   bool hasInfo = true;
   bool hasList = true;
@@ -93,7 +93,7 @@ TEST_F(MacPowerTest, ReadsTheBatteryAndItsController) {
   EXPECT_EQ(frameworks_.created, 3);
 }
 
-TEST_F(MacPowerTest, HasNoBatteryWithoutSources) {
+TEST_F(MacPowerTest, ReportsNoBatteryWithoutSources) {
   supply_.list.value = FakeObject::Array{};
   EXPECT_EQ(read(), std::nullopt);
   supply_.list.value = std::string("no array");
@@ -102,17 +102,17 @@ TEST_F(MacPowerTest, HasNoBatteryWithoutSources) {
   EXPECT_EQ(read(), std::nullopt);
   supply_.hasInfo = false;
   EXPECT_EQ(read(), std::nullopt);
-  EXPECT_THAT(supply_.calls, ElementsAre()) << "the controller is not consulted";
+  EXPECT_THAT(supply_.calls, ElementsAre()) << "the controller is not read";
 }
 
-TEST_F(MacPowerTest, PassesOverSourcesWithoutADescription) {
+TEST_F(MacPowerTest, SkipsSourcesWithoutADescription) {
   static const FakeObject text{std::string("no dictionary")};
   static const FakeObject nothing{FakeObject::Dictionary{}};
   supply_.list.value = FakeObject::Array{&data, &text, &nothing, &otherSource, &battery};
   EXPECT_EQ(read()->percent, 64);
 }
 
-TEST_F(MacPowerTest, PassesOverABatteryWhoseCapacityIsNoWholeNumber) {
+TEST_F(MacPowerTest, SkipsABatteryWhoseCapacityIsNotAnInteger) {
   static const FakeObject odd{FakeObject::Dictionary{
       {"Type", &internalBattery}, {"Current Capacity", &fraction}, {"Max Capacity", &number100}}};
   static const FakeObject strange{FakeObject::Dictionary{
@@ -121,13 +121,13 @@ TEST_F(MacPowerTest, PassesOverABatteryWhoseCapacityIsNoWholeNumber) {
   EXPECT_EQ(read(), std::nullopt);
 }
 
-TEST_F(MacPowerTest, HasNeitherCyclesNorHealthWithoutAController) {
+TEST_F(MacPowerTest, ReportsNoCyclesAndNoHealthWithoutAController) {
   supply_.hasController = false;
   EXPECT_EQ(read(), (BatteryInfo{.percent = 64, .isCharging = true}));
   EXPECT_THAT(supply_.calls, ElementsAre("match AppleSmartBattery"));
 }
 
-TEST_F(MacPowerTest, ReleasesAControllerWhoseReadingFails) {
+TEST_F(MacPowerTest, ReleasesTheControllerWhenReadingItFails) {
   const BatteryInfo chargeAlone{.percent = 64, .isCharging = true};
   supply_.status = 5;
   EXPECT_EQ(read(), chargeAlone) << "even if there are properties";

@@ -1,14 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/macos/readers/mac_proc_scan.hpp"
-
 #include <gmock/gmock.h>
 
 #include <limits>
 #include <thread>
 
 #include "platform/macos/readers/fake_kernel.hpp"
+#include "platform/macos/readers/kernel_readers.hpp"
 
 namespace tarn::macos {
 namespace {
@@ -28,7 +27,7 @@ TEST_F(MacProcScanTest, ListsAllPidsInTheKernelsOrder) {
   EXPECT_THAT(scan().allPIDs(), ElementsAre(300, 1, 77));
 }
 
-TEST_F(MacProcScanTest, AsksForTheSizeOfTheListFirstAndLeavesSixteenSlotsToSpare) {
+TEST_F(MacProcScanTest, AllocatesTheReportedSizeAndSixteenSpareSlots) {
   kernel_.pids = {1, 2, 3};
   scan().allPIDs();
   EXPECT_THAT(kernel_.calls, ElementsAre("list 1 0 0", "list 1 0 " + std::to_string((3 + 16) * 4)));
@@ -40,7 +39,7 @@ TEST_F(MacProcScanTest, ListsProcessesThatStartedBetweenTheTwoCalls) {
   EXPECT_EQ(scan().allPIDs().size(), 10U + 16U);
 }
 
-TEST_F(MacProcScanTest, MakesNoSecondCallWhenTheListHasNoSize) {
+TEST_F(MacProcScanTest, MakesNoSecondCallWhenTheSizeIsNotPositive) {
   for (const int size : {0, -1}) {
     kernel_.calls.clear();
     kernel_.pids = {1, 2};
@@ -50,18 +49,18 @@ TEST_F(MacProcScanTest, MakesNoSecondCallWhenTheListHasNoSize) {
   }
 }
 
-TEST_F(MacProcScanTest, ListsNothingWhenTheSecondCallGivesNothing) {
+TEST_F(MacProcScanTest, IsEmptyWhenTheSecondCallReturnsNothing) {
   kernel_.listSize = 8;
   EXPECT_THAT(scan().allPIDs(), IsEmpty());
 }
 
-TEST_F(MacProcScanTest, DoesNotBelieveAListLongerThanItsBuffer) {
+TEST_F(MacProcScanTest, ClampsAListLongerThanItsBuffer) {
   kernel_.pids = {1};
   kernel_.listFilled = 1 << 20;
   EXPECT_THAT(scan().allPIDs(), IsEmpty());
 }
 
-TEST_F(MacProcScanTest, DropsPidZeroAndWhatIsNoPid) {
+TEST_F(MacProcScanTest, DropsPidZeroAndNegativePids) {
   kernel_.pids = {0, 1, 0, -5, 2};
   EXPECT_THAT(scan().allPIDs(), ElementsAre(1, 2));
 }
@@ -72,7 +71,7 @@ TEST_F(MacProcScanTest, ReadsParentOwnerAndStart) {
   EXPECT_THAT(kernel_.calls, ElementsAre("info 40 3 0 136"));
 }
 
-TEST_F(MacProcScanTest, HasNoInfoUnlessTheWholeRecordIsFilled) {
+TEST_F(MacProcScanTest, HasNoInfoUnlessTheRecordIsComplete) {
   EXPECT_EQ(scan().bsdInfo(40), std::nullopt);
   kernel_.process = ProcessRecord{};
   for (const int size : {-1, 0, 1, 135, 137}) {
@@ -87,23 +86,23 @@ TEST_F(MacProcScanTest, AcceptsTheLargestParentPid) {
   EXPECT_EQ(scan().bsdInfo(40)->ppid, most);
 }
 
-TEST_F(MacProcScanTest, StopsTheProgramAtAParentBeyondTheRangeOfPids) {
+TEST_F(MacProcScanTest, AbortsForAParentPidOutOfRange) {
   kernel_.process = ProcessRecord{.ppid = std::uint32_t{1} << 31};
   EXPECT_DEATH(scan().bsdInfo(40), "");
 }
 
-TEST_F(MacProcScanTest, ReadsThePathUpToItsEnd) {
+TEST_F(MacProcScanTest, ReadsThePathUpToTheNullCharacter) {
   kernel_.path = std::string("/Applications/A.app/Contents/MacOS/A\0rest", 41);
   EXPECT_EQ(scan().path(40), "/Applications/A.app/Contents/MacOS/A");
   EXPECT_THAT(kernel_.calls, ElementsAre("path 40 4096"));
 }
 
-TEST_F(MacProcScanTest, BearsAPathWithoutAnEnd) {
+TEST_F(MacProcScanTest, AcceptsAPathWithoutANullCharacter) {
   kernel_.path = std::string(5000, 'a');
   EXPECT_EQ(scan().path(40), std::string(4096, 'a'));
 }
 
-TEST_F(MacProcScanTest, HasAnEmptyPathWhereItCannotBeRead) {
+TEST_F(MacProcScanTest, HasAnEmptyPathWhenItCannotBeRead) {
   kernel_.path = "left over";
   for (const int length : {0, -1}) {
     kernel_.pathLength = length;
@@ -111,7 +110,7 @@ TEST_F(MacProcScanTest, HasAnEmptyPathWhereItCannotBeRead) {
   }
 }
 
-TEST_F(MacProcScanTest, ReadsFootprintAndProcessorTimeInNanoseconds) {
+TEST_F(MacProcScanTest, ReadsFootprintAndCpuTimeInNanoseconds) {
   kernel_.usage = UsageRecord{.userTime = 24, .systemTime = 6, .physicalFootprint = 4096};
   MacProcScan scan(kernel_.functions());
   EXPECT_EQ(scan.usage(40), (ProcessUsage{.footprint = 4096, .cpuTime = 30 * 125 / 3}));
@@ -119,19 +118,19 @@ TEST_F(MacProcScanTest, ReadsFootprintAndProcessorTimeInNanoseconds) {
   EXPECT_THAT(kernel_.calls, ElementsAre("usage 40 6", "timebase", "usage 40 6"));
 }
 
-TEST_F(MacProcScanTest, TruncatesParts) {
+TEST_F(MacProcScanTest, TruncatesFractionsOfANanosecond) {
   kernel_.timebase = {1, 3};
   kernel_.usage = UsageRecord{.userTime = 4, .systemTime = 4};
   EXPECT_EQ(scan().usage(40)->cpuTime, 2U);
 }
 
-TEST_F(MacProcScanTest, HasNoUsageWhereItIsRefusedAndThenNeedsNoTimebase) {
+TEST_F(MacProcScanTest, HasNoUsageWhenItIsRefusedAndReadsNoTimebase) {
   EXPECT_EQ(scan().usage(40), std::nullopt);
   EXPECT_EQ(scan().footprint(40), std::nullopt);
   EXPECT_THAT(kernel_.calls, ElementsAre("usage 40 6", "usage 40 6"));
 }
 
-TEST_F(MacProcScanTest, LetsProcessorTimeWrap) {
+TEST_F(MacProcScanTest, LetsCpuTimeWrapAround) {
   constexpr auto most = std::numeric_limits<std::uint64_t>::max();
   kernel_.timebase = {1, 1};
   kernel_.usage = UsageRecord{.userTime = most, .systemTime = 11};
@@ -141,15 +140,15 @@ TEST_F(MacProcScanTest, LetsProcessorTimeWrap) {
   EXPECT_EQ(scan().usage(40)->cpuTime, 12U) << "the product";
 }
 
-TEST_F(MacProcScanTest, StopsTheProgramWithoutADenominator) {
+TEST_F(MacProcScanTest, AbortsForATimebaseWithoutADenominator) {
   kernel_.timebase = {1, 0};
   kernel_.usage = UsageRecord{};
   EXPECT_DEATH(scan().usage(40), "");
 }
 
-TEST_F(MacProcScanTest, ReadsTheTimebaseOnceHoweverManyAsk) {
+TEST_F(MacProcScanTest, ReadsTheTimebaseOnceOnConcurrentCalls) {
   kernel_.usage = UsageRecord{.userTime = 3};
-  SystemFunctions functions = kernel_.functions();
+  KernelFunctions functions = kernel_.functions();
   static std::atomic<int> reads;
   reads = 0;
   functions.timebaseInfo = [](Timebase* timebase) {
@@ -169,7 +168,7 @@ TEST_F(MacProcScanTest, ReadsTheTimebaseOnceHoweverManyAsk) {
   EXPECT_EQ(reads, 1);
 }
 
-TEST_F(MacProcScanTest, KnowsNoOtherNames) {
+TEST_F(MacProcScanTest, HasNoProcessNames) {
   EXPECT_EQ(scan().processName(40), "");
 }
 

@@ -1,11 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/macos/readers/mac_system_memory_reader.hpp"
-
 #include <gmock/gmock.h>
 
 #include "platform/macos/readers/fake_kernel.hpp"
+#include "platform/macos/readers/kernel_readers.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn::macos {
@@ -33,7 +32,7 @@ class MacSystemMemoryTest : public ::testing::Test {
   FakeKernel kernel_;
 };
 
-TEST_F(MacSystemMemoryTest, CountsPagesInBytes) {
+TEST_F(MacSystemMemoryTest, ConvertsPagesToBytes) {
   EXPECT_EQ(read(), (SystemMemory{.totalRAM = 17'179'869'184,
                                   .wired = 1000 * pageSize,
                                   .compressed = 200 * pageSize,
@@ -41,17 +40,17 @@ TEST_F(MacSystemMemoryTest, CountsPagesInBytes) {
                                   .swapUsed = 1'048'576}));
 }
 
-TEST_F(MacSystemMemoryTest, AsksForRecordsOfTheirSizes) {
+TEST_F(MacSystemMemoryTest, PassesTheSizeOfEachRecord) {
   read();
   EXPECT_THAT(kernel_.calls, ElementsAre("statistics 4 62", "hw.memsize 8", "vm.swapusage 32"));
 }
 
-TEST_F(MacSystemMemoryTest, HasNoPageFiguresWhereTheStatisticsFail) {
+TEST_F(MacSystemMemoryTest, ReportsZeroPagesWhenTheStatisticsFail) {
   kernel_.memory = std::nullopt;
   EXPECT_EQ(read(), (SystemMemory{.totalRAM = 17'179'869'184, .swapUsed = 1'048'576}));
 }
 
-TEST_F(MacSystemMemoryTest, ReadsEachFigureWhateverHappensToTheOthers) {
+TEST_F(MacSystemMemoryTest, ReadsEachFigureIndependently) {
   kernel_.values.erase("hw.memsize");
   EXPECT_EQ(read().totalRAM, 0U);
   EXPECT_EQ(read().swapUsed, 1'048'576U);
@@ -63,12 +62,12 @@ TEST_F(MacSystemMemoryTest, ReadsEachFigureWhateverHappensToTheOthers) {
   EXPECT_EQ(reader.swapUsed(), 0U);
 }
 
-TEST_F(MacSystemMemoryTest, DoesNotBelieveAValueOfAnotherSize) {
+TEST_F(MacSystemMemoryTest, IgnoresAValueOfAnotherSize) {
   kernel_.set("hw.memsize", std::uint32_t{5});
   EXPECT_EQ(read().totalRAM, 0U);
 }
 
-TEST_F(MacSystemMemoryTest, StopsTheProgramAtBytesBeyondItsRange) {
+TEST_F(MacSystemMemoryTest, AbortsWhenBytesOverflow) {
   kernel_.pageSize = std::uint64_t{1} << 63;
   EXPECT_DEATH(read(), "");
   kernel_.memory = MemoryRecord{.compressorPages = 2};
@@ -88,7 +87,7 @@ TEST_F(MacSystemMemoryTest, ReadsThePressureLevel) {
   EXPECT_EQ(kernel_.calls.front(), "kern.memorystatus_vm_pressure_level 4");
 }
 
-TEST_F(MacSystemMemoryTest, CountsAPressureLevelThatCannotBeReadAsNormal) {
+TEST_F(MacSystemMemoryTest, TreatsAnUnreadablePressureLevelAsNormal) {
   EXPECT_EQ(readPressureLevel(kernel_.functions()), std::nullopt);
   EXPECT_EQ(memoryPressureFromReading(std::nullopt), MemoryPressure::normal);
 }
