@@ -22,8 +22,8 @@
 
 #include "extras/ports.hpp"
 #include "format/formatting.hpp"
-#include "monitor/frontmost_application.hpp"
-#include "monitor/pressure_source.hpp"
+#include "monitor/memory_pressure.hpp"
+#include "monitor/presentation.hpp"
 #include "sampling/process_source.hpp"
 #include "ui/menu_bar/menu_bar_item.hpp"
 #include "ui/popover/app_icon_provider.hpp"
@@ -60,7 +60,7 @@ struct WindowSystemState {
 /// destroys it last. Returned objects and functions may be used until the platform is destroyed. Thread: the
 /// main thread, except where stated. Failure: no function throws, except for lack of memory. A function
 /// returns its neutral value (stated for each) when the system does not support the operation. Functions
-/// named make... never return null.
+/// named make... return null only where stated.
 class Platform {
  public:
   Platform() = default;

@@ -10,11 +10,12 @@
 #include <QIcon>
 #include <QPixmap>
 #include <QScreen>
+#include <QTimer>
 #include <chrono>
 #include <cstdio>
 #include <utility>
 
-#include "monitor/serial_queue.hpp"
+#include "monitor/concurrency.hpp"
 #include "ui/menu_bar/menu_bar_icon.hpp"
 #include "ui/popover/popover_placement.hpp"
 
@@ -22,23 +23,20 @@ namespace tarn {
 
 namespace {
 
-/// Makes a queue whose tasks begin once `begin` is there: a first sweep costs as much as the whole start of a
-/// program, and would come before the user sees anything.
-std::unique_ptr<TaskQueue> makeNamedQueue(const Platform& platform, const std::string& label,
-                                          const std::shared_future<void>& begin) {
-  constexpr auto longEnough = std::chrono::seconds(1);
-  auto queue = std::make_unique<SerialQueue>();
-  queue->async([&platform, label, begin, longEnough] {
-    platform.setCurrentThreadName(label);
-    begin.wait_for(longEnough);
-  });
+/// The first sweep costs as much as the start of the program: it waits until the item is shown, at most so
+/// long.
+constexpr std::chrono::seconds longestWaitForItem{1};
+
+/// Returns an inactive queue. `MonitorViewModel::startSweeping` activates it.
+std::unique_ptr<TaskQueue> makeNamedQueue(const Platform& platform, const std::string& label) {
+  auto queue = std::make_unique<SerialQueue>(SerialQueue::Start::inactive);
+  queue->async([&platform, label] { platform.setCurrentThreadName(label); });
   return queue;
 }
 
-MonitorPorts makeMonitorPorts(Platform& platform, RunLoop& mainLoop, std::shared_future<void> begin) {
+MonitorPorts makeMonitorPorts(Platform& platform, RunLoop& mainLoop) {
   return {.mainLoop = mainLoop,
-          .makeQueue = [&platform, begin = std::move(begin)](
-                           const std::string& label) { return makeNamedQueue(platform, label, begin); },
+          .makeQueue = [&platform](const std::string& label) { return makeNamedQueue(platform, label); },
           .sampler = platform.makeSamplerPort(),
           .extras = platform.makeExtrasPort(),
           .pressureLevel = [&platform] { return platform.pressureLevel(); },
@@ -87,8 +85,7 @@ std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const W
 
 TarnApp::TarnApp(Platform& platform)
     : platform_(platform),
-      model_(MonitorViewModel::create(
-          makeMonitorPorts(platform, runLoop_, sweepsMayBegin_.get_future().share()))),
+      model_(MonitorViewModel::create(makeMonitorPorts(platform, runLoop_))),
       colorScheme_(platform.makeColorSchemeWatcher()),
       item_(platform.makeMenuBarItem()),
       labelRenderer_([this] { renderLabel(); }) {
@@ -101,7 +98,8 @@ TarnApp::TarnApp(Platform& platform)
     openPopoverAt(clickAnchor(std::nullopt, state), state);
   });
   connect(item_.get(), &MenuBarItem::quitRequested, this, [this] { platform_.terminate(); });
-  connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::letSweepsBegin);
+  connect(item_.get(), &MenuBarItem::hostAppeared, model_.get(), &MonitorViewModel::startSweeping);
+  QTimer::singleShot(longestWaitForItem, model_.get(), &MonitorViewModel::startSweeping);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::leaveForMenuBar);
   // The filter sees the application's palette change, of which nobody else is told.
@@ -110,7 +108,7 @@ TarnApp::TarnApp(Platform& platform)
 }
 
 TarnApp::~TarnApp() {
-  letSweepsBegin();
+  model_->startSweeping();
   popover_.reset();
   item_.reset();
   // From here on there is nothing to render to, and soon nothing to render.
@@ -124,10 +122,6 @@ bool TarnApp::eventFilter(QObject* watched, QEvent* event) {
   return QObject::eventFilter(watched, event);
 }
 
-void TarnApp::letSweepsBegin() {
-  if (!std::exchange(sweepsBegan_, true)) sweepsMayBegin_.set_value();
-}
-
 void TarnApp::renderLabel() {
   if (!item_) return;
   MenuBarLabel label = menuBarLabel(model_->presentation(), model_->snapshot(),
@@ -139,7 +133,7 @@ void TarnApp::renderLabel() {
 
 PopoverWindow& TarnApp::popover() {
   if (!popover_) {
-    letSweepsBegin();
+    model_->startSweeping();
     prepareForWindows();
     auto* view = new PopoverView(model_, prefs_, platform_.makeFileIconLoader(), vendor());
     popover_ = std::make_unique<PopoverWindow>(view, platform_.makeCompositorPlacement());

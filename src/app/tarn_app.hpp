@@ -5,7 +5,6 @@
 
 #include <QObject>
 #include <QPoint>
-#include <future>
 #include <memory>
 #include <optional>
 
@@ -42,7 +41,6 @@ class TarnApp : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void letSweepsBegin();
   void renderLabel();
   void applyTheme();
   void openPopoverAt(std::optional<QPoint> anchor, const WindowSystemState& state);
@@ -53,8 +51,6 @@ class TarnApp : public QObject {
 
   Platform& platform_;
   QtRunLoop runLoop_;
-  std::promise<void> sweepsMayBegin_;
-  bool sweepsBegan_ = false;
   std::shared_ptr<MonitorViewModel> model_;
   Preferences prefs_;
   std::unique_ptr<ColorSchemeWatcher> colorScheme_;

@@ -47,4 +47,29 @@ TaskInbox::Node* TaskInbox::takeAll() {
   return oldestFirst;
 }
 
+SerialQueue::SerialQueue(Start start) {
+  if (start == Start::active) activate();
+}
+
+SerialQueue::~SerialQueue() {
+  activate();
+  inbox_.push([this] { stopping_ = true; });
+  thread_.join();
+}
+
+void SerialQueue::async(Task task) {
+  inbox_.push(std::move(task));
+}
+
+void SerialQueue::activate() {
+  if (!thread_.joinable()) thread_ = std::thread(&SerialQueue::run, this);
+}
+
+void SerialQueue::run() {
+  while (!stopping_) {
+    inbox_.wait();
+    inbox_.runAll();
+  }
+}
+
 }  // namespace tarn

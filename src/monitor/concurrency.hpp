@@ -1,17 +1,78 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+// Task queues: how work moves between threads. State belongs to one thread; other threads send it tasks.
+//
+// Synchronization used: TaskInbox has one std::atomic list, and the queue's thread sleeps in
+// std::atomic::wait (a futex on Linux). There is no std::mutex or std::condition_variable. QtRunLoop wakes
+// the main thread by QCoreApplication::postEvent, which locks a mutex inside Qt for a short time.
+
 #pragma once
 
 #include <atomic>
-
-#include "monitor/task_queue.hpp"
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <new>
+#include <thread>
 
 namespace tarn {
 
-/// Tasks on their way from any thread to one that runs them. Lock-free: senders push onto an atomic list, the
-/// receiver takes the whole list at once, so that everything a sender wrote before it pushed is visible to
-/// the task. A task that is never taken is destroyed with the inbox, on the thread that destroys it.
+/// Runs tasks one after another, in the order of the calls of `async`.
+class TaskQueue {
+ public:
+  using Task = std::function<void()>;
+
+  virtual ~TaskQueue() = default;
+
+  /// Adds a task and returns at once. Any thread.
+  virtual void async(Task task) = 0;
+
+  /// Starts a queue that was made inactive: until then it keeps its tasks. No effect on an active queue.
+  /// Owner's thread.
+  virtual void activate() {}
+};
+
+/// A timer that fires until it is invalidated or destroyed.
+class RepeatingTimer {
+ public:
+  virtual ~RepeatingTimer() = default;
+
+  /// Stops it for good; idempotent.
+  virtual void invalidate() = 0;
+};
+
+/// The main thread's run loop: a task queue (`async`, from any thread) and timers (main thread).
+class RunLoop : public TaskQueue {
+ public:
+  /// Returns a timer that calls `block` on the main thread every `interval` seconds, for the first time one
+  /// interval from now, also while a menu or popover is open.
+  virtual std::unique_ptr<RepeatingTimer> repeatingTimer(double interval, std::function<void()> block) = 0;
+};
+
+/// Sleeps half a second: the time between two attempts of `post`.
+inline void sleepUntilRetry() {
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+}
+
+/// Adds `work` to a queue. When memory runs out it sleeps and tries again, so a result is delivered late
+/// instead of never. Not for the main thread, which must not sleep. `work` may run twice: an attempt may fail
+/// after it added the task. Tests replace `sleep`.
+template <typename Work>
+void post(TaskQueue& queue, const Work& work, const std::function<void()>& sleep = sleepUntilRetry) {
+  for (;;) {
+    try {
+      queue.async(work);
+      return;
+    } catch (const std::bad_alloc&) {
+      sleep();
+    }
+  }
+}
+
+/// Tasks on their way from any thread to the one that runs them. Lock-free: senders push onto an atomic list
+/// (release), the receiver takes the whole list at once (acquire), so a task sees everything that its sender
+/// wrote before the push. Tasks that never run are destroyed with the inbox.
 class TaskInbox {
  public:
   TaskInbox() = default;
@@ -23,10 +84,11 @@ class TaskInbox {
   /// Adds a task. Any thread.
   void push(TaskQueue::Task task);
 
-  /// Runs every task that was waiting, oldest first; later ones wait for the next call. Receiver's thread.
+  /// Runs the tasks that are in the inbox, oldest first; those added meanwhile wait for the next call.
+  /// Receiver's thread.
   void runAll();
 
-  /// Sleeps until a task is waiting. Receiver's thread.
+  /// Sleeps until the inbox holds a task. Receiver's thread.
   void wait() const;
 
  private:
@@ -35,10 +97,38 @@ class TaskInbox {
     Node* next = nullptr;
   };
 
-  /// The waiting tasks, oldest first; the caller owns them.
+  /// Empties the list. Returns its tasks oldest first; the caller owns them.
   Node* takeAll();
 
   std::atomic<Node*> newest_ = nullptr;
+};
+
+/// A task queue with its own thread, which sleeps while there is nothing to do.
+///
+/// The destructor runs the tasks that are in the queue, also those of an inactive one, and joins the thread.
+/// So a task must not hold the last reference to the queue's owner.
+class SerialQueue final : public TaskQueue {
+ public:
+  enum class Start {
+    active,    ///< runs tasks at once
+    inactive,  ///< keeps tasks, and has no thread, until `activate`
+  };
+
+  explicit SerialQueue(Start start = Start::active);
+  ~SerialQueue() override;
+
+  SerialQueue(const SerialQueue&) = delete;
+  SerialQueue& operator=(const SerialQueue&) = delete;
+
+  void async(Task task) override;
+  void activate() override;
+
+ private:
+  void run();
+
+  TaskInbox inbox_;
+  bool stopping_ = false;  ///< queue's thread only
+  std::thread thread_;     ///< made by `activate`
 };
 
 }  // namespace tarn

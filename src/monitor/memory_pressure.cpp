@@ -5,21 +5,19 @@
 
 #include <utility>
 
-#include "monitor/hand_over.hpp"
-
 namespace tarn {
 
 namespace {
 
-bool holds(PressureFlags flags, MemoryPressure level) {
+bool contains(PressureFlags flags, MemoryPressure level) {
   return (flags & static_cast<PressureFlags>(level)) != 0;
 }
 
 }  // namespace
 
 MemoryPressure memoryPressureFromFlags(PressureFlags flags) {
-  if (holds(flags, MemoryPressure::critical)) return MemoryPressure::critical;
-  if (holds(flags, MemoryPressure::warning)) return MemoryPressure::warning;
+  if (contains(flags, MemoryPressure::critical)) return MemoryPressure::critical;
+  if (contains(flags, MemoryPressure::warning)) return MemoryPressure::warning;
   return MemoryPressure::normal;
 }
 
@@ -29,15 +27,21 @@ MemoryPressureMonitor::MemoryPressureMonitor(std::unique_ptr<PressureSource> sou
     : queue_(std::move(queue)),
       source_(std::move(source)),
       onChange_(std::make_shared<Handler>(std::move(onChange))) {
-  // The queue's thread only passes the weak reference on; whether the monitor lives is asked on the main
-  // thread, where it also dies, so a delivery can never overtake its destruction.
+  // The weak reference is locked on the main thread only, where the monitor is destroyed: so the handler
+  // cannot run after the monitor's destructor.
   source_->resume(*queue_, [&mainLoop, weak = std::weak_ptr(onChange_)](PressureFlags flags) {
-    handOver(mainLoop, [weak, level = memoryPressureFromFlags(flags)] {
+    post(mainLoop, [weak, level = memoryPressureFromFlags(flags)] {
       if (const auto handler = weak.lock()) (*handler)(level);
     });
   });
 }
 
-MemoryPressureMonitor::~MemoryPressureMonitor() = default;
+MemoryPressureMonitor::~MemoryPressureMonitor() {
+  activate();
+}
+
+void MemoryPressureMonitor::activate() {
+  queue_->activate();
+}
 
 }  // namespace tarn

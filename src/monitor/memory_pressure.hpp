@@ -1,40 +1,66 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+// Notifications of memory pressure: the platform's source, and the monitor that delivers them on the main
+// thread.
+
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
-#include "monitor/pressure_source.hpp"
-#include "monitor/run_loop.hpp"
+#include "monitor/concurrency.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn {
 
-/// The level that a set of reported flags stands for: the gravest that is in it, normal when none is known.
+/// A set of memory-pressure levels that the system reports together: raw MemoryPressure values, or-ed.
+using PressureFlags = std::uint32_t;
+
+/// Returns the highest level in the set; normal when no known level is in it.
 MemoryPressure memoryPressureFromFlags(PressureFlags flags);
 
-/// Delivers the system's memory-pressure notifications on the main thread, each one, also when the level is
-/// the same as before. Monitors from construction to destruction, both on the main thread; reports no level
-/// at the start.
+/// The system's notifications of memory pressure.
+///
+/// Order of calls: construct, `resume` once, destroy. The destructor ends what the source runs on the queue;
+/// once it returns the handler is not called again.
+class PressureSource {
+ public:
+  using Handler = std::function<void(PressureFlags)>;
+
+  virtual ~PressureSource() = default;
+
+  /// Starts delivering. The handler runs on `queue`, for every report of the system, also when the level is
+  /// the same as before. The queue serves this source alone and outlives it; the source may occupy it until
+  /// it is destroyed. The queue is active when the source is destroyed.
+  virtual void resume(TaskQueue& queue, Handler handler) = 0;
+};
+
+/// Delivers every notification of a source on the main thread, also when the level is the same as before.
+/// Reports no level at the start. Created and destroyed on the main thread.
 class MemoryPressureMonitor {
  public:
   using Handler = std::function<void(MemoryPressure)>;
 
-  /// `queue` serves this monitor alone; `mainLoop` outlives it. `onChange` runs on the main thread, and no
-  /// more once the monitor is gone.
+  /// `queue` serves this monitor alone and may be inactive; `mainLoop` outlives the monitor. `onChange` runs
+  /// on the main thread, and not after the monitor is destroyed.
   MemoryPressureMonitor(std::unique_ptr<PressureSource> source, std::unique_ptr<TaskQueue> queue,
                         RunLoop& mainLoop, Handler onChange);
+
+  /// Activates the queue first: the source may wait for its tasks.
   ~MemoryPressureMonitor();
 
   MemoryPressureMonitor(const MemoryPressureMonitor&) = delete;
   MemoryPressureMonitor& operator=(const MemoryPressureMonitor&) = delete;
 
+  /// Activates the queue; idempotent.
+  void activate();
+
  private:
-  std::unique_ptr<TaskQueue> queue_;        ///< "com.tarn.pressure"; outlives the source that occupies it
-  std::unique_ptr<PressureSource> source_;  ///< cancels when it is destroyed
-  std::shared_ptr<Handler> onChange_;       ///< deliveries on their way hold it weakly
+  std::unique_ptr<TaskQueue> queue_;        ///< "com.tarn.pressure"; outlives the source, which runs on it
+  std::unique_ptr<PressureSource> source_;  ///< its destructor cancels
+  std::shared_ptr<Handler> onChange_;       ///< posted tasks hold it weakly
 };
 
 }  // namespace tarn

@@ -6,18 +6,18 @@
 #include <new>
 #include <utility>
 
-#include "monitor/hand_over.hpp"
+#include "monitor/concurrency.hpp"
 
 namespace tarn {
 
-/// One sweep on its way to the sampler's queue and back.
+/// A sweep in flight: from the request to its results.
 struct MonitorViewModel::Sweep {
   Sweep(std::shared_ptr<MonitorViewModel> forModel, bool withExtras)
       : model(std::move(forModel)), wantsExtras(withExtras) {}
 
   std::shared_ptr<MonitorViewModel> model;  ///< null once the results are published
   bool wantsExtras;
-  std::optional<MemorySnapshot> snapshot;  ///< nothing when there was no memory for it
+  std::optional<MemorySnapshot> snapshot;  ///< absent when memory ran out
   std::optional<ExtrasReading> extras;
 };
 
@@ -59,7 +59,13 @@ CPUPresentation MonitorViewModel::cpuPresentation() const {
   return {snapshot_ ? snapshot_->totalCPUPercent() : 0, activeProcessorCount_()};
 }
 
+void MonitorViewModel::startSweeping() {
+  sampleQueue_->activate();
+  pressureMonitor_->activate();
+}
+
 void MonitorViewModel::popoverOpened() {
+  startSweeping();
   popoverOpen_ = true;
   scheduleTimer(openInterval);
   refresh();
@@ -71,14 +77,14 @@ void MonitorViewModel::popoverClosed() {
 }
 
 void MonitorViewModel::refresh() {
-  // A request while a sweep is in flight is dropped: there is never a backlog.
+  // A request while a sweep is in flight is dropped, so there is no backlog.
   if (sampling_) return;
   sampling_ = true;
   sampleQueue_->async([sweep = std::make_shared<Sweep>(shared_from_this(), popoverOpen_)] {
     RunLoop& mainLoop = sweep->model->mainLoop_;
     sweep->model->perform(*sweep);
-    // The reference leaves with the results, so that the view model never dies on this thread.
-    handOver(mainLoop, [sweep] {
+    // The reference moves with the results, so the view model is not destroyed on this thread.
+    post(mainLoop, [sweep] {
       if (const auto self = std::exchange(sweep->model, nullptr)) self->finishSweep(*sweep);
     });
   });
@@ -90,7 +96,7 @@ void MonitorViewModel::perform(Sweep& sweep) {
     if (sweep.wantsExtras) sweep.extras = ExtrasReading{extrasReader_.read(), extrasReader_.thermalState()};
     sweep.snapshot = std::move(snapshot);
   } catch (const std::bad_alloc&) {
-    // There is no memory for it now. What is shown stays, and the next sweep comes in its time.
+    // The published values stay; the timer requests the next sweep.
   }
 }
 
@@ -99,7 +105,7 @@ void MonitorViewModel::finishSweep(Sweep& sweep) {
     publish(snapshot_, std::exchange(sweep.snapshot, std::nullopt));
     if (sweep.extras) {
       publish(extras_, std::optional(std::move(sweep.extras->extras)));
-      thermalState_ = sweep.extras->thermalState;  // of the same gathering, announced with it
+      thermalState_ = sweep.extras->thermalState;  // of the same sweep, announced with the extras
     }
     updateFrontmost(*snapshot_);
   }

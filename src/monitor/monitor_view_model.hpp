@@ -11,60 +11,62 @@
 #include <string>
 
 #include "extras/extras_reader.hpp"
-#include "monitor/cpu_presentation.hpp"
-#include "monitor/frontmost_application.hpp"
+#include "monitor/concurrency.hpp"
 #include "monitor/memory_pressure.hpp"
-#include "monitor/pressure_source.hpp"
-#include "monitor/run_loop.hpp"
 #include "monitor/presentation.hpp"
 #include "sampling/memory_sampler.hpp"
 
 namespace tarn {
 
-/// Everything that the view model stands on.
+/// What the view model needs from its surroundings.
 struct MonitorPorts {
   RunLoop& mainLoop;  ///< outlives the view model
-  /// Makes a serial queue whose thread bears the label.
+  /// Makes a serial queue, active or inactive; `label` is the name of its thread.
   std::function<std::unique_ptr<TaskQueue>(const std::string& label)> makeQueue;
   SamplerPort sampler;
   ExtrasPort extras;
-  /// The present level as the kernel's own number; nothing when it cannot be read.
+  /// Returns the present pressure level as the kernel's own number; nothing when it cannot be read.
   std::function<std::optional<std::int32_t>()> pressureLevel;
   std::unique_ptr<PressureSource> pressureSource;
   FrontmostApplicationSource frontmostApplication;
   std::function<int()> activeProcessorCount;
 };
 
-/// Drives the system: decides when a sweep runs, runs it off the main thread, and publishes its results.
+/// Decides when a sweep runs, runs it off the main thread, and publishes its results.
 ///
-/// Used on the main thread only, where it is also destroyed. A sweep in flight keeps it alive until it has
-/// published; timer and pressure events do not. A sweep for which there is no memory publishes nothing.
+/// Used and destroyed on the main thread. A sweep in flight holds a reference to the view model until it has
+/// published; timer and pressure events do not. When there is no memory for a sweep it publishes nothing.
 class MonitorViewModel final : public QObject, public std::enable_shared_from_this<MonitorViewModel> {
   Q_OBJECT
-  struct Token {};  // keeps construction behind `create`
+  struct Token {};  // so that only `create` can construct
 
  public:
-  /// A running view model: reads the pressure level, listens for its changes, schedules the timer and
-  /// requests the first sweep.
+  /// Reads the pressure level, listens for its changes, schedules the timer and requests the first sweep.
   static std::shared_ptr<MonitorViewModel> create(MonitorPorts ports);
 
   MonitorViewModel(Token token, MonitorPorts ports);
 
-  // What is published. Absent until first known.
+  // Published values. Absent until first known.
   const std::optional<MemorySnapshot>& snapshot() const { return snapshot_; }
   MemoryPressure pressure() const { return pressure_; }
   std::optional<std::uint64_t> frontmostFootprint() const { return frontmostFootprint_; }  ///< bytes
   const std::optional<SystemExtras>& extras() const { return extras_; }
   ThermalState thermalState() const { return thermalState_; }
 
-  // What follows from it, computed at each call.
+  // Derived from the published values at each call.
   StatusPresentation presentation() const;
   CPUPresentation cpuPresentation() const;
 
-  /// The popover came on screen: sweeps every 3 seconds, with extras, starting now.
+  /// Activates the queues that `makeQueue` made; idempotent. A sweep costs as much as the start of the
+  /// program, so the first one, and the watch for pressure, can be kept back until the user sees something.
+  /// With inactive queues the first sweep holds its reference until then: call this before the last other
+  /// reference is released.
+  void startSweeping();
+
+  /// The popover was shown: sweeps now and every 3 seconds, with extras. Includes `startSweeping`.
   void popoverOpened();
 
-  /// The popover left the screen: back to a sweep every 30 seconds.
+  /// The popover was hidden: sweeps every 30 seconds.
   void popoverClosed();
 
  Q_SIGNALS:
@@ -72,7 +74,7 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
   void willChange();
 
  private:
-  /// One gathering of the machine's health.
+  /// The extras of one sweep.
   struct ExtrasReading {
     SystemExtras extras;
     ThermalState thermalState = ThermalState::unknown;

@@ -15,7 +15,7 @@ Preferences::Preferences(const QString& storePath) : store_(storePath, QSettings
 
 bool Preferences::showFrontmostFootprint() {
   store_.sync();
-  // Anything else that somebody wrote there is not a wish to see it.
+  // Any other text, written by hand, is false.
   const QString stored = store_.value(showFrontmostFootprintKey).toString();
   return stored == QLatin1String("true") || stored == QLatin1String("1");
 }

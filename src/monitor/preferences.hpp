@@ -9,22 +9,22 @@
 
 namespace tarn {
 
-/// The user's one setting, kept in the user's own store. Main thread.
+/// The user's setting, in a QSettings store. Main thread.
 class Preferences final : public QObject {
   Q_OBJECT
 
  public:
-  /// Over the user's standard store for this application, by the names that the application object has.
+  /// Uses the user's store of this application: QCoreApplication's organization and application name.
   Preferences() = default;
 
-  /// Over a store in the given file.
+  /// Uses the INI file `storePath`.
   explicit Preferences(const QString& storePath);
 
-  /// Whether the menu bar shows the frontmost application's footprint; false until the user asked for it.
-  /// Read from the store every time, so that a change by another process is seen.
+  /// Whether the menu bar shows the frontmost application's footprint; false by default. Reads the store at
+  /// each call, so changes by other processes take effect.
   bool showFrontmostFootprint();
 
-  /// Writes through to the store at once.
+  /// Writes to the store at once.
   void setShowFrontmostFootprint(bool show);
 
  Q_SIGNALS:

@@ -1,32 +1,69 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+// How the state of memory and processor is shown, and which application is frontmost. Values only.
+
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 
-#include "monitor/tint.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn {
 
-/// What a status shows wherever it is shown.
+/// Colors with a meaning. The UI decides the shade of each.
+enum class Tint { green, orange, red, secondary };
+
+/// What a memory state shows wherever it is shown.
 struct StatusAppearance {
-  std::string symbolName;         ///< the circle in the menu bar
-  Tint tint = Tint::green;        ///< of the circle and of the verdict's glyph
-  std::string accessibilityText;  ///< the circle in words
+  std::string symbolName;         ///< of the circle in the menu bar
+  Tint tint = Tint::green;        ///< of the circle and of the verdict's symbol
+  std::string accessibilityText;  ///< text alternative of the circle
   std::string sentence;           ///< the popover's verdict
 };
 
-/// The memory state, reduced to the two facts that decide how it is shown.
+/// The memory state, reduced to what decides its appearance.
 struct StatusPresentation {
   MemoryPressure pressure = MemoryPressure::normal;
-  std::uint64_t swapUsed = 0;  ///< bytes; counts only while the pressure is normal
+  std::uint64_t swapUsed = 0;  ///< bytes; matters only while the pressure is normal
 
   StatusAppearance appearance() const;
 
   bool operator==(const StatusPresentation&) const = default;
 };
+
+/// The processor state, reduced to what decides its verdict.
+struct CPUPresentation {
+  double totalPercent = 0;  ///< sum over all groups, percent of one core
+  int coreCount = 0;        ///< active cores
+
+  /// Returns the fraction of the machine in use: 1.0 when every core is busy. Nothing without cores.
+  std::optional<double> load() const;
+
+  /// Returns the verdict.
+  std::string sentence() const;
+
+  /// Returns orange when the verdict is "running flat out", else secondary.
+  Tint tint() const;
+
+  bool operator==(const CPUPresentation&) const = default;
+};
+
+/// The application whose window has the keyboard focus.
+struct FrontmostApplication {
+  std::optional<std::string> bundlePath;  ///< application root, where the system knows it
+  std::int32_t processIdentifier = 0;     ///< pid in the PID namespace of this process
+};
+
+/// Returns the group of the application in `snapshot`: the first with its bundle path, else the first that
+/// contains its process; null when there is none.
+const AppGroup* groupOf(const FrontmostApplication& application, const MemorySnapshot& snapshot);
+
+/// Returns the frontmost application; nothing when there is none or the system does not report it. Main
+/// thread; returns within 50 ms.
+using FrontmostApplicationSource = std::function<std::optional<FrontmostApplication>()>;
 
 }  // namespace tarn

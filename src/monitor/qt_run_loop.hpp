@@ -6,13 +6,11 @@
 #include <QObject>
 #include <memory>
 
-#include "monitor/run_loop.hpp"
 #include "monitor/concurrency.hpp"
 
 namespace tarn {
 
-/// The run loop over Qt's main event loop. Created and destroyed on the main thread, where it outlives
-/// everyone who hands it tasks.
+/// The run loop over Qt's main event loop. Created and destroyed on the main thread; outlives every sender.
 class QtRunLoop final : public QObject, public RunLoop {
  public:
   void async(Task task) override;
@@ -22,7 +20,8 @@ class QtRunLoop final : public QObject, public RunLoop {
   void customEvent(QEvent* event) override;
 
  private:
-  // Tasks travel here and not inside the events: the hand-over is then ordered by our own atomic.
+  // Tasks are here and not in the events, so that our own atomic orders the sender's writes before the task:
+  // ThreadSanitizer cannot see the mutex inside Qt.
   TaskInbox inbox_;
 };
 

@@ -6,7 +6,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "support/fake_pressure_source.hpp"
 #include "support/stepped_run_loop.hpp"
@@ -21,7 +24,7 @@ constexpr PressureFlags normalFlag = 1;
 constexpr PressureFlags warningFlag = 2;
 constexpr PressureFlags criticalFlag = 4;
 
-TEST(PressureFlags, StandForTheGravestLevelAmongThem) {
+TEST(PressureFlags, ReturnTheHighestLevel) {
   EXPECT_EQ(memoryPressureFromFlags(normalFlag), MemoryPressure::normal);
   EXPECT_EQ(memoryPressureFromFlags(warningFlag), MemoryPressure::warning);
   EXPECT_EQ(memoryPressureFromFlags(criticalFlag), MemoryPressure::critical);
@@ -30,7 +33,7 @@ TEST(PressureFlags, StandForTheGravestLevelAmongThem) {
   EXPECT_EQ(memoryPressureFromFlags(normalFlag | warningFlag | criticalFlag), MemoryPressure::critical);
 }
 
-TEST(PressureFlags, StandForNormalWhenNoneIsKnown) {
+TEST(PressureFlags, ReturnNormalWithoutAKnownLevel) {
   EXPECT_EQ(memoryPressureFromFlags(0), MemoryPressure::normal);
   EXPECT_EQ(memoryPressureFromFlags(8 | 16 | 0x80000000U), MemoryPressure::normal);
   EXPECT_EQ(memoryPressureFromFlags(8 | warningFlag), MemoryPressure::warning);
@@ -52,7 +55,7 @@ class PressureMonitor : public ::testing::Test {
   std::optional<MemoryPressureMonitor> monitor_;
 };
 
-TEST_F(PressureMonitor, ListensFromItsConstructionOnAndTellsNothingByItself) {
+TEST_F(PressureMonitor, ResumesItsSourceAtConstructionAndReportsNothing) {
   EXPECT_EQ(pressure_.resumed, 1);
   EXPECT_EQ(queue().waiting(), 0U);
   EXPECT_EQ(mainLoop_.tasks.waiting(), 0U);
@@ -75,7 +78,7 @@ TEST_F(PressureMonitor, DeliversTheReturnToNormal) {
   EXPECT_THAT(delivered_, ElementsAre(MemoryPressure::critical, MemoryPressure::normal));
 }
 
-TEST_F(PressureMonitor, DeliversEveryReportInOrderAlsoWhenTheLevelStays) {
+TEST_F(PressureMonitor, DeliversEveryReportInOrderEvenAtTheSameLevel) {
   for (const PressureFlags flags : {warningFlag, warningFlag, 0U, 0U, warningFlag | criticalFlag})
     pressure_.report(flags);
   queue().runAll();
@@ -86,13 +89,13 @@ TEST_F(PressureMonitor, DeliversEveryReportInOrderAlsoWhenTheLevelStays) {
                           MemoryPressure::normal, MemoryPressure::critical));
 }
 
-TEST_F(PressureMonitor, CancelsItsSourceWhenItIsDestroyed) {
+TEST_F(PressureMonitor, DestroysItsSourceWithItself) {
   EXPECT_EQ(pressure_.cancelled, 0);
   monitor_.reset();
   EXPECT_EQ(pressure_.cancelled, 1);
 }
 
-TEST_F(PressureMonitor, CallsNothingOnceItIsGone) {
+TEST_F(PressureMonitor, DoesNotCallTheHandlerAfterItsDestructor) {
   pressure_.report(criticalFlag);
   queue().runAll();
   pressure_.report(warningFlag);
@@ -102,7 +105,7 @@ TEST_F(PressureMonitor, CallsNothingOnceItIsGone) {
   EXPECT_THAT(delivered_, IsEmpty());
 }
 
-TEST_F(PressureMonitor, MayBeDestroyedByItsOwnHandler) {
+TEST_F(PressureMonitor, CanBeDestroyedByItsHandler) {
   monitor_.reset();
   monitor_.emplace(std::make_unique<FakePressureSource>(pressure_), queues_.make("pressure"), mainLoop_,
                    [this](MemoryPressure level) {
@@ -114,6 +117,36 @@ TEST_F(PressureMonitor, MayBeDestroyedByItsOwnHandler) {
   queue().runAll();
   mainLoop_.tasks.runAll();
   EXPECT_THAT(delivered_, ElementsAre(MemoryPressure::critical));
+}
+
+TEST_F(PressureMonitor, ActivatesItsQueueOnRequest) {
+  EXPECT_FALSE(queue().activated);
+  monitor_->activate();
+  EXPECT_TRUE(queue().activated);
+}
+
+/// Records at its end whether its queue was active then.
+class RecordingSource final : public PressureSource {
+ public:
+  RecordingSource(const SteppedTasks& tasks, bool& wasActive) : tasks_(tasks), wasActive_(wasActive) {}
+  RecordingSource(const RecordingSource&) = delete;
+  RecordingSource& operator=(const RecordingSource&) = delete;
+  ~RecordingSource() override { wasActive_ = tasks_.activated; }
+  void resume(TaskQueue& /*queue*/, Handler /*handler*/) override {}
+
+ private:
+  const SteppedTasks& tasks_;
+  bool& wasActive_;
+};
+
+TEST_F(PressureMonitor, ActivatesItsQueueBeforeItDestroysItsSource) {
+  bool wasActive = false;
+  auto inactive = queues_.make("inactive");
+  monitor_.reset();
+  monitor_.emplace(std::make_unique<RecordingSource>(queues_["inactive"], wasActive), std::move(inactive),
+                   mainLoop_, [](MemoryPressure) {});
+  monitor_.reset();
+  EXPECT_TRUE(wasActive);
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ class PreferencesTest : public ::testing::Test {
     return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "no file";
   }
 
-  /// As another process does it: behind the back of everything in this one.
+  /// Writes the file as another process would, without QSettings.
   void write(const QByteArray& contents) const {
     QFile file(path());
     ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
@@ -36,11 +36,11 @@ class PreferencesTest : public ::testing::Test {
   QTemporaryDir directory_;
 };
 
-TEST_F(PreferencesTest, ShowNoFootprintUntilTheUserAskedForIt) {
+TEST_F(PreferencesTest, HideTheFootprintByDefault) {
   EXPECT_FALSE(Preferences(path()).showFrontmostFootprint());
 }
 
-TEST_F(PreferencesTest, AreWrittenThroughUnderTheirKeyAtOnce) {
+TEST_F(PreferencesTest, AreWrittenAtOnce) {
   Preferences preferences(path());
   preferences.setShowFrontmostFootprint(true);
   EXPECT_THAT(contents(path()), HasSubstr("showFrontmostFootprint=true\n"));
@@ -50,12 +50,12 @@ TEST_F(PreferencesTest, AreWrittenThroughUnderTheirKeyAtOnce) {
   EXPECT_FALSE(preferences.showFrontmostFootprint());
 }
 
-TEST_F(PreferencesTest, LastLongerThanTheirObject) {
+TEST_F(PreferencesTest, PersistAfterTheirObject) {
   Preferences(path()).setShowFrontmostFootprint(true);
   EXPECT_TRUE(Preferences(path()).showFrontmostFootprint());
 }
 
-TEST_F(PreferencesTest, SeeWhatAnotherProcessWroteAtTheNextAccess) {
+TEST_F(PreferencesTest, ReadWhatAnotherProcessWrote) {
   Preferences preferences(path());
   EXPECT_FALSE(preferences.showFrontmostFootprint());
   write("[General]\nshowFrontmostFootprint=true\n");
@@ -64,21 +64,21 @@ TEST_F(PreferencesTest, SeeWhatAnotherProcessWroteAtTheNextAccess) {
   EXPECT_FALSE(preferences.showFrontmostFootprint());
 }
 
-TEST_F(PreferencesTest, SeeWhatAnotherObjectWroteAtTheNextAccess) {
+TEST_F(PreferencesTest, ReadWhatAnotherObjectWrote) {
   Preferences reader(path());
   EXPECT_FALSE(reader.showFrontmostFootprint());
   Preferences(path()).setShowFrontmostFootprint(true);
   EXPECT_TRUE(reader.showFrontmostFootprint());
 }
 
-TEST_F(PreferencesTest, FallBackWhenTheirFileIsRemoved) {
+TEST_F(PreferencesTest, ReturnTheDefaultWhenTheFileIsRemoved) {
   Preferences preferences(path());
   preferences.setShowFrontmostFootprint(true);
   ASSERT_TRUE(QFile::remove(path()));
   EXPECT_FALSE(preferences.showFrontmostFootprint());
 }
 
-TEST_F(PreferencesTest, TellTheirObserversBeforeTheChange) {
+TEST_F(PreferencesTest, EmitWillChangeBeforeTheChange) {
   Preferences preferences(path());
   std::vector<bool> seen;
   QObject::connect(&preferences, &Preferences::willChange, &preferences,
@@ -88,18 +88,18 @@ TEST_F(PreferencesTest, TellTheirObserversBeforeTheChange) {
   EXPECT_THAT(seen, testing::ElementsAre(false, true));
 }
 
-TEST_F(PreferencesTest, TellNothingWhenNothingChanges) {
+TEST_F(PreferencesTest, EmitNothingWithoutAChange) {
   Preferences preferences(path());
-  int told = 0;
-  QObject::connect(&preferences, &Preferences::willChange, &preferences, [&told] { ++told; });
+  int emitted = 0;
+  QObject::connect(&preferences, &Preferences::willChange, &preferences, [&emitted] { ++emitted; });
   preferences.setShowFrontmostFootprint(false);
-  EXPECT_EQ(told, 0);
+  EXPECT_EQ(emitted, 0);
   preferences.setShowFrontmostFootprint(true);
   preferences.setShowFrontmostFootprint(true);
-  EXPECT_EQ(told, 1);
+  EXPECT_EQ(emitted, 1);
 }
 
-TEST_F(PreferencesTest, ReadATrueThatAPersonWroteAndTakeNonsenseForNo) {
+TEST_F(PreferencesTest, ReadHandWrittenTrueAndTreatOtherTextAsFalse) {
   Preferences preferences(path());
   for (const char* yes : {"true", "1", "\"true\""}) {
     write(QByteArray("[General]\nshowFrontmostFootprint=") + yes + "\n");
@@ -111,7 +111,7 @@ TEST_F(PreferencesTest, ReadATrueThatAPersonWroteAndTakeNonsenseForNo) {
   }
 }
 
-TEST_F(PreferencesTest, SurviveAFileOfGarbageAndCanBeSetOverIt) {
+TEST_F(PreferencesTest, SurviveAMalformedFileAndOverwriteIt) {
   write(QByteArray("\0\xff\xfe[[[=\n==\n]\r\x01", 15) + QByteArray(100'000, '\x80'));
   Preferences preferences(path());
   EXPECT_FALSE(preferences.showFrontmostFootprint());
@@ -120,7 +120,7 @@ TEST_F(PreferencesTest, SurviveAFileOfGarbageAndCanBeSetOverIt) {
   EXPECT_TRUE(Preferences(path()).showFrontmostFootprint());
 }
 
-TEST_F(PreferencesTest, SurviveAStoreThatCannotBeWritten) {
+TEST_F(PreferencesTest, SurviveAnUnwritableStore) {
   const QString insideAFile = path() + QStringLiteral("/store.conf");
   write("a file where a directory should be");
   Preferences preferences(insideAFile);
@@ -129,7 +129,7 @@ TEST_F(PreferencesTest, SurviveAStoreThatCannotBeWritten) {
   EXPECT_TRUE(preferences.showFrontmostFootprint()) << "for as long as the program runs";
 }
 
-TEST_F(PreferencesTest, LieInTheUsersOwnStore) {
+TEST_F(PreferencesTest, AreStoredInTheUsersSettings) {
   QCoreApplication::setOrganizationName("tarn");
   QCoreApplication::setApplicationName("tarn");
   QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, directory_.path());

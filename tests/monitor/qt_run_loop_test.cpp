@@ -18,13 +18,13 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Serves the main thread's event loop until the condition holds; the test's time limit ends a wait in vain.
+/// Processes events until the condition holds. ctest's timeout ends a test that waits forever.
 template <typename Condition>
 void serveUntil(Condition condition) {
   while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-TEST(QtRunLoop, RunsTasksInOrderAndNotBeforeTheCallReturns) {
+TEST(QtRunLoop, RunsTasksInOrderAfterAsyncReturns) {
   QtRunLoop loop;
   std::vector<int> ran;
   for (int i = 0; i < 3; ++i) loop.async([&ran, i] { ran.push_back(i); });
@@ -33,19 +33,19 @@ TEST(QtRunLoop, RunsTasksInOrderAndNotBeforeTheCallReturns) {
   EXPECT_THAT(ran, ElementsAre(0, 1, 2));
 }
 
-TEST(QtRunLoop, RunsWhatATaskAdds) {
+TEST(QtRunLoop, RunsTasksThatATaskAdds) {
   QtRunLoop loop;
   bool ran = false;
   loop.async([&] { loop.async([&ran] { ran = true; }); });
   serveUntil([&ran] { return ran; });
 }
 
-TEST(QtRunLoop, RunsTasksOfOtherThreadsOnTheMainThreadInTheOrderOfEach) {
+TEST(QtRunLoop, RunsTasksOfOtherThreadsOnTheMainThreadInOrder) {
   constexpr std::size_t senderCount = 4;
   constexpr std::size_t tasksEach = 2000;
   const auto mainThread = std::this_thread::get_id();
   QtRunLoop loop;
-  // Plain memory: the hand-over alone makes the senders' writes visible to the main thread.
+  // Not atomic: only the run loop makes the senders' writes visible to the main thread.
   std::vector<std::vector<std::size_t>> written(senderCount, std::vector<std::size_t>(tasksEach));
   std::vector<std::size_t> received(senderCount);
   std::size_t total = 0;
@@ -68,7 +68,7 @@ TEST(QtRunLoop, RunsTasksOfOtherThreadsOnTheMainThreadInTheOrderOfEach) {
   EXPECT_THAT(received, testing::Each(tasksEach));
 }
 
-TEST(QtRunLoop, DestroysWithItselfWhatNeverRan) {
+TEST(QtRunLoop, DestroysTasksThatNeverRan) {
   const auto held = std::make_shared<int>();
   {
     QtRunLoop loop;
@@ -88,9 +88,10 @@ TEST(QtRunLoop, LeavesOtherEventsToQt) {
   EXPECT_TRUE(destroyed);
 }
 
+// Real time: these tests check that the interval reaches the QTimer. They wait for events, not for a delay.
 constexpr double interval = 0.03;
 
-TEST(QtRunLoopTimer, FiresForTheFirstTimeAfterOneIntervalAndThenAgainAndAgain) {
+TEST(QtRunLoopTimer, FiresRepeatedlyFromOneIntervalOn) {
   QtRunLoop loop;
   const auto mainThread = std::this_thread::get_id();
   QElapsedTimer clock;
@@ -102,18 +103,18 @@ TEST(QtRunLoopTimer, FiresForTheFirstTimeAfterOneIntervalAndThenAgainAndAgain) {
   });
   serveUntil([&fired] { return fired.size() == 4; });
   for (std::size_t i = 0; i < fired.size(); ++i) {
-    EXPECT_GE(fired[i], static_cast<qint64>(i + 1) * 30 - 2) << "earlier than its time";
+    EXPECT_GE(fired[i], static_cast<qint64>(i + 1) * 30 - 2) << "too early";
   }
 }
 
-/// Serves the loop until another timer, started later and as slow, fired five times.
+/// Processes events until another timer with the same interval, started later, fired five times.
 void serveFiveIntervals(QtRunLoop& loop) {
   int fired = 0;
   const auto timer = loop.repeatingTimer(interval, [&fired] { ++fired; });
   serveUntil([&fired] { return fired == 5; });
 }
 
-TEST(QtRunLoopTimer, FiresNoMoreOnceItIsInvalidated) {
+TEST(QtRunLoopTimer, DoesNotFireOnceInvalidated) {
   QtRunLoop loop;
   int fired = 0;
   const auto timer = loop.repeatingTimer(interval, [&fired] { ++fired; });
@@ -124,7 +125,7 @@ TEST(QtRunLoopTimer, FiresNoMoreOnceItIsInvalidated) {
   EXPECT_EQ(fired, 2);
 }
 
-TEST(QtRunLoopTimer, FiresNoMoreOnceItIsDestroyed) {
+TEST(QtRunLoopTimer, DoesNotFireOnceDestroyed) {
   QtRunLoop loop;
   const auto held = std::make_shared<int>();
   auto timer = loop.repeatingTimer(interval, [held] { FAIL(); });
@@ -133,7 +134,7 @@ TEST(QtRunLoopTimer, FiresNoMoreOnceItIsDestroyed) {
   serveFiveIntervals(loop);
 }
 
-TEST(QtRunLoopTimer, MayBeInvalidatedByItsOwnBlock) {
+TEST(QtRunLoopTimer, CanBeInvalidatedByItsBlock) {
   QtRunLoop loop;
   int fired = 0;
   std::unique_ptr<RepeatingTimer> timer = loop.repeatingTimer(interval, [&] {

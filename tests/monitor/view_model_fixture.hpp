@@ -18,10 +18,10 @@
 
 namespace tarn {
 
-/// What a view model published, as an observer reads it at one moment.
+/// The published values, as an observer reads them at one moment.
 struct Published {
-  std::optional<std::uint64_t> swapUsed;  ///< of the snapshot: tells snapshots apart
-  std::optional<double> uptime;           ///< of the extras: tells readings apart
+  std::optional<std::uint64_t> swapUsed;  ///< of the snapshot; different in each snapshot
+  std::optional<double> uptime;           ///< of the extras; different in each reading
   std::optional<std::uint64_t> frontmostFootprint;
   MemoryPressure pressure = MemoryPressure::normal;
   ThermalState thermalState = ThermalState::unknown;
@@ -29,7 +29,7 @@ struct Published {
   bool operator==(const Published&) const = default;
 };
 
-/// A view model over a fake machine, with queues, run loop and time that the test steps.
+/// A view model over a fake machine. The test steps queues, run loop and time.
 class ViewModelTest : public ::testing::Test {
  protected:
   ViewModelTest() {
@@ -64,10 +64,10 @@ class ViewModelTest : public ::testing::Test {
             .activeProcessorCount = [this] { return activeProcessors_; }};
   }
 
-  /// A view model whose first sweep is waiting to run.
+  /// Creates a view model; its first sweep is queued.
   void start() { model_ = MonitorViewModel::create(ports()); }
 
-  /// A view model at rest after its first sweep.
+  /// Creates a view model and completes its first sweep.
   void startAndSettle() {
     start();
     finishSweep();
@@ -81,7 +81,7 @@ class ViewModelTest : public ::testing::Test {
     mainTasks().runAll();
   }
 
-  /// Lets time pass and the timer's ticks reach the view model.
+  /// Advances the time and delivers the timer's ticks.
   void pass(double seconds) {
     mainLoop_.advance(seconds);
     mainTasks().runAll();
@@ -102,7 +102,7 @@ class ViewModelTest : public ::testing::Test {
     return now;
   }
 
-  /// From here on, what an observer reads whenever it is told of a change.
+  /// Returns the published values at each `willChange` from here on.
   std::vector<Published>& observe() {
     QObject::connect(model_.get(), &MonitorViewModel::willChange, model_.get(),
                      [this] { observed_.push_back(published()); });

@@ -10,7 +10,7 @@ namespace {
 
 class ViewModelLifetime : public ViewModelTest {
  protected:
-  /// Lets go of the view model; whatever keeps it alive now is its own doing.
+  /// Releases the test's reference.
   std::weak_ptr<MonitorViewModel> release() {
     std::weak_ptr<MonitorViewModel> model = model_;
     model_.reset();
@@ -18,14 +18,14 @@ class ViewModelLifetime : public ViewModelTest {
   }
 };
 
-TEST_F(ViewModelLifetime, EndsAtOnceWhenNoSweepIsInFlight) {
+TEST_F(ViewModelLifetime, IsDestroyedAtOnceWithoutASweepInFlight) {
   startAndSettle();
   EXPECT_TRUE(release().expired());
   EXPECT_EQ(pressure_.cancelled, 1);
   EXPECT_EQ(mainLoop_.validTimers(), 0);
 }
 
-TEST_F(ViewModelLifetime, IsNotProlongedByTicksAndPressureOnTheirWay) {
+TEST_F(ViewModelLifetime, IsNotExtendedByPostedTicksAndPressure) {
   startAndSettle();
   mainLoop_.advance(30);
   reportPressure(4);
@@ -37,7 +37,7 @@ TEST_F(ViewModelLifetime, IsNotProlongedByTicksAndPressureOnTheirWay) {
   EXPECT_EQ(sweeps().waiting(), 0U);
 }
 
-TEST_F(ViewModelLifetime, LeavesATimersBlockWithNothingToDo) {
+TEST_F(ViewModelLifetime, MakesALateTimerTickDoNothing) {
   startAndSettle();
   const auto block = mainLoop_.timers[0]->block;
   EXPECT_TRUE(release().expired());
@@ -46,31 +46,50 @@ TEST_F(ViewModelLifetime, LeavesATimersBlockWithNothingToDo) {
   EXPECT_EQ(sweeps().waiting(), 0U);
 }
 
-TEST_F(ViewModelLifetime, LastsUntilTheSweepInFlightHasPublishedAndEndsOnTheMainThread) {
+TEST_F(ViewModelLifetime, LastsUntilTheSweepInFlightHasPublishedOnTheMainThread) {
   start();
-  int told = 0;
-  QObject::connect(model_.get(), &MonitorViewModel::willChange, model_.get(), [&told] { ++told; });
+  int emitted = 0;
+  QObject::connect(model_.get(), &MonitorViewModel::willChange, model_.get(), [&emitted] { ++emitted; });
   const auto model = release();
   EXPECT_FALSE(model.expired());
   sweeps().runAll();
-  EXPECT_FALSE(model.expired()) << "never on the sweep's thread";
-  EXPECT_EQ(told, 0);
+  EXPECT_FALSE(model.expired()) << "not destroyed on the sweep's thread";
+  EXPECT_EQ(emitted, 0);
   mainTasks().runAll();
-  EXPECT_EQ(told, 2) << "snapshot and frontmost footprint";
+  EXPECT_EQ(emitted, 2) << "snapshot and frontmost footprint";
   EXPECT_TRUE(model.expired());
   EXPECT_EQ(pressure_.cancelled, 1);
 }
 
-TEST_F(ViewModelLifetime, GoesOnWhileASweepInFlightKeepsIt) {
+TEST_F(ViewModelLifetime, StillHandlesEventsWhileASweepIsInFlight) {
   start();
   const auto model = release();
   reportPressure(4);
   mainLoop_.advance(30);
   mainTasks().runAll();
   EXPECT_EQ(model.lock()->pressure(), MemoryPressure::critical);
-  EXPECT_EQ(sweeps().waiting(), 1U) << "and never a second sweep";
+  EXPECT_EQ(sweeps().waiting(), 1U) << "no second sweep";
   finishSweep();
   EXPECT_TRUE(model.expired());
+}
+
+TEST_F(ViewModelTest, ActivatesItsQueuesInStartSweeping) {
+  start();
+  EXPECT_FALSE(sweeps().activated);
+  EXPECT_FALSE(queues_["com.tarn.pressure"].activated);
+  EXPECT_EQ(sweeps().waiting(), 1U) << "the first sweep is requested at creation";
+  model_->startSweeping();
+  model_->startSweeping();
+  EXPECT_TRUE(sweeps().activated);
+  EXPECT_TRUE(queues_["com.tarn.pressure"].activated);
+  EXPECT_EQ(sweeps().waiting(), 1U);
+}
+
+TEST_F(ViewModelTest, ActivatesItsQueuesWhenThePopoverOpens) {
+  start();
+  model_->popoverOpened();
+  EXPECT_TRUE(sweeps().activated);
+  EXPECT_TRUE(queues_["com.tarn.pressure"].activated);
 }
 
 }  // namespace

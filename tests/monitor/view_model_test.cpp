@@ -11,14 +11,14 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST_F(ViewModelTest, IsBuiltInAFixedOrder) {
+TEST_F(ViewModelTest, CallsItsPortsInAFixedOrderAtCreation) {
   start();
   EXPECT_THAT(machine_.calls,
               ElementsAre("queue com.tarn.sampler", "pressureLevel", "queue com.tarn.pressure"));
   EXPECT_EQ(pressure_.resumed, 1);
 }
 
-TEST_F(ViewModelTest, HasNothingToShowAtFirstButThePressure) {
+TEST_F(ViewModelTest, PublishesOnlyThePressureAtFirst) {
   pressureLevel_ = 4;
   start();
   EXPECT_EQ(published(), Published{.pressure = MemoryPressure::critical});
@@ -35,7 +35,7 @@ TEST_F(ViewModelTest, ReadsUnknownAndFailedPressureLevelsAsNormal) {
   EXPECT_EQ(model_->pressure(), MemoryPressure::warning);
 }
 
-TEST_F(ViewModelTest, RequestsItsFirstSweepAtOnceAndRunsItOnItsQueue) {
+TEST_F(ViewModelTest, RequestsItsFirstSweepAtCreationAndRunsItOnItsQueue) {
   start();
   EXPECT_EQ(sweeps().waiting(), 1U);
   EXPECT_EQ(machine_.callsOf("allPIDs"), 0);
@@ -53,7 +53,7 @@ TEST_F(ViewModelTest, ReadsNoExtrasForItsFirstSweep) {
   EXPECT_EQ(model_->extras(), std::nullopt);
 }
 
-TEST_F(ViewModelTest, SweepsEveryThirtySecondsForTheFirstTimeAfterOneInterval) {
+TEST_F(ViewModelTest, SweepsEveryThirtySecondsFromOneIntervalOn) {
   startAndSettle();
   ASSERT_EQ(mainLoop_.timers.size(), 1U);
   EXPECT_EQ(mainLoop_.timers[0]->interval, 30.0);
@@ -68,7 +68,7 @@ TEST_F(ViewModelTest, SweepsEveryThirtySecondsForTheFirstTimeAfterOneInterval) {
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
-TEST_F(ViewModelTest, HandsATickOnToTheMainThreadsTasks) {
+TEST_F(ViewModelTest, PostsATimerTickToTheMainThread) {
   startAndSettle();
   mainLoop_.advance(30);
   EXPECT_EQ(sweeps().waiting(), 0U);
@@ -77,10 +77,10 @@ TEST_F(ViewModelTest, HandsATickOnToTheMainThreadsTasks) {
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
-TEST_F(ViewModelTest, DropsATickWhileASweepWaitsRunsOrIsAboutToPublish) {
+TEST_F(ViewModelTest, DropsATickWhileASweepIsInFlight) {
   start();
   pass(30);
-  EXPECT_EQ(sweeps().waiting(), 1U) << "the first sweep alone";
+  EXPECT_EQ(sweeps().waiting(), 1U) << "only the first sweep";
   sweeps().runAll();
   mainLoop_.advance(30);
   ASSERT_EQ(mainTasks().waiting(), 2U) << "results, then the tick";
@@ -88,7 +88,7 @@ TEST_F(ViewModelTest, DropsATickWhileASweepWaitsRunsOrIsAboutToPublish) {
   mainTasks().runOne();
   EXPECT_FALSE(observed.empty());
   mainTasks().runOne();
-  EXPECT_EQ(sweeps().waiting(), 1U) << "published before the tick came: a new sweep";
+  EXPECT_EQ(sweeps().waiting(), 1U) << "the tick came after the results: a new sweep";
 
   sweeps().runAll();
   ASSERT_EQ(mainTasks().waiting(), 1U);
@@ -96,7 +96,7 @@ TEST_F(ViewModelTest, DropsATickWhileASweepWaitsRunsOrIsAboutToPublish) {
   EXPECT_EQ(sweeps().waiting(), 0U) << "dropped: the results are not published yet";
 }
 
-TEST_F(ViewModelTest, NeverQueuesASecondSweepHoweverLongOneTakes) {
+TEST_F(ViewModelTest, NeverQueuesASecondSweep) {
   start();
   const auto& observed = observe();
   pass(300);
@@ -109,25 +109,25 @@ TEST_F(ViewModelTest, NeverQueuesASecondSweepHoweverLongOneTakes) {
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
-TEST_F(ViewModelTest, SweepsOnAtItsPaceWhenTheClocksDoNotAgreeWithIt) {
+TEST_F(ViewModelTest, KeepsItsIntervalWhenTheClockJumps) {
   startAndSettle();
   model_->popoverOpened();
   finishSweep();
-  for (const double uptime : {30'000.0, 30'000.0, 5.0, 6.0}) {  // ahead, at a stand, back, on
+  for (const double uptime : {30'000.0, 30'000.0, 5.0, 6.0}) {  // forward, still, back, forward
     machine_.uptime = uptime;
     extras_.uptime = uptime;
     machine_.process(20).usage->cpuTime += 1'000'000'000;
     pass(3);
     EXPECT_EQ(sweeps().waiting(), 1U);
     finishSweep();
-    EXPECT_EQ(sweeps().waiting(), 0U) << "nothing is caught up with";
-    EXPECT_EQ(model_->extras()->uptime, uptime) << "as the system tells it";
+    EXPECT_EQ(sweeps().waiting(), 0U) << "no sweep is made up for";
+    EXPECT_EQ(model_->extras()->uptime, uptime) << "as the system reports it";
     EXPECT_GE(model_->cpuPresentation().totalPercent, 0);
     EXPECT_LE(model_->cpuPresentation().totalPercent, 100);
   }
 }
 
-TEST_F(ViewModelTest, TellsItsObserversBeforeEachChangeInAFixedOrder) {
+TEST_F(ViewModelTest, EmitsWillChangeBeforeEachChangeInAFixedOrder) {
   frontmost_ = FrontmostApplication{.bundlePath = "/opt/A.app"};
   machine_.memory.swapUsed = 7;
   startAndSettle();
@@ -148,7 +148,7 @@ TEST_F(ViewModelTest, TellsItsObserversBeforeEachChangeInAFixedOrder) {
                 .swapUsed = 8, .uptime = 1, .frontmostFootprint = 1300, .thermalState = ThermalState::fair}));
 }
 
-TEST_F(ViewModelTest, TellsItsObserversOfEqualValuesToo) {
+TEST_F(ViewModelTest, EmitsWillChangeForEqualValuesToo) {
   startAndSettle();
   const auto& observed = observe();
   pass(30);
@@ -156,21 +156,21 @@ TEST_F(ViewModelTest, TellsItsObserversOfEqualValuesToo) {
   EXPECT_EQ(observed.size(), 2U) << "snapshot and frontmost footprint";
 }
 
-TEST_F(ViewModelTest, AcceptsRequestsAgainOnlyAfterTheLastChange) {
+TEST_F(ViewModelTest, AcceptsRequestsOnlyAfterTheLastChange) {
   start();
-  int told = 0;
+  int emitted = 0;
   QObject::connect(model_.get(), &MonitorViewModel::willChange, model_.get(), [&] {
-    ++told;
+    ++emitted;
     model_->popoverOpened();
     EXPECT_EQ(sweeps().waiting(), 0U);
   });
   finishSweep();
-  EXPECT_EQ(told, 2);
+  EXPECT_EQ(emitted, 2);
   model_->popoverOpened();
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
-TEST_F(ViewModelTest, SweepsAtOnceAndEveryThreeSecondsOnceThePopoverOpens) {
+TEST_F(ViewModelTest, SweepsAtOnceAndEveryThreeSecondsWhenThePopoverOpens) {
   startAndSettle();
   model_->popoverOpened();
   EXPECT_EQ(sweeps().waiting(), 1U);
@@ -188,7 +188,7 @@ TEST_F(ViewModelTest, SweepsAtOnceAndEveryThreeSecondsOnceThePopoverOpens) {
   }
 }
 
-TEST_F(ViewModelTest, GoesBackToThirtySecondsWithoutASweepWhenThePopoverCloses) {
+TEST_F(ViewModelTest, ReturnsToThirtySecondsWithoutASweepWhenThePopoverCloses) {
   startAndSettle();
   model_->popoverOpened();
   finishSweep();
@@ -204,7 +204,7 @@ TEST_F(ViewModelTest, GoesBackToThirtySecondsWithoutASweepWhenThePopoverCloses) 
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
-TEST_F(ViewModelTest, HasOneTimerHoweverOftenThePopoverOpens) {
+TEST_F(ViewModelTest, KeepsOneTimerWhenThePopoverOpensAgain) {
   startAndSettle();
   for (int i = 0; i < 3; ++i) model_->popoverOpened();
   EXPECT_EQ(mainLoop_.validTimers(), 1);
@@ -219,17 +219,17 @@ TEST_F(ViewModelTest, PublishesANewPressureLevelAndSweepsAtOnce) {
   mainTasks().runAll();
   EXPECT_EQ(model_->pressure(), MemoryPressure::warning);
   ASSERT_EQ(observed.size(), 1U);
-  EXPECT_EQ(observed[0].pressure, MemoryPressure::normal) << "told before the change";
+  EXPECT_EQ(observed[0].pressure, MemoryPressure::normal) << "emitted before the change";
   EXPECT_EQ(sweeps().waiting(), 1U);
-  EXPECT_EQ(mainLoop_.timers.size(), 1U) << "the timer goes on as it was";
+  EXPECT_EQ(mainLoop_.timers.size(), 1U) << "the timer is unchanged";
 }
 
-TEST_F(ViewModelTest, PublishesANewPressureLevelAlsoWhenItsSweepIsDropped) {
+TEST_F(ViewModelTest, PublishesANewPressureLevelWhenItsSweepIsDropped) {
   start();
   reportPressure(4);
   mainTasks().runAll();
   EXPECT_EQ(model_->pressure(), MemoryPressure::critical);
-  EXPECT_EQ(sweeps().waiting(), 1U) << "the first sweep alone";
+  EXPECT_EQ(sweeps().waiting(), 1U) << "only the first sweep";
   finishSweep();
   EXPECT_EQ(sweeps().waiting(), 0U);
 }
@@ -242,7 +242,7 @@ TEST_F(ViewModelTest, PublishesEqualPressureLevelsEachTime) {
   EXPECT_EQ(observed.size(), 3U);
 }
 
-TEST_F(ViewModelTest, GathersExtrasInASweepThatPressureRequestsWhileThePopoverIsOpen) {
+TEST_F(ViewModelTest, ReadsExtrasInASweepForPressureWhileThePopoverIsOpen) {
   startAndSettle();
   model_->popoverOpened();
   finishSweep();
@@ -267,7 +267,7 @@ TEST_F(ViewModelTest, PresentsTheSwapOfTheLatestSnapshot) {
   EXPECT_EQ(model_->presentation(), (StatusPresentation{MemoryPressure::normal, 9}));
 }
 
-TEST_F(ViewModelTest, PresentsTheProcessorShareOfAllGroupsAndAsksForTheCoresEachTime) {
+TEST_F(ViewModelTest, PresentsTheSharesOfAllGroupsAndReadsTheCoreCountEachTime) {
   startAndSettle();
   machine_.process(10).usage->cpuTime = 3'000'000'000;
   machine_.process(20).usage->cpuTime = 1'500'000'000;

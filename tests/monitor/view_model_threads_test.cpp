@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The view model with the threads that it has when it is at work.
+// The view model with its real threads and run loop.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,10 +11,11 @@
 #include <memory>
 #include <set>
 #include <thread>
+#include <utility>
 
+#include "monitor/concurrency.hpp"
 #include "monitor/monitor_view_model.hpp"
 #include "monitor/qt_run_loop.hpp"
-#include "monitor/serial_queue.hpp"
 #include "support/fake_extras.hpp"
 #include "support/fake_machine.hpp"
 
@@ -26,7 +27,8 @@ void serveUntil(Condition condition) {
   while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-/// Reports pressure from the queue whenever the test allows another report, and occupies it until destroyed.
+/// Reports pressure on its queue each time that the test calls `allowAnother`; occupies the queue until
+/// destroyed.
 class EagerPressureSource final : public PressureSource {
  public:
   EagerPressureSource() = default;
@@ -81,10 +83,10 @@ class ViewModelThreads : public ::testing::Test {
     };
   }
 
-  std::shared_ptr<MonitorViewModel> create() {
+  std::shared_ptr<MonitorViewModel> create(SerialQueue::Start start = SerialQueue::Start::active) {
     SamplerPort sampler = samplerPortOf(machine_);
-    // The machine is the sweeps' thread's own from here on, and changes from sweep to sweep.
-    sampler.uptime = [this, alive = mortal()] {
+    // From here on only the sampler's thread uses the machine, which changes from sweep to sweep.
+    sampler.uptime = [this, owned = recordDestruction()] {
       threads_.insert(std::this_thread::get_id());
       machine_.calls.clear();
       ++machine_.memory.swapUsed;
@@ -95,7 +97,7 @@ class ViewModelThreads : public ::testing::Test {
     pressure_ = pressure.get();
     return MonitorViewModel::create(
         {.mainLoop = mainLoop_,
-         .makeQueue = [](const std::string&) { return std::make_unique<SerialQueue>(); },
+         .makeQueue = [start](const std::string&) { return std::make_unique<SerialQueue>(start); },
          .sampler = std::move(sampler),
          .extras = extras_.port(),
          .pressureLevel = [] { return 1; },
@@ -105,25 +107,25 @@ class ViewModelThreads : public ::testing::Test {
          .activeProcessorCount = [] { return 8; }});
   }
 
-  /// Something that the sampler owns and that tells the thread it ends on.
-  std::shared_ptr<int> mortal() {
-    return {new int, [this](const int* dying) {
-              endedOn_ = std::this_thread::get_id();
-              delete dying;
+  /// Returns an object whose deleter stores its thread; the sampler owns it.
+  std::shared_ptr<int> recordDestruction() {
+    return {new int, [this](const int* object) {
+              destroyedOn_ = std::this_thread::get_id();
+              delete object;
             }};
   }
 
   QtRunLoop mainLoop_;
   FakeMachine machine_;
-  FakeExtras extras_;                  // the sweeps' thread's own
-  std::set<std::thread::id> threads_;  // likewise
+  FakeExtras extras_;                  // sampler's thread only
+  std::set<std::thread::id> threads_;  // sampler's thread only
   EagerPressureSource* pressure_ = nullptr;
-  std::thread::id endedOn_;
+  std::thread::id destroyedOn_;
 };
 
-TEST_F(ViewModelThreads, SweepAndReportWhileThePopoverOpensAndCloses) {
+TEST_F(ViewModelThreads, SweepWhilePressureIsReportedAndThePopoverOpensAndCloses) {
   auto model = create();
-  // Every sweep reads a swap use of its own.
+  // Every sweep reads another swap figure.
   const auto latest = [&model] { return model->presentation().swapUsed; };
   double lastUptime = 0;
   for (int round = 0; round < 300; ++round) {
@@ -143,12 +145,12 @@ TEST_F(ViewModelThreads, SweepAndReportWhileThePopoverOpensAndCloses) {
 
   const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
   serveUntil([&inFlight] { return inFlight.expired(); });
-  EXPECT_EQ(endedOn_, std::this_thread::get_id());
+  EXPECT_EQ(destroyedOn_, std::this_thread::get_id());
   EXPECT_EQ(threads_.size(), 1U);
   EXPECT_FALSE(threads_.contains(std::this_thread::get_id()));
 }
 
-TEST_F(ViewModelThreads, KeepTheMainThreadFreeWhileADriverDoesNotAnswer) {
+TEST_F(ViewModelThreads, KeepTheMainThreadFreeWhileASensorBlocks) {
   std::atomic<bool> asked = false;
   std::atomic<bool> answers = false;
   extras_.onCall = [&](const std::string& operation) {
@@ -168,7 +170,7 @@ TEST_F(ViewModelThreads, KeepTheMainThreadFreeWhileADriverDoesNotAnswer) {
   model->popoverClosed();
   model->popoverOpened();
   serveUntil([&served] { return served; });
-  EXPECT_EQ(model->presentation().swapUsed, before) << "that sweep is not over";
+  EXPECT_EQ(model->presentation().swapUsed, before) << "the sweep is still in flight";
   EXPECT_EQ(model->extras(), std::nullopt);
 
   answers = true;
@@ -179,9 +181,9 @@ TEST_F(ViewModelThreads, KeepTheMainThreadFreeWhileADriverDoesNotAnswer) {
   serveUntil([&inFlight] { return inFlight.expired(); });
 }
 
-TEST_F(ViewModelThreads, EndTogetherWithTheViewModelWheneverItIsLetGo) {
+TEST_F(ViewModelThreads, EndWithTheViewModelWheneverItIsReleased) {
   for (int round = 0; round < 50; ++round) {
-    endedOn_ = {};
+    destroyedOn_ = {};
     threads_.clear();
     auto model = create();
     for (int report = 0; report < round % 4; ++report) pressure_->allowAnother();
@@ -192,8 +194,31 @@ TEST_F(ViewModelThreads, EndTogetherWithTheViewModelWheneverItIsLetGo) {
     const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
     EXPECT_FALSE(inFlight.expired());
     serveUntil([&inFlight] { return inFlight.expired(); });
-    EXPECT_EQ(endedOn_, std::this_thread::get_id());
+    EXPECT_EQ(destroyedOn_, std::this_thread::get_id());
   }
+}
+
+TEST_F(ViewModelThreads, RunNothingUntilSweepingStarts) {
+  auto model = create(SerialQueue::Start::inactive);
+  pressure_->allowAnother();
+  bool served = false;
+  mainLoop_.async([&served] { served = true; });
+  serveUntil([&served] { return served; });
+  EXPECT_TRUE(machine_.calls.empty());
+  EXPECT_EQ(model->snapshot(), std::nullopt);
+
+  model->startSweeping();
+  serveUntil([&model] { return model->snapshot().has_value(); });
+  const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
+  serveUntil([&inFlight] { return inFlight.expired(); });
+}
+
+TEST_F(ViewModelThreads, EndWhenSweepingStartsJustBeforeTheRelease) {
+  auto model = create(SerialQueue::Start::inactive);
+  model->startSweeping();
+  const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
+  serveUntil([&inFlight] { return inFlight.expired(); });
+  EXPECT_EQ(destroyedOn_, std::this_thread::get_id());
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "monitor/pressure_source.hpp"
+#include "monitor/memory_pressure.hpp"
 
 namespace tarn {
 

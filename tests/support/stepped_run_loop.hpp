@@ -12,13 +12,15 @@
 #include <utility>
 #include <vector>
 
-#include "monitor/run_loop.hpp"
+#include "monitor/concurrency.hpp"
 
 namespace tarn {
 
 /// Queued tasks that run only when the test calls runOne or runAll, on the calling thread.
 class SteppedTasks {
  public:
+  bool activated = false;  ///< whether the queue's `activate` was called; tasks run in any case
+
   void push(TaskQueue::Task task) { tasks_.push_back(std::move(task)); }
   std::size_t waiting() const { return tasks_.size(); }
 
@@ -40,20 +42,24 @@ class SteppedTasks {
 /// A serial queue whose tasks run when the test calls SteppedTasks::runOne or runAll.
 class SteppedQueue final : public TaskQueue {
  public:
-  /// `tasks` must outlive the queue.
-  explicit SteppedQueue(SteppedTasks& tasks) : tasks_(tasks) {}
-  void async(Task task) override { tasks_.push(std::move(task)); }
+  /// `tasks` must outlive the last call of `async`.
+  explicit SteppedQueue(std::weak_ptr<SteppedTasks> tasks) : tasks_(std::move(tasks)) {}
+  void async(Task task) override { tasks_.lock()->push(std::move(task)); }
+  void activate() override {
+    // A task that never ran may hold the queue's owner, which activates its queue when it is destroyed.
+    if (const auto tasks = tasks_.lock()) tasks->activated = true;
+  }
 
  private:
-  SteppedTasks& tasks_;
+  std::weak_ptr<SteppedTasks> tasks_;
 };
 
-/// Creates queues and keeps their tasks by label. Must outlive the queues.
+/// Creates queues and keeps their tasks by label.
 class SteppedQueues {
  public:
   std::unique_ptr<TaskQueue> make(const std::string& label) {
-    tasks_.emplace_back(label, std::make_unique<SteppedTasks>());
-    return std::make_unique<SteppedQueue>(*tasks_.back().second);
+    tasks_.emplace_back(label, std::make_shared<SteppedTasks>());
+    return std::make_unique<SteppedQueue>(tasks_.back().second);
   }
 
   /// The tasks of the most recently created queue with this label.
@@ -64,7 +70,7 @@ class SteppedQueues {
   }
 
  private:
-  std::vector<std::pair<std::string, std::unique_ptr<SteppedTasks>>> tasks_;
+  std::vector<std::pair<std::string, std::shared_ptr<SteppedTasks>>> tasks_;
 };
 
 /// A timer of a SteppedRunLoop. Kept after it was invalidated.

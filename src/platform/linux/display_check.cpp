@@ -45,7 +45,7 @@ bool reachesWayland() {
 }  // namespace
 
 std::optional<QString> findDisplayProblem() {
-  // Another of the toolkit's platforms was asked for; whether it works is for the toolkit to say.
+  // The user selected another Qt platform plugin; Qt itself reports whether it works.
   const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
   if (!chosen.isEmpty() && !chosen.startsWith("xcb") && !chosen.startsWith("wayland")) return std::nullopt;
   const bool acceptsX11 = chosen.isEmpty() || chosen.startsWith("xcb");

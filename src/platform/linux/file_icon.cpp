@@ -16,20 +16,20 @@ namespace tarn {
 
 namespace {
 
-QIcon iconForPrograms() {
+QIcon executableIcon() {
   return QIcon::fromTheme(QStringLiteral("application-x-executable"));
 }
 
-/// The icon theme's name for an application is by custom its own, in lower case.
+/// By convention, the name of an application's theme icon is the application's name in lower case.
 QString themeIconName(const std::string& path) {
   const std::string_view name = deletingPathExtension(lastPathComponent(path));
   return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())).toLower();
 }
 
-/// The theme's icon of a name; null without one, and for what is no name.
+/// The theme's icon of that name; null when there is none or the name is not valid.
 QIcon themeIcon(QString name) {
   constexpr qsizetype longest = 255;
-  // Some files name the picture's kind, too, which themes do not know.
+  // Some desktop files append the image format, which theme icon names do not have.
   for (const QLatin1String ending : {QLatin1String(".png"), QLatin1String(".svg"), QLatin1String(".xpm")}) {
     if (name.endsWith(ending)) name.chop(ending.size());
   }
@@ -37,31 +37,31 @@ QIcon themeIcon(QString name) {
   return QIcon::fromTheme(name);
 }
 
-/// The first picture of a bundle that the toolkit can read.
+/// The first image of a bundle that Qt can read.
 QIcon bundleIcon(const std::string& bundle) {
-  for (const std::string& picture : bundlePictures(bundle)) {
-    QIcon icon = pictureIcon(QString::fromStdString(picture));
+  for (const std::string& image : bundleIconFiles(bundle)) {
+    QIcon icon = imageIcon(QString::fromStdString(image));
     if (!icon.isNull()) return icon;
   }
   return {};
 }
 
 QIcon namedIcon(const QString& name) {
-  return name.startsWith(u'/') ? pictureIcon(name) : themeIcon(name);
+  return name.startsWith(u'/') ? imageIcon(name) : themeIcon(name);
 }
 
 }  // namespace
 
-QIcon pictureIcon(const QString& path) {
-  constexpr qint64 largestFile = qint64{8} << 20;
-  constexpr int largestSide = 4096;  // pixels
-  constexpr QSize enough(128, 128);
+QIcon imageIcon(const QString& path) {
+  constexpr qint64 largestFile = qint64{8} << 20;  // bytes
+  constexpr int largestSide = 4096;                // pixels
+  constexpr QSize iconSize(128, 128);              // pixels
   const QFileInfo file(path);
   if (!file.isFile() || file.size() > largestFile) return {};
   QImageReader reader(path);
   const QSize size = reader.size();
   if (size.isEmpty() || size.width() > largestSide || size.height() > largestSide) return {};
-  reader.setScaledSize(size.scaled(enough, Qt::KeepAspectRatio).boundedTo(size));
+  reader.setScaledSize(size.scaled(iconSize, Qt::KeepAspectRatio).boundedTo(size));
   const QImage image = reader.read();
   return image.isNull() ? QIcon() : QIcon(QPixmap::fromImage(image));
 }
@@ -72,7 +72,7 @@ QIcon applicationIcon(const std::string& path) {
     icon = namedIcon(QString::fromStdString(appearance->icon));
   if (path.ends_with(".app")) icon = bundleIcon(path);
   if (icon.isNull()) icon = themeIcon(themeIconName(path));
-  return icon.isNull() ? iconForPrograms() : icon;
+  return icon.isNull() ? executableIcon() : icon;
 }
 
 }  // namespace tarn

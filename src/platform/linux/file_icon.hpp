@@ -8,13 +8,13 @@
 
 namespace tarn {
 
-/// The picture in a file, scaled down to what icons need; null for what is no regular file, is larger than
-/// any icon, or is no picture that the toolkit can read. Never waits.
-QIcon pictureIcon(const QString& path);
+/// The image in a file, scaled down to icon size. Null when it is not a regular file, is too large, or has no
+/// format that Qt reads. Does not block on pipes and devices. Main thread.
+QIcon imageIcon(const QString& path);
 
-/// The icon of an application by its path: the one that its desktop file names, in the icon theme or as a
-/// file; the picture of a ".app" directory; for want of these the theme's icon of the application's own name.
-/// Where there is none, the theme's icon for programs.
+/// The icon of an application: `path` is its desktop file or its ".app" directory. The first of: the desktop
+/// file's Icon key (a theme icon's name or a file, Icon Theme Specification), the image in the ".app"
+/// directory, the theme's icon of the application's name, the theme's icon for executables. Main thread.
 QIcon applicationIcon(const std::string& path);
 
 }  // namespace tarn

@@ -8,6 +8,7 @@
 #include <sys/prctl.h>
 
 #include <QCoreApplication>
+#include <QCursor>
 #include <QDBusConnection>
 #include <QDesktopServices>
 #include <QGuiApplication>
@@ -19,7 +20,6 @@
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "platform/linux/dbus/bus_single_instance.hpp"
 #include "platform/linux/dbus/portals.hpp"
-#include "platform/linux/dbus/portal_url_opener.hpp"
 #include "platform/linux/dbus/session_bus.hpp"
 #include "platform/linux/display_check.hpp"
 #include "platform/linux/file_icon.hpp"
@@ -30,8 +30,9 @@
 #include "platform/linux/termination_signals.hpp"
 #include "platform/linux/wayland/compositor_frontmost.hpp"
 #include "platform/linux/wayland/compositor_ipc.hpp"
-#include "platform/linux/window_system.hpp"
-#include "platform/linux/x11/x11_frontmost.hpp"
+#include "platform/linux/wayland/compositor_placement.hpp"
+#include "platform/linux/x11/x11_click.hpp"
+#include "platform/linux/x11/x11_session.hpp"
 #include "platform/linux/x11/x11_workspace_watch.hpp"
 
 namespace tarn {
@@ -42,6 +43,16 @@ constexpr auto trayTimeout = std::chrono::milliseconds(50);
 
 bool runsOnX11() {
   return QGuiApplication::platformName() == u"xcb";
+}
+
+bool runsOnWayland() {
+  return QGuiApplication::platformName().startsWith(u"wayland");
+}
+
+/// Qt's connection to the X server; null on other window systems.
+xcb_connection_t* x11Connection() {
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  return x11 == nullptr ? nullptr : x11->connection();
 }
 
 /// Moves `service`, which was made for the session bus, to every session bus that appears later.
@@ -145,9 +156,10 @@ Formatters LinuxPlatform::formatters() const {
 
 std::unique_ptr<MenuBarItem> LinuxPlatform::makeMenuBarItem() {
   PanelItemDesktop desktop{QDBusConnection::sessionBus(), runningProgramName, {}};
+  desktop.releaseMemory = [this] { releaseFreeHeap(); };
   if (runsOnX11()) {
-    desktop.hasEmbeddingTray = [session = std::make_shared<X11Session>()] {
-      return session->hasEmbeddingTray(X11Session::Clock::now() + trayTimeout);
+    desktop.hasXembedTray = [session = std::make_shared<X11Session>()] {
+      return session->hasXembedTray(X11Session::Clock::now() + trayTimeout);
     };
   }
   auto item = std::make_unique<PanelItem>(std::move(desktop));
@@ -173,18 +185,29 @@ UrlOpener LinuxPlatform::makeUrlOpener() {
 }
 
 WindowSystemState LinuxPlatform::windowSystemState() const {
-  return queryWindowSystem();
+  if (xcb_connection_t* const x11 = x11Connection()) {
+    const X11ClickState state = queryX11ClickState(x11, screenScales());
+    return {.capabilities = {.clientsPlaceWindows = true, .blendsWindows = state.hasCompositor},
+            .pointer = state.pointer,
+            .windowUnderPointer = state.windowUnderPointer};
+  }
+  if (runsOnWayland()) return {.capabilities = {.clientsPlaceWindows = false, .blendsWindows = true}};
+  return {.pointer = QCursor::pos()};
 }
 
 std::unique_ptr<CompositorPlacement> LinuxPlatform::makeCompositorPlacement() {
-  return runningCompositorPlacement();
+  if (!runsOnWayland()) return nullptr;
+  if (std::string sway = swaySocket(); !sway.empty()) return swayPlacement(std::move(sway));
+  if (std::string hyprland = hyprlandSocket(); !hyprland.empty())
+    return hyprlandPlacement(std::move(hyprland));
+  return nullptr;
 }
 
 std::unique_ptr<QObject> LinuxPlatform::watchWorkspaces(std::function<void()> switched) {
   // On Wayland a change of workspace takes the focus from the popover, which closes it.
-  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  xcb_connection_t* const x11 = x11Connection();
   if (x11 == nullptr) return nullptr;
-  return std::make_unique<X11WorkspaceWatch>(x11->connection(), std::move(switched));
+  return std::make_unique<X11WorkspaceWatch>(x11, std::move(switched));
 }
 
 }  // namespace tarn

@@ -17,45 +17,45 @@ namespace tarn {
 
 namespace {
 
-constexpr std::array endings{SIGTERM, SIGINT, SIGHUP};
-constexpr int none = -1;
+constexpr std::array terminationSignals{SIGTERM, SIGINT, SIGHUP};
+constexpr int noDescriptor = -1;
 
-/// What the handler writes to: a handler is given nothing else.
-std::atomic<int> signalledDescriptor = none;
+/// The eventfd that the handler writes to. Global, because a signal handler has no context argument.
+std::atomic<int> signalledDescriptor = noDescriptor;
 static_assert(std::atomic<int>::is_always_lock_free);
 
-void noteSignal(int /*signal*/) {
-  const int before = errno;
+void handleSignal(int /*signal*/) {
+  const int savedErrno = errno;
   const std::uint64_t one = 1;
   [[maybe_unused]] const ssize_t written = ::write(signalledDescriptor, &one, sizeof one);
-  errno = before;
+  errno = savedErrno;
 }
 
-void handleEndings(void (*handler)(int)) {
+void installHandler(void (*handler)(int)) {
   struct sigaction action = {};
   action.sa_handler = handler;
   action.sa_flags = SA_RESTART;
-  for (const int signal : endings) ::sigaction(signal, &action, nullptr);
+  for (const int signal : terminationSignals) ::sigaction(signal, &action, nullptr);
 }
 
 }  // namespace
 
-TerminationSignals::TerminationSignals(std::function<void()> end)
+TerminationSignals::TerminationSignals(std::function<void()> terminate)
     : signalled_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       notifier_(signalled_.number(), QSocketNotifier::Read) {
   if (!signalled_.valid()) return;
-  connect(&notifier_, &QSocketNotifier::activated, this, [this, end = std::move(end)] {
+  connect(&notifier_, &QSocketNotifier::activated, this, [this, terminate = std::move(terminate)] {
     std::uint64_t count = 0;
-    if (::read(signalled_.number(), &count, sizeof count) > 0) end();
+    if (::read(signalled_.number(), &count, sizeof count) > 0) terminate();
   });
   signalledDescriptor = signalled_.number();
-  handleEndings(&noteSignal);
+  installHandler(&handleSignal);
 }
 
 TerminationSignals::~TerminationSignals() {
   if (!signalled_.valid()) return;
-  handleEndings(SIG_DFL);
-  signalledDescriptor = none;
+  installHandler(SIG_DFL);
+  signalledDescriptor = noDescriptor;
 }
 
 }  // namespace tarn

@@ -11,19 +11,19 @@
 
 namespace tarn {
 
-/// Has the signals by which a session, a service manager or a terminal ends a program arrive as a call on the
-/// main thread. They are caught rather than blocked, so that programs which Tarn starts get them as ever. One
-/// at a time; signals do what they did before once it is destroyed. Main thread.
+/// Calls a function on the main thread when SIGTERM, SIGINT or SIGHUP arrives (from systemd, a session or a
+/// terminal). The signals are caught, not blocked, because child processes inherit blocked signals. The
+/// destructor restores the default actions. Only one object may exist at a time. Main thread.
 class TerminationSignals final : public QObject {
  public:
-  explicit TerminationSignals(std::function<void()> end);
+  explicit TerminationSignals(std::function<void()> terminate);
   ~TerminationSignals() override;
 
   TerminationSignals(const TerminationSignals&) = delete;
   TerminationSignals& operator=(const TerminationSignals&) = delete;
 
  private:
-  FileDescriptor signalled_;
+  FileDescriptor signalled_;  ///< eventfd(2), written by the signal handler
   QSocketNotifier notifier_;
 };
 

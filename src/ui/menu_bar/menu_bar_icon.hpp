@@ -7,7 +7,7 @@
 #include <QImage>
 #include <QString>
 
-#include "monitor/tint.hpp"
+#include "monitor/presentation.hpp"
 
 namespace tarn::MenuBarIcon {
 

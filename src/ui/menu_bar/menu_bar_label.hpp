@@ -8,7 +8,6 @@
 #include <optional>
 
 #include "monitor/presentation.hpp"
-#include "monitor/tint.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn {

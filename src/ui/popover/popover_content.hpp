@@ -13,9 +13,7 @@
 #include <vector>
 
 #include "extras/thermal.hpp"
-#include "monitor/cpu_presentation.hpp"
 #include "monitor/presentation.hpp"
-#include "monitor/tint.hpp"
 #include "sampling/snapshot.hpp"
 #include "ui/popover/popover_tab.hpp"
 

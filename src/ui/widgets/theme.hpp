@@ -7,7 +7,7 @@
 #include <QFont>
 #include <QPalette>
 
-#include "monitor/tint.hpp"
+#include "monitor/presentation.hpp"
 
 class QWidget;
 

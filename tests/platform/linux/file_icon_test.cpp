@@ -17,7 +17,7 @@ class FileIconTest : public ::testing::Test {
  protected:
   QString path(const QString& name) const { return folder_.filePath(name); }
 
-  QString writePicture(const QString& name, const QSize& size, Qt::GlobalColor color = Qt::red) const {
+  QString writeImage(const QString& name, const QSize& size, Qt::GlobalColor color = Qt::red) const {
     QImage image(size, QImage::Format_RGB32);
     image.fill(color);
     EXPECT_TRUE(image.save(path(name)));
@@ -39,40 +39,40 @@ class FileIconTest : public ::testing::Test {
   QTemporaryDir folder_;
 };
 
-TEST_F(FileIconTest, IsThePictureThatTheDesktopFileNames) {
-  const QIcon icon = iconOfDesktopFile(writePicture(QStringLiteral("a.png"), {48, 48}, Qt::blue));
+TEST_F(FileIconTest, IsTheImageThatTheDesktopFileNames) {
+  const QIcon icon = iconOfDesktopFile(writeImage(QStringLiteral("a.png"), {48, 48}, Qt::blue));
   EXPECT_EQ(colorOf(icon), QColor(Qt::blue));
 }
 
-TEST_F(FileIconTest, IsScaledDownFromALargePicture) {
-  const QIcon icon = pictureIcon(writePicture(QStringLiteral("a.png"), {2000, 1000}));
+TEST_F(FileIconTest, IsScaledDownFromALargeImage) {
+  const QIcon icon = imageIcon(writeImage(QStringLiteral("a.png"), {2000, 1000}));
   ASSERT_FALSE(icon.isNull());
   EXPECT_EQ(icon.availableSizes(), QList<QSize>{QSize(128, 64)});
 }
 
-TEST_F(FileIconTest, IsNoneOfAnEnormousPictureOrFile) {
-  EXPECT_TRUE(pictureIcon(writePicture(QStringLiteral("wide.png"), {5000, 2})).isNull());
+TEST_F(FileIconTest, IsNullForAnImageOrFileThatIsTooLarge) {
+  EXPECT_TRUE(imageIcon(writeImage(QStringLiteral("wide.png"), {5000, 2})).isNull());
   QFile file(path(QStringLiteral("large.png")));
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
   ASSERT_TRUE(file.resize(qint64{50} << 20));
-  EXPECT_TRUE(pictureIcon(file.fileName()).isNull());
+  EXPECT_TRUE(imageIcon(file.fileName()).isNull());
 }
 
-TEST_F(FileIconTest, IsNoneOfWhatIsNoPicture) {
-  EXPECT_TRUE(pictureIcon(QStringLiteral("/dev/zero")).isNull());
-  EXPECT_TRUE(pictureIcon(folder_.path()).isNull());
-  EXPECT_TRUE(pictureIcon(path(QStringLiteral("absent.png"))).isNull());
+TEST_F(FileIconTest, IsNullForAFileThatIsNotAnImage) {
+  EXPECT_TRUE(imageIcon(QStringLiteral("/dev/zero")).isNull());
+  EXPECT_TRUE(imageIcon(folder_.path()).isNull());
+  EXPECT_TRUE(imageIcon(path(QStringLiteral("absent.png"))).isNull());
   const QString pipe = path(QStringLiteral("pipe.png"));
   ASSERT_EQ(::mkfifo(qPrintable(pipe), 0600), 0);
-  EXPECT_TRUE(pictureIcon(pipe).isNull());
+  EXPECT_TRUE(imageIcon(pipe).isNull());
   QFile text(path(QStringLiteral("text.png")));
   ASSERT_TRUE(text.open(QIODevice::WriteOnly));
-  text.write("no picture");
+  text.write("not an image");
   text.close();
-  EXPECT_TRUE(pictureIcon(text.fileName()).isNull());
+  EXPECT_TRUE(imageIcon(text.fileName()).isNull());
 }
 
-TEST_F(FileIconTest, FallsBackToTheIconForPrograms) {
+TEST_F(FileIconTest, FallsBackToTheIconForExecutables) {
   const auto expected = QIcon::fromTheme(QStringLiteral("application-x-executable")).name();
   for (const auto* icon : {"", "no-such-icon-anywhere", "../../etc/passwd", "/dev/zero"}) {
     EXPECT_EQ(iconOfDesktopFile(QString::fromLatin1(icon)).name(), expected) << icon;

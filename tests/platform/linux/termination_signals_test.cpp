@@ -12,9 +12,9 @@
 namespace tarn {
 namespace {
 
-class EndingSignal : public ::testing::TestWithParam<int> {};
+class TerminationSignalsTest : public ::testing::TestWithParam<int> {};
 
-TEST_P(EndingSignal, IsACallOnTheMainThread) {
+TEST_P(TerminationSignalsTest, CallsTheFunctionOnTheMainThread) {
   int calls = 0;
   const std::thread::id main = std::this_thread::get_id();
   const TerminationSignals signals([&] {
@@ -22,23 +22,23 @@ TEST_P(EndingSignal, IsACallOnTheMainThread) {
     EXPECT_EQ(std::this_thread::get_id(), main);
   });
   std::raise(GetParam());
-  EXPECT_EQ(calls, 0) << "not from within the handler";
+  EXPECT_EQ(calls, 0) << "not from the signal handler";
   QCoreApplication::processEvents();
   EXPECT_EQ(calls, 1);
   std::raise(GetParam());
   std::raise(GetParam());
   QCoreApplication::processEvents();
-  EXPECT_EQ(calls, 2) << "as often as somebody looks";
+  EXPECT_EQ(calls, 2) << "signals between two event loop turns are one call";
 }
 
-TEST_P(EndingSignal, EndsTheProgramAsEverOnceNobodyWatches) {
+TEST_P(TerminationSignalsTest, RestoresTheDefaultActionWhenDestroyed) {
   {
     const TerminationSignals signals([] {});
   }
   EXPECT_EXIT(std::raise(GetParam()), testing::KilledBySignal(GetParam()), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, EndingSignal, testing::Values(SIGTERM, SIGINT, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(Signals, TerminationSignalsTest, testing::Values(SIGTERM, SIGINT, SIGHUP));
 
 }  // namespace
 }  // namespace tarn

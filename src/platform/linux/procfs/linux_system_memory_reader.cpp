@@ -14,7 +14,6 @@
 #include <utility>
 
 #include "platform/linux/procfs/file_reading.hpp"
-#include "platform/linux/procfs/directory_stream.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 
 namespace tarn {

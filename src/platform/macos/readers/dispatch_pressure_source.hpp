@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "monitor/pressure_source.hpp"
+#include "monitor/memory_pressure.hpp"
 
 namespace tarn::macos {
 

@@ -1,8 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/widgets/color_scheme.hpp"
-
 #include <gtest/gtest.h>
 
 #include <QDBusError>
@@ -17,8 +15,8 @@
 #include "platform/linux/dbus/bus_client.hpp"
 #include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
-#include "platform/linux/linux_platform.hpp"
 #include "support/event_loop.hpp"
+#include "ui/widgets/color_scheme.hpp"
 
 namespace tarn {
 namespace {
@@ -35,11 +33,11 @@ QVariant wrapped(const QVariant& value) {
   return QVariant::fromValue(QDBusVariant(value));
 }
 
-// A portal that knows this one setting, or (without an answer) never says anything.
+/// A portal with this one setting. Without `reply` it never replies.
 class FakePortal final : public QDBusVirtualObject {
  public:
-  FakePortal(QDBusConnection connection, std::optional<QVariant> answer)
-      : connection_(std::move(connection)), answer_(std::move(answer)) {
+  FakePortal(QDBusConnection connection, std::optional<QVariant> reply)
+      : connection_(std::move(connection)), reply_(std::move(reply)) {
     connection_.registerVirtualObject(portalPath, this);
     connection_.registerService(portalName);
   }
@@ -51,7 +49,7 @@ class FakePortal final : public QDBusVirtualObject {
   Q_DISABLE_COPY_MOVE(FakePortal)
 
   void change(const QVariant& value, const QString& key = colorScheme) {
-    answer_ = wrapped(wrapped(value));
+    reply_ = wrapped(wrapped(value));
     sendChange(connection_, value, key);
   }
 
@@ -64,26 +62,26 @@ class FakePortal final : public QDBusVirtualObject {
   QString introspect(const QString& /*path*/) const override { return {}; }
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-    ++questions_;
+    ++calls_;
     const bool known =
         message.member() == u"Read" && message.arguments() == QVariantList{appearance, colorScheme};
     if (!known) {
       connection.send(message.createErrorReply(QDBusError::UnknownMethod, QStringLiteral("No")));
-    } else if (answer_) {
-      connection.send(message.createReply(*answer_));
+    } else if (reply_) {
+      connection.send(message.createReply(*reply_));
     }
     return true;
   }
 
-  int questions() const { return questions_; }
+  int calls() const { return calls_; }
 
  private:
   QDBusConnection connection_;
-  std::optional<QVariant> answer_;
-  int questions_ = 0;
+  std::optional<QVariant> reply_;
+  int calls_ = 0;
 };
 
-class ColorSchemeOnABus : public testing::Test {
+class PortalColorSchemeTest : public testing::Test {
  protected:
   bool becomes(std::optional<ColorScheme> scheme) {
     return eventually([&] { return scheme_->preference() == scheme; });
@@ -94,6 +92,7 @@ class ColorSchemeOnABus : public testing::Test {
     changed_ = std::make_unique<QSignalSpy>(scheme_.get(), &ColorSchemeWatcher::changed);
   }
 
+  /// Waits until all messages to and from the watcher have been handled.
   void settle() { client_.takeSignals(); }
 
   test::PrivateBus bus_;
@@ -103,7 +102,7 @@ class ColorSchemeOnABus : public testing::Test {
   std::unique_ptr<QSignalSpy> changed_;
 };
 
-TEST_F(ColorSchemeOnABus, ReadsWhatThePortalSays) {
+TEST_F(PortalColorSchemeTest, ReadsThePreference) {
   const FakePortal portal(bus_.connection(), wrapped(wrapped(1U)));
   start();
   EXPECT_EQ(scheme_->preference(), std::nullopt);
@@ -111,11 +110,11 @@ TEST_F(ColorSchemeOnABus, ReadsWhatThePortalSays) {
   EXPECT_EQ(changed_->size(), 1);
 }
 
-TEST_F(ColorSchemeOnABus, FollowsChanges) {
+TEST_F(PortalColorSchemeTest, FollowsChanges) {
   FakePortal portal(bus_.connection(), wrapped(wrapped(2U)));
   start();
   ASSERT_TRUE(becomes(ColorScheme::light));
-  ASSERT_TRUE(eventually([&] { return portal.questions() >= 2; }));
+  ASSERT_TRUE(eventually([&] { return portal.calls() >= 2; }));
   portal.change(1U);
   ASSERT_TRUE(becomes(ColorScheme::dark));
   portal.change(1U);
@@ -125,14 +124,14 @@ TEST_F(ColorSchemeOnABus, FollowsChanges) {
   EXPECT_EQ(changed_->size(), 3);
 }
 
-TEST_F(ColorSchemeOnABus, ReadsAPortalThatStartsLater) {
+TEST_F(PortalColorSchemeTest, ReadsFromAPortalThatStartsLater) {
   start();
   settle();
   const FakePortal portal(bus_.connection(), wrapped(wrapped(1U)));
   EXPECT_TRUE(becomes(ColorScheme::dark));
 }
 
-TEST_F(ColorSchemeOnABus, KeepsTheLastWordOfAPortalThatLeft) {
+TEST_F(PortalColorSchemeTest, KeepsThePreferenceOfAPortalThatStopped) {
   auto portal = std::make_unique<FakePortal>(bus_.connection(), wrapped(wrapped(1U)));
   start();
   ASSERT_TRUE(becomes(ColorScheme::dark));
@@ -143,17 +142,17 @@ TEST_F(ColorSchemeOnABus, KeepsTheLastWordOfAPortalThatLeft) {
   EXPECT_TRUE(becomes(ColorScheme::light));
 }
 
-TEST_F(ColorSchemeOnABus, TakesNoWishAndNonsenseForNone) {
-  const QList<QVariant> answers{wrapped(wrapped(0U)),
+TEST_F(PortalColorSchemeTest, TreatsUnknownAndMalformedValuesAsNoPreference) {
+  const QList<QVariant> replies{wrapped(wrapped(0U)),
                                 wrapped(wrapped(3U)),
                                 wrapped(QStringLiteral("dark")),
                                 QVariant(QStringLiteral("dark")),
                                 wrapped(1),
                                 wrapped(wrapped(wrapped(wrapped(wrapped(wrapped(1U))))))};
-  for (const QVariant& answer : answers) {
-    const FakePortal portal(bus_.connection(), answer);
+  for (const QVariant& reply : replies) {
+    const FakePortal portal(bus_.connection(), reply);
     start();
-    ASSERT_TRUE(eventually([&] { return portal.questions() >= 2; }));
+    ASSERT_TRUE(eventually([&] { return portal.calls() >= 2; }));
     settle();
     EXPECT_EQ(scheme_->preference(), std::nullopt);
     EXPECT_TRUE(changed_->isEmpty());
@@ -161,31 +160,25 @@ TEST_F(ColorSchemeOnABus, TakesNoWishAndNonsenseForNone) {
   }
 }
 
-TEST_F(ColorSchemeOnABus, DoesNotWaitForAPortalThatNeverAnswers) {
+TEST_F(PortalColorSchemeTest, DoesNotBlockWhenThePortalNeverReplies) {
   FakePortal portal(bus_.connection(), std::nullopt);
   start();
-  ASSERT_TRUE(eventually([&] { return portal.questions() >= 1; }));
+  ASSERT_TRUE(eventually([&] { return portal.calls() >= 1; }));
   EXPECT_EQ(scheme_->preference(), std::nullopt);
-  ASSERT_TRUE(eventually([&] { return portal.questions() >= 2; }));
+  ASSERT_TRUE(eventually([&] { return portal.calls() >= 2; }));
   portal.change(1U);
   EXPECT_TRUE(becomes(ColorScheme::dark));
 }
 
-TEST_F(ColorSchemeOnABus, BelievesOnlyThePortal) {
+TEST_F(PortalColorSchemeTest, IgnoresSignalsOfOtherSenders) {
   const FakePortal portal(bus_.connection(), wrapped(wrapped(2U)));
   start();
   ASSERT_TRUE(becomes(ColorScheme::light));
-  const QDBusConnection stranger = bus_.connection();
-  FakePortal::sendChange(stranger, 1U, colorScheme);
-  test::BusClient(stranger, connection_.baseService()).takeSignals();
+  const QDBusConnection other = bus_.connection();
+  FakePortal::sendChange(other, 1U, colorScheme);
+  test::BusClient(other, connection_.baseService()).takeSignals();
   settle();
   EXPECT_EQ(scheme_->preference(), ColorScheme::light);
-}
-
-TEST(ColorSchemeWithoutABus, IsUnknown) {
-  const std::unique_ptr<ColorSchemeWatcher> scheme = LinuxPlatform().makeColorSchemeWatcher();
-  ASSERT_NE(scheme, nullptr);
-  EXPECT_EQ(scheme->preference(), std::nullopt);
 }
 
 }  // namespace

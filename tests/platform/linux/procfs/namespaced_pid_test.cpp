@@ -22,8 +22,8 @@ class DeclaredProcessTest : public ::testing::Test {
   }
 
   std::optional<std::int32_t> find(std::int32_t declared) {
-    return processThatDeclares(tree_.roots().proc, declared, 1000,
-                               std::chrono::steady_clock::now() + std::chrono::seconds(10));
+    return resolveNamespacedPid(tree_.roots().proc, declared, 1000,
+                                std::chrono::steady_clock::now() + std::chrono::seconds(10));
   }
 
   TemporaryTree tree_;
@@ -65,16 +65,16 @@ TEST_F(DeclaredProcessTest, IsAProgramOfThisUser) {
 TEST_F(DeclaredProcessTest, IsNobodyAfterTheDeadlineOrWithoutProcesses) {
   add("4242", "4242");
   const auto now = std::chrono::steady_clock::now();
-  EXPECT_EQ(processThatDeclares(tree_.roots().proc, 4242, 1000, now), std::nullopt);
-  EXPECT_EQ(processThatDeclares("/nowhere", 4242, 1000, now + std::chrono::seconds(10)), std::nullopt);
+  EXPECT_EQ(resolveNamespacedPid(tree_.roots().proc, 4242, 1000, now), std::nullopt);
+  EXPECT_EQ(resolveNamespacedPid("/nowhere", 4242, 1000, now + std::chrono::seconds(10)), std::nullopt);
   tree_.write("proc/77/status", "garbage\n\xff NSpid:\t77");
   tree_.write("proc/78/status", "");
   EXPECT_EQ(find(77), std::nullopt);
 }
 
 TEST(DeclaredProcess, IsThisOne) {
-  EXPECT_EQ(processThatDeclares("/proc", getpid(), getuid(),
-                                std::chrono::steady_clock::now() + std::chrono::seconds(10)),
+  EXPECT_EQ(resolveNamespacedPid("/proc", getpid(), getuid(),
+                                 std::chrono::steady_clock::now() + std::chrono::seconds(10)),
             getpid());
 }
 

@@ -16,8 +16,8 @@ const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 
 }  // namespace
 
-FakeWatcher::FakeWatcher(QDBusConnection connection, bool hasPanel, Manners manners)
-    : connection_(std::move(connection)), hasPanel_(hasPanel), manners_(manners) {
+FakeWatcher::FakeWatcher(QDBusConnection connection, bool hasHost, WatcherReplies replies)
+    : connection_(std::move(connection)), hasHost_(hasHost), replies_(replies) {
   connection_.registerVirtualObject(watcherPath, this);
   connection_.registerService(watcherName);
 }
@@ -27,10 +27,10 @@ FakeWatcher::~FakeWatcher() {
   connection_.unregisterObject(watcherPath);
 }
 
-void FakeWatcher::setHasPanel(bool hasPanel) {
-  hasPanel_ = hasPanel;
-  sendSignal(hasPanel ? QStringLiteral("StatusNotifierHostRegistered")
-                      : QStringLiteral("StatusNotifierHostUnregistered"));
+void FakeWatcher::setHasHost(bool hasHost) {
+  hasHost_ = hasHost;
+  sendSignal(hasHost ? QStringLiteral("StatusNotifierHostRegistered")
+                     : QStringLiteral("StatusNotifierHostUnregistered"));
 }
 
 void FakeWatcher::sendSignal(const QString& name, const QVariantList& arguments) {
@@ -49,25 +49,25 @@ bool FakeWatcher::handleMessage(const QDBusMessage& message, const QDBusConnecti
   if (registers) {
     items_ << message.arguments().value(0).toString();
   } else {
-    ++questions_;
+    ++hostQueries_;
   }
-  const QDBusMessage properAnswer =
-      registers ? message.createReply() : message.createReply(QVariant::fromValue(QDBusVariant(hasPanel_)));
-  const QDBusMessage refusal = message.createErrorReply(QDBusError::AccessDenied, QStringLiteral("No"));
-  switch (manners_) {
-    case Manners::proper:
-      connection.send(properAnswer);
+  const QDBusMessage reply =
+      registers ? message.createReply() : message.createReply(QVariant::fromValue(QDBusVariant(hasHost_)));
+  const QDBusMessage error = message.createErrorReply(QDBusError::AccessDenied, QStringLiteral("No"));
+  switch (replies_) {
+    case WatcherReplies::correct:
+      connection.send(reply);
       break;
-    case Manners::refusing:
-      connection.send(refusal);
+    case WatcherReplies::errors:
+      connection.send(error);
       break;
-    case Manners::refusingItems:
-      connection.send(registers ? refusal : properAnswer);
+    case WatcherReplies::registrationErrors:
+      connection.send(registers ? error : reply);
       break;
-    case Manners::talkingNonsense:
+    case WatcherReplies::malformed:
       connection.send(message.createReply({QStringLiteral("nonsense"), QByteArray(100000, 'x'), 7}));
       break;
-    case Manners::silent:
+    case WatcherReplies::none:
       break;
   }
   return true;

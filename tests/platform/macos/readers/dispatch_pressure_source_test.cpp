@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
+#include "monitor/concurrency.hpp"
 #include "monitor/memory_pressure.hpp"
-#include "monitor/serial_queue.hpp"
 #include "support/stepped_run_loop.hpp"
 
 namespace tarn::macos {

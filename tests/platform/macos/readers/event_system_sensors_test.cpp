@@ -33,7 +33,7 @@ class EventSystemSensorsTest : public ::testing::Test {
     void* library = ::dlopen(path.c_str(), RTLD_NOW);
     if (library == nullptr) throw std::runtime_error(::dlerror());
     reinterpret_cast<void (*)(FakeEventSystem*)>(::dlsym(library, "prescribe"))(&system_);
-    const EventKernelFunctions functions = lookUpEventSystem(path);
+    const EventSystemFunctions functions = lookUpEventSystem(path);
     ::dlclose(library);  // lookUpEventSystem() keeps it open
     return EventSystemSensors(functions, FakeFrameworks::functions()).readings();
   }
@@ -116,7 +116,7 @@ TEST_F(EventSystemSensorsTest, CallsNothingWhenOneFunctionIsMissing) {
 }
 
 TEST(EventSystemLookUp, FindsAllButTheMissingFunction) {
-  const EventKernelFunctions found = lookUpEventSystem(libraryWithout("copyEvent"));
+  const EventSystemFunctions found = lookUpEventSystem(libraryWithout("copyEvent"));
   EXPECT_TRUE(found.create && found.setMatching && found.copyServices && found.getFloat);
   EXPECT_EQ(found.copyEvent, nullptr);
   EXPECT_TRUE(lookUpEventSystem(libraryWithout("nothing")).areComplete());
@@ -124,7 +124,7 @@ TEST(EventSystemLookUp, FindsAllButTheMissingFunction) {
 
 TEST(EventSystemLookUp, FindsNothingWhenTheLibraryCannotBeOpened) {
   for (const std::string path : {"/nowhere/at/all", "/etc/hostname", ""}) {
-    const EventKernelFunctions found = lookUpEventSystem(path);
+    const EventSystemFunctions found = lookUpEventSystem(path);
     EXPECT_TRUE(!found.create && !found.setMatching && !found.copyServices && !found.copyEvent &&
                 !found.getFloat)
         << path;
