@@ -42,7 +42,7 @@ class SteppedTasks {
 /// A serial queue whose tasks run when the test calls SteppedTasks::runOne or runAll.
 class SteppedQueue final : public TaskQueue {
  public:
-  /// `tasks` must outlive the last call of `async`.
+  /// `tasks` must exist whenever `async` is called.
   explicit SteppedQueue(std::weak_ptr<SteppedTasks> tasks) : tasks_(std::move(tasks)) {}
   void async(Task task) override { tasks_.lock()->push(std::move(task)); }
   void activate() override {

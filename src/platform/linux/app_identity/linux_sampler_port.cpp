@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "platform/linux/app_identity/application_information.hpp"
-#include "platform/linux/procfs/linux_system_memory_reader.hpp"
 #include "platform/linux/procfs/sleeping_process_cache.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 
 namespace tarn {
 

@@ -19,6 +19,7 @@
 #include <random>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/procfs/procfs_reader.hpp"
@@ -123,7 +124,7 @@ class RandomKernel {
   static int size(const std::vector<std::int32_t>& pids) { return static_cast<int>(pids.size()); }
 
   void start() {
-    constexpr std::size_t most = 40;
+    constexpr std::size_t most = 30;
     if (processes_.size() >= most) return;
     std::int32_t pid = number(3, 60);
     while (processes_.contains(pid)) pid = number(3, 60);
@@ -200,6 +201,7 @@ class RandomKernel {
     for (auto process = processes_.begin(); process != processes_.end();) {
       if (process->second.isZombie) {
         tree_.remove("proc/" + std::to_string(process->first));
+        files_.erase(process->first);
         process = processes_.erase(process);
       } else {
         ++process;
@@ -275,24 +277,35 @@ class RandomKernel {
     }
   }
 
-  void write(Process& process) {
-    const std::string directory = "proc/" + std::to_string(process.files.pid) + '/';
-    ProcessFixture& files = process.files;
+  void write(const Process& process) {
+    ProcessFixture files = process.files;
     files.ppid = std::to_string(process.ppid);
-    files.statm = "5000 " + std::to_string(process.anonymousPages + 100) + " 100 5 0 123 0\n";
+    std::string stat = files.stat();
+    if (process.isZombie) stat.replace(stat.find(") S"), 3, ") Z");
     const auto kibibytes = process.swappedPages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE)) / 1024;
-    files.swapLine = "VmSwap:\t" + std::to_string(kibibytes) + " kB\n";
-    files.writeTo(tree_);
-    if (!process.hasReadableMemory) tree_.remove(directory + "statm");
-    if (process.isZombie) {
-      std::string stat = files.stat();
-      tree_.write(directory + "stat", stat.replace(stat.find(") S"), 3, ") Z"));
-    }
+    writeFile(files.pid, "stat", stat);
+    writeFile(files.pid, "status",
+              "Uid:\t" + files.owners + "\nVmSwap:\t" + std::to_string(kibibytes) + " kB\n");
+    writeFile(files.pid, "cmdline", files.commandLine);
+    // "garbage" has no numbers.
+    writeFile(files.pid, "statm",
+              process.hasReadableMemory
+                  ? "5000 " + std::to_string(process.anonymousPages + 100) + " 100 5 0 123 0\n"
+                  : "garbage");
+  }
+
+  /// Does not write what the file holds already, since files are slow.
+  void writeFile(std::int32_t pid, const std::string& name, const std::string& text) {
+    std::string& written = files_[pid][name];
+    if (written == text) return;
+    tree_.write("proc/" + std::to_string(pid) + '/' + name, text);
+    written = text;
   }
 
   TemporaryTree tree_;
   std::mt19937 random_;
   std::map<std::int32_t, Process> processes_;
+  std::map<std::int32_t, std::map<std::string, std::string>> files_;  // what is written, by pid and name
   std::set<std::int32_t> changedSleepers_;
   std::uint64_t programs_ = 0;
   std::uint64_t startTicks_ = 100;
@@ -337,7 +350,7 @@ class RandomSweeps : public testing::TestWithParam<std::uint32_t> {
     ASSERT_TRUE(cached && read);
     ASSERT_EQ(cached->cpuTime, read->cpuTime);
     ASSERT_TRUE(mayLag_.contains(pid)) << cached->footprint << " instead of " << read->footprint;
-    ASSERT_LT(sweep_, mayLag_.at(pid) + 1) << "not read for ten sweeps";
+    ASSERT_LE(sweep_, mayLag_.at(pid)) << "not read in ten sweeps";
     ASSERT_FALSE(kernel_.swapInUse());
     ++laggingFigures_;
   }
@@ -374,7 +387,7 @@ TEST_P(RandomSweeps, CacheReturnsWhatThePlainReaderReturns) {
   EXPECT_GT(laggingFigures_, 0U) << "the cache has reused entries of sleeping processes";
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomSweeps, testing::Values(1U, 2U, 3U, 4U));
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomSweeps, testing::Values(1U, 2U, 3U));
 
 }  // namespace
 }  // namespace tarn
