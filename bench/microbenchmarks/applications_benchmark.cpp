@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What it costs to know the applications: once, and for each process that is new.
+// Costs of application identity: building the index, and reading a new process.
 
 #include <benchmark/benchmark.h>
 
@@ -9,7 +9,7 @@
 #include <string>
 
 #include "platform/linux/app_identity/application_index.hpp"
-#include "platform/linux/app_identity/process_facts.hpp"
+#include "platform/linux/app_identity/linux_application_rules.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {
@@ -34,7 +34,8 @@ void writeApplications(const TemporaryTree& tree) {
   }
 }
 
-double ownKilobytes() {
+/// Anonymous memory of this program, KB.
+double anonymousKilobytes() {
   std::ifstream status("/proc/self/status");
   for (std::string word; status >> word;) {
     double kilobytes = 0;
@@ -46,14 +47,14 @@ double ownKilobytes() {
 void buildIndexOf500Files(benchmark::State& state) {
   const TemporaryTree tree;
   writeApplications(tree);
-  static double grown = 0;  // by the first one: those after it use again what that one freed
+  static double growth = 0;  // KB, of the first iteration: the next ones reuse its freed memory
   while (state.KeepRunning()) {
-    const double before = ownKilobytes();
+    const double before = anonymousKilobytes();
     ApplicationIndex index(tree.roots(), {"/usr/share"}, {"/usr/bin"});
     benchmark::DoNotOptimize(index.refresh());
-    if (grown == 0) grown = ownKilobytes() - before;
+    if (growth == 0) growth = anonymousKilobytes() - before;
   }
-  state.counters["KB"] = grown;
+  state.counters["KB"] = growth;
 }
 BENCHMARK(buildIndexOf500Files)
     ->Iterations(1)
@@ -61,11 +62,11 @@ BENCHMARK(buildIndexOf500Files)
     ->ReportAggregatesOnly()
     ->Unit(benchmark::kMillisecond);
 
-void lookAtANewProcess(benchmark::State& state) {
+void readNewProcess(benchmark::State& state) {
   const LinuxRoots roots;
-  while (state.KeepRunning()) benchmark::DoNotOptimize(readProcessFacts(roots, 1));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(readProcessOrigin(roots, 1));
 }
-BENCHMARK(lookAtANewProcess);
+BENCHMARK(readNewProcess);
 
 }  // namespace
 }  // namespace tarn

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The pieces of a sweep that ask nobody: parsing, grouping and smoothing, ranking.
+// The parts of a sweep without system calls: parsing, grouping and smoothing, ranking.
 
 #include <benchmark/benchmark.h>
 
@@ -42,10 +42,11 @@ void findInPidMap(benchmark::State& state) {
 }
 BENCHMARK(findInPidMap)->Arg(300)->Arg(10'000);
 
-/// A machine whose answers cost next to nothing: every tenth process is an application, the parent of nine.
-class CheapMachine final : public ProcScan {
+/// A process source that costs almost nothing. Every tenth process is an application and the parent of the
+/// next nine.
+class FakeProcesses final : public ProcScan {
  public:
-  explicit CheapMachine(std::int32_t count) : count_(count) {}
+  explicit FakeProcesses(std::int32_t count) : count_(count) {}
   std::vector<std::int32_t> allPIDs() override {
     std::vector<std::int32_t> pids;
     for (std::int32_t pid = 10; pid < 10 + count_; ++pid) pids.push_back(pid);
@@ -76,16 +77,16 @@ class NoMemory final : public SystemMemoryReader {
   SystemMemory read() override { return {}; }
 };
 
-SamplerPort cheapPort(std::int64_t processes) {
+SamplerPort makeFakePort(std::int64_t processes) {
   SamplerPort port;
-  port.processes = std::make_unique<CheapMachine>(static_cast<std::int32_t>(processes));
+  port.processes = std::make_unique<FakeProcesses>(static_cast<std::int32_t>(processes));
   port.memory = std::make_unique<NoMemory>();
   port.uptime = [time = 0.0]() mutable { return time += 0.1; };
   return port;
 }
 
 void groupAndSmooth(benchmark::State& state) {
-  MemorySampler sampler(cheapPort(state.range(0)));
+  MemorySampler sampler(makeFakePort(state.range(0)));
   sampler.sample();
   while (state.KeepRunning()) benchmark::DoNotOptimize(sampler.sample());
   state.SetItemsProcessed(state.iterations() * state.range(0));
@@ -93,7 +94,7 @@ void groupAndSmooth(benchmark::State& state) {
 BENCHMARK(groupAndSmooth)->Arg(300)->Arg(10'000)->Unit(benchmark::kMicrosecond);
 
 void rankTopGroups(benchmark::State& state) {
-  const MemorySnapshot snapshot = MemorySampler(cheapPort(state.range(0))).sample();
+  const MemorySnapshot snapshot = MemorySampler(makeFakePort(state.range(0))).sample();
   while (state.KeepRunning()) benchmark::DoNotOptimize(snapshot.topGroups(SortMetric::cpu, 8));
 }
 BENCHMARK(rankTopGroups)->Arg(300)->Arg(10'000)->Unit(benchmark::kMicrosecond);

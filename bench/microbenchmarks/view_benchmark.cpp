@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What the main thread does with a snapshot: texts, rows, pictures.
+// The main thread's work for a snapshot: texts, rows, icons.
 
 #include <benchmark/benchmark.h>
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// bare_tray_program: a program of the toolkit's that does nothing but show an icon in the panel. Whatever it
-// costs, no such program can cost less.
+// bare_tray_program: a Qt program that only shows an icon in the panel. It is the lower bound for the cost of
+// a Qt program with a tray icon.
 
 #include <QApplication>
 #include <QPainter>

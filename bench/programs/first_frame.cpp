@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// first_frame WIDTH: says "ready", waits until a window of at least that width is shown and painted, and
-// prints when that was, in seconds of the monotonic clock, and how many colours its first frame has: an empty
-// one has two or three.
+// first_frame WIDTH: prints "ready" and waits until a window of at least that width is painted. Prints the
+// time (CLOCK_MONOTONIC, seconds), the number of colours in the first frame, and that number 0.3 seconds
+// later. A frame without content has two or three colours.
 
 #include <xcb/damage.h>
 #include <xcb/xcb.h>
@@ -35,8 +35,8 @@ double now() {
 
 using Pixels = std::vector<std::uint32_t>;
 
-/// What a window shows; nothing when it cannot be read.
-Pixels pixelsOf(xcb_connection_t* connection, xcb_window_t window) {
+/// The content of a window; empty if it cannot be read.
+Pixels readPixels(xcb_connection_t* connection, xcb_window_t window) {
   const Owned<xcb_get_geometry_reply_t> size(
       xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
   if (!size) return {};
@@ -54,7 +54,8 @@ std::size_t colourCount(const Pixels& pixels) {
   return std::set<std::uint32_t>(pixels.begin(), pixels.end()).size();
 }
 
-/// Whether a window has its background: as long as it is not painted it shows what lies below, a gradient.
+/// Whether a window has painted its background, which has one colour. Before, it shows the root window's
+/// gradient.
 bool isPainted(const Pixels& pixels) {
   std::map<std::uint32_t, std::size_t> counts;
   std::size_t most = 0;
@@ -82,8 +83,7 @@ int main(int argumentCount, char** arguments) {
   while (const Owned<xcb_generic_event_t> event{xcb_wait_for_event(connection)}) {
     const int type = event->response_type & 0x7f;
     if (type == XCB_CREATE_NOTIFY || type == XCB_MAP_NOTIFY) {
-      // From its creation, or from now on for one that was there before: what is painted next is the first
-      // frame.
+      // Watch new windows, and existing windows that are shown: what they paint next is the first frame.
       const auto window = type == XCB_CREATE_NOTIFY
                               ? reinterpret_cast<const xcb_create_notify_event_t*>(event.get())->window
                               : reinterpret_cast<const xcb_map_notify_event_t*>(event.get())->window;
@@ -94,12 +94,12 @@ int main(int argumentCount, char** arguments) {
       const auto* const damage = reinterpret_cast<const xcb_damage_notify_event_t*>(event.get());
       if (damage->geometry.width < width || damage->area.width < width / 2) continue;
       const double painted = now();
-      const Pixels first = pixelsOf(connection, damage->drawable);
+      const Pixels first = readPixels(connection, damage->drawable);
       if (!isPainted(first)) continue;
-      const timespec aWhile{.tv_sec = 0, .tv_nsec = 300'000'000};
-      nanosleep(&aWhile, nullptr);
+      const timespec delay{.tv_sec = 0, .tv_nsec = 300'000'000};
+      nanosleep(&delay, nullptr);
       std::printf("%.6f %zu %zu\n", painted, colourCount(first),
-                  colourCount(pixelsOf(connection, damage->drawable)));
+                  colourCount(readPixels(connection, damage->drawable)));
       return 0;
     }
   }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// idle_processes COUNT: starts processes that do nothing, says "ready", and ends them when it is ended.
+// idle_processes COUNT: starts COUNT idle processes, prints "ready", and waits. They exit when it exits.
 
 #include "support/idle_processes.hpp"
 

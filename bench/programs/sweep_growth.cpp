@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// sweep_growth SWEEPS PROCESSES: sweeps so often, and between two sweeps starts and ends so many processes.
-// Prints by how many KB the footprint has grown since the first tenth.
+// sweep_growth SWEEPS PROCESSES: runs that many sweeps; between two sweeps that many processes start and
+// exit. Prints by how many KB the anonymous memory of this program has grown since the first tenth of the
+// sweeps.
 
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <optional>
 #include <string>
 
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
@@ -16,7 +16,8 @@
 
 namespace {
 
-long ownFootprint() {
+/// Anonymous memory of this program, KB.
+long anonymousKilobytes() {
   std::ifstream status("/proc/self/status");
   for (std::string word; status >> word;) {
     if (word != "RssAnon:") continue;
@@ -32,14 +33,14 @@ long ownFootprint() {
 int main(int argumentCount, char** arguments) {
   if (argumentCount != 3) return 2;
   const int sweeps = std::atoi(arguments[1]);
-  const std::size_t churn = std::strtoul(arguments[2], nullptr, 10);
+  const std::size_t processes = std::strtoul(arguments[2], nullptr, 10);
   tarn::MemorySampler sampler(tarn::makeLinuxSamplerPort(tarn::LinuxRoots{}));
   long early = 0;
   for (int sweep = 0; sweep < sweeps; ++sweep) {
-    const tarn::IdleProcesses shortLived(churn);
+    const tarn::IdleProcesses shortLived(processes);
     sampler.sample();
-    if (sweep == sweeps / 10) early = ownFootprint();
+    if (sweep == sweeps / 10) early = anonymousKilobytes();
   }
-  std::printf("%ld\n", ownFootprint() - early);
+  std::printf("%ld\n", anonymousKilobytes() - early);
   return 0;
 }

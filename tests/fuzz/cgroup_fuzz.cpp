@@ -1,18 +1,20 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include <string>
+
 #include "fuzz/fuzz_target.hpp"
 #include "platform/linux/app_identity/desktop_id_candidates.hpp"
-#include "platform/linux/app_identity/process_facts.hpp"
 
+// The input is /proc/PID/cgroup, or a path.
 FUZZ_TARGET(cgroup, text) {
-  const std::string group = tarn::parseControlGroup(text);
-  for (const std::string_view path : {std::string_view(group), text}) {
-    for (const auto& ids : {tarn::sandboxIds(path), tarn::unitIds(path)}) {
+  const std::string cgroupPath = tarn::parseCgroupPath(text);
+  for (const std::string_view path : {std::string_view(cgroupPath), text}) {
+    for (const auto& ids : {tarn::sandboxDesktopIds(path), tarn::unitDesktopIds(path)}) {
       for (const std::string& id : ids) tarn::require(!id.empty());
     }
-    for (const std::string_view part : tarn::privateDirectoriesOf(path))
-      tarn::require(tarn::isWithin(part, path));
-    tarn::imageMountOf(path);
+    for (const std::string_view directory : tarn::privateDirectories(path))
+      tarn::require(tarn::isWithin(directory, path));
+    tarn::appImageMount(path);
   }
 }

@@ -3,12 +3,10 @@
 
 #include "fuzz/fuzz_target.hpp"
 #include "platform/linux/app_identity/desktop_id_candidates.hpp"
-#include "platform/linux/app_identity/process_facts.hpp"
-#include "platform/linux/app_identity/desktop_id_candidates.hpp"
 #include "platform/linux/procfs/proc_pid_files.hpp"
 
 FUZZ_TARGET(command_line, text) {
-  for (const bool isWhole : {false, true}) tarn::scriptOf(tarn::parseArguments(text, isWhole));
+  for (const bool isComplete : {false, true}) tarn::scriptPath(tarn::parseArguments(text, isComplete));
   const std::string_view kernelName = text.substr(0, 15);
   const std::string_view name = tarn::completedName(kernelName, text);
   tarn::require(tarn::isWithin(name, text) && name.size() >= kernelName.size());

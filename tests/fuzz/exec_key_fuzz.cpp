@@ -4,11 +4,11 @@
 #include <string>
 
 #include "fuzz/fuzz_target.hpp"
-#include "platform/linux/app_identity/exec_line.hpp"
+#include "platform/linux/app_identity/desktop_entry.hpp"
 
 FUZZ_TARGET(exec_key, text) {
-  const auto line = tarn::parseExecLine(std::string(text));
-  if (!line) return;
-  tarn::require(!line->program.empty());
-  tarn::runsOthers(line->program);
+  const auto command = tarn::parseExecKey(std::string(text));
+  if (!command) return;
+  tarn::require(!command->program.empty());
+  tarn::isLauncher(command->program);
 }

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/fuzz_target.hpp"
-#include "platform/linux/app_identity/property_list.hpp"
+#include "platform/linux/app_identity/application_information.hpp"
 
 FUZZ_TARGET(property_list, text) {
-  tarn::parsePropertyTexts(text);
+  tarn::parsePropertyList(text);
 }

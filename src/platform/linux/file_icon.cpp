@@ -39,7 +39,7 @@ QIcon themeIcon(QString name) {
 
 /// The first image of a bundle that Qt can read.
 QIcon bundleIcon(const std::string& bundle) {
-  for (const std::string& image : bundlePictures(bundle)) {
+  for (const std::string& image : bundleIconFiles(bundle)) {
     QIcon icon = imageIcon(QString::fromStdString(image));
     if (!icon.isNull()) return icon;
   }

@@ -19,7 +19,6 @@
 #include "platform/icu/icu_formatters.hpp"
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "platform/linux/dbus/bus_single_instance.hpp"
-#include "platform/linux/dbus/portal_url_opener.hpp"
 #include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/session_bus.hpp"
 #include "platform/linux/display_check.hpp"
@@ -33,7 +32,7 @@
 #include "platform/linux/wayland/compositor_ipc.hpp"
 #include "platform/linux/wayland/compositor_placement.hpp"
 #include "platform/linux/x11/x11_click.hpp"
-#include "platform/linux/x11/x11_frontmost.hpp"
+#include "platform/linux/x11/x11_session.hpp"
 #include "platform/linux/x11/x11_workspace_watch.hpp"
 
 namespace tarn {
@@ -144,7 +143,7 @@ FrontmostApplicationSource LinuxPlatform::makeFrontmostApplicationSource() {
 }
 
 int LinuxPlatform::activeProcessorCount() const {
-  return tarn::activeProcessorCount(LinuxRoots{});
+  return countCoresOnline(LinuxRoots{});
 }
 
 void LinuxPlatform::setCurrentThreadName(const std::string& name) const {
@@ -157,9 +156,10 @@ Formatters LinuxPlatform::formatters() const {
 
 std::unique_ptr<MenuBarItem> LinuxPlatform::makeMenuBarItem() {
   PanelItemDesktop desktop{QDBusConnection::sessionBus(), runningProgramName, {}};
+  desktop.releaseMemory = [this] { releaseFreeHeap(); };
   if (runsOnX11()) {
-    desktop.hasEmbeddingTray = [session = std::make_shared<X11Session>()] {
-      return session->hasEmbeddingTray(X11Session::Clock::now() + trayTimeout);
+    desktop.hasXembedTray = [session = std::make_shared<X11Session>()] {
+      return session->hasXembedTray(X11Session::Clock::now() + trayTimeout);
     };
   }
   auto item = std::make_unique<PanelItem>(std::move(desktop));

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,78 +12,118 @@
 #include <vector>
 
 #include "platform/linux/app_identity/desktop_entry.hpp"
-#include "platform/linux/app_identity/name_table.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
 
 namespace tarn {
 
-/// The desktop's applications by what tells their processes. An application is known by the path of its
-/// desktop file. Built at the first refresh, on the thread that asks; used on one thread.
+/// A map from names to numbers that needs little memory: one string and one sorted vector. Call `add` for
+/// every name, then `finish`, then `find`.
+class NameTable {
+ public:
+  void clear();
+
+  /// If a name is added several times, the number with the least rank is kept; of equal ranks, the first.
+  void add(std::string_view name, std::uint32_t number, std::uint32_t rank);
+
+  void finish();
+
+  std::optional<std::uint32_t> find(std::string_view name) const;
+
+ private:
+  struct Entry {
+    std::uint32_t offset = 0;  ///< of the name in `names_`
+    std::uint32_t length = 0;
+    std::uint32_t number = 0;
+    std::uint32_t rank = 0;
+  };
+
+  std::string_view nameOf(const Entry& entry) const {
+    return std::string_view(names_).substr(entry.offset, entry.length);
+  }
+
+  std::string names_;  ///< all names, concatenated
+  std::vector<Entry> entries_;
+};
+
+/// The installed desktop applications, found by the properties that identify their processes. An application
+/// is represented by the path of its desktop file. Used on one thread.
+///
+/// Desktop files are those in "applications" below each data directory (XDG Base Directory Specification).
+/// The first file of a desktop id hides the files of that id in later directories (Desktop Entry
+/// Specification).
 class ApplicationIndex {
  public:
-  /// `dataDirectories`: those that win first. `programDirectories`: where programs are looked for that an
-  /// entry names without a directory.
+  /// `dataDirectories`: highest precedence first. `programDirectories`: where a program is searched that an
+  /// Exec key names without a directory. Nothing is read before the first `refresh`.
   ApplicationIndex(LinuxRoots roots, std::vector<std::string> dataDirectories,
                    std::vector<std::string> programDirectories);
 
-  /// Builds the index anew if one of its directories changed. True when it did: what it said before is void.
+  /// Builds the index if it is not built yet or one of its directories has changed. Returns whether it did;
+  /// all pointers that the lookups returned are then invalid.
   bool refresh();
 
-  // The desktop file of an application; null where there is none. Valid until the index is built anew.
-  const std::string* byId(std::string_view id) const;
-  const std::string* byExecutable(const std::string& path) const;  ///< what its entry starts
-  const std::string* byServiceExecutable(
-      const std::string& path) const;  ///< of the bus service that bears its id
-  const std::string* byPrivateDirectory(std::string_view path) const;  ///< innermost first
+  // Lookups. They return the path of a desktop file, valid until the index is built again, or null.
 
+  const std::string* byId(std::string_view id) const;
+
+  /// The application whose Exec key starts this executable.
+  const std::string* byExecutable(const std::string& path) const;
+
+  /// The application with the name of the D-Bus service that this executable implements.
+  const std::string* byServiceExecutable(const std::string& path) const;
+
+  /// The application that owns a directory which contains `path`; the innermost directory decides.
+  const std::string* byPrivateDirectory(std::string_view path) const;
+
+  /// Number of applications.
   std::size_t size() const { return files_.size(); }
 
-  /// How many directories are looked at to see whether something changed.
-  std::size_t watchedDirectoryCount() const { return stamps_.size(); }
+  /// Number of directories that `refresh` checks for changes.
+  std::size_t watchedDirectoryCount() const { return watchedDirectories_.size(); }
 
  private:
-  /// Which directory a path leads to, and when that changed; zeros where there is none.
+  /// Identity and modification time of a directory; all zero if it does not exist.
   struct DirectoryState {
     std::uint64_t device = 0;
-    std::uint64_t number = 0;
-    std::int64_t seconds = 0;
-    std::int64_t nanoseconds = 0;
+    std::uint64_t inode = 0;
+    std::int64_t modifiedSeconds = 0;
+    std::int64_t modifiedNanoseconds = 0;
 
     bool isSameDirectory(const DirectoryState& other) const {
-      return device == other.device && number == other.number;
+      return device == other.device && inode == other.inode;
     }
     bool operator==(const DirectoryState&) const = default;
   };
-  struct Stamp {
-    std::string directory;
+  struct WatchedDirectory {
+    std::string path;
     DirectoryState state;
   };
 
   void build();
   void addDirectory(const std::string& directory, const std::string& idPrefix, int depth);
-  void addFile(const std::string& file, std::string id);
-  void addExecutable(const DesktopEntry& entry, const std::string& id, std::uint32_t file);
+  void addFile(const std::string& path, std::string id);
+  void addExecutable(const DesktopEntry& entry, const std::string& id, std::uint32_t fileIndex);
   void addServices(const std::string& directory);
-  std::string resolved(const std::string& program) const;
-  const std::string* fileOf(const NameTable& names, std::string_view name) const;
-  static DirectoryState stateOf(const std::string& directory);
+  std::string resolveProgram(const std::string& program) const;
+  const std::string* findFile(const NameTable& names, std::string_view name) const;
+  static DirectoryState readState(const std::string& directory);
 
   LinuxRoots roots_;
   std::vector<std::string> dataDirectories_;
   std::vector<std::string> programDirectories_;
   bool isBuilt_ = false;
-  std::vector<Stamp> stamps_;
-  std::size_t directoryLimit_ = 0;  ///< of `stamps_`, while it is built
-  std::vector<std::string> files_;
+  std::vector<WatchedDirectory> watchedDirectories_;
+  std::size_t directoryLimit_ = 0;  ///< maximum of `watchedDirectories_.size()` during a build
+  std::vector<std::string> files_;  ///< paths of the desktop files
 
-  // Each stands for a number in `files_`. Of several entries for one thing, the one that starts it with the
-  // fewest arguments is the application itself.
+  // The numbers are indexes into `files_`, the ranks are numbers of arguments: of several entries that start
+  // the same program, the one with the fewest arguments is the application, the others are its actions.
   NameTable byId_;
   NameTable byExecutable_;
   NameTable byServiceExecutable_;
   NameTable byDirectory_;                     ///< full paths
-  NameTable byDirectoryName_;                 ///< of whatever directory applications have for themselves
-  std::unordered_set<std::string> knownIds_;  ///< while it is built: the first file of an id hides the others
+  NameTable byDirectoryName_;                 ///< last component of a private directory
+  std::unordered_set<std::string> knownIds_;  ///< used only during a build
 };
 
 }  // namespace tarn

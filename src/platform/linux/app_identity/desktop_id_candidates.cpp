@@ -6,9 +6,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/linux/app_identity/exec_line.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
-#include "sampling/bundle_path.hpp"
 
 namespace tarn {
 
@@ -26,7 +24,7 @@ Parts split(std::string_view text, char separator) {
   }
 }
 
-std::string joined(const Parts& parts, std::size_t begin, std::size_t end, char separator) {
+std::string join(const Parts& parts, std::size_t begin, std::size_t end, char separator) {
   std::string text;
   for (std::size_t i = begin; i < end; ++i) {
     if (i > begin) text += separator;
@@ -35,133 +33,171 @@ std::string joined(const Parts& parts, std::size_t begin, std::size_t end, char 
   return text;
 }
 
-/// Undoes the manager's escapes: "\x2d" for a hyphen.
-std::string unescaped(std::string_view text) {
+/// Decodes the "\xNN" escapes of systemd unit names ("\x2d" for a hyphen), see systemd-escape(1).
+std::string unescapeUnitName(std::string_view text) {
   constexpr int hexadecimal = 16;
   return withoutEscapes(text, "\\x", 2, hexadecimal);
 }
 
-/// Drops an ending, and says whether it was there.
-bool drop(std::string_view& text, std::string_view ending) {
-  if (!text.ends_with(ending)) return false;
-  text.remove_suffix(ending.size());
+/// Returns whether `text` ended with `suffix`.
+bool removeSuffix(std::string_view& text, std::string_view suffix) {
+  if (!text.ends_with(suffix)) return false;
+  text.remove_suffix(suffix.size());
   return true;
 }
 
-/// Likewise a beginning.
-bool dropStem(std::string_view& text, std::string_view stem) {
-  if (!text.starts_with(stem)) return false;
-  text.remove_prefix(stem.size());
+/// Returns whether `text` began with `prefix`.
+bool removePrefix(std::string_view& text, std::string_view prefix) {
+  if (!text.starts_with(prefix)) return false;
+  text.remove_prefix(prefix.size());
   return true;
 }
 
-std::string snapId(std::string id, std::string_view command) {
-  id += '_';
-  id += command;
-  return id;
-}
-
-void addUnlessKnown(std::vector<std::string>& ids, std::string id) {
+void addOnce(std::vector<std::string>& ids, std::string id) {
   if (!id.empty() && std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(std::move(id));
 }
 
-bool isClassPath(std::string_view option) {
+/// snapd installs the desktop file of a snap's application as SNAP_APP.desktop.
+std::string snapDesktopId(std::string snap, std::string_view application) {
+  snap += '_';
+  snap += application;
+  return snap;
+}
+
+/// `unit` is the rest of a unit name after "snap." and without its suffix.
+std::vector<std::string> snapDesktopIds(std::string_view unit) {
+  const Parts parts = split(unit, '.');
+  const std::string snap = unescapeUnitName(parts.front());
+  const std::string application = parts.size() == 1 ? snap : unescapeUnitName(parts[1]);
+  std::vector<std::string> ids;
+  addOnce(ids, snapDesktopId(snap, application));
+  addOnce(ids, snapDesktopId(snap, application.substr(0, application.find('-'))));
+  addOnce(ids, snapDesktopId(snap, snap));
+  return ids;
+}
+
+bool isClassPathOption(std::string_view option) {
   return option == "-cp" || option == "-classpath" || option == "--class-path";
 }
 
-bool takesAValue(std::string_view option) {
+bool hasValue(std::string_view option) {
   constexpr std::array<std::string_view, 4> options = {"-W", "-X", "-I", "-r"};
-  return isClassPath(option) || std::find(options.begin(), options.end(), option) != options.end();
+  return isClassPathOption(option) || std::find(options.begin(), options.end(), option) != options.end();
 }
 
-/// Options after which there is no script: code on the command line, or a module by name.
-bool replacesTheScript(std::string_view option) {
+/// Options after which no script follows: code on the command line, a module by its name, standard input.
+bool replacesScript(std::string_view option) {
   return option == "-c" || option == "-e" || option == "-m" || option == "-";
 }
 
 }  // namespace
 
-std::vector<std::string> sandboxIds(std::string_view controlGroup) {
-  constexpr std::string_view flatpak = "app-flatpak-";
-  constexpr std::string_view snap = "snap.";
-  std::vector<std::string> ids;
-  for (std::string_view unit : split(controlGroup, '/')) {
-    if (dropStem(unit, flatpak) && drop(unit, ".scope")) {
-      addUnlessKnown(ids, unescaped(unit.substr(0, unit.rfind('-'))));
-      return ids;
-    }
-    if (dropStem(unit, snap) && (drop(unit, ".scope") || drop(unit, ".service"))) {
-      const Parts parts = split(unit, '.');
-      const std::string name = unescaped(parts.front());
-      // What follows the command is a number of the launch, after a full stop or a hyphen.
-      const std::string command = parts.size() == 1 ? name : unescaped(parts[1]);
-      addUnlessKnown(ids, snapId(name, command));
-      addUnlessKnown(ids, snapId(name, command.substr(0, command.find('-'))));
-      addUnlessKnown(ids, snapId(name, name));
-      return ids;
-    }
+/// Each line is "HIERARCHY:CONTROLLERS:PATH", see cgroups(7). For cgroup v2 it is "0::PATH". On hybrid
+/// systems systemd tracks processes in the version 1 hierarchy "name=systemd", and the version 2 path may be
+/// "/".
+std::string parseCgroupPath(std::string_view text) {
+  std::string systemdPath;
+  while (!text.empty()) {
+    const std::string_view line = takeLine(text);
+    constexpr std::string_view version2 = "0::";
+    constexpr std::string_view systemd = ":name=systemd:";
+    if (line.starts_with(version2) && line != "0::/") return std::string(line.substr(version2.size()));
+    const std::size_t position = line.find(systemd);
+    if (position != std::string_view::npos) systemdPath = line.substr(position + systemd.size());
   }
-  return ids;
+  return systemdPath;
 }
 
-std::vector<std::string> unitIds(std::string_view controlGroup) {
-  constexpr std::string_view stem = "app-";
+/// Arguments are separated by zero bytes, see proc_pid_cmdline(5).
+std::vector<std::string> parseArguments(std::string_view text, bool isComplete) {
+  constexpr std::size_t maxArguments = 12;
+  std::vector<std::string> arguments;
+  while (!text.empty() && arguments.size() < maxArguments) {
+    const std::size_t end = text.find('\0');
+    if (end == std::string_view::npos && !isComplete) break;
+    arguments.emplace_back(text.substr(0, end));
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  }
+  return arguments;
+}
+
+/// Flatpak: "app-flatpak-ID-PID.scope", where ID is the `name` of /.flatpak-info and the desktop id.
+/// snapd: "snap.SNAP.APP-UUID.scope", in older versions "snap.SNAP.APP.UUID.scope", and for services
+/// "snap.SNAP.APP.service". APP itself may contain hyphens.
+std::vector<std::string> sandboxDesktopIds(std::string_view cgroupPath) {
+  for (std::string_view unit : split(cgroupPath, '/')) {
+    if (removePrefix(unit, "app-flatpak-") && removeSuffix(unit, ".scope")) {
+      std::vector<std::string> ids;
+      addOnce(ids, unescapeUnitName(unit.substr(0, unit.rfind('-'))));
+      return ids;
+    }
+    if (removePrefix(unit, "snap.") && (removeSuffix(unit, ".scope") || removeSuffix(unit, ".service")))
+      return snapDesktopIds(unit);
+  }
+  return {};
+}
+
+/// The systemd documentation "Desktop Environments" (https://systemd.io/DESKTOP_ENVIRONMENTS) defines the
+/// names "app[-LAUNCHER]-ID[@RANDOM].service", "app[-LAUNCHER]-ID-RANDOM.scope" and
+/// "app[-LAUNCHER]-ID.slice". Hyphens within LAUNCHER and ID should be escaped, but some launchers do not:
+/// every hyphen may separate LAUNCHER and ID.
+std::vector<std::string> unitDesktopIds(std::string_view cgroupPath) {
   std::vector<std::string> ids;
-  for (std::string_view unit : split(controlGroup, '/')) {
-    if (!dropStem(unit, stem)) continue;
-    const bool isScope = drop(unit, ".scope");
-    // The processes of an application that makes units of its own lie below its slice.
-    if (!isScope && !drop(unit, ".service") && !drop(unit, ".slice")) continue;
+  for (std::string_view unit : split(cgroupPath, '/')) {
+    if (!removePrefix(unit, "app-")) continue;
+    const bool isScope = removeSuffix(unit, ".scope");
+    if (!isScope && !removeSuffix(unit, ".service") && !removeSuffix(unit, ".slice")) continue;
     const std::size_t instance = unit.rfind('@');
     Parts parts = split(unit.substr(0, instance), '-');
-    // A scope's name ends in a number of the launch.
-    if (isScope && instance == std::string_view::npos && parts.size() > 1) parts.pop_back();
-    ids.clear();  // an inner unit says more
-    addUnlessKnown(ids, unescaped(parts.back()));
-    for (std::size_t launcher = parts.size() - 1; launcher-- > 0;) {
-      addUnlessKnown(ids, unescaped(joined(parts, launcher, parts.size(), '-')));
+    if (isScope && instance == std::string_view::npos && parts.size() > 1) parts.pop_back();  // RANDOM
+    ids.clear();  // the innermost unit decides
+    addOnce(ids, unescapeUnitName(parts.back()));
+    for (std::size_t begin = parts.size() - 1; begin-- > 0;) {
+      addOnce(ids, unescapeUnitName(join(parts, begin, parts.size(), '-')));
     }
   }
   return ids;
 }
 
-std::optional<std::string> scriptOf(const std::vector<std::string>& arguments) {
-  std::optional<std::string> classes;
+std::optional<std::string> scriptPath(const std::vector<std::string>& arguments) {
+  std::optional<std::string> classPath;
   for (std::size_t i = 1; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
-    if (replacesTheScript(argument)) return std::nullopt;
+    if (replacesScript(argument)) return std::nullopt;
     if (argument.starts_with('/')) return argument;
-    if (!argument.starts_with('-')) return classes;
-    if (!takesAValue(argument)) continue;
+    if (!argument.starts_with('-')) return classPath;
+    if (!hasValue(argument)) continue;
     ++i;
-    if (!isClassPath(argument) || i == arguments.size() || !arguments[i].starts_with('/')) continue;
-    classes = arguments[i].substr(0, arguments[i].find(':'));
+    if (!isClassPathOption(argument) || i == arguments.size() || !arguments[i].starts_with('/')) continue;
+    classPath = arguments[i].substr(0, arguments[i].find(':'));
   }
   return std::nullopt;
 }
 
-std::optional<std::string> imageMountOf(std::string_view executable) {
-  constexpr std::string_view stem = "/.mount_";
-  const std::size_t mount = executable.find(stem);
+/// The AppImage runtime mounts an image at "$TMPDIR/.mount_NAMEXXXXXX": the first letters of the file's name
+/// and six random characters.
+std::optional<std::string> appImageMount(std::string_view executable) {
+  constexpr std::string_view prefix = "/.mount_";
+  const std::size_t mount = executable.find(prefix);
   if (mount == std::string_view::npos) return std::nullopt;
-  const std::size_t end = executable.find('/', mount + stem.size());
-  if (end == std::string_view::npos || end == mount + stem.size()) return std::nullopt;
+  const std::size_t end = executable.find('/', mount + prefix.size());
+  if (end == std::string_view::npos || end == mount + prefix.size()) return std::nullopt;
   return std::string(executable.substr(0, end));
 }
 
-std::vector<std::string_view> privateDirectoriesOf(std::string_view path) {
+std::vector<std::string_view> privateDirectories(std::string_view path) {
   constexpr std::array<std::string_view, 9> roots = {
       "/opt/",           "/usr/lib/",         "/usr/lib64/",         "/usr/libexec/",  "/usr/share/",
       "/usr/local/lib/", "/usr/local/share/", "/usr/local/libexec/", "/usr/games/lib/"};
   for (const std::string_view root : roots) {
     if (!path.starts_with(root)) continue;
-    std::size_t shortest = root.size();
-    // Libraries of one kind of processor have a directory of their own, and applications theirs within it.
-    const std::string_view first = path.substr(root.size(), path.find('/', root.size()) - root.size());
-    if (first.find("-linux-gnu") != std::string_view::npos) shortest += first.size() + 1;
+    std::size_t rootLength = root.size();
+    // "/usr/lib/x86_64-linux-gnu" (Debian's multiarch directories) is such a root itself.
+    const std::string_view first = path.substr(rootLength, path.find('/', rootLength) - rootLength);
+    if (first.find("-linux-gnu") != std::string_view::npos) rootLength += first.size() + 1;
     std::vector<std::string_view> directories;
     std::size_t end = path.rfind('/');
-    while (end != std::string_view::npos && end > shortest) {
+    while (end != std::string_view::npos && end > rootLength) {
       directories.push_back(path.substr(0, end));
       end = path.rfind('/', end - 1);
     }

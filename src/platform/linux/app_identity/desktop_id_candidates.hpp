@@ -1,8 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What a process's paths, arguments and control group say of the application it belongs to, as pure
-// functions. Ids are those of desktop files, without ".desktop"; the likelier ones come first.
+// Pure functions: what the cgroup, the arguments and the executable path of a process say about its
+// application.
+//
+// A desktop id is a "desktop file ID" as the Desktop Entry Specification defines it, here without ".desktop".
+// Functions that return several candidates return the most likely one first.
 
 #pragma once
 
@@ -13,23 +16,29 @@
 
 namespace tarn {
 
-/// The ids that the sandbox of a control group stands for; empty outside of sandboxes.
-std::vector<std::string> sandboxIds(std::string_view controlGroup);
+/// The cgroup path in `/proc/PID/cgroup`: that of the cgroup v2 hierarchy, else that of the version 1
+/// hierarchy that systemd uses. Empty if there is neither.
+std::string parseCgroupPath(std::string_view text);
 
-/// The ids that the session manager's unit of a control group may stand for. Launchers separate the id by
-/// hyphens from their own name and from a number, and do not all escape the hyphens within it.
-std::vector<std::string> unitIds(std::string_view controlGroup);
+/// The first arguments, a dozen at most, in `/proc/PID/cmdline`. An argument without its final zero byte is
+/// included only if the text `isComplete`: otherwise it may be cut off.
+std::vector<std::string> parseArguments(std::string_view text, bool isComplete);
 
-/// The script, or the archive, that an interpreter with these arguments runs, as an absolute path. Where it
-/// is told a class, the first place in which that is looked for.
-std::optional<std::string> scriptOf(const std::vector<std::string>& arguments);
+/// Desktop ids of the Flatpak or snap that a cgroup belongs to. Empty outside of these sandboxes.
+std::vector<std::string> sandboxDesktopIds(std::string_view cgroupPath);
 
-/// The directory into which the image is mounted that holds an executable, by the name that such mounts have.
-std::optional<std::string> imageMountOf(std::string_view executable);
+/// Desktop ids that the innermost application unit of systemd ("app-...") in a cgroup path may name.
+std::vector<std::string> unitDesktopIds(std::string_view cgroupPath);
 
-/// The directory of one application among those that applications have for themselves, from the innermost
-/// that holds an executable outwards: "/opt/X", "/usr/lib/X" and the like, and what is below. Empty for a
-/// path elsewhere.
-std::vector<std::string_view> privateDirectoriesOf(std::string_view path);
+/// Absolute path of the script or archive that an interpreter with these arguments runs. For a Java class:
+/// the first entry of the class path.
+std::optional<std::string> scriptPath(const std::vector<std::string>& arguments);
+
+/// The directory at which the AppImage that contains an executable is mounted.
+std::optional<std::string> appImageMount(std::string_view executable);
+
+/// Directories that contain `path` and can be an application's own, innermost first: "/opt/X", "/usr/lib/X"
+/// and the like, and their subdirectories. Empty for other paths. The results are views into `path`.
+std::vector<std::string_view> privateDirectories(std::string_view path);
 
 }  // namespace tarn

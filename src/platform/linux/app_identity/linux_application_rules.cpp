@@ -3,98 +3,127 @@
 
 #include "platform/linux/app_identity/linux_application_rules.hpp"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
 #include <utility>
 
-#include "platform/linux/app_identity/exec_line.hpp"
 #include "platform/linux/app_identity/desktop_id_candidates.hpp"
-#include "platform/linux/procfs/directory_stream.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "sampling/bundle_path.hpp"
 
 namespace tarn {
 
 namespace {
 
-constexpr std::size_t leastSizeToPrune = 512;
+constexpr std::size_t minPruneSize = 512;
+constexpr std::size_t maxFileSize = 4096;  // bytes that are read of a file of a process
 
-std::string valueOf(const std::string* path) {
-  return path == nullptr ? std::string() : *path;
+std::string processDirectory(const LinuxRoots& roots, std::int32_t pid) {
+  return roots.proc + '/' + std::to_string(pid);
+}
+
+std::string copyOrEmpty(const std::string* text) {
+  return text == nullptr ? std::string() : *text;
 }
 
 }  // namespace
 
-LinuxApplicationRules::LinuxApplicationRules(LinuxRoots roots, ApplicationIndex index,
-                                             Generation generationOf, Clock clock)
+LinuxApplicationRules::LinuxApplicationRules(LinuxRoots roots, ApplicationIndex index, ExecId execId,
+                                             Clock clock)
     : roots_(std::move(roots)),
       index_(std::move(index)),
-      generationOf_(std::move(generationOf)),
+      execId_(std::move(execId)),
       clock_(std::move(clock)),
-      sizeToPrune_(leastSizeToPrune) {}
+      pruneSize_(minPruneSize) {}
 
 SharedText LinuxApplicationRules::applicationRoot(std::int32_t pid, const std::string& /*path*/) {
-  // The path given may be that of the program before: a process that starts another one keeps its place in
-  // whoever's memory that was.
-  const auto generation = generationOf_(pid);
-  if (!generation) return {};
-  const Found* const known = found_.find(pid);
-  if (known != nullptr && known->generation == *generation) return known->root;
+  const auto execId = execId_(pid);
+  if (!execId) return {};
+  const CachedRoot* const cached = cache_.find(pid);
+  if (cached != nullptr && cached->execId == *execId) return cached->root;
   refreshIndex();
-  SharedText root = find(pid, readProcessFacts(roots_, pid));
-  forgetTheGone();
-  found_[pid] = {*generation, root};
+  SharedText root = findRoot(pid);
+  prune();
+  cache_[pid] = {*execId, root};
   return root;
 }
 
 void LinuxApplicationRules::refreshIndex() {
-  // Many new processes come at once; the applications hardly ever change.
-  constexpr auto oftenEnough = std::chrono::seconds(2);
+  // Many processes can be new in one sweep; desktop files rarely change.
+  constexpr auto minInterval = std::chrono::seconds(2);
   const auto now = clock_();
-  if (lastRefresh_ && now - *lastRefresh_ < oftenEnough) return;
+  if (lastRefresh_ && now - *lastRefresh_ < minInterval) return;
   lastRefresh_ = now;
-  if (index_.refresh()) found_.clear();
+  if (index_.refresh()) cache_.clear();
 }
 
-void LinuxApplicationRules::forgetTheGone() {
-  if (found_.size() < sizeToPrune_) return;
-  found_.eraseIf(
-      [this](std::int32_t pid, const Found& found) { return generationOf_(pid) != found.generation; });
-  sizeToPrune_ = std::max(leastSizeToPrune, 2 * found_.size());
+void LinuxApplicationRules::prune() {
+  if (cache_.size() < pruneSize_) return;
+  cache_.eraseIf(
+      [this](std::int32_t pid, const CachedRoot& cached) { return execId_(pid) != cached.execId; });
+  pruneSize_ = std::max(minPruneSize, 2 * cache_.size());
 }
 
-std::string LinuxApplicationRules::find(std::int32_t pid, const ProcessFacts& facts) const {
-  // Paths within a sandbox mean nothing outside of it.
-  const auto sandbox = sandboxIds(facts.controlGroup);
-  if (!sandbox.empty()) return valueOf(byAnyId(sandbox));
-  if (const auto* file = byProgram(facts.executable)) return *file;
-  if (const auto* file = index_.byServiceExecutable(facts.executable)) return *file;
-  if (runsOthers(lastPathComponent(facts.executable))) {
-    const auto script = scriptOf(readArguments(roots_, pid));
-    if (const auto* file = script ? byProgram(*script) : nullptr) return *file;
+std::string LinuxApplicationRules::findRoot(std::int32_t pid) const {
+  const ProcessOrigin origin = readProcessOrigin(roots_, pid);
+  // The path of a sandboxed executable belongs to another mount namespace: it is not looked up.
+  const auto sandbox = sandboxDesktopIds(origin.cgroup);
+  if (!sandbox.empty()) return copyOrEmpty(findById(sandbox));
+  if (const auto* file = findByProgram(origin.executable)) return *file;
+  if (const auto* file = index_.byServiceExecutable(origin.executable)) return *file;
+  if (isLauncher(lastPathComponent(origin.executable))) {
+    const auto script = scriptPath(readArguments(roots_, pid));
+    if (const auto* file = script ? findByProgram(*script) : nullptr) return *file;
   }
-  if (const auto* file = byAnyId(unitIds(facts.controlGroup))) return *file;
-  return inImage(facts.executable);
+  if (const auto* file = findById(unitDesktopIds(origin.cgroup))) return *file;
+  return findInAppImage(origin.executable);
 }
 
-const std::string* LinuxApplicationRules::byProgram(const std::string& path) const {
+const std::string* LinuxApplicationRules::findByProgram(const std::string& path) const {
   const auto* file = index_.byExecutable(path);
   return file != nullptr ? file : index_.byPrivateDirectory(path);
 }
 
-const std::string* LinuxApplicationRules::byAnyId(const std::vector<std::string>& ids) const {
+const std::string* LinuxApplicationRules::findById(const std::vector<std::string>& ids) const {
   for (const std::string& id : ids) {
     if (const auto* file = index_.byId(id)) return file;
   }
   return nullptr;
 }
 
-std::string LinuxApplicationRules::inImage(const std::string& executable) const {
-  const auto mount = imageMountOf(executable);
+/// An AppImage has a desktop file in its root directory (AppImage Specification, "AppDir").
+std::string LinuxApplicationRules::findInAppImage(const std::string& executable) const {
+  const auto mount = appImageMount(executable);
   if (!mount) return {};
-  constexpr std::size_t mostFiles = 10'000;
-  for (const std::string& name : namesIn(roots_.root + *mount, mostFiles)) {
+  constexpr std::size_t maxFiles = 10'000;
+  for (const std::string& name : namesIn(roots_.root + *mount, maxFiles)) {
     if (name.ends_with(".desktop")) return *mount + '/' + name;
   }
   return {};
+}
+
+ProcessOrigin readProcessOrigin(const LinuxRoots& roots, std::int32_t pid) {
+  const std::string directory = processDirectory(roots, pid);
+  std::array<char, maxFileSize> buffer{};
+  ProcessOrigin origin;
+  const ssize_t length = ::readlink((directory + "/exe").c_str(), buffer.data(), buffer.size());
+  // A target that fills the buffer may be cut off.
+  if (length > 0 && static_cast<std::size_t>(length) < buffer.size()) {
+    origin.executable = withoutDeletedMark({buffer.data(), static_cast<std::size_t>(length)});
+  }
+  origin.cgroup = parseCgroupPath(readOnce(AT_FDCWD, (directory + "/cgroup").c_str(), buffer));
+  return origin;
+}
+
+std::vector<std::string> readArguments(const LinuxRoots& roots, std::int32_t pid) {
+  std::array<char, maxFileSize> buffer{};
+  const std::string path = processDirectory(roots, pid) + "/cmdline";
+  const std::string_view commandLine = readOnce(AT_FDCWD, path.c_str(), buffer);
+  return parseArguments(commandLine, commandLine.size() < buffer.size());
 }
 
 }  // namespace tarn

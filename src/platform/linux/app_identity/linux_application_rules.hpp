@@ -4,58 +4,79 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/linux/app_identity/application_index.hpp"
-#include "platform/linux/app_identity/process_facts.hpp"
+#include "platform/linux/procfs/linux_roots.hpp"
 #include "sampling/pid_map.hpp"
 #include "sampling/process_source.hpp"
 
 namespace tarn {
 
-/// Finds the application of a process by the first rule that knows it: its sandbox; the executable or the
-/// directory that a desktop file leads to; the bus service of the application's id; the script that an
-/// interpreter runs; the session manager's unit; the image that it was started from.
+/// Finds the application of a process. The first rule that applies decides:
 ///
-/// A process is looked at once, and again when it has started another program or the applications changed.
+/// 1. the Flatpak or snap of its cgroup;
+/// 2. the desktop file whose Exec key starts its executable, or that owns a directory above it;
+/// 3. the D-Bus service with an application's id that its executable implements;
+/// 4. for an interpreter: the desktop file of its script, as in 2.;
+/// 5. the systemd unit of its cgroup;
+/// 6. the AppImage that contains its executable.
+///
+/// The result is cached until the process executes another program or the desktop files change.
 class LinuxApplicationRules final : public ApplicationRules {
  public:
-  /// A number that is another one for each program that a process runs; nothing for a process that is gone.
-  using Generation = std::function<std::optional<std::uint64_t>(std::int32_t pid)>;
+  /// Identifies an execution of a program: the number differs between processes, and changes when a process
+  /// executes another program. Nothing for a process that does not exist or has no program (kernel threads).
+  using ExecId = std::function<std::optional<std::uint64_t>(std::int32_t pid)>;
   using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
-  LinuxApplicationRules(LinuxRoots roots, ApplicationIndex index, Generation generationOf,
+  LinuxApplicationRules(LinuxRoots roots, ApplicationIndex index, ExecId execId,
                         Clock clock = std::chrono::steady_clock::now);
 
-  /// The path of the application's desktop file.
+  /// Returns the path of the application's desktop file. `path` is ignored: it may be that of an earlier
+  /// program of the process.
   SharedText applicationRoot(std::int32_t pid, const std::string& path) override;
 
-  /// How many processes are remembered.
-  std::size_t knownProcessCount() const { return found_.size(); }
+  /// Number of cached processes.
+  std::size_t knownProcessCount() const { return cache_.size(); }
 
  private:
-  struct Found {
-    std::uint64_t generation = 0;
-    SharedText root;  ///< empty: it belongs to none
+  struct CachedRoot {
+    std::uint64_t execId = 0;
+    SharedText root;  ///< empty: the process belongs to no application
   };
 
   void refreshIndex();
-  void forgetTheGone();
-  std::string find(std::int32_t pid, const ProcessFacts& facts) const;
-  const std::string* byProgram(const std::string& path) const;
-  const std::string* byAnyId(const std::vector<std::string>& ids) const;
-  std::string inImage(const std::string& executable) const;
+  void prune();
+  std::string findRoot(std::int32_t pid) const;
+  const std::string* findByProgram(const std::string& path) const;
+  const std::string* findById(const std::vector<std::string>& ids) const;
+  std::string findInAppImage(const std::string& executable) const;
 
   LinuxRoots roots_;
   ApplicationIndex index_;
-  Generation generationOf_;
+  ExecId execId_;
   Clock clock_;
   std::optional<std::chrono::steady_clock::time_point> lastRefresh_;
-  PidMap<Found> found_;
-  std::size_t sizeToPrune_;
+  PidMap<CachedRoot> cache_;
+  std::size_t pruneSize_;  ///< size of `cache_` at which it is pruned next
 };
+
+/// What the rules read of every new process.
+struct ProcessOrigin {
+  std::string executable;  ///< target of /proc/PID/exe, a path in the mount namespace of the process
+  std::string cgroup;      ///< path in the hierarchy that systemd manages
+};
+
+/// A text is empty if its file cannot be read.
+ProcessOrigin readProcessOrigin(const LinuxRoots& roots, std::int32_t pid);
+
+/// The first arguments of a process, a dozen at most. Empty if they cannot be read.
+std::vector<std::string> readArguments(const LinuxRoots& roots, std::int32_t pid);
 
 }  // namespace tarn

@@ -3,13 +3,10 @@
 
 #include "platform/linux/dbus/bus_object.hpp"
 
-#include <malloc.h>
-
 #include <QDBusError>
 #include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QStringList>
-#include <chrono>
 #include <utility>
 
 namespace tarn {
@@ -17,10 +14,7 @@ namespace {
 
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
-// Replies wait in the library until the bus takes them, and those with pictures are large: who asks thousands
-// of times at once would leave a heap behind that nobody needs again.
-constexpr unsigned manyCalls = 64;
-constexpr std::chrono::seconds calmAfter{2};
+constexpr unsigned burstCalls = 64;
 
 QDBusMessage unknownProperty(const QDBusMessage& message) {
   return message.createErrorReply(QDBusError::UnknownProperty, QStringLiteral("No such property"));
@@ -37,9 +31,9 @@ BusObject::BusObject(QDBusConnection bus, QString path, BusInterface interface, 
       bus_(std::move(bus)),
       path_(std::move(path)),
       interface_(std::move(interface)) {
-  calm_.setSingleShot(true);
-  calm_.setInterval(calmAfter);
-  connect(&calm_, &QTimer::timeout, this, [] { malloc_trim(0); });
+  burstTimer_.setSingleShot(true);
+  burstTimer_.setInterval(burstPause);
+  connect(&burstTimer_, &QTimer::timeout, this, &BusObject::burstEnded);
   bus_.registerVirtualObject(path_, this);
 }
 
@@ -77,13 +71,13 @@ bool BusObject::handleMessage(const QDBusMessage& message, const QDBusConnection
   if (message.type() != QDBusMessage::MethodCallMessage) return false;
   const QString interface = message.interface();
   if (!interface.isEmpty() && interface != interface_.name && interface != propertiesInterface) return false;
-  const QDBusMessage reply = interface == propertiesInterface ? answerProperties(message) : answer(message);
+  const QDBusMessage reply = interface == propertiesInterface ? callProperties(message) : callMethod(message);
   if (message.isReplyRequired()) connection.send(reply);
-  if (++answered_ % manyCalls == 0) calm_.start();
+  if (++callCount_ % burstCalls == 0) burstTimer_.start();
   return true;
 }
 
-QDBusMessage BusObject::answer(const QDBusMessage& message) const {
+QDBusMessage BusObject::callMethod(const QDBusMessage& message) const {
   const auto method = interface_.methods.constFind(message.member());
   if (method == interface_.methods.constEnd()) {
     return message.createErrorReply(QDBusError::UnknownMethod, QStringLiteral("No such method"));
@@ -93,10 +87,10 @@ QDBusMessage BusObject::answer(const QDBusMessage& message) const {
   return results ? message.createReply(*results) : invalidArguments(message);
 }
 
-QDBusMessage BusObject::answerProperties(const QDBusMessage& message) const {
+QDBusMessage BusObject::callProperties(const QDBusMessage& message) const {
   const QVariantList arguments = message.arguments();
-  const QString asked = arguments.value(0).toString();
-  if (!asked.isEmpty() && asked != interface_.name) return invalidArguments(message);
+  const QString interface = arguments.value(0).toString();
+  if (!interface.isEmpty() && interface != interface_.name) return invalidArguments(message);
   if (message.member() == u"GetAll" && message.signature() == u"s") {
     return message.createReply(QVariant(interface_.properties()));
   }

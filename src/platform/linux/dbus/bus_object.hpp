@@ -11,36 +11,40 @@
 #include <QTimer>
 #include <QVariantList>
 #include <QVariantMap>
+#include <chrono>
 #include <functional>
 #include <optional>
 
 namespace tarn {
 
-/// One method of a bus interface. It is called only with arguments of exactly its signature; it returns the
-/// reply's arguments, or nothing when the values make no sense.
+/// One method of a D-Bus interface.
 struct BusMethod {
-  QString signature;
+  QString signature;  ///< of the arguments; a call with another signature is rejected before `call`
+
+  /// Returns the arguments of the reply, or nothing when the values of the arguments are invalid.
   std::function<std::optional<QVariantList>(const QVariantList& arguments)> call;
 };
 
-/// What an object on the bus consists of. Properties are read-only and asked for at each read, so that one
-/// may be there at one time and not at another, which a fixed interface cannot express.
+/// A D-Bus interface with read-only properties. `properties` is called for each read, so that a property can
+/// exist at one time and not at another; an interface that is generated from XML cannot do that.
 struct BusInterface {
   QString name;
   QHash<QString, BusMethod> methods;
   std::function<QVariantMap()> properties;
   QString
-      introspection;  ///< the XML of methods and signals; that of the properties is made from their values
+      introspection;  ///< XML of methods and signals; the XML of properties is generated from their values
 };
 
-/// An object on the bus with one interface, answered from tables. Whatever is sent to it, it answers with a
-/// result or an error and stays as it was; after many calls, unused memory goes back to the system. Main
-/// thread.
+/// An object on the bus with one interface beside org.freedesktop.DBus.Properties and Introspectable. Each
+/// call is answered with a result or with an error. Main thread.
 class BusObject final : public QDBusVirtualObject {
   Q_OBJECT
 
  public:
-  /// Appears at `path` of `bus` until destroyed; without a bus it is simply not reachable.
+  /// burstEnded() follows the last of many calls after this time.
+  static constexpr std::chrono::seconds burstPause{2};
+
+  /// Registers the object at `path` of `bus` until it is destroyed. `bus` may be disconnected.
   BusObject(QDBusConnection bus, QString path, BusInterface interface, QObject* parent = nullptr);
   ~BusObject() override;
   Q_DISABLE_COPY_MOVE(BusObject)
@@ -48,21 +52,26 @@ class BusObject final : public QDBusVirtualObject {
   /// Sends a signal of this object's interface.
   void sendSignal(const QString& name, const QVariantList& arguments = {});
 
-  /// Tells whoever keeps a copy of the properties which values are new.
+  /// Sends org.freedesktop.DBus.Properties.PropertiesChanged with the new values.
   void sendPropertiesChanged(const QVariantMap& changed);
 
   QString introspect(const QString& path) const override;
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
+ Q_SIGNALS:
+  /// A burst of calls is over. libdbus keeps replies in memory until the bus takes them, and those with
+  /// images are large: after a burst much freed memory is left in the heap.
+  void burstEnded();
+
  private:
-  QDBusMessage answer(const QDBusMessage& message) const;
-  QDBusMessage answerProperties(const QDBusMessage& message) const;
+  QDBusMessage callMethod(const QDBusMessage& message) const;
+  QDBusMessage callProperties(const QDBusMessage& message) const;
 
   QDBusConnection bus_;
   QString path_;
   BusInterface interface_;
-  unsigned answered_ = 0;
-  QTimer calm_;  ///< runs for a while after many calls
+  unsigned callCount_ = 0;
+  QTimer burstTimer_;
 };
 
 }  // namespace tarn

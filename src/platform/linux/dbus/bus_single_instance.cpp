@@ -3,85 +3,56 @@
 
 #include "platform/linux/dbus/bus_single_instance.hpp"
 
-#include <QDBusConnectionInterface>
+#include <QDBusAbstractAdaptor>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QStringList>
+#include <QVariantMap>
 #include <utility>
+
+#include "platform/linux/dbus/session_bus.hpp"
 
 namespace tarn {
 namespace {
 
-constexpr int patience = 2000;  ///< milliseconds that a second launch waits for the first Tarn's answer
+constexpr int ownerTimeout = 2000;  // milliseconds
 
-// The bus's words for taking a name.
-constexpr uint doNotQueue = 4;
-constexpr uint nameHasAnotherOwner = 3;
+// D-Bus Specification, "org.freedesktop.DBus.RequestName".
+constexpr uint nameFlagDoNotQueue = 4;
+constexpr uint requestNameReplyExists = 3;
 
-/// Where desktops look for the object of an application: its name, written as a path.
+const QString applicationInterface = QStringLiteral("org.freedesktop.Application");
+
+/// The path of an application's object: its name with "/" for "." and "_" for "-" (Desktop Entry
+/// Specification, "D-Bus Activation").
 QString objectPath() {
   QString path = QLatin1Char('/') + singleInstanceName();
   return path.replace(QLatin1Char('.'), QLatin1Char('/')).replace(QLatin1Char('-'), QLatin1Char('_'));
 }
 
-}  // namespace
+/// org.freedesktop.Application (Desktop Entry Specification, "D-Bus Activation"): Activate(a{sv}),
+/// Open(as, a{sv}) and ActivateAction(s, av, a{sv}). Each of them activates, since Tarn opens no files.
+class ApplicationAdaptor final : public QDBusAbstractAdaptor {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
-QString singleInstanceName() {
-  return QStringLiteral(TARN_APPLICATION_ID);
-}
+ public:
+  /// Owned by `object`.
+  ApplicationAdaptor(QObject* object, std::function<void()> activated)
+      : QDBusAbstractAdaptor(object), activated_(std::move(activated)) {}
 
-BusSingleInstance::BusSingleInstance(QDBusConnection bus) : bus_(std::move(bus)) {}
+ public Q_SLOTS:
+  // Qt offers these on the bus by their names.
+  // NOLINTBEGIN(readability-identifier-naming)
+  void Activate(const QVariantMap& platformData);
+  void Open(const QStringList& addresses, const QVariantMap& platformData);
+  void ActivateAction(const QString& action, const QVariantList& parameters, const QVariantMap& platformData);
+  // NOLINTEND(readability-identifier-naming)
 
-bool BusSingleInstance::claim(std::function<void()> launchedAgain) {
-  new ApplicationAdaptor(&object_, std::move(launchedAgain));
-  if (!bus_.isConnected()) return true;
-  present();
-  if (bus_.registerService(singleInstanceName())) return true;
-
-  QDBusMessage activate = QDBusMessage::createMethodCall(singleInstanceName(), objectPath(),
-                                                         QStringLiteral("org.freedesktop.Application"),
-                                                         QStringLiteral("Activate"));
-  activate << QVariantMap();
-  const QDBusMessage answer = bus_.call(activate, QDBus::Block, patience);
-  // An owner that does not answer is no reason to leave the user without a Tarn.
-  return answer.type() == QDBusMessage::ErrorMessage;
-}
-
-void BusSingleInstance::claimAgain(const QDBusConnection& bus, std::function<void()> superseded) {
-  bus_ = bus;
-  present();
-  QDBusMessage request = QDBusMessage::createMethodCall(
-      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
-  request << singleInstanceName() << doNotQueue;
-  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(request), &object_);
-  QObject::connect(answer, &QDBusPendingCallWatcher::finished, &object_,
-                   [this, answer, superseded = std::move(superseded)] {
-                     answer->deleteLater();
-                     const QDBusPendingReply<uint> reply = *answer;
-                     if (reply.isValid() && reply.value() == nameHasAnotherOwner) askOwner(superseded);
-                   });
-}
-
-// The object comes before the name: who finds the name may call at once.
-void BusSingleInstance::present() {
-  bus_.registerObject(objectPath(), &object_);
-}
-
-// An owner that does not answer is no reason to leave the user without a Tarn here, either.
-void BusSingleInstance::askOwner(const std::function<void()>& superseded) {
-  const QDBusMessage question =
-      QDBusMessage::createMethodCall(singleInstanceName(), objectPath(),
-                                     QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
-  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(question, patience), &object_);
-  QObject::connect(answer, &QDBusPendingCallWatcher::finished, &object_, [answer, superseded] {
-    answer->deleteLater();
-    if (!answer->isError()) superseded();
-  });
-}
-
-ApplicationAdaptor::ApplicationAdaptor(QObject* object, std::function<void()> activated)
-    : QDBusAbstractAdaptor(object), activated_(std::move(activated)) {}
+ private:
+  std::function<void()> activated_;
+};
 
 void ApplicationAdaptor::Activate(const QVariantMap& /*platformData*/) {
   activated_();
@@ -96,4 +67,60 @@ void ApplicationAdaptor::ActivateAction(const QString& /*action*/, const QVarian
   Activate(platformData);
 }
 
+}  // namespace
+
+QString singleInstanceName() {
+  return QStringLiteral(TARN_APPLICATION_ID);
+}
+
+BusSingleInstance::BusSingleInstance(QDBusConnection bus) : bus_(std::move(bus)) {}
+
+bool BusSingleInstance::claim(std::function<void()> launchedAgain) {
+  new ApplicationAdaptor(&object_, std::move(launchedAgain));
+  if (!bus_.isConnected()) return true;
+  registerObject();
+  if (bus_.registerService(singleInstanceName())) return true;
+
+  QDBusMessage activate = QDBusMessage::createMethodCall(singleInstanceName(), objectPath(),
+                                                         applicationInterface, QStringLiteral("Activate"));
+  activate << QVariantMap();
+  const QDBusMessage reply = bus_.call(activate, QDBus::Block, ownerTimeout);
+  // If the owner does not answer, the user would be left without a working Tarn.
+  return reply.type() == QDBusMessage::ErrorMessage;
+}
+
+void BusSingleInstance::claimAgain(const QDBusConnection& bus, std::function<void()> superseded) {
+  bus_ = bus;
+  registerObject();
+  // QDBusConnection::registerService() would block.
+  QDBusMessage request =
+      QDBusMessage::createMethodCall(busService, busPath, busService, QStringLiteral("RequestName"));
+  request << singleInstanceName() << nameFlagDoNotQueue;
+  auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(request), &object_);
+  QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &object_,
+                   [this, watcher, superseded = std::move(superseded)] {
+                     watcher->deleteLater();
+                     const QDBusPendingReply<uint> reply = *watcher;
+                     if (reply.isValid() && reply.value() == requestNameReplyExists) pingOwner(superseded);
+                   });
+}
+
+// Called before the name is requested: a process that sees the name may call the object at once.
+void BusSingleInstance::registerObject() {
+  bus_.registerObject(objectPath(), &object_);
+}
+
+void BusSingleInstance::pingOwner(const std::function<void()>& superseded) {
+  const QDBusMessage ping =
+      QDBusMessage::createMethodCall(singleInstanceName(), objectPath(),
+                                     QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
+  auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(ping, ownerTimeout), &object_);
+  QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &object_, [watcher, superseded] {
+    watcher->deleteLater();
+    if (!watcher->isError()) superseded();
+  });
+}
+
 }  // namespace tarn
+
+#include "bus_single_instance.moc"

@@ -3,59 +3,37 @@
 
 #pragma once
 
-#include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
 #include <QObject>
-#include <QStringList>
-#include <QVariantMap>
+#include <QString>
 #include <functional>
-
-#include "app/platform.hpp"
 
 namespace tarn {
 
-/// The well-known bus name that the session's one Tarn owns.
+/// The well-known bus name that identifies the running Tarn; also its application id.
 QString singleInstanceName();
 
-/// One Tarn per session bus, by the owner of a name on it. It answers as an application that the desktop can
-/// activate, so that a launcher reaches it, too.
-class BusSingleInstance final : public SingleInstance {
+/// Allows one Tarn per session bus: the owner of singleInstanceName(). The owner also offers the interface
+/// org.freedesktop.Application, by which desktops activate it. Main thread.
+class BusSingleInstance {
  public:
   explicit BusSingleInstance(QDBusConnection bus);
 
-  bool claim(std::function<void()> launchedAgain) override;
+  /// Returns whether this process is to go on: it owns the name, or there is no bus, or the owner did not
+  /// answer within 2 s. Otherwise the owner was activated before this returns. Blocks for that reply only.
+  /// `launchedAgain` is called each time another launch or the desktop activates this process. Call once.
+  bool claim(std::function<void()> launchedAgain);
 
-  /// Claims the name on another bus, the former being gone, without waiting. While there was none a second
-  /// Tarn may have started: where one that answers has the name, `superseded` is called.
+  /// Requests the name on `bus`, which replaces the former one. Does not block. Another Tarn may have started
+  /// while there was no bus: `superseded` is called if it owns the name and answers.
   void claimAgain(const QDBusConnection& bus, std::function<void()> superseded);
 
  private:
-  void present();
-  void askOwner(const std::function<void()>& superseded);
+  void registerObject();
+  void pingOwner(const std::function<void()>& superseded);
 
   QDBusConnection bus_;
-  QObject object_;  ///< what the bus sees
-};
-
-/// The desktop's interface to an application.
-class ApplicationAdaptor final : public QDBusAbstractAdaptor {
-  Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
-
- public:
-  /// Owned by `object`.
-  ApplicationAdaptor(QObject* object, std::function<void()> activated);
-
- public Q_SLOTS:
-  // The bus finds these by the names that the interface has there.
-  // NOLINTBEGIN(readability-identifier-naming)
-  void Activate(const QVariantMap& platformData);
-  void Open(const QStringList& addresses, const QVariantMap& platformData);
-  void ActivateAction(const QString& action, const QVariantList& parameters, const QVariantMap& platformData);
-  // NOLINTEND(readability-identifier-naming)
-
- private:
-  std::function<void()> activated_;
+  QObject object_;  ///< what is registered on the bus
 };
 
 }  // namespace tarn

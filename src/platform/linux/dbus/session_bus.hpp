@@ -4,6 +4,8 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
+#include <QLatin1String>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -11,45 +13,78 @@
 
 namespace tarn {
 
-/// Where programs find the session bus, by this process's environment; blank where it does not say.
+/// The bus itself, as a service on the bus (D-Bus Specification, "Message Bus Messages").
+inline constexpr QLatin1String busService("org.freedesktop.DBus");
+inline constexpr QLatin1String busPath("/org/freedesktop/DBus");
+
+/// The address of the session bus: DBUS_SESSION_BUS_ADDRESS, else "bus" in XDG_RUNTIME_DIR. Empty when
+/// neither is set, and for "autolaunch:", which would make each connection attempt start a bus of its own.
 QString sessionBusAddress();
 
-/// The session bus, also after it went away: looks for one at the same address until it is back. Costs
-/// nothing while the bus is there. All that follow one address share the connection. Main thread.
+/// A connection to the session bus that is replaced when the bus is restarted: while it is lost, the same
+/// address is tried at intervals. No timer runs while the connection works. All SessionBus objects with the
+/// same address share one replacement connection. Main thread.
 class SessionBus final : public QObject {
   Q_OBJECT
 
  public:
-  /// Follows the bus of `connection`, which need not be connected. With a blank `address` a bus that is not
-  /// there is not looked for.
+  /// Starts with `connection`, which may be disconnected. An empty `address` disables reconnecting.
   SessionBus(QDBusConnection connection, QString address, QObject* parent = nullptr);
 
-  /// The connection stays as long as others hold it.
+  /// Others who hold the connection can go on using it.
   ~SessionBus() override;
   Q_DISABLE_COPY_MOVE(SessionBus)
 
-  /// The present connection, or the last one where there is none now.
+  /// The current connection, or the last one while there is none.
   const QDBusConnection& connection() const { return connection_; }
 
-  /// How often a bus that is not there is looked for; to be called before that.
+  /// The time between attempts to reconnect; takes effect at the next loss of the connection.
   void setInterval(std::chrono::milliseconds interval) { retry_.setInterval(interval); }
 
  Q_SIGNALS:
-  /// The bus is here, which it was not before: on it nobody knows this program yet.
+  /// connection() was replaced. Names, objects and matches have to be registered on it again.
   void appeared();
 
  private Q_SLOTS:
   void disconnected();
 
  private:
-  void follow();
-  void look();
+  void watchDisconnection();
+  void reconnect();
 
   QDBusConnection connection_;
   QString address_;
   QTimer retry_;
-  QString ownName_;    // of the connection among the library's; blank for one that others made
-  int connected_ = 0;  // how many connections there were
+  QString connectionName_;  ///< of a connection that was made here; empty for the one from the constructor
+  int reconnects_ = 0;
+};
+
+/// Follows the owner of one bus name. Never blocks. Main thread.
+class BusNameWatcher final : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Asks for the present owner of `name` and subscribes to changes. The first owner is reported by
+  /// ownerChanged() like each later one.
+  BusNameWatcher(const QDBusConnection& bus, QString name, QObject* parent = nullptr);
+
+  /// The unique name of the owner (":1.42"). Empty when there is none, or none is known yet.
+  const QString& owner() const { return owner_; }
+
+ Q_SIGNALS:
+  /// `owner` is as owner() returns it.
+  void ownerChanged(const QString& owner);
+
+ private Q_SLOTS:
+  void nameOwnerChanged(const QDBusMessage& message);
+  void disconnected();
+
+ private:
+  void setOwner(const QString& owner);
+
+  QString name_;
+  QString owner_;
+  bool hasSignal_ = false;  ///< NameOwnerChanged arrived, so the reply to GetNameOwner may be outdated
 };
 
 }  // namespace tarn

@@ -8,75 +8,76 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/linux/status_notifier/notifier_properties.hpp"
+#include "platform/linux/status_notifier/item_content.hpp"
 #include "platform/linux/status_notifier/notifier_types.hpp"
 
 namespace tarn {
 namespace {
 
-using Answer = std::optional<QVariantList>;
+using Result = std::optional<QVariantList>;  // as BusMethod::call returns it
 
-constexpr int rootEntry = 0;
-constexpr int openEntry = 1;
-constexpr int quitEntry = 2;
-constexpr int entries[] = {rootEntry, openEntry, quitEntry};
+// The ids of the menu items. The protocol reserves 0 for the root.
+constexpr int rootItem = 0;
+constexpr int openItem = 1;
+constexpr int quitItem = 2;
+constexpr int items[] = {rootItem, openItem, quitItem};
 constexpr uint revision = 1;
 
-bool isEntry(int id) {
-  return std::find(std::begin(entries), std::end(entries), id) != std::end(entries);
+bool isItem(int id) {
+  return std::find(std::begin(items), std::end(items), id) != std::end(items);
 }
 
-// Of the properties of entry `id` those that are asked for; all when none is named.
-QVariantMap entryProperties(int id, const QStringList& names) {
+// Those properties of the menu item `id` that `names` lists; all of them when the list is empty.
+QVariantMap menuItemProperties(int id, const QStringList& names) {
   QVariantMap properties;
-  if (id == rootEntry) {
+  if (id == rootItem) {
     properties.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
   } else {
     properties.insert(QStringLiteral("label"),
-                      id == openEntry ? QStringLiteral("Open") : QStringLiteral("Quit"));
+                      id == openItem ? QStringLiteral("Open") : QStringLiteral("Quit"));
     properties.insert(QStringLiteral("enabled"), true);
     properties.insert(QStringLiteral("visible"), true);
   }
   if (names.isEmpty()) return properties;
-  QVariantMap asked;
+  QVariantMap selected;
   for (const QString& name : names) {
-    if (properties.contains(name)) asked.insert(name, properties.value(name));
+    if (properties.contains(name)) selected.insert(name, properties.value(name));
   }
-  return asked;
+  return selected;
 }
 
-Answer layout(const QVariantList& arguments) {
+Result getLayout(const QVariantList& arguments) {
   const int id = arguments.at(0).toInt();
   const int depth = arguments.at(1).toInt();
   const QStringList names = arguments.at(2).toStringList();
-  if (!isEntry(id)) return std::nullopt;
-  NotifierMenuLayout result{id, entryProperties(id, names), {}};
-  if (id == rootEntry && depth != 0) {
-    result.children = {{openEntry, entryProperties(openEntry, names), {}},
-                       {quitEntry, entryProperties(quitEntry, names), {}}};
+  if (!isItem(id)) return std::nullopt;
+  DBusMenuLayout result{id, menuItemProperties(id, names), {}};
+  if (id == rootItem && depth != 0) {
+    result.children = {{openItem, menuItemProperties(openItem, names), {}},
+                       {quitItem, menuItemProperties(quitItem, names), {}}};
   }
   return QVariantList{revision, QVariant::fromValue(result)};
 }
 
-Answer groupProperties(const QVariantList& arguments) {
+Result getGroupProperties(const QVariantList& arguments) {
   const auto ids = qdbus_cast<QList<int>>(arguments.at(0));
   const QStringList names = arguments.at(1).toStringList();
-  QList<NotifierMenuProperties> result;
-  for (const int id : entries) {
-    if (ids.isEmpty() || ids.contains(id)) result << NotifierMenuProperties{id, entryProperties(id, names)};
+  QList<DBusMenuItem> result;
+  for (const int id : items) {
+    if (ids.isEmpty() || ids.contains(id)) result << DBusMenuItem{id, menuItemProperties(id, names)};
   }
   return QVariantList{QVariant::fromValue(result)};
 }
 
-Answer oneProperty(const QVariantList& arguments) {
+Result getProperty(const QVariantList& arguments) {
   const int id = arguments.at(0).toInt();
   const QString name = arguments.at(1).toString();
-  const QVariant value = isEntry(id) ? entryProperties(id, {}).value(name) : QVariant();
+  const QVariant value = isItem(id) ? menuItemProperties(id, {}).value(name) : QVariant();
   if (!value.isValid()) return std::nullopt;
   return QVariantList{QVariant::fromValue(QDBusVariant(value))};
 }
 
-QString methodsAndSignals() {
+QString introspection() {
   return QStringLiteral(
       "<method name=\"GetLayout\"><arg name=\"parentId\" type=\"i\" direction=\"in\"/>"
       "<arg name=\"recursionDepth\" type=\"i\" direction=\"in\"/>"
@@ -111,14 +112,14 @@ QVariantMap menuProperties() {
           {QStringLiteral("IconThemePath"), QStringList()}};
 }
 
-QVariant unknownOf(const QList<int>& ids) {
+QVariant unknownIds(const QList<int>& ids) {
   QList<int> unknown;
-  std::copy_if(ids.begin(), ids.end(), std::back_inserter(unknown), [](int id) { return !isEntry(id); });
+  std::copy_if(ids.begin(), ids.end(), std::back_inserter(unknown), [](int id) { return !isItem(id); });
   return QVariant::fromValue(unknown);
 }
 
-// The entries and names of the events of a group, in order.
-QList<std::pair<int, QString>> groupedEvents(const QVariant& argument) {
+// The ids and event names of EventGroup's argument, a(isvu): id, event name, data, timestamp.
+QList<std::pair<int, QString>> parseEventGroup(const QVariant& argument) {
   QList<std::pair<int, QString>> events;
   const auto array = argument.value<QDBusArgument>();
   array.beginArray();
@@ -138,60 +139,63 @@ QList<std::pair<int, QString>> groupedEvents(const QVariant& argument) {
 
 }  // namespace
 
-NotifierMenu::NotifierMenu(const QDBusConnection& bus, QObject* parent)
-    : QObject(parent), object_((registerNotifierTypes(), bus), notifierMenuPath(), interface()) {
-  connect(this, &NotifierMenu::clicked, this, &NotifierMenu::choose, Qt::QueuedConnection);
+DBusMenu::DBusMenu(const QDBusConnection& bus, QObject* parent)
+    : QObject(parent), object_(bus, itemMenuPath(), interface()) {
+  registerNotifierTypes();
+  connect(&object_, &BusObject::burstEnded, this, &DBusMenu::burstEnded);
 }
 
-BusInterface NotifierMenu::interface() {
-  const auto event = [this](const QVariantList& arguments) -> Answer {
+BusInterface DBusMenu::interface() {
+  const auto event = [this](const QVariantList& arguments) -> Result {
     if (!handleEvent(arguments.at(0).toInt(), arguments.at(1).toString())) return std::nullopt;
     return QVariantList();
   };
-  const auto eventGroup = [this](const QVariantList& arguments) -> Answer {
+  const auto eventGroup = [this](const QVariantList& arguments) -> Result {
     QList<int> unknown;
-    for (const auto& [id, name] : groupedEvents(arguments.at(0))) {
+    for (const auto& [id, name] : parseEventGroup(arguments.at(0))) {
       if (!handleEvent(id, name)) unknown << id;
     }
     return QVariantList{QVariant::fromValue(unknown)};
   };
-  const auto aboutToShow = [](const QVariantList& arguments) -> Answer {
-    if (!isEntry(arguments.at(0).toInt())) return std::nullopt;
+  const auto aboutToShow = [](const QVariantList& arguments) -> Result {
+    if (!isItem(arguments.at(0).toInt())) return std::nullopt;
     return QVariantList{false};
   };
-  const auto aboutToShowGroup = [](const QVariantList& arguments) -> Answer {
+  const auto aboutToShowGroup = [](const QVariantList& arguments) -> Result {
     return QVariantList{QVariant::fromValue(QList<int>()),
-                        unknownOf(qdbus_cast<QList<int>>(arguments.at(0)))};
+                        unknownIds(qdbus_cast<QList<int>>(arguments.at(0)))};
   };
   return {QStringLiteral("com.canonical.dbusmenu"),
-          {{QStringLiteral("GetLayout"), {QStringLiteral("iias"), layout}},
-           {QStringLiteral("GetGroupProperties"), {QStringLiteral("aias"), groupProperties}},
-           {QStringLiteral("GetProperty"), {QStringLiteral("is"), oneProperty}},
+          {{QStringLiteral("GetLayout"), {QStringLiteral("iias"), getLayout}},
+           {QStringLiteral("GetGroupProperties"), {QStringLiteral("aias"), getGroupProperties}},
+           {QStringLiteral("GetProperty"), {QStringLiteral("is"), getProperty}},
            {QStringLiteral("Event"), {QStringLiteral("isvu"), event}},
            {QStringLiteral("EventGroup"), {QStringLiteral("a(isvu)"), eventGroup}},
            {QStringLiteral("AboutToShow"), {QStringLiteral("i"), aboutToShow}},
            {QStringLiteral("AboutToShowGroup"), {QStringLiteral("ai"), aboutToShowGroup}}},
           menuProperties,
-          methodsAndSignals()};
+          introspection()};
 }
 
-bool NotifierMenu::handleEvent(int id, const QString& event) {
-  if (!isEntry(id)) return false;
-  // A hundred thousand choices fit into one message, and anybody on the bus may send it.
-  const bool again = id == lastChoice_ && !nextChoice_.hasExpired();
-  if (event == u"clicked" && id != rootEntry && !again) {
-    lastChoice_ = id;
-    nextChoice_.setRemainingTime(choiceInterval);
-    Q_EMIT clicked(id, QPrivateSignal());
+// Returns false for an unknown id.
+bool DBusMenu::handleEvent(int id, const QString& event) {
+  if (!isItem(id)) return false;
+  // Any process on the bus can send 100,000 clicks in one EventGroup message.
+  const bool isRepeated = id == lastClicked_ && !nextClick_.hasExpired();
+  if (event == u"clicked" && id != rootItem && !isRepeated) {
+    lastClicked_ = id;
+    nextClick_.setRemainingTime(clickInterval);
+    QMetaObject::invokeMethod(
+        this, [this, id] { emitClicked(id); }, Qt::QueuedConnection);
   }
   return true;
 }
 
-void NotifierMenu::choose(int id) {
-  if (id == openEntry) {
-    Q_EMIT openChosen();
+void DBusMenu::emitClicked(int id) {
+  if (id == openItem) {
+    Q_EMIT openClicked();
   } else {
-    Q_EMIT quitChosen();
+    Q_EMIT quitClicked();
   }
 }
 

@@ -12,32 +12,34 @@
 
 namespace tarn {
 
-/// The item's menu, "Open" and "Quit", as an object on the bus that panels draw themselves. It never changes.
+/// The item's menu, "Open" and "Quit", which the panel draws: an object with the interface
+/// com.canonical.dbusmenu, version 3 (described in dbus-menu.xml of libdbusmenu). The menu never changes.
 /// Main thread.
-class NotifierMenu final : public QObject {
+class DBusMenu final : public QObject {
   Q_OBJECT
 
  public:
-  /// No hand chooses the same entry twice within this time: more choices are not passed on.
-  static constexpr std::chrono::milliseconds choiceInterval{50};
+  /// Clicks on the same menu item within this time after the first one are ignored.
+  static constexpr std::chrono::milliseconds clickInterval{50};
 
-  explicit NotifierMenu(const QDBusConnection& bus, QObject* parent = nullptr);
+  /// Registers the menu at itemMenuPath() of `bus` until it is destroyed.
+  explicit DBusMenu(const QDBusConnection& bus, QObject* parent = nullptr);
 
  Q_SIGNALS:
-  /// The entries were chosen. Sent from the event loop, after the panel has its answer.
-  void openChosen();
-  void quitChosen();
+  /// The menu item was clicked. Emitted from the event loop, after the reply to the panel was sent.
+  void openClicked();
+  void quitClicked();
 
-  /// An entry was clicked; the panel still waits for its answer.
-  void clicked(int id, QPrivateSignal);
+  /// As BusObject::burstEnded().
+  void burstEnded();
 
  private:
   BusInterface interface();
-  void choose(int id);
   bool handleEvent(int id, const QString& event);
+  void emitClicked(int id);
 
-  int lastChoice_ = 0;
-  QDeadlineTimer nextChoice_{0};  ///< expired when the last choice may come again
+  int lastClicked_ = 0;
+  QDeadlineTimer nextClick_{0};  ///< when it has expired, lastClicked_ may be clicked again
   BusObject object_;
 };
 

@@ -3,31 +3,33 @@
 
 #include "platform/linux/status_notifier/item_content.hpp"
 
+#include <QDBusObjectPath>
 #include <QFont>
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QStringList>
 #include <cmath>
 
+#include "platform/linux/status_notifier/notifier_types.hpp"
 #include "ui/menu_bar/menu_bar_icon.hpp"
 
 namespace tarn {
 namespace {
 
-// The height at which panels show an item, in points: what a gap of so many points means in a picture of any
-// size.
+// Sizes are given in points for an icon of this height and scale with the icon.
 constexpr double nominalHeight = 22.0;
 constexpr double gapPoints = 3.0;
 constexpr double textPoints = 13.0;
 
 }  // namespace
 
-QImage circlePicture(const MenuBarLabel& label, int pixels) {
+QImage circleIcon(const MenuBarLabel& label, int pixels) {
   return MenuBarIcon::image(label.symbolName, MenuBarIcon::color(label.tint), pixels);
 }
 
-QImage labelledPicture(const MenuBarLabel& label, int pixels) {
-  if (!label.text || label.text->isEmpty()) return circlePicture(label, pixels);
+QImage labelledIcon(const MenuBarLabel& label, int pixels) {
+  if (!label.text || label.text->isEmpty()) return circleIcon(label, pixels);
   const double scale = pixels / nominalHeight;
   QFont font = QGuiApplication::font();
   font.setPixelSize(static_cast<int>(std::lround(textPoints * scale)));
@@ -36,16 +38,64 @@ QImage labelledPicture(const MenuBarLabel& label, int pixels) {
   const double textLeft = pixels + gapPoints * scale;
   const int width = static_cast<int>(std::ceil(textLeft + metrics.horizontalAdvance(*label.text) + scale));
 
-  QImage picture(width, pixels, QImage::Format_ARGB32_Premultiplied);
-  picture.fill(Qt::transparent);
-  QPainter painter(&picture);
-  painter.drawImage(0, 0, circlePicture(label, pixels));
+  QImage image(width, pixels, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  QPainter painter(&image);
+  painter.drawImage(0, 0, circleIcon(label, pixels));
   painter.setFont(font);
-  // The picture cannot know what it lies on, so its text is as far from a light panel as from a dark one.
+  // The panel's background is unknown: this color contrasts with light and with dark panels.
   painter.setPen(MenuBarIcon::color(Tint::secondary));
   painter.drawText(QRectF(textLeft, 0, width - textLeft, pixels), Qt::AlignLeft | Qt::AlignVCenter,
                    *label.text);
-  return picture;
+  return image;
+}
+
+QString itemTitle(const MenuBarLabel& label) {
+  const QString name = QStringLiteral("Tarn");
+  return label.hover.text ? QStringLiteral("%1 — %2").arg(name, *label.hover.text) : name;
+}
+
+QString itemToolTipText(const MenuBarLabel& label) {
+  QStringList lines;
+  if (!label.hover.detail.isEmpty()) lines << label.hover.detail;
+  if (label.hover.text) lines << QStringLiteral("Frontmost application: %1").arg(*label.hover.text);
+  return lines.join(u'\n');
+}
+
+QVariant itemIconPixmaps(const MenuBarLabel& label, HostKind kind) {
+  IconPixmaps pixmaps;
+  for (const int pixels : panelIconSizes) {
+    const bool isWide = kind == HostKind::wideIcons;
+    pixmaps << iconPixmap(isWide ? labelledIcon(label, pixels) : circleIcon(label, pixels));
+  }
+  return QVariant::fromValue(pixmaps);
+}
+
+// The StatusNotifierItem specification describes all of these, except for two extensions: IconAccessibleDesc
+// (a text for assistive technology) and XAyatanaLabel (a text beside the icon), both from AppIndicator.
+QVariantMap itemProperties(const MenuBarLabel& label, HostKind kind, const QVariant& iconPixmaps) {
+  const NotifierToolTip toolTip{QString(), {}, label.hover.verdict, itemToolTipText(label).toHtmlEscaped()};
+  QVariantMap properties{
+      {QStringLiteral("Category"), QStringLiteral("SystemServices")},
+      {QStringLiteral("Id"), QStringLiteral("tarn")},
+      {QStringLiteral("Title"), itemTitle(label)},
+      {QStringLiteral("Status"), QStringLiteral("Active")},
+      {QStringLiteral("IconName"), QString()},
+      {QStringLiteral("IconPixmap"), iconPixmaps},
+      {QStringLiteral("IconAccessibleDesc"), label.accessibilityText},
+      {QStringLiteral("ToolTip"), QVariant::fromValue(toolTip)},
+      {QStringLiteral("ItemIsMenu"), false},
+      {QStringLiteral("Menu"), QVariant::fromValue(QDBusObjectPath(itemMenuPath()))},
+  };
+  // With other panels the presence of this property can replace the icon.
+  if (kind == HostKind::ayatanaLabel) {
+    properties.insert(QStringLiteral("XAyatanaLabel"), label.text.value_or(QString()));
+  }
+  return properties;
+}
+
+QString itemMenuPath() {
+  return QStringLiteral("/StatusNotifierItem/Menu");
 }
 
 }  // namespace tarn

@@ -10,14 +10,14 @@
 
 namespace tarn {
 
-QDBusArgument& operator<<(QDBusArgument& argument, const NotifierPixmap& pixmap) {
+QDBusArgument& operator<<(QDBusArgument& argument, const IconPixmap& pixmap) {
   argument.beginStructure();
   argument << pixmap.width << pixmap.height << pixmap.bytes;
   argument.endStructure();
   return argument;
 }
 
-const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierPixmap& pixmap) {
+const QDBusArgument& operator>>(const QDBusArgument& argument, IconPixmap& pixmap) {
   argument.beginStructure();
   argument >> pixmap.width >> pixmap.height >> pixmap.bytes;
   argument.endStructure();
@@ -38,11 +38,11 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierToolTip& 
   return argument;
 }
 
-QDBusArgument& operator<<(QDBusArgument& argument, const NotifierMenuLayout& layout) {
+QDBusArgument& operator<<(QDBusArgument& argument, const DBusMenuLayout& layout) {
   argument.beginStructure();
   argument << layout.id << layout.properties;
   argument.beginArray(QMetaType::fromType<QDBusVariant>());
-  for (const NotifierMenuLayout& child : layout.children) {
+  for (const DBusMenuLayout& child : layout.children) {
     argument << QDBusVariant(QVariant::fromValue(child));
   }
   argument.endArray();
@@ -50,7 +50,7 @@ QDBusArgument& operator<<(QDBusArgument& argument, const NotifierMenuLayout& lay
   return argument;
 }
 
-const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierMenuLayout& layout) {
+const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuLayout& layout) {
   argument.beginStructure();
   argument >> layout.id >> layout.properties;
   argument.beginArray();
@@ -58,39 +58,39 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierMenuLayou
   while (!argument.atEnd()) {
     QDBusVariant child;
     argument >> child;
-    layout.children << qdbus_cast<NotifierMenuLayout>(child.variant());
+    layout.children << qdbus_cast<DBusMenuLayout>(child.variant());
   }
   argument.endArray();
   argument.endStructure();
   return argument;
 }
 
-QDBusArgument& operator<<(QDBusArgument& argument, const NotifierMenuProperties& entry) {
+QDBusArgument& operator<<(QDBusArgument& argument, const DBusMenuItem& item) {
   argument.beginStructure();
-  argument << entry.id << entry.properties;
+  argument << item.id << item.properties;
   argument.endStructure();
   return argument;
 }
 
-const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierMenuProperties& entry) {
+const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuItem& item) {
   argument.beginStructure();
-  argument >> entry.id >> entry.properties;
+  argument >> item.id >> item.properties;
   argument.endStructure();
   return argument;
 }
 
 void registerNotifierTypes() {
-  qDBusRegisterMetaType<NotifierPixmap>();
-  qDBusRegisterMetaType<NotifierPixmaps>();
+  qDBusRegisterMetaType<IconPixmap>();
+  qDBusRegisterMetaType<IconPixmaps>();
   qDBusRegisterMetaType<NotifierToolTip>();
-  qDBusRegisterMetaType<NotifierMenuLayout>();
-  qDBusRegisterMetaType<NotifierMenuProperties>();
-  qDBusRegisterMetaType<QList<NotifierMenuProperties>>();
+  qDBusRegisterMetaType<DBusMenuLayout>();
+  qDBusRegisterMetaType<DBusMenuItem>();
+  qDBusRegisterMetaType<QList<DBusMenuItem>>();
   qDBusRegisterMetaType<QList<int>>();
 }
 
-NotifierPixmap notifierPixmap(const QImage& picture) {
-  const QImage pixels = picture.convertToFormat(QImage::Format_ARGB32);
+IconPixmap iconPixmap(const QImage& image) {
+  const QImage pixels = image.convertToFormat(QImage::Format_ARGB32);
   const qsizetype rowBytes = qsizetype{pixels.width()} * 4;
   QByteArray bytes(rowBytes * pixels.height(), Qt::Uninitialized);
   for (int row = 0; row < pixels.height(); ++row) {

@@ -1,6 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+// Types that travel over D-Bus: of the StatusNotifierItem specification (freedesktop.org) and of
+// com.canonical.dbusmenu. The D-Bus signature of each is given.
+
 #pragma once
 
 #include <QByteArray>
@@ -13,54 +16,55 @@ class QImage;
 
 namespace tarn {
 
-/// A picture as it travels over the bus: four bytes a pixel, alpha, red, green, blue, not premultiplied, rows
-/// from the top without padding.
-struct NotifierPixmap {
+/// An icon, (iiay): width, height, pixels. A pixel is a 32-bit ARGB value in network byte order, not
+/// premultiplied; rows go from top to bottom without padding.
+struct IconPixmap {
   int width = 0;
   int height = 0;
   QByteArray bytes;
 
-  bool operator==(const NotifierPixmap&) const = default;
+  bool operator==(const IconPixmap&) const = default;
 };
 
-using NotifierPixmaps = QList<NotifierPixmap>;
+using IconPixmaps = QList<IconPixmap>;
 
-/// A tooltip with an optional picture; `text` is markup, so it must be escaped.
+/// The property ToolTip, (sa(iiay)ss): icon name, icons, title, text. `text` is markup.
 struct NotifierToolTip {
   QString iconName;
-  NotifierPixmaps pixmaps;
+  IconPixmaps pixmaps;
   QString title;
   QString text;
 
   bool operator==(const NotifierToolTip&) const = default;
 };
 
-/// An entry of a menu and what lies below it.
-struct NotifierMenuLayout {
+/// A menu item with the items below it, (ia{sv}av): id, properties, children. A child is a variant that holds
+/// the same structure.
+struct DBusMenuLayout {
   int id = 0;
   QVariantMap properties;
-  QList<NotifierMenuLayout> children;
+  QList<DBusMenuLayout> children;
 };
 
-/// The properties of one entry of a menu.
-struct NotifierMenuProperties {
+/// One menu item without its children, (ia{sv}): id, properties.
+struct DBusMenuItem {
   int id = 0;
   QVariantMap properties;
 };
 
-QDBusArgument& operator<<(QDBusArgument& argument, const NotifierPixmap& pixmap);
-const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierPixmap& pixmap);
+QDBusArgument& operator<<(QDBusArgument& argument, const IconPixmap& pixmap);
+const QDBusArgument& operator>>(const QDBusArgument& argument, IconPixmap& pixmap);
 QDBusArgument& operator<<(QDBusArgument& argument, const NotifierToolTip& toolTip);
 const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierToolTip& toolTip);
-QDBusArgument& operator<<(QDBusArgument& argument, const NotifierMenuLayout& layout);
-const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierMenuLayout& layout);
-QDBusArgument& operator<<(QDBusArgument& argument, const NotifierMenuProperties& entry);
-const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierMenuProperties& entry);
+QDBusArgument& operator<<(QDBusArgument& argument, const DBusMenuLayout& layout);
+const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuLayout& layout);
+QDBusArgument& operator<<(QDBusArgument& argument, const DBusMenuItem& item);
+const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuItem& item);
 
-/// Makes the types above known to the bus library; any number of times.
+/// Registers the types above with Qt D-Bus. Idempotent.
 void registerNotifierTypes();
 
-/// The picture in the form that the bus wants.
-NotifierPixmap notifierPixmap(const QImage& picture);
+/// Converts an image of any format.
+IconPixmap iconPixmap(const QImage& image);
 
 }  // namespace tarn

@@ -6,20 +6,17 @@
 #include <QGuiApplication>
 #include <utility>
 
-#include "platform/linux/status_notifier/notifier_properties.hpp"
+#include "platform/linux/status_notifier/item_content.hpp"
 #include "platform/linux/status_notifier/notifier_types.hpp"
 
 namespace tarn {
 namespace {
 
-// No compositor's token is nearly as long.
-constexpr qsizetype longestToken = 4096;
+constexpr qsizetype maxTokenSize = 4096;  // tokens of compositors are much shorter
 
-QString picturesKey() {
-  return QStringLiteral("IconPixmap");
-}
+const QString iconPixmapProperty = QStringLiteral("IconPixmap");
 
-QString methodsAndSignals() {
+QString introspection() {
   return QStringLiteral(
       "<method name=\"Activate\"><arg name=\"x\" type=\"i\" direction=\"in\"/>"
       "<arg name=\"y\" type=\"i\" direction=\"in\"/></method>\n"
@@ -37,14 +34,14 @@ QString methodsAndSignals() {
       "</signal>\n");
 }
 
-// The window system lets a window come to the front only with the token of the click that asked for it; the
-// toolkit's Wayland part takes it from the environment.
-void keepActivationToken(const QString& token) {
-  if (token.size() > longestToken || !QGuiApplication::platformName().startsWith(u"wayland")) return;
+// A Wayland compositor activates a window only with the token of a recent click (xdg-activation-v1). Qt's
+// Wayland plugin takes the token from the environment when it next activates a window.
+void storeActivationToken(const QString& token) {
+  if (token.size() > maxTokenSize || !QGuiApplication::platformName().startsWith(u"wayland")) return;
   qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
 }
 
-QVariantMap changes(const QVariantMap& before, const QVariantMap& after) {
+QVariantMap changedProperties(const QVariantMap& before, const QVariantMap& after) {
   QVariantMap changed;
   for (auto property = after.begin(); property != after.end(); ++property) {
     if (before.value(property.key()) != property.value()) changed.insert(property.key(), property.value());
@@ -57,44 +54,43 @@ QVariantMap changes(const QVariantMap& before, const QVariantMap& after) {
 StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, MenuBarLabel label, QObject* parent)
     : QObject(parent),
       label_(std::move(label)),
-      properties_(
-          (registerNotifierTypes(), notifierProperties(label_, kind_, notifierPictures(label_, kind_)))),
+      properties_(itemProperties(label_, kind_, itemIconPixmaps(label_, kind_))),
       object_(bus, QStringLiteral("/StatusNotifierItem"), interface()) {
-  connect(this, &StatusNotifierItem::clicked, this, &StatusNotifierItem::activated, Qt::QueuedConnection);
+  registerNotifierTypes();
+  connect(&object_, &BusObject::burstEnded, this, &StatusNotifierItem::burstEnded);
 }
 
 void StatusNotifierItem::show(const MenuBarLabel& label) {
   if (label == label_) return;
-  const bool looksTheSame =
+  const bool hasSameIcon =
       label.symbolName == label_.symbolName && label.tint == label_.tint && label.text == label_.text;
   label_ = label;
-  // Pictures take longer than all the rest, and hardly ever change.
-  update(looksTheSame ? properties_.value(picturesKey()) : notifierPictures(label_, kind_));
+  update(hasSameIcon ? properties_.value(iconPixmapProperty) : itemIconPixmaps(label_, kind_));
 }
 
 void StatusNotifierItem::setHostKind(HostKind kind) {
   if (kind == kind_) return;
   kind_ = kind;
-  update(notifierPictures(label_, kind_));
+  update(itemIconPixmaps(label_, kind_));
 }
 
 BusInterface StatusNotifierItem::interface() {
   const auto click = [this](const QVariantList& arguments) -> std::optional<QVariantList> {
     const QPoint position(arguments.at(0).toInt(), arguments.at(1).toInt());
-    // Some panels report the second press of a double click twice, which would open again what it closes. And
-    // anybody on the bus may call: opening and closing at their pace would leave time for nothing else.
+    // Some panels report the second press of a double click twice, which would reopen the popover that it
+    // closes. And any process on the bus can send clicks without end.
     if (!nextClick_.hasExpired()) return QVariantList();
     nextClick_.setRemainingTime(clickInterval);
-    Q_EMIT clicked(position, QPrivateSignal());
+    QMetaObject::invokeMethod(
+        this, [this, position] { Q_EMIT activated(position); }, Qt::QueuedConnection);
     return QVariantList();
   };
   const auto ignored = [](const QVariantList&) -> std::optional<QVariantList> { return QVariantList(); };
   const auto token = [](const QVariantList& arguments) -> std::optional<QVariantList> {
-    keepActivationToken(arguments.at(0).toString());
+    storeActivationToken(arguments.at(0).toString());
     return QVariantList();
   };
-  // Panels call ContextMenu only when they cannot show the item's menu themselves; what it offers is in the
-  // popover too.
+  // Panels call ContextMenu only when they cannot draw the item's menu. The popover offers the same choices.
   return {QStringLiteral("org.kde.StatusNotifierItem"),
           {{QStringLiteral("Activate"), {QStringLiteral("ii"), click}},
            {QStringLiteral("SecondaryActivate"), {QStringLiteral("ii"), click}},
@@ -102,17 +98,18 @@ BusInterface StatusNotifierItem::interface() {
            {QStringLiteral("Scroll"), {QStringLiteral("is"), ignored}},
            {QStringLiteral("ProvideXdgActivationToken"), {QStringLiteral("s"), token}}},
           [this] { return properties_; },
-          methodsAndSignals()};
+          introspection()};
 }
 
-void StatusNotifierItem::update(const QVariant& pictures) {
-  const QVariantMap before = std::exchange(properties_, notifierProperties(label_, kind_, pictures));
-  const QVariantMap changed = changes(before, properties_);
+void StatusNotifierItem::update(const QVariant& iconPixmaps) {
+  const QVariantMap before = std::exchange(properties_, itemProperties(label_, kind_, iconPixmaps));
+  const QVariantMap changed = changedProperties(before, properties_);
   if (changed.isEmpty()) return;
-  // Panels that keep copies take the new values from here, before the signals below make them look.
+  // Panels that cache properties update them from this signal; the specification's own signals, which make
+  // panels redraw, have to come later.
   object_.sendPropertiesChanged(changed);
   if (changed.contains(QStringLiteral("Title"))) object_.sendSignal(QStringLiteral("NewTitle"));
-  if (changed.contains(picturesKey())) object_.sendSignal(QStringLiteral("NewIcon"));
+  if (changed.contains(iconPixmapProperty)) object_.sendSignal(QStringLiteral("NewIcon"));
   if (changed.contains(QStringLiteral("ToolTip"))) object_.sendSignal(QStringLiteral("NewToolTip"));
   if (changed.contains(QStringLiteral("IconAccessibleDesc"))) {
     object_.sendSignal(QStringLiteral("NewIconAccessibleDesc"));

@@ -11,48 +11,48 @@
 #include <chrono>
 
 #include "platform/linux/dbus/bus_object.hpp"
-#include "platform/linux/status_notifier/host_kind.hpp"
+#include "platform/linux/status_notifier/watcher_registration.hpp"
 #include "ui/menu_bar/menu_bar_label.hpp"
 
 namespace tarn {
 
-/// The item that panels show, as the object "/StatusNotifierItem" on the bus. It is there for whoever asks;
-/// telling a panel of it is NotifierHost's part. Main thread.
+/// The item that panels show: the object "/StatusNotifierItem" with the interface org.kde.StatusNotifierItem
+/// (StatusNotifierItem specification, freedesktop.org). WatcherRegistration announces it to panels. Main
+/// thread.
 class StatusNotifierItem final : public QObject {
   Q_OBJECT
 
  public:
-  /// No hand clicks twice within this time: more clicks are not passed on.
+  /// Clicks within this time after the last one are ignored.
   static constexpr std::chrono::milliseconds clickInterval{50};
 
-  /// Present on `bus` from now on, showing `label`.
+  /// Registers the object on `bus` until it is destroyed.
   StatusNotifierItem(const QDBusConnection& bus, MenuBarLabel label, QObject* parent = nullptr);
 
-  /// Shows `label`; signals what changed by it and nothing else.
+  /// Shows `label`. Sends signals only for the properties that changed.
   void show(const MenuBarLabel& label);
 
-  /// Adapts to the panel that will show the item.
+  /// Adapts the properties to the panel that shows the item.
   void setHostKind(HostKind kind);
 
-  /// The text of the item, whichever way the panel shows it.
   const MenuBarLabel& label() const { return label_; }
 
  Q_SIGNALS:
-  /// A panel says that the item was clicked, at this place in its own coordinates. Sent from the event loop,
-  /// after the panel has its answer.
+  /// The item was clicked. `position` is as the panel sends it: some send screen coordinates, others do not.
+  /// Emitted from the event loop, after the reply to the panel was sent.
   void activated(QPoint position);
 
-  /// The same, at once: the panel still waits for its answer.
-  void clicked(QPoint position, QPrivateSignal);
+  /// As BusObject::burstEnded().
+  void burstEnded();
 
  private:
   BusInterface interface();
-  void update(const QVariant& pictures);
+  void update(const QVariant& iconPixmaps);
 
   MenuBarLabel label_;
   HostKind kind_ = HostKind::plain;
   QVariantMap properties_;
-  QDeadlineTimer nextClick_{0};  ///< expired when the next click may come
+  QDeadlineTimer nextClick_{0};  ///< when it has expired, the next click is accepted
   BusObject object_;
 };
 

@@ -10,54 +10,70 @@
 #include <functional>
 #include <memory>
 
-#include "platform/linux/dbus/bus_name.hpp"
+#include "platform/linux/dbus/session_bus.hpp"
 
 namespace tarn {
 
-/// The name of the program that a process runs, by its pid; blank when unknown.
+/// How a panel shows text beside an item's icon.
+enum class HostKind {
+  plain,         ///< not at all: it squeezes wide icons into a square, so text is in title and tooltip only
+  wideIcons,     ///< icons keep their proportions, so the text can be painted into them
+  ayatanaLabel,  ///< it shows the property XAyatanaLabel
+};
+
+/// The kind of the panel whose executable has the file name `programName`.
+HostKind hostKind(const QString& programName);
+
+/// The file name of the executable of process `pid`, else its "comm"; empty when there is no such process.
+QString runningProgramName(unsigned pid);
+
+/// Returns the program name of a process; empty when unknown.
 using ProgramNameSource = std::function<QString(unsigned pid)>;
 
-/// Registers the item with the panels' watcher, each time that one appears, and knows whether a panel shows
-/// it. Every question is asynchronous and may stay without an answer. Main thread.
-class NotifierHost final : public QObject {
+/// Registers this connection's item with the StatusNotifierWatcher each time that one appears, and follows
+/// whether a StatusNotifierHost (a panel) shows it: see the StatusNotifierItem specification
+/// (freedesktop.org). The names on the bus start with "org.kde", as all implementations have them. Never
+/// blocks; calls may stay without a reply. Main thread.
+class WatcherRegistration final : public QObject {
   Q_OBJECT
 
  public:
-  /// Looks for a watcher from now on; signals come from the event loop only.
-  NotifierHost(const QDBusConnection& bus, ProgramNameSource programName, QObject* parent = nullptr);
+  /// Starts to look for a watcher. Signals are emitted from the event loop only.
+  WatcherRegistration(const QDBusConnection& bus, ProgramNameSource programName, QObject* parent = nullptr);
 
-  /// Whether a watcher is there, with a panel or without.
+  /// Whether a watcher is on the bus, with or without a host.
   bool hasWatcher() const { return !watcher_.owner().isEmpty(); }
 
-  /// Whether the watcher took the item and a panel is there to show it.
-  bool showsItem() const { return registered_ && hasPanel_; }
+  /// Whether the watcher accepted the item and has a host.
+  bool showsItem() const { return isRegistered_ && hasHost_; }
 
  Q_SIGNALS:
-  /// A watcher appeared, run by this program (blank when unknown); the item is registered with it next.
-  void watcherFound(const QString& programName);
+  /// A watcher appeared, which runs in the process of a panel of this kind. Emitted before the item is
+  /// registered, because the panel reads the item as soon as it is.
+  void watcherFound(HostKind kind);
 
-  /// hasWatcher() or showsItem() may be another now.
+  /// hasWatcher() or showsItem() may have changed.
   void changed();
 
  private Q_SLOTS:
-  void panelsChanged(const QDBusMessage& message);
+  void hostsChanged(const QDBusMessage& message);
 
  private:
-  using Reply = std::function<void(const QDBusMessage&)>;
+  using ReplyHandler = std::function<void(const QDBusMessage&)>;
 
-  void meet(const QString& owner);
+  void watcherChanged(const QString& owner);
   void registerItem();
-  void askForPanel();
-  void ask(const QDBusMessage& question, const Reply& reply);
+  void queryHost();
+  void call(const QDBusMessage& message, const ReplyHandler& handler);
 
   QDBusConnection bus_;
   ProgramNameSource programName_;
-  BusName watcher_;
-  std::unique_ptr<QObject> acquaintance_;  // owns what is still asked of the present watcher
-  bool registered_ = false;
-  bool hasPanel_ = false;
-  bool asking_ = false;
-  bool askAgain_ = false;
+  BusNameWatcher watcher_;
+  std::unique_ptr<QObject> callContext_;  ///< owns the pending calls about the present watcher
+  bool isRegistered_ = false;
+  bool hasHost_ = false;
+  bool isHostQueryPending_ = false;
+  bool isHostQueryOutdated_ = false;  ///< hosts changed while the query was pending
 };
 
 }  // namespace tarn

@@ -7,8 +7,9 @@
 
 namespace tarn {
 
-/// Number of processor cores online according to the kernel's list below `/sys`; what the C library knows
-/// where there is none. At least 1.
-int activeProcessorCount(const LinuxRoots& roots);
+/// Number of online logical processors, at least 1. It does not depend on the CPU affinity of this process.
+/// Reads /sys/devices/system/cpu/online (Documentation/admin-guide/cputopology.rst); without it uses
+/// sysconf(3).
+int countCoresOnline(const LinuxRoots& roots);
 
 }  // namespace tarn

@@ -18,11 +18,7 @@ namespace tarn {
 
 namespace {
 
-struct CloseDirectory {
-  void operator()(DIR* directory) const { ::closedir(directory); }
-};
-
-/// Not every file system tells the kind of its entries.
+/// d_type is DT_UNKNOWN on file systems that do not report the type (man 3 readdir).
 bool isRegularFile(DIR* directory, const dirent& entry) {
   if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_REG;
   struct stat status {};
@@ -33,17 +29,16 @@ bool isRegularFile(DIR* directory, const dirent& entry) {
 }  // namespace
 
 std::vector<DirectoryEntry> listDirectory(const std::string& path) {
-  const std::unique_ptr<DIR, CloseDirectory> directory(::opendir(path.c_str()));
+  const DirectoryStream directory(::opendir(path.c_str()));
   std::vector<DirectoryEntry> entries;
   if (!directory) return entries;
-  // The stream is this call's own.
-  // NOLINTNEXTLINE(concurrency-mt-unsafe)
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread uses this stream
   while (const dirent* entry = ::readdir(directory.get())) {
     if (entry->d_name[0] == '.') continue;
     entries.push_back({entry->d_name, entry->d_ino, isRegularFile(directory.get(), *entry)});
   }
   std::sort(entries.begin(), entries.end(),
-            [](const DirectoryEntry& one, const DirectoryEntry& other) { return one.name < other.name; });
+            [](const DirectoryEntry& left, const DirectoryEntry& right) { return left.name < right.name; });
   return entries;
 }
 
@@ -59,8 +54,8 @@ bool DeviceDirectory::has(std::string_view file) const {
 
 std::string DeviceDirectory::text(std::string_view file) const {
   if (!has(file)) return {};
-  constexpr std::size_t longestText = 4096;  // what the kernel lets a file of sysfs hold
-  std::array<char, longestText> buffer{};
+  constexpr std::size_t maxAttributeSize = 4096;  // one page, the limit of a sysfs attribute
+  std::array<char, maxAttributeSize> buffer{};
   std::string path = path_ + '/';
   path += file;
   std::string_view rest = readOnce(AT_FDCWD, path.c_str(), buffer);
@@ -73,16 +68,16 @@ std::optional<std::int64_t> DeviceDirectory::number(std::string_view file) const
 }
 
 std::optional<double> DeviceDirectory::celsius(std::string_view file) const {
-  constexpr double thousandths = 1000;
+  constexpr double millidegreesPerDegree = 1000;
   const auto value = number(file);
   if (!value) return std::nullopt;
-  return static_cast<double>(*value) / thousandths;
+  return static_cast<double>(*value) / millidegreesPerDegree;
 }
 
 bool DeviceClass::hasChanged() {
   auto entries = listDirectory(path_);
-  if (isSettled_ && entries == entries_) return false;
-  isSettled_ = false;
+  if (isComplete_ && entries == entries_) return false;
+  isComplete_ = false;
   entries_ = std::move(entries);
   return true;
 }

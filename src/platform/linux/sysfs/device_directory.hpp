@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Devices as sysfs shows them: a directory per device, a short text file per fact.
+// Devices in sysfs: one directory per device, one short text file per attribute
+// (Documentation/filesystems/sysfs.rst). None of these classes is thread-safe.
 
 #pragma once
 
@@ -15,63 +16,66 @@
 
 namespace tarn {
 
-/// One entry of a directory. The node is the kernel's own number, so that a device which came back under the
-/// name of another one is a different entry.
+/// One entry of a directory. The inode number differs when a device was replaced by another one of the same
+/// name.
 struct DirectoryEntry {
   std::string name;
-  ino_t node = 0;
+  ino_t inode = 0;
   bool isRegularFile = false;
 
   bool operator==(const DirectoryEntry&) const = default;
 };
 
-/// What is in a directory, ordered by name; empty when it cannot be listed.
+/// The entries of a directory, sorted by name, without those whose name begins with a dot. Empty when the
+/// directory cannot be listed.
 std::vector<DirectoryEntry> listDirectory(const std::string& path);
 
-/// A device's directory with the facts that it had when it was listed. Only what was a regular file then is
-/// ever opened: a pipe or a device in the place of one is passed over.
+/// A device's directory and the names of its attribute files. The constructor lists the directory; the
+/// functions read attributes again at each call. Files that were not regular files at construction (links,
+/// pipes, devices) are never opened.
 class DeviceDirectory {
  public:
   explicit DeviceDirectory(std::string path);
 
+  /// Names of the regular files, sorted.
   const std::vector<std::string>& files() const { return files_; }
   bool has(std::string_view file) const;
 
-  /// The first line of a file, without blanks at its end; empty when there is no such file, or when its
-  /// driver has no answer. Three system calls, none for a file that was not listed.
+  /// The first line of a file, without spaces, tabs and carriage returns at its end. Empty when there is no
+  /// such file or the driver returns an error. Three system calls; none for a file that is not in `files()`.
   std::string text(std::string_view file) const;
 
-  /// The whole number that a file holds.
+  /// `text(file)` as an integer; nullopt when it is not one.
   std::optional<std::int64_t> number(std::string_view file) const;
 
-  /// The temperature that a file holds in thousandths of a degree, in degrees Celsius.
+  /// A file in millidegrees Celsius, the unit of hwmon and thermal zones, as degrees Celsius.
   std::optional<double> celsius(std::string_view file) const;
 
  private:
   std::string path_;
-  std::vector<std::string> files_;  ///< ordered
+  std::vector<std::string> files_;  ///< sorted
 };
 
-/// A directory with one directory, or link to one, per device, such as /sys/class/hwmon.
+/// A directory such as /sys/class/hwmon that contains one directory, or link to a directory, per device.
 class DeviceClass {
  public:
   explicit DeviceClass(std::string path) : path_(std::move(path)) {}
 
-  /// Lists the class again. True until `settle` is called, and whenever a device came or went since the last
-  /// call: what is kept of its devices is void then.
+  /// Lists the directory. Returns true when a device was added or removed since the last call, and at every
+  /// call before `markComplete`. The caller then has to discard what it knows of the devices.
   bool hasChanged();
 
-  /// Says that all that is kept of its devices is there. Not for devices that had not answered yet when they
-  /// were met.
-  void settle() { isSettled_ = true; }
+  /// Declares that all devices of the last listing could be read. Not to be called while a driver that was
+  /// just bound returns errors, so that the next `hasChanged` returns true and the device is read again.
+  void markComplete() { isComplete_ = true; }
 
-  /// The devices of the last listing, ordered by name.
+  /// The devices of the last listing, sorted by name.
   std::vector<DeviceDirectory> devices() const;
 
  private:
   std::string path_;
   std::vector<DirectoryEntry> entries_;
-  bool isSettled_ = false;
+  bool isComplete_ = false;
 };
 
 }  // namespace tarn

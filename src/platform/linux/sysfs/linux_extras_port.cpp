@@ -6,52 +6,55 @@
 #include <chrono>
 #include <memory>
 
-#include "platform/linux/procfs/uptime.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
 #include "platform/linux/sysfs/power_supplies.hpp"
 #include "platform/linux/sysfs/root_volume.hpp"
 #include "platform/linux/sysfs/temperature_sensors.hpp"
 #include "platform/linux/sysfs/thermal_state.hpp"
-#include "platform/linux/sysfs/thermal_zones.hpp"
 
 namespace tarn {
 
 namespace {
 
-/// One machine's hardware, shared by the operations of its port.
-struct Hardware {
-  explicit Hardware(const LinuxRoots& roots)
-      : volume(roots), supplies(roots.sys), sensors(roots.sys), zones(roots.sys), throttling(roots.sys) {}
+/// The readers that the functions of one port share.
+struct Readers {
+  explicit Readers(const LinuxRoots& roots)
+      : volume(roots),
+        supplies(roots.sys),
+        sensors(roots.sys),
+        zones(roots.sys),
+        throttleCounters(roots.sys) {}
 
   std::vector<double> temperatures() {
     zones.refresh();
     return sensors.readings(zones);
   }
 
-  /// By the zones as of the last look at the temperatures.
+  /// Uses the list of zones from the last call of `temperatures`.
   ThermalState thermalState() {
     const ThermalState state = zones.state();
-    const auto risen = throttling.haveRisen(std::chrono::steady_clock::now());
-    if (!risen) return state;
-    return graver(state, *risen ? ThermalState::serious : ThermalState::nominal);
+    const auto isThrottled = throttleCounters.haveIncreased(std::chrono::steady_clock::now());
+    if (!isThrottled) return state;
+    return higherSeverity(state, *isThrottled ? ThermalState::serious : ThermalState::nominal);
   }
 
   RootVolume volume;
   PowerSupplies supplies;
   ProcessorSensors sensors;
   ThermalZones zones;
-  ThrottleCounters throttling;
+  ThrottleCounters throttleCounters;
 };
 
 }  // namespace
 
 ExtrasPort linuxExtrasPort(const LinuxRoots& roots) {
-  const auto hardware = std::make_shared<Hardware>(roots);
-  return {.rootVolume = [hardware] { return hardware->volume.values(); },
-          .power = {.powerSources = [hardware] { return hardware->supplies.sources(); },
-                    .batteryController = [hardware] { return hardware->supplies.controller(); }},
-          .temperatures = [hardware] { return hardware->temperatures(); },
+  const auto readers = std::make_shared<Readers>(roots);
+  return {.rootVolume = [readers] { return readers->volume.values(); },
+          .power = {.powerSources = [readers] { return readers->supplies.sources(); },
+                    .batteryController = [readers] { return readers->supplies.controller(); }},
+          .temperatures = [readers] { return readers->temperatures(); },
           .uptime = uptimeSeconds,
-          .thermalState = [hardware] { return hardware->thermalState(); }};
+          .thermalState = [readers] { return readers->thermalState(); }};
 }
 
 }  // namespace tarn

@@ -8,8 +8,9 @@
 
 namespace tarn {
 
-/// The extras of the machine whose files lie under these roots. Which devices there are is kept between two
-/// gatherings, for as long as none comes or goes; what they say is not. Reads nothing before the first call.
+/// The extras of the machine whose /proc, /sys and / are at `roots`. Reads nothing before the first call of a
+/// function of the port. The list of devices is kept between readings until a device is added or removed;
+/// their values are read again each time.
 ExtrasPort linuxExtrasPort(const LinuxRoots& roots);
 
 }  // namespace tarn

@@ -11,60 +11,61 @@ namespace tarn {
 
 namespace {
 
-using Packs = std::vector<const DeviceDirectory*>;
+using Batteries = std::vector<const DeviceDirectory*>;
 
 struct Sums {
   std::int64_t part = 0;
   std::int64_t whole = 0;
 };
 
+/// Returns false on overflow.
 bool add(std::int64_t& sum, std::int64_t amount) {
   return !__builtin_add_overflow(sum, amount, &sum);
 }
 
-/// The sums of two files over the packs that have both; nothing when there is no such pack, when the whole is
-/// nothing, or when a sum exceeds 64 bits.
-std::optional<Sums> sumsOver(const Packs& packs, std::string_view part, std::string_view whole) {
+/// The sums of two files over the batteries that have both. Returns nullopt when the sum of `whole` is not
+/// positive or a sum overflows.
+std::optional<Sums> sumOver(const Batteries& batteries, std::string_view part, std::string_view whole) {
   Sums sums;
-  for (const DeviceDirectory* pack : packs) {
-    const auto partly = pack->number(part);
-    if (!partly) continue;
-    const auto wholly = pack->number(whole);
-    if (!wholly) continue;
-    if (!add(sums.part, *partly) || !add(sums.whole, *wholly)) return std::nullopt;
+  for (const DeviceDirectory* battery : batteries) {
+    const auto partValue = battery->number(part);
+    if (!partValue) continue;
+    const auto wholeValue = battery->number(whole);
+    if (!wholeValue) continue;
+    if (!add(sums.part, *partValue) || !add(sums.whole, *wholeValue)) return std::nullopt;
   }
   if (sums.whole < 1) return std::nullopt;
   return sums;
 }
 
-/// Charge levels in percent: each pack counts the same.
-std::optional<Sums> percentOver(const Packs& packs) {
+/// The charge by the attribute "capacity". Each battery has the same weight.
+std::optional<Sums> sumPercentages(const Batteries& batteries) {
   constexpr std::int64_t full = 100;
   Sums sums;
-  for (const DeviceDirectory* pack : packs) {
-    const auto percent = pack->number("capacity");
+  for (const DeviceDirectory* battery : batteries) {
+    const auto percent = battery->number("capacity");
     if (percent && (!add(sums.part, *percent) || !add(sums.whole, full))) return std::nullopt;
   }
   if (sums.whole < 1) return std::nullopt;
   return sums;
 }
 
-std::optional<Sums> chargeOver(const Packs& packs) {
-  if (const auto energy = sumsOver(packs, "energy_now", "energy_full")) return energy;
-  if (const auto charge = sumsOver(packs, "charge_now", "charge_full")) return charge;
-  return percentOver(packs);
+std::optional<Sums> sumCharge(const Batteries& batteries) {
+  if (const auto energy = sumOver(batteries, "energy_now", "energy_full")) return energy;
+  if (const auto charge = sumOver(batteries, "charge_now", "charge_full")) return charge;
+  return sumPercentages(batteries);
 }
 
-bool isCharging(const DeviceDirectory* pack) {
-  return pack->text("status") == "Charging";
+bool isCharging(const DeviceDirectory* battery) {
+  return battery->text("status") == "Charging";
 }
 
-/// False for a supply that came this moment, whose driver does not answer yet.
-bool tellsWhatItIs(const DeviceDirectory& supply) {
+/// False for a supply whose driver was just bound and does not return its type or scope yet.
+bool isReadable(const DeviceDirectory& supply) {
   return !supply.text("type").empty() && !(supply.has("scope") && supply.text("scope").empty());
 }
 
-bool isOwnBattery(const DeviceDirectory& supply) {
+bool isSystemBattery(const DeviceDirectory& supply) {
   if (supply.text("type") != "Battery") return false;
   return !supply.has("scope") || supply.text("scope") == "System";
 }
@@ -74,15 +75,15 @@ bool isOwnBattery(const DeviceDirectory& supply) {
 std::vector<std::optional<PropertyDictionary>> PowerSupplies::sources() {
   present_.clear();
   if (supplies_.hasChanged()) {
-    packs_ = supplies_.devices();
-    const bool allAnswer = std::all_of(packs_.begin(), packs_.end(), tellsWhatItIs);
-    std::erase_if(packs_, [](const DeviceDirectory& supply) { return !isOwnBattery(supply); });
-    if (allAnswer) supplies_.settle();
+    batteries_ = supplies_.devices();
+    const bool allReadable = std::all_of(batteries_.begin(), batteries_.end(), isReadable);
+    std::erase_if(batteries_, [](const DeviceDirectory& supply) { return !isSystemBattery(supply); });
+    if (allReadable) supplies_.markComplete();
   }
-  for (const DeviceDirectory& pack : packs_) {
-    if (pack.text("present") != "0") present_.push_back(&pack);
+  for (const DeviceDirectory& battery : batteries_) {
+    if (battery.text("present") != "0") present_.push_back(&battery);
   }
-  const auto charge = chargeOver(present_);
+  const auto charge = sumCharge(present_);
   if (!charge) return {};
   return {PropertyDictionary{{"Type", std::string("InternalBattery")},
                              {"Current Capacity", charge->part},
@@ -93,12 +94,12 @@ std::vector<std::optional<PropertyDictionary>> PowerSupplies::sources() {
 std::optional<PropertyDictionary> PowerSupplies::controller() const {
   PropertyDictionary properties;
   std::int64_t cycles = 0;
-  for (const DeviceDirectory* pack : present_)
-    cycles = std::max(cycles, pack->number("cycle_count").value_or(0));
-  // Firmware that does not count reports 0.
+  for (const DeviceDirectory* battery : present_) {
+    cycles = std::max(cycles, battery->number("cycle_count").value_or(0));
+  }
   if (cycles > 0) properties["CycleCount"] = cycles;
-  auto capacities = sumsOver(present_, "energy_full", "energy_full_design");
-  if (!capacities) capacities = sumsOver(present_, "charge_full", "charge_full_design");
+  auto capacities = sumOver(present_, "energy_full", "energy_full_design");
+  if (!capacities) capacities = sumOver(present_, "charge_full", "charge_full_design");
   if (capacities) {
     properties["AppleRawMaxCapacity"] = capacities->part;
     properties["DesignCapacity"] = capacities->whole;

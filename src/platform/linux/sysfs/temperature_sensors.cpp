@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <utility>
 
 #include "platform/linux/procfs/text_scan.hpp"
 
@@ -13,26 +14,52 @@ namespace tarn {
 
 namespace {
 
-/// "temp" and a number and "_input".
+void setMinimum(std::optional<double>& trip, double celsius) {
+  trip = std::min(trip.value_or(celsius), celsius);
+}
+
+/// The trip points of these zones are thresholds that user space sets for notifications
+/// (Documentation/driver-api/thermal/x86_pkg_temperature_thermal.rst). The kernel does not slow down there.
+bool hasOnlyNotificationTrips(std::string_view type) {
+  return type == "x86_pkg_temp" || type.starts_with("soc_dts");
+}
+
+TripPoints readTripPoints(const DeviceDirectory& zone) {
+  constexpr std::string_view prefix = "trip_point_";
+  constexpr std::string_view typeSuffix = "_type";
+  TripPoints trips;
+  for (const std::string& file : zone.files()) {
+    if (!file.starts_with(prefix) || !file.ends_with(typeSuffix)) continue;
+    const std::string type = zone.text(file);
+    const auto celsius = zone.celsius(file.substr(0, file.size() - typeSuffix.size()) + "_temp");
+    if (!celsius || !isPlausibleTrip(*celsius)) continue;
+    if (type == "passive") setMinimum(trips.passive, *celsius);
+    if (type == "hot" || type == "critical") setMinimum(trips.critical, *celsius);
+  }
+  return trips;
+}
+
+/// Whether the name is "tempN_input".
 bool isTemperatureInput(std::string_view file) {
-  constexpr std::string_view stem = "temp";
-  constexpr std::string_view ending = "_input";
-  if (!file.starts_with(stem) || !file.ends_with(ending)) return false;
-  file.remove_prefix(stem.size());
-  file.remove_suffix(std::min(file.size(), ending.size()));
+  constexpr std::string_view prefix = "temp";
+  constexpr std::string_view suffix = "_input";
+  if (!file.starts_with(prefix) || !file.ends_with(suffix)) return false;
+  file.remove_prefix(prefix.size());
+  file.remove_suffix(std::min(file.size(), suffix.size()));
   return parseWholeNumber<unsigned>(file).has_value();
 }
 
 std::string labelOf(const DeviceDirectory& chip, const std::string& input) {
-  constexpr std::string_view ending = "input";
-  return chip.text(input.substr(0, input.size() - ending.size()) + "label");
+  constexpr std::string_view suffix = "input";
+  return chip.text(input.substr(0, input.size() - suffix.size()) + "label");
 }
 
 std::vector<std::string> temperatureInputs(const DeviceDirectory& chip) {
   std::vector<std::string> inputs = chip.files();
   std::erase_if(inputs, [](const std::string& file) { return !isTemperatureInput(file); });
-  // AMD's control value is the temperature of the die with an offset for the fans, of 10 to 27 degrees on
-  // some processors, which tell the die's own as well.
+  // AMD's Tctl is a control value for fans, not a physical temperature (Documentation/hwmon/k10temp.rst). On
+  // some processors it is 10 to 27 degrees above the temperature of the die. These processors have Tdie as
+  // well.
   const auto isDie = [&](const std::string& input) { return labelOf(chip, input) == "Tdie"; };
   if (std::any_of(inputs.begin(), inputs.end(), isDie)) {
     std::erase_if(inputs, [&](const std::string& input) { return labelOf(chip, input) == "Tctl"; });
@@ -40,18 +67,18 @@ std::vector<std::string> temperatureInputs(const DeviceDirectory& chip) {
   return inputs;
 }
 
-/// Names are written with capitals or without, with hyphens in zones and underscores in chips.
-std::string plainName(std::string_view name) {
-  std::string plain(name);
-  for (char& character : plain) {
+/// Drivers use upper or lower case. Thermal zones use hyphens where hwmon chips use underscores.
+std::string normalizedName(std::string_view name) {
+  std::string normalized(name);
+  for (char& character : normalized) {
     character =
         character == '-' ? '_' : static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
   }
-  return plain;
+  return normalized;
 }
 
 template <typename Matches>
-std::vector<double> readingsOf(const ThermalZones& zones, Matches matches) {
+std::vector<double> readZones(const ThermalZones& zones, Matches matches) {
   std::vector<double> readings;
   for (const ThermalZone& zone : zones.all()) {
     if (!matches(zone.type)) continue;
@@ -62,41 +89,65 @@ std::vector<double> readingsOf(const ThermalZones& zones, Matches matches) {
 
 }  // namespace
 
+void ThermalZones::refresh() {
+  if (!zones_.hasChanged()) return;
+  known_.clear();
+  bool allReadable = true;
+  for (DeviceDirectory& directory : zones_.devices()) {
+    if (!directory.has("temp")) continue;  // a cooling device
+    std::string type = directory.text("type");
+    allReadable = allReadable && !type.empty();
+    const TripPoints trips = hasOnlyNotificationTrips(type) ? TripPoints{} : readTripPoints(directory);
+    known_.push_back({std::move(directory), std::move(type), trips});
+  }
+  if (allReadable) zones_.markComplete();
+}
+
+ThermalState ThermalZones::state() const {
+  ThermalState state = ThermalState::unknown;
+  for (const ThermalZone& zone : known_) {
+    if (zone.trips == TripPoints{}) continue;
+    const auto celsius = zone.directory.celsius("temp");
+    if (celsius && isPlausibleZone(*celsius)) state = higherSeverity(state, stateOf(*celsius, zone.trips));
+  }
+  return state;
+}
+
 bool isProcessorSensor(std::string_view name) {
   constexpr std::array<std::string_view, 10> names = {
       "coretemp",     "k8temp", "k10temp",     "zenpower",        "via_cputemp",
       "x86_pkg_temp", "b0d4",   "soc_thermal", "package_thermal", "imx_thermal_zone"};
-  constexpr std::array<std::string_view, 6> beginnings = {"cpu",     "tcpu",       "soc_dts",
-                                                          "bigcore", "littlecore", "cluster"};
-  const std::string plain = plainName(name);
-  return std::find(names.begin(), names.end(), plain) != names.end() ||
-         std::any_of(beginnings.begin(), beginnings.end(),
-                     [&](std::string_view beginning) { return plain.starts_with(beginning); });
+  constexpr std::array<std::string_view, 6> prefixes = {"cpu",     "tcpu",       "soc_dts",
+                                                        "bigcore", "littlecore", "cluster"};
+  const std::string normalized = normalizedName(name);
+  return std::find(names.begin(), names.end(), normalized) != names.end() ||
+         std::any_of(prefixes.begin(), prefixes.end(),
+                     [&](std::string_view prefix) { return normalized.starts_with(prefix); });
 }
 
-void ProcessorSensors::lookForSensors() {
+void ProcessorSensors::findSensors() {
   sensors_.clear();
-  bool allAnswer = true;
+  bool allReadable = true;
   for (DeviceDirectory& directory : chips_.devices()) {
     const std::string name = directory.text("name");
-    const bool isProcessors = isProcessorSensor(name);
-    auto inputs = isProcessors ? temperatureInputs(directory) : std::vector<std::string>();
-    allAnswer = allAnswer && !name.empty() && (!isProcessors || !inputs.empty());
+    const bool measuresProcessor = isProcessorSensor(name);
+    auto inputs = measuresProcessor ? temperatureInputs(directory) : std::vector<std::string>();
+    allReadable = allReadable && !name.empty() && (!measuresProcessor || !inputs.empty());
     if (!inputs.empty()) sensors_.push_back({std::move(directory), std::move(inputs)});
   }
-  if (allAnswer) chips_.settle();  // else one came this moment and is not complete yet
+  if (allReadable) chips_.markComplete();
 }
 
 std::vector<double> ProcessorSensors::readings(const ThermalZones& zones) {
-  if (chips_.hasChanged()) lookForSensors();
+  if (chips_.hasChanged()) findSensors();
   std::vector<double> readings;
   for (const Chip& chip : sensors_) {
     for (const std::string& input : chip.inputs) {
       if (const auto celsius = chip.directory.celsius(input)) readings.push_back(*celsius);
     }
   }
-  if (readings.empty()) readings = readingsOf(zones, isProcessorSensor);
-  if (readings.empty()) readings = readingsOf(zones, [](std::string_view type) { return type == "acpitz"; });
+  if (readings.empty()) readings = readZones(zones, isProcessorSensor);
+  if (readings.empty()) readings = readZones(zones, [](std::string_view type) { return type == "acpitz"; });
   return readings;
 }
 

@@ -18,27 +18,28 @@ namespace tarn {
 
 namespace {
 
-QJsonObject objectIn(std::string_view json) {
+QJsonObject parseObject(std::string_view json) {
   const QByteArray bytes(json.data(), static_cast<qsizetype>(json.size()));
   return QJsonDocument::fromJson(bytes).object();
 }
 
 std::optional<std::int32_t> processOf(const QJsonObject& window) {
-  constexpr double most = std::numeric_limits<std::int32_t>::max();
+  constexpr double maxPid = std::numeric_limits<std::int32_t>::max();
   const double pid = window.value(QLatin1String("pid")).toDouble();
-  if (!(pid >= 1 && pid <= most)) return std::nullopt;
+  if (!(pid >= 1 && pid <= maxPid)) return std::nullopt;
   return static_cast<std::int32_t>(pid);
 }
 
-/// The focused one of a node and those below it; empty without one.
-QJsonObject focusedIn(const QJsonObject& node, int depth) {
-  constexpr int deepest = 64;
-  if (depth > deepest) return {};
+/// The focused node of a tree; empty if none is. Nodes of sway (man 7 sway-ipc, GET_TREE) have "focused",
+/// "pid" (windows only), and children in "nodes" and "floating_nodes".
+QJsonObject findFocused(const QJsonObject& node, int depth) {
+  constexpr int maxDepth = 64;
+  if (depth > maxDepth) return {};
   if (node.value(QLatin1String("focused")).toBool()) return node;
   for (const QLatin1String children : {QLatin1String("nodes"), QLatin1String("floating_nodes")}) {
-    const QJsonArray below = node.value(children).toArray();
-    for (const auto& child : below) {
-      QJsonObject found = focusedIn(child.toObject(), depth + 1);
+    const QJsonArray childNodes = node.value(children).toArray();
+    for (const auto& child : childNodes) {
+      QJsonObject found = findFocused(child.toObject(), depth + 1);
       if (!found.isEmpty()) return found;
     }
   }
@@ -50,8 +51,8 @@ std::optional<FrontmostApplication> applicationOf(std::optional<std::int32_t> pi
   return FrontmostApplication{std::nullopt, *pid};
 }
 
-/// The popover takes the focus here: while it has it, the application before it is still the frontmost one.
-FrontmostApplicationSource besideOurselves(FrontmostApplicationSource source) {
+/// Returns the last application that was not this process: on these compositors the popover takes the focus.
+FrontmostApplicationSource excludeOwnProcess(FrontmostApplicationSource source) {
   return [source = std::move(source), last = std::optional<FrontmostApplication>()]() mutable {
     auto application = source();
     if (!application || application->processIdentifier != ::getpid()) last = std::move(application);
@@ -62,23 +63,23 @@ FrontmostApplicationSource besideOurselves(FrontmostApplicationSource source) {
 }  // namespace
 
 std::optional<std::int32_t> focusedProcessInTree(std::string_view json) {
-  return processOf(focusedIn(objectIn(json), 0));
+  return processOf(findFocused(parseObject(json), 0));
 }
 
 std::optional<std::int32_t> processOfWindow(std::string_view json) {
-  return processOf(objectIn(json));
+  return processOf(parseObject(json));
 }
 
 FrontmostApplicationSource swayFrontmostApplication(std::string socket) {
-  return besideOurselves([socket = std::move(socket)] {
-    const auto tree = askSway(socket, SwayQuestion::getTree);
+  return excludeOwnProcess([socket = std::move(socket)] {
+    const auto tree = requestSway(socket, SwayMessage::getTree);
     return applicationOf(tree ? focusedProcessInTree(*tree) : std::nullopt);
   });
 }
 
 FrontmostApplicationSource hyprlandFrontmostApplication(std::string socket) {
-  return besideOurselves([socket = std::move(socket)] {
-    const auto window = askHyprland(socket, "j/activewindow");
+  return excludeOwnProcess([socket = std::move(socket)] {
+    const auto window = requestHyprland(socket, "j/activewindow");
     return applicationOf(window ? processOfWindow(*window) : std::nullopt);
   });
 }

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The frontmost application of Wayland compositors that tell it: they do over sockets of their own.
+// The frontmost application on Wayland. Wayland itself has no request for it; sway and Hyprland report it on
+// their IPC sockets.
 
 #pragma once
 
@@ -14,16 +15,17 @@
 
 namespace tarn {
 
-/// Asks sway at its socket, a new connection each time.
+/// Returns a source that asks sway at `socket`. While Tarn's popover has the focus, the source keeps the
+/// application before it.
 FrontmostApplicationSource swayFrontmostApplication(std::string socket);
 
-/// Likewise Hyprland.
+/// The same for Hyprland.
 FrontmostApplicationSource hyprlandFrontmostApplication(std::string socket);
 
-/// The process of the focused window in sway's tree of windows; nothing when none is focused.
+/// The pid of the focused window in a reply to sway's GET_TREE; nothing when no window is focused.
 std::optional<std::int32_t> focusedProcessInTree(std::string_view json);
 
-/// The process in Hyprland's description of the active window; nothing without one.
+/// The pid in a reply to Hyprland's "activewindow"; nothing when there is none.
 std::optional<std::int32_t> processOfWindow(std::string_view json);
 
 }  // namespace tarn

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Wayland compositors that answer questions and take orders over sockets of their own.
+// The IPC sockets of sway (man 7 sway-ipc) and of Hyprland (wiki.hyprland.org/IPC). Each request uses a new
+// connection and may block the calling thread for compositorTimeout in all.
 
 #pragma once
 
@@ -13,23 +14,24 @@
 
 namespace tarn {
 
-/// How long a compositor is waited for, all in all, when it is asked something on the main thread.
-constexpr std::chrono::milliseconds compositorPatience{50};
+constexpr std::chrono::milliseconds compositorTimeout{50};
 
-/// What sway is asked, by the numbers of its protocol.
-enum class SwayQuestion : std::uint32_t { runCommand = 0, getTree = 4 };
+/// Message types of sway-ipc.
+enum class SwayMessage : std::uint32_t { runCommand = 0, getTree = 4 };
 
-/// sway's answer, as JSON; nothing when it does not come in time. A new connection each time.
-std::optional<std::string> askSway(const std::string& socket, SwayQuestion question,
-                                   std::string_view words = {});
+/// Sends a message to sway and returns the payload of its reply, which is JSON; nothing when that does not
+/// arrive in time or is malformed.
+std::optional<std::string> requestSway(const std::string& socket, SwayMessage type,
+                                       std::string_view payload = {});
 
-/// Hyprland's answer to a request as its control program makes it.
-std::optional<std::string> askHyprland(const std::string& socket, std::string_view request);
+/// Sends a request to Hyprland in the form "[flags/]command arguments" and returns its reply. With the flag
+/// "j" the reply is JSON.
+std::optional<std::string> requestHyprland(const std::string& socket, std::string_view request);
 
-/// sway's socket, as the session's environment tells it; blank where sway does not run.
+/// The path of sway's socket (SWAYSOCK); empty where sway does not run.
 std::string swaySocket();
 
-/// Likewise Hyprland's.
+/// The path of Hyprland's socket (HYPRLAND_INSTANCE_SIGNATURE); empty where Hyprland does not run.
 std::string hyprlandSocket();
 
 }  // namespace tarn

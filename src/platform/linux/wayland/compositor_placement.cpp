@@ -19,26 +19,26 @@ namespace tarn {
 
 namespace {
 
-QJsonDocument documentOf(std::string_view json) {
+QJsonDocument parse(std::string_view json) {
   return QJsonDocument::fromJson(QByteArray(json.data(), static_cast<qsizetype>(json.size())));
 }
 
-/// A whole number of a compositor's, 0 for what cannot be one.
-int wholeNumber(const QJsonValue& value) {
-  constexpr double most = 1 << 24;
+/// A number rounded to an integer; 0 when it is too large for a coordinate or no number.
+int toInteger(const QJsonValue& value) {
+  constexpr double maxCoordinate = 1 << 24;
   const double number = value.toDouble();
-  return std::abs(number) <= most ? static_cast<int>(std::lround(number)) : 0;
+  return std::abs(number) <= maxCoordinate ? static_cast<int>(std::lround(number)) : 0;
 }
 
 QRect rectOf(const QJsonObject& node) {
   const QJsonObject rect = node.value(QLatin1String("rect")).toObject();
-  return {wholeNumber(rect.value(QLatin1String("x"))), wholeNumber(rect.value(QLatin1String("y"))),
-          wholeNumber(rect.value(QLatin1String("width"))), wholeNumber(rect.value(QLatin1String("height")))};
+  return {toInteger(rect.value(QLatin1String("x"))), toInteger(rect.value(QLatin1String("y"))),
+          toInteger(rect.value(QLatin1String("width"))), toInteger(rect.value(QLatin1String("height")))};
 }
 
-/// A coordinate of the pointer by the window that was put in the middle of it, unless the output's edge was
-/// in the way: then the pointer is nearer to that edge.
-int pointerAlong(int first, int last, int outputFirst, int outputLast) {
+/// One coordinate of the pointer, derived from a window that sway has just centered on it. If the output's
+/// edge kept the window from that, the pointer is nearer to the edge, and the edge is returned.
+int pointerCoordinate(int first, int last, int outputFirst, int outputLast) {
   if (first == outputFirst) return outputFirst;
   if (last == outputLast) return outputLast;
   return (first + last) / 2;
@@ -48,7 +48,7 @@ std::optional<QRect> floatingWindowOf(const QJsonObject& workspace, std::int32_t
   const QJsonArray windows = workspace.value(QLatin1String("floating_nodes")).toArray();
   for (const auto& entry : windows) {
     const QJsonObject window = entry.toObject();
-    if (wholeNumber(window.value(QLatin1String("pid"))) == pid) return rectOf(window);
+    if (toInteger(window.value(QLatin1String("pid"))) == pid) return rectOf(window);
   }
   return std::nullopt;
 }
@@ -60,15 +60,16 @@ std::optional<CompositorPlace> placeOnOutput(const QJsonObject& output, std::int
     const QJsonObject workspace = entry.toObject();
     const auto window = floatingWindowOf(workspace, pid);
     if (!window) continue;
-    const QPoint pointer(pointerAlong(window->left(), window->right(), whole.left(), whole.right()),
-                         pointerAlong(window->top(), window->bottom(), whole.top(), whole.bottom()));
+    const QPoint pointer(pointerCoordinate(window->left(), window->right(), whole.left(), whole.right()),
+                         pointerCoordinate(window->top(), window->bottom(), whole.top(), whole.bottom()));
     return CompositorPlace{{whole, rectOf(workspace)}, pointer};
   }
   return std::nullopt;
 }
 
-bool hasSucceeded(const std::optional<std::string>& answer) {
-  const QJsonArray results = documentOf(answer.value_or("")).array();
+/// A reply to RUN_COMMAND (man 7 sway-ipc): one object with "success" for each command.
+bool hasSucceeded(const std::optional<std::string>& reply) {
+  const QJsonArray results = parse(reply.value_or("")).array();
   bool succeeded = !results.isEmpty();
   for (const auto& result : results) {
     succeeded = succeeded && result.toObject().value(QLatin1String("success")).toBool();
@@ -76,45 +77,47 @@ bool hasSucceeded(const std::optional<std::string>& answer) {
   return succeeded;
 }
 
-/// An order to sway about this process's windows.
-bool orderSway(const std::string& socket, const std::string& order) {
-  const std::string ours = "[pid=" + std::to_string(::getpid()) + "] ";
-  return hasSucceeded(askSway(socket, SwayQuestion::runCommand, ours + order));
+/// Has sway run `command` for the windows of this process.
+bool commandSway(const std::string& socket, const std::string& command) {
+  const std::string criteria = "[pid=" + std::to_string(::getpid()) + "] ";
+  return hasSucceeded(requestSway(socket, SwayMessage::runCommand, criteria + command));
 }
 
 std::optional<CompositorPlace> locateOnSway(const std::string& socket) {
-  if (!orderSway(socket, "floating enable, border none, move position cursor")) return std::nullopt;
-  const auto tree = askSway(socket, SwayQuestion::getTree);
+  if (!commandSway(socket, "floating enable, border none, move position cursor")) return std::nullopt;
+  const auto tree = requestSway(socket, SwayMessage::getTree);
   return tree ? placeInSwayTree(*tree, ::getpid()) : std::nullopt;
 }
 
-/// Whether Hyprland shows a window of this process.
+/// Whether Hyprland has a window of this process.
 bool isKnownToHyprland(const std::string& socket) {
-  const QJsonArray windows = documentOf(askHyprland(socket, "j/clients").value_or("")).array();
+  const QJsonArray windows = parse(requestHyprland(socket, "j/clients").value_or("")).array();
   for (const auto& window : windows) {
-    if (wholeNumber(window.toObject().value(QLatin1String("pid"))) == ::getpid()) return true;
+    if (toInteger(window.toObject().value(QLatin1String("pid"))) == ::getpid()) return true;
   }
   return false;
 }
 
 std::optional<CompositorPlace> locateOnHyprland(const std::string& socket) {
   if (!isKnownToHyprland(socket)) return std::nullopt;
-  const auto pointer = askHyprland(socket, "j/cursorpos");
-  const auto monitors = askHyprland(socket, "j/monitors");
+  const auto pointer = requestHyprland(socket, "j/cursorpos");
+  const auto monitors = requestHyprland(socket, "j/monitors");
   return pointer && monitors ? placeOnHyprland(*pointer, *monitors) : std::nullopt;
 }
 
-/// A monitor's area and what panels leave of it, in the pointer's units.
+/// The area of one element of Hyprland's "monitors". Its "width" and "height" are in physical pixels, all
+/// other numbers are in logical pixels like the pointer's position. "reserved" is what panels take: left,
+/// top, right, bottom.
 ScreenArea areaOfMonitor(const QJsonObject& monitor) {
   const double scale = monitor.value(QLatin1String("scale")).toDouble(1);
   const auto logical = [&](const char* size) {
     return static_cast<int>(
-        std::lround(wholeNumber(monitor.value(QLatin1String(size))) / (scale > 0.1 ? scale : 1)));
+        std::lround(toInteger(monitor.value(QLatin1String(size))) / (scale > 0.1 ? scale : 1)));
   };
-  const QRect whole(wholeNumber(monitor.value(QLatin1String("x"))),
-                    wholeNumber(monitor.value(QLatin1String("y"))), logical("width"), logical("height"));
+  const QRect whole(toInteger(monitor.value(QLatin1String("x"))),
+                    toInteger(monitor.value(QLatin1String("y"))), logical("width"), logical("height"));
   const QJsonArray reserved = monitor.value(QLatin1String("reserved")).toArray();
-  const auto at = [&](int side) { return wholeNumber(reserved.at(side)); };
+  const auto at = [&](int side) { return toInteger(reserved.at(side)); };
   return {whole, whole.adjusted(at(0), at(1), -at(2), -at(3))};
 }
 
@@ -125,8 +128,8 @@ class SwayPlacement final : public CompositorPlacement {
   std::optional<CompositorPlace> locate() override { return locateOnSway(socket_); }
 
   void moveTo(const QPoint& corner) override {
-    orderSway(socket_, "move absolute position " + std::to_string(corner.x()) + " px " +
-                           std::to_string(corner.y()) + " px");
+    commandSway(socket_, "move absolute position " + std::to_string(corner.x()) + " px " +
+                             std::to_string(corner.y()) + " px");
   }
 
  private:
@@ -140,9 +143,10 @@ class HyprlandPlacement final : public CompositorPlacement {
   std::optional<CompositorPlace> locate() override { return locateOnHyprland(socket_); }
 
   void moveTo(const QPoint& corner) override {
-    const std::string ours = "pid:" + std::to_string(::getpid());
-    askHyprland(socket_, "[[BATCH]]dispatch setfloating " + ours + ";dispatch movewindowpixel exact " +
-                             std::to_string(corner.x()) + " " + std::to_string(corner.y()) + "," + ours);
+    const std::string window = "pid:" + std::to_string(::getpid());
+    requestHyprland(socket_, "[[BATCH]]dispatch setfloating " + window + ";dispatch movewindowpixel exact " +
+                                 std::to_string(corner.x()) + " " + std::to_string(corner.y()) + "," +
+                                 window);
   }
 
  private:
@@ -152,7 +156,7 @@ class HyprlandPlacement final : public CompositorPlacement {
 }  // namespace
 
 std::optional<CompositorPlace> placeInSwayTree(std::string_view json, std::int32_t pid) {
-  const QJsonArray outputs = documentOf(json).object().value(QLatin1String("nodes")).toArray();
+  const QJsonArray outputs = parse(json).object().value(QLatin1String("nodes")).toArray();
   for (const auto& output : outputs) {
     if (auto place = placeOnOutput(output.toObject(), pid)) return place;
   }
@@ -160,11 +164,11 @@ std::optional<CompositorPlace> placeInSwayTree(std::string_view json, std::int32
 }
 
 std::optional<CompositorPlace> placeOnHyprland(std::string_view pointer, std::string_view monitors) {
-  const QJsonObject position = documentOf(pointer).object();
+  const QJsonObject position = parse(pointer).object();
   if (!position.contains(QLatin1String("x")) || !position.contains(QLatin1String("y"))) return std::nullopt;
-  const QPoint at(wholeNumber(position.value(QLatin1String("x"))),
-                  wholeNumber(position.value(QLatin1String("y"))));
-  const QJsonArray all = documentOf(monitors).array();
+  const QPoint at(toInteger(position.value(QLatin1String("x"))),
+                  toInteger(position.value(QLatin1String("y"))));
+  const QJsonArray all = parse(monitors).array();
   for (const auto& monitor : all) {
     const ScreenArea area = areaOfMonitor(monitor.toObject());
     if (area.whole.contains(at)) return CompositorPlace{area, at};

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Where a window of this process goes on Wayland, where programs may not place windows: asked of the
-// compositors that take orders.
+// Placing this process's window on Wayland. Wayland clients cannot place their windows; sway and Hyprland do
+// it on request.
 
 #pragma once
 
@@ -16,19 +16,18 @@
 
 namespace tarn {
 
-/// The placing of this process's window by sway. A position is asked for by having sway move the window to
-/// the pointer, since it tells no position of that. Main thread; each call waits 50 ms at most.
+/// Placement by sway at `socket`. sway does not report the pointer's position: locate() has sway center the
+/// window on the pointer and reads the window's position. Main thread; each request blocks for 50 ms at most.
 std::unique_ptr<CompositorPlacement> swayPlacement(std::string socket);
 
-/// Likewise Hyprland, which tells the pointer's position.
+/// Placement by Hyprland, which reports the pointer's position. Thread and time as above.
 std::unique_ptr<CompositorPlacement> hyprlandPlacement(std::string socket);
 
-/// Where a process's floating window is in sway's tree, which has just put its middle where the pointer is,
-/// or as near to that as the output's edges allow; nothing while there is no such window.
+/// Parses a reply to sway's GET_TREE after sway has centered the floating window of `pid` on the pointer.
+/// Nothing when there is no such window.
 std::optional<CompositorPlace> placeInSwayTree(std::string_view json, std::int32_t pid);
 
-/// The pointer by Hyprland's answer to "cursorpos", on one of its "monitors"; nothing where these are not
-/// told.
+/// Parses the replies to Hyprland's "cursorpos" and "monitors". Nothing when the pointer is on no monitor.
 std::optional<CompositorPlace> placeOnHyprland(std::string_view pointer, std::string_view monitors);
 
 }  // namespace tarn

@@ -21,9 +21,10 @@
 namespace tarn {
 namespace {
 
-constexpr std::uint32_t longestProperty = 64;  // four-byte units
+constexpr auto frontmostTimeout = std::chrono::milliseconds(50);
+constexpr std::uint32_t maxPropertyLength = 64;  // 32-bit units
 
-std::optional<std::uint32_t> number(const std::vector<std::uint8_t>& bytes) {
+std::optional<std::uint32_t> parseNumber(const std::vector<std::uint8_t>& bytes) {
   std::uint32_t value = 0;
   if (bytes.size() < sizeof value) return std::nullopt;
   std::memcpy(&value, bytes.data(), sizeof value);
@@ -31,9 +32,9 @@ std::optional<std::uint32_t> number(const std::vector<std::uint8_t>& bytes) {
 }
 
 bool isThisMachine(const std::vector<std::uint8_t>& name) {
-  std::array<char, 256> own{};
-  if (gethostname(own.data(), own.size() - 1) != 0) return false;
-  return std::string_view(own.data()) == std::string(name.begin(), name.end()).c_str();
+  std::array<char, 256> hostName{};
+  if (gethostname(hostName.data(), hostName.size() - 1) != 0) return false;
+  return std::string_view(hostName.data()) == std::string(name.begin(), name.end()).c_str();
 }
 
 }  // namespace
@@ -48,44 +49,43 @@ X11Session::X11Session(std::optional<std::string> display, LinuxRoots roots)
 X11Session::~X11Session() = default;
 
 std::optional<std::int32_t> X11Session::activeProcess(Clock::time_point deadline) {
-  if (!isReady(deadline)) return std::nullopt;
-  const auto cookie = xcb_get_property(connection_.get(), 0, root_, names_->activeWindow, XCB_ATOM_WINDOW, 0,
-                                       longestProperty);
-  const auto window = number(property(cookie.sequence, XCB_ATOM_WINDOW, 32, deadline));
+  if (!prepare(deadline)) return std::nullopt;
+  // Extended Window Manager Hints: _NET_ACTIVE_WINDOW, WINDOW/32, on the root window.
+  const auto window = parseNumber(property(root_, atoms_->activeWindow, XCB_ATOM_WINDOW, 32, deadline));
   if (!window || *window == XCB_WINDOW_NONE) return std::nullopt;
   return windowOwner(*window, deadline);
 }
 
-std::optional<bool> X11Session::hasEmbeddingTray(Clock::time_point deadline) {
-  if (!isReady(deadline)) return std::nullopt;
-  const auto cookie = xcb_get_selection_owner(connection_.get(), names_->trayOwner);
+std::optional<bool> X11Session::hasXembedTray(Clock::time_point deadline) {
+  if (!prepare(deadline)) return std::nullopt;
+  const auto cookie = xcb_get_selection_owner(connection_.get(), atoms_->traySelection);
   const XcbReply<xcb_get_selection_owner_reply_t> reply(
       static_cast<xcb_get_selection_owner_reply_t*>(awaitReply(cookie.sequence, deadline)));
   if (!reply) return std::nullopt;
   return reply->owner != XCB_WINDOW_NONE;
 }
 
+// Returns whether a query can be sent now. xcb notices a broken connection when it reads from it, so an idle
+// connection is read first.
+bool X11Session::prepare(Clock::time_point deadline) {
+  if (connection_) discardEvents();
+  if (!connection_ || xcb_connection_has_error(connection_.get()) != 0) return connect(deadline);
+  return drainPendingReply() && (atoms_ || queryAtoms(deadline));
+}
+
 bool X11Session::connect(Clock::time_point deadline) {
-  names_.reset();
-  debt_.reset();
+  atoms_.reset();
+  pendingReply_.reset();
   connection_.reset(xcb_connect(display_ ? display_->c_str() : nullptr, &screen_));
   if (xcb_connection_has_error(connection_.get()) != 0) return false;
   xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection_.get()));
   for (int index = 0; index < screen_ && screens.rem > 1; ++index) xcb_screen_next(&screens);
   if (screens.rem == 0) return false;
   root_ = screens.data->root;
-  return learnNames(deadline);
+  return queryAtoms(deadline);
 }
 
-// Whether a question may be asked now. A broken connection is noticed when it is read from, so an idle one is
-// given the chance to be.
-bool X11Session::isReady(Clock::time_point deadline) {
-  if (connection_) takeIn();
-  if (!connection_ || xcb_connection_has_error(connection_.get()) != 0) return connect(deadline);
-  return payDebt() && (names_ || learnNames(deadline));
-}
-
-bool X11Session::learnNames(Clock::time_point deadline) {
+bool X11Session::queryAtoms(Clock::time_point deadline) {
   xcb_connection_t* const connection = connection_.get();
   xcb_prefetch_extension_data(connection, &xcb_res_id);
   const std::string tray = "_NET_SYSTEM_TRAY_S" + std::to_string(screen_);
@@ -101,34 +101,36 @@ bool X11Session::learnNames(Clock::time_point deadline) {
     }
     atoms[index] = reply->atom;
   }
-  // Answers come in order, so this one is here already and is not waited for.
+  // Replies come in order, and this one was requested first: this does not block.
   const xcb_query_extension_reply_t* const extension = xcb_get_extension_data(connection, &xcb_res_id);
-  names_ = Names{atoms[0], atoms[1], atoms[2], extension != nullptr && extension->present != 0};
+  hasResourceExtension_ = extension != nullptr && extension->present != 0;
+  atoms_ = Atoms{atoms[0], atoms[1], atoms[2]};
   return true;
 }
 
-// Takes the late answer, if it is here; whether none is owed any more.
-bool X11Session::payDebt() {
-  if (!debt_) return true;
+// Discards the late reply if it has arrived. Returns whether no reply is pending any more.
+bool X11Session::drainPendingReply() {
+  if (!pendingReply_) return true;
   void* reply = nullptr;
   xcb_generic_error_t* error = nullptr;
-  if (xcb_poll_for_reply(connection_.get(), *debt_, &reply, &error) == 0) return false;
+  if (xcb_poll_for_reply(connection_.get(), *pendingReply_, &reply, &error) == 0) return false;
   std::free(reply);
   std::free(error);
-  debt_.reset();
+  pendingReply_.reset();
   return true;
 }
 
-// Reads what the server has sent so far, without waiting. No events were asked for, so any is of no interest.
-void X11Session::takeIn() {
+// Reads what the server has sent, without waiting. This connection selects no events.
+void X11Session::discardEvents() {
   while (xcb_generic_event_t* const event = xcb_poll_for_event(connection_.get())) std::free(event);
 }
 
+// Returns the reply, which the caller frees; null after an error or timeout.
 void* X11Session::awaitReply(unsigned sequence, Clock::time_point deadline) {
   xcb_connection_t* const connection = connection_.get();
   xcb_flush(connection);
   while (true) {
-    takeIn();
+    discardEvents();
     void* reply = nullptr;
     xcb_generic_error_t* error = nullptr;
     if (xcb_poll_for_reply(connection, sequence, &reply, &error) != 0) {
@@ -138,59 +140,66 @@ void* X11Session::awaitReply(unsigned sequence, Clock::time_point deadline) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
     pollfd socket{xcb_get_file_descriptor(connection), POLLIN, 0};
     if (left <= 0 || poll(&socket, 1, static_cast<int>(left)) == 0) {
-      debt_ = sequence;
+      pendingReply_ = sequence;
       return nullptr;
     }
   }
 }
 
 std::optional<std::int32_t> X11Session::windowOwner(std::uint32_t window, Clock::time_point deadline) {
-  if (names_->hasResourceExtension) {
-    const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    const auto cookie = xcb_res_query_client_ids(connection_.get(), 1, &spec);
-    const auto peer = peerProcess(cookie.sequence, deadline);
-    if (peer || debt_) return peer;
+  if (hasResourceExtension_) {
+    const auto pid = clientProcess(window, deadline);
+    if (pid || pendingReply_) return pid;
   }
   return declaredProcess(window, deadline);
 }
 
-// A number from another machine would be some unrelated process here.
-std::optional<std::int32_t> X11Session::declaredProcess(std::uint32_t window, Clock::time_point deadline) {
-  const auto machine = xcb_get_property(connection_.get(), 0, window, XCB_ATOM_WM_CLIENT_MACHINE,
-                                        XCB_GET_PROPERTY_TYPE_ANY, 0, longestProperty);
-  if (!isThisMachine(property(machine.sequence, XCB_GET_PROPERTY_TYPE_ANY, 8, deadline)) || debt_) {
-    return std::nullopt;
+// X-Resource extension 1.2, QueryClientIds with LocalClientPID: the process at the other end of the socket.
+std::optional<std::int32_t> X11Session::clientProcess(std::uint32_t window, Clock::time_point deadline) {
+  const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+  const auto cookie = xcb_res_query_client_ids(connection_.get(), 1, &spec);
+  const XcbReply<xcb_res_query_client_ids_reply_t> reply(
+      static_cast<xcb_res_query_client_ids_reply_t*>(awaitReply(cookie.sequence, deadline)));
+  if (!reply) return std::nullopt;
+  auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
+  for (; ids.rem > 0; xcb_res_client_id_value_next(&ids)) {
+    const xcb_res_client_id_value_t* const id = ids.data;
+    const bool isPid = (id->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0;
+    if (!isPid || xcb_res_client_id_value_value_length(id) < 1) continue;
+    const std::uint32_t pid = *xcb_res_client_id_value_value(id);
+    if (pid > 0 && std::in_range<std::int32_t>(pid)) return static_cast<std::int32_t>(pid);
   }
-  const auto declared = xcb_get_property(connection_.get(), 0, window, names_->processIdentifier,
-                                         XCB_ATOM_CARDINAL, 0, longestProperty);
-  const auto pid = number(property(declared.sequence, XCB_ATOM_CARDINAL, 32, deadline));
-  if (!pid || *pid == 0 || !std::in_range<std::int32_t>(*pid)) return std::nullopt;
-  return processThatDeclares(roots_.proc, static_cast<std::int32_t>(*pid), getuid(), deadline);
+  return std::nullopt;
 }
 
-std::vector<std::uint8_t> X11Session::property(unsigned sequence, std::uint32_t type, std::uint8_t bits,
-                                               Clock::time_point deadline) {
+// Extended Window Manager Hints: _NET_WM_PID, CARDINAL/32, is valid only together with WM_CLIENT_MACHINE. A
+// pid from another machine would name an unrelated process here.
+std::optional<std::int32_t> X11Session::declaredProcess(std::uint32_t window, Clock::time_point deadline) {
+  const auto machine = property(window, XCB_ATOM_WM_CLIENT_MACHINE, XCB_GET_PROPERTY_TYPE_ANY, 8, deadline);
+  if (!isThisMachine(machine) || pendingReply_) return std::nullopt;
+  const auto pid = parseNumber(property(window, atoms_->windowPid, XCB_ATOM_CARDINAL, 32, deadline));
+  if (!pid || *pid == 0 || !std::in_range<std::int32_t>(*pid)) return std::nullopt;
+  return resolveNamespacedPid(roots_.proc, static_cast<std::int32_t>(*pid), getuid(), deadline);
+}
+
+// The bytes of a property; empty unless it has this type and format (8, 16 or 32 bits per element).
+std::vector<std::uint8_t> X11Session::property(std::uint32_t window, std::uint32_t name, std::uint32_t type,
+                                               std::uint8_t format, Clock::time_point deadline) {
+  const auto cookie = xcb_get_property(connection_.get(), 0, window, name, type, 0, maxPropertyLength);
   const XcbReply<xcb_get_property_reply_t> reply(
-      static_cast<xcb_get_property_reply_t*>(awaitReply(sequence, deadline)));
-  if (!reply || reply->format != bits || (type != XCB_GET_PROPERTY_TYPE_ANY && reply->type != type))
+      static_cast<xcb_get_property_reply_t*>(awaitReply(cookie.sequence, deadline)));
+  if (!reply || reply->format != format || (type != XCB_GET_PROPERTY_TYPE_ANY && reply->type != type))
     return {};
   const auto* const bytes = static_cast<const std::uint8_t*>(xcb_get_property_value(reply.get()));
   return {bytes, bytes + xcb_get_property_value_length(reply.get())};
 }
 
-std::optional<std::int32_t> X11Session::peerProcess(unsigned sequence, Clock::time_point deadline) {
-  const XcbReply<xcb_res_query_client_ids_reply_t> reply(
-      static_cast<xcb_res_query_client_ids_reply_t*>(awaitReply(sequence, deadline)));
-  if (!reply) return std::nullopt;
-  auto identities = xcb_res_query_client_ids_ids_iterator(reply.get());
-  for (; identities.rem > 0; xcb_res_client_id_value_next(&identities)) {
-    const xcb_res_client_id_value_t* const identity = identities.data;
-    const bool isProcess = (identity->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0;
-    if (!isProcess || xcb_res_client_id_value_value_length(identity) < 1) continue;
-    const std::uint32_t pid = *xcb_res_client_id_value_value(identity);
-    if (pid > 0 && std::in_range<std::int32_t>(pid)) return static_cast<std::int32_t>(pid);
-  }
-  return std::nullopt;
+FrontmostApplicationSource x11FrontmostApplication(std::shared_ptr<X11Session> session) {
+  return [session = std::move(session)]() -> std::optional<FrontmostApplication> {
+    const auto pid = session->activeProcess(X11Session::Clock::now() + frontmostTimeout);
+    if (!pid) return std::nullopt;
+    return FrontmostApplication{std::nullopt, *pid};
+  };
 }
 
 }  // namespace tarn

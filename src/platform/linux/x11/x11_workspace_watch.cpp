@@ -12,17 +12,17 @@ namespace tarn {
 
 X11WorkspaceWatch::X11WorkspaceWatch(xcb_connection_t* connection, std::function<void()> switched)
     : switched_(std::move(switched)),
-      currentWorkspace_(awaitAtom(connection, requestAtom(connection, "_NET_CURRENT_DESKTOP"))) {
+      currentDesktop_(awaitAtom(connection, requestAtom(connection, "_NET_CURRENT_DESKTOP"))) {
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
 bool X11WorkspaceWatch::nativeEventFilter(const QByteArray& eventType, void* message, qintptr* /*result*/) {
   if (eventType != "xcb_generic_event_t") return false;
-  constexpr unsigned sentByAClient = 0x80;
+  constexpr unsigned sendEventBit = 0x80;  // set when a client sent the event
   const auto* const event = static_cast<const xcb_generic_event_t*>(message);
-  if ((event->response_type & ~sentByAClient) != XCB_PROPERTY_NOTIFY) return false;
+  if ((event->response_type & ~sendEventBit) != XCB_PROPERTY_NOTIFY) return false;
   const auto* const change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
-  if (currentWorkspace_ != XCB_ATOM_NONE && change->atom == currentWorkspace_) switched_();
+  if (currentDesktop_ != XCB_ATOM_NONE && change->atom == currentDesktop_) switched_();
   return false;
 }
 

@@ -11,18 +11,18 @@
 
 namespace tarn {
 
-/// Tells when the user goes to another workspace, by the property in which the window manager says so: a
-/// popup belongs to none and would come along. Needs the toolkit's own connection, which gets the screen's
-/// property changes anyway. Main thread.
+/// Calls a function when the user switches to another workspace: when the window manager changes
+/// _NET_CURRENT_DESKTOP on the root window (Extended Window Manager Hints). Main thread.
 class X11WorkspaceWatch final : public QObject, private QAbstractNativeEventFilter {
  public:
+  /// `connection` is Qt's own, which selects property changes of the root window. One blocking round trip.
   X11WorkspaceWatch(xcb_connection_t* connection, std::function<void()> switched);
 
  private:
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
   std::function<void()> switched_;
-  xcb_atom_t currentWorkspace_;
+  xcb_atom_t currentDesktop_;
 };
 
 }  // namespace tarn

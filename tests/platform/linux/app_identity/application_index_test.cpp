@@ -24,7 +24,7 @@ class ApplicationIndexTest : public ::testing::Test {
   }
   void addProgram(const std::string& path) const { tree_.write(path, ""); }
 
-  /// The id of the application that was found; "" for none.
+  /// The desktop id in a lookup's result; empty for null.
   static std::string idOf(const std::string* file) {
     return file == nullptr ? "" : std::filesystem::path(*file).stem().string();
   }
@@ -41,7 +41,7 @@ class ApplicationIndexTest : public ::testing::Test {
   ApplicationIndex index_{tree_.roots(), {"/home/a/.local/share", "/usr/share"}, {"/usr/bin"}};
 };
 
-TEST_F(ApplicationIndexTest, KnowsApplicationsByWhatTheyStart) {
+TEST_F(ApplicationIndexTest, FindsApplicationsByExecutable) {
   addProgram("usr/bin/editor");
   addProgram("opt/tool/run");
   add("editor", "editor %F");
@@ -52,16 +52,16 @@ TEST_F(ApplicationIndexTest, KnowsApplicationsByWhatTheyStart) {
   EXPECT_EQ(*index_.byExecutable("/usr/bin/editor"), "/usr/share/applications/editor.desktop");
 }
 
-TEST_F(ApplicationIndexTest, FollowsLinksToTheProgram) {
+TEST_F(ApplicationIndexTest, ResolvesSymbolicLinksOfPrograms) {
   addProgram("usr/lib/office/program/main");
   tree_.link("usr/bin/office", "../lib/office/program/main");
   add("office", "office");
   EXPECT_EQ(byExecutable("/usr/lib/office/program/main"), "office");
   EXPECT_EQ(byDirectory("/usr/lib/office/program/helper.bin"), "office");
-  EXPECT_EQ(byDirectory("/usr/lib/office/share/other"), "office") << "by the program's name";
+  EXPECT_EQ(byDirectory("/usr/lib/office/share/other"), "office") << "by the name of the link";
 }
 
-TEST_F(ApplicationIndexTest, TakesTheEntryWithTheFewestArguments) {
+TEST_F(ApplicationIndexTest, PrefersTheEntryWithTheFewestArguments) {
   addProgram("usr/bin/office");
   add("a-writer", "office --writer %U");
   add("office", "office %U");
@@ -70,27 +70,27 @@ TEST_F(ApplicationIndexTest, TakesTheEntryWithTheFewestArguments) {
   EXPECT_EQ(byDirectory("/usr/lib/office/soffice.bin"), "office");
 }
 
-TEST_F(ApplicationIndexTest, LetsTheUsersEntriesWin) {
+TEST_F(ApplicationIndexTest, PrefersEntriesOfTheUser) {
   addProgram("usr/bin/editor");
   addProgram("usr/bin/mine");
   add("editor", "editor");
   addTo("home/a/.local/share", "editor", "mine");
   EXPECT_EQ(byExecutable("/usr/bin/mine"), "editor");
-  EXPECT_EQ(byExecutable("/usr/bin/editor"), "") << "the other file of the same id is hidden by it";
+  EXPECT_EQ(byExecutable("/usr/bin/editor"), "") << "the system's file of the same id is hidden";
 }
 
-TEST_F(ApplicationIndexTest, DoesNotTakeWhatIsNotChosenOrRunsInATerminal) {
+TEST_F(ApplicationIndexTest, IgnoresExecutablesOfUnlistedTerminalAndHiddenEntries) {
   for (const auto* program : {"a", "b", "c"}) addProgram(std::string("usr/bin/") + program);
   add("a", "a", "NoDisplay=true\n");
   add("b", "b", "Terminal=true\n");
   add("c", "c", "Hidden=true\n");
   for (const auto* program : {"a", "b", "c"}) EXPECT_EQ(byExecutable(std::string("/usr/bin/") + program), "");
-  EXPECT_EQ(idOf(index_.byId("a")), "a") << "but by its id";
+  EXPECT_EQ(idOf(index_.byId("a")), "a") << "the id is still found";
   EXPECT_EQ(idOf(index_.byId("b")), "b");
   EXPECT_EQ(index_.byId("c"), nullptr);
 }
 
-TEST_F(ApplicationIndexTest, TakesTheScriptOfAnInterpreterAndNothingOfALauncher) {
+TEST_F(ApplicationIndexTest, UsesTheScriptOfAnInterpreterAndIgnoresLaunchers) {
   for (const auto* program : {"python3", "flatpak", "viewer"}) addProgram(std::string("usr/bin/") + program);
   tree_.link("usr/bin/sneaky", "python3");
   add("viewer", "python3 /usr/bin/viewer");
@@ -101,7 +101,7 @@ TEST_F(ApplicationIndexTest, TakesTheScriptOfAnInterpreterAndNothingOfALauncher)
   EXPECT_EQ(byExecutable("/usr/bin/flatpak"), "");
 }
 
-TEST_F(ApplicationIndexTest, KnowsPrivateDirectoriesByProgramIdAndFolder) {
+TEST_F(ApplicationIndexTest, FindsPrivateDirectoriesByProgramIdAndDirectory) {
   addProgram("usr/bin/browser");
   addProgram("opt/vendor/product/start");
   add("browser", "browser");
@@ -111,11 +111,11 @@ TEST_F(ApplicationIndexTest, KnowsPrivateDirectoriesByProgramIdAndFolder) {
   EXPECT_EQ(byDirectory("/usr/libexec/notes/helper"), "org.example.Notes");
   EXPECT_EQ(byDirectory("/usr/share/org.example.Notes/main.js"), "org.example.Notes");
   EXPECT_EQ(byDirectory("/opt/vendor/product/lib/worker"), "product");
-  EXPECT_EQ(byDirectory("/opt/vendor/another/worker"), "") << "of the same vendor";
+  EXPECT_EQ(byDirectory("/opt/vendor/another/worker"), "") << "another application of the same vendor";
   EXPECT_EQ(byDirectory("/usr/lib/systemd/systemd"), "");
 }
 
-TEST_F(ApplicationIndexTest, KnowsBusServicesThatBearTheApplicationsId) {
+TEST_F(ApplicationIndexTest, FindsDBusServicesWithTheIdOfAnApplication) {
   addProgram("usr/libexec/files-service");
   addProgram("usr/libexec/other-service");
   add("org.example.Files", "files");
@@ -129,28 +129,28 @@ TEST_F(ApplicationIndexTest, KnowsBusServicesThatBearTheApplicationsId) {
   EXPECT_EQ(index_.byServiceExecutable("/usr/libexec/other-service"), nullptr);
 }
 
-TEST_F(ApplicationIndexTest, NamesEntriesInFoldersByTheFolderToo) {
+TEST_F(ApplicationIndexTest, IdsOfFilesInSubdirectoriesIncludeTheirNames) {
   addProgram("usr/bin/konsole");
   add("kde/konsole", "konsole");
   index_.refresh();
   EXPECT_EQ(idOf(index_.byId("kde-konsole")), "konsole");
 }
 
-TEST_F(ApplicationIndexTest, IsBuiltAnewOnlyWhenADirectoryChanges) {
+TEST_F(ApplicationIndexTest, IsRebuiltOnlyWhenADirectoryChanges) {
   addProgram("usr/bin/editor");
   add("editor", "editor");
   EXPECT_TRUE(index_.refresh());
   EXPECT_FALSE(index_.refresh());
   EXPECT_EQ(index_.size(), 1U);
   addTo("home/a/.local/share", "late", "editor --late");
-  EXPECT_TRUE(index_.refresh()) << "a directory that was not there";
+  EXPECT_TRUE(index_.refresh()) << "a new directory";
   EXPECT_EQ(index_.size(), 2U);
   tree_.remove("usr/share/applications/editor.desktop");
   EXPECT_TRUE(index_.refresh());
   EXPECT_EQ(byExecutable("/usr/bin/editor"), "late");
 }
 
-TEST_F(ApplicationIndexTest, BearsHostileFiles) {
+TEST_F(ApplicationIndexTest, ToleratesMaliciousFiles) {
   addProgram("usr/bin/editor");
   add("editor", "editor");
   std::string words = "editor";
@@ -171,7 +171,7 @@ TEST_F(ApplicationIndexTest, BearsHostileFiles) {
   EXPECT_EQ(index_.byId("device"), nullptr);
 }
 
-TEST_F(ApplicationIndexTest, EntersADirectoryOnceHoweverManyLinksLeadThere) {
+TEST_F(ApplicationIndexTest, VisitsEachDirectoryOnceInSymbolicLinkCycles) {
   addProgram("usr/bin/editor");
   add("editor", "editor");
   for (int link = 0; link < 30; ++link) {
@@ -183,18 +183,18 @@ TEST_F(ApplicationIndexTest, EntersADirectoryOnceHoweverManyLinksLeadThere) {
   EXPECT_EQ(index_.byId("a0-editor"), nullptr);
 }
 
-TEST_F(ApplicationIndexTest, EndsWhereALinkLeadsToNoEndOfDirectories) {
+TEST_F(ApplicationIndexTest, LimitsTheDirectoriesThatALinkLeadsTo) {
   addProgram("usr/bin/editor");
   add("editor", "editor");
   for (int folder = 0; folder < 2'000; ++folder) tree_.write("much/" + std::to_string(folder) + "/x", "");
-  // The user's own directory is looked at first, and hides nothing that comes after it.
+  // The user's data directory comes first; reaching its limit does not affect the next one.
   tree_.link("home/a/.local/share/applications/z", tree_.at("much").string());
   index_.refresh();
   EXPECT_EQ(byExecutable("/usr/bin/editor"), "editor");
   EXPECT_LE(index_.watchedDirectoryCount(), 600U);
 }
 
-TEST_F(ApplicationIndexTest, IsEmptyWhereThereIsNothing) {
+TEST_F(ApplicationIndexTest, IsEmptyWithoutDesktopFiles) {
   EXPECT_TRUE(index_.refresh());
   EXPECT_FALSE(index_.refresh());
   EXPECT_EQ(index_.size(), 0U);

@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/linux/app_identity/property_list.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {
@@ -15,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-// As Debian's TextEdit has it, shortened.
+// From Debian's package textedit.app, shortened.
 constexpr auto textEdit = R"({
     ApplicationDescription = "an OpenStep text editor";
     ApplicationName = TextEdit;
@@ -29,28 +28,28 @@ constexpr auto textEdit = R"({
 }
 )";
 
-TEST(PropertyList, HasTextsInQuotesAndWithout) {
-  EXPECT_THAT(parsePropertyTexts(R"({ A = b; "C D" = "e \"f\" \n"; })"),
+TEST(PropertyList, ParsesStringsWithAndWithoutQuotes) {
+  EXPECT_THAT(parsePropertyList(R"({ A = b; "C D" = "e \"f\" \n"; })"),
               ElementsAre(Pair("A", "b"), Pair("C D", "e \"f\" \n")));
-  EXPECT_THAT(parsePropertyTexts("/* x */ { // y\n A /* = */ = b; }"), ElementsAre(Pair("A", "b")));
+  EXPECT_THAT(parsePropertyList("/* x */ { // y\n A /* = */ = b; }"), ElementsAre(Pair("A", "b")));
 }
 
-TEST(PropertyList, PassesOverOtherKinds) {
-  EXPECT_THAT(parsePropertyTexts(R"({ A = (1, "}", {b = c;}); B = <0fbd>; C = { D = e; }; F = g; })"),
+TEST(PropertyList, SkipsOtherTypes) {
+  EXPECT_THAT(parsePropertyList(R"({ A = (1, "}", {b = c;}); B = <0fbd>; C = { D = e; }; F = g; })"),
               ElementsAre(Pair("F", "g")));
 }
 
-TEST(PropertyList, KeepsWhatStandsBeforeAMistake) {
-  EXPECT_THAT(parsePropertyTexts("{ A = b; C = ; D = e; }"), ElementsAre(Pair("A", "b")));
-  EXPECT_THAT(parsePropertyTexts("{ A = b; C"), ElementsAre(Pair("A", "b")));
-  EXPECT_THAT(parsePropertyTexts("{ A = b; C = \"open"), ElementsAre(Pair("A", "b")));
+TEST(PropertyList, KeepsEntriesBeforeASyntaxError) {
+  EXPECT_THAT(parsePropertyList("{ A = b; C = ; D = e; }"), ElementsAre(Pair("A", "b")));
+  EXPECT_THAT(parsePropertyList("{ A = b; C"), ElementsAre(Pair("A", "b")));
+  EXPECT_THAT(parsePropertyList("{ A = b; C = \"open"), ElementsAre(Pair("A", "b")));
   for (const auto* text : {"", "{", "A = b;", "{ = b; }", "{ A = (((((", "<?xml version=\"1.0\"?>", "{ /*"}) {
-    EXPECT_THAT(parsePropertyTexts(text), IsEmpty()) << text;
+    EXPECT_THAT(parsePropertyList(text), IsEmpty()) << text;
   }
-  EXPECT_THAT(parsePropertyTexts("{ A = " + std::string(100'000, '(')), IsEmpty());
+  EXPECT_THAT(parsePropertyList("{ A = " + std::string(100'000, '(')), IsEmpty());
 }
 
-TEST(ApplicationInformation, OfABundleIsItsPropertyListWithItsKeysTranslated) {
+TEST(ApplicationInformation, OfABundleIsItsPropertyListWithCFBundleName) {
   const TemporaryTree tree;
   tree.write("usr/lib/GNUstep/Applications/TextEdit.app/Resources/Info-gnustep.plist", textEdit);
   const auto information = applicationInformation(tree.roots(), "/usr/lib/GNUstep/Applications/TextEdit.app");
@@ -59,24 +58,24 @@ TEST(ApplicationInformation, OfABundleIsItsPropertyListWithItsKeysTranslated) {
   EXPECT_THAT(applicationInformation(tree.roots(), "/opt/None.app"), IsEmpty());
 }
 
-TEST(BundlePictures, AreThoseThatTheListNamesAndThoseNamedSimilarly) {
+TEST(BundleIconFiles, AreTheNamedFileAndFilesWithThatPrefix) {
   const TemporaryTree tree;
   const std::string bundle = tree.at("TextEdit.app").string();
   tree.write("TextEdit.app/Resources/Info-gnustep.plist", textEdit);
   tree.write("TextEdit.app/Resources/accessories-text-editor.icns", "");
   tree.write("TextEdit.app/Resources/accessories-text-editor_128x128x32.png", "");
   tree.write("TextEdit.app/Resources/other.png", "");
-  EXPECT_THAT(bundlePictures(bundle),
+  EXPECT_THAT(bundleIconFiles(bundle),
               ElementsAre(bundle + "/Resources/accessories-text-editor",
                           bundle + "/Resources/accessories-text-editor.icns",
                           bundle + "/Resources/accessories-text-editor_128x128x32.png"));
 }
 
-TEST(BundlePictures, AreNeverOutsideOfTheBundle) {
+TEST(BundleIconFiles, AreNeverOutsideOfTheBundle) {
   const TemporaryTree tree;
   tree.write("A.app/Resources/Info-gnustep.plist", "{ NSIcon = \"../../secret.png\"; }");
-  EXPECT_THAT(bundlePictures(tree.at("A.app").string()), IsEmpty());
-  EXPECT_THAT(bundlePictures(tree.at("None.app").string()), IsEmpty());
+  EXPECT_THAT(bundleIconFiles(tree.at("A.app").string()), IsEmpty());
+  EXPECT_THAT(bundleIconFiles(tree.at("None.app").string()), IsEmpty());
 }
 
 }  // namespace

@@ -24,15 +24,15 @@ class DesktopEntryTest : public ::testing::Test {
   TemporaryTree tree_;
 };
 
-TEST_F(DesktopEntryTest, TellsHowTheApplicationIsStarted) {
+TEST_F(DesktopEntryTest, ReadsTheKeysThatIdentifyProcesses) {
   EXPECT_EQ(read("[Desktop Entry]\nType=Application\nName=Editor\nExec=editor --new %U\n"),
             (DesktopEntry{.exec = "editor --new %U"}));
   EXPECT_EQ(read("# a comment\n\n[Desktop Entry]\nType=Application\nExec=a\nNoDisplay=true\nTerminal=true\n"
                  "[Desktop Action new]\nExec=b\n"),
-            (DesktopEntry{.exec = "a", .isListed = false, .isInTerminal = true}));
+            (DesktopEntry{.exec = "a", .isListed = false, .runsInTerminal = true}));
 }
 
-TEST_F(DesktopEntryTest, IsNothingButAnApplicationThatIsThere) {
+TEST_F(DesktopEntryTest, IsNothingForOtherTypesHiddenEntriesAndInvalidFiles) {
   EXPECT_EQ(read("[Desktop Entry]\nType=Link\nExec=a\n"), std::nullopt);
   EXPECT_EQ(read("[Desktop Entry]\nExec=a\n"), std::nullopt);
   EXPECT_EQ(read("[Desktop Entry]\nType=Application\nHidden=true\nExec=a\n"), std::nullopt);
@@ -41,7 +41,7 @@ TEST_F(DesktopEntryTest, IsNothingButAnApplicationThatIsThere) {
   EXPECT_EQ(readDesktopEntry("/nowhere"), std::nullopt);
 }
 
-TEST_F(DesktopEntryTest, IsNotReadFromWhatIsNoFileOrTooLarge) {
+TEST_F(DesktopEntryTest, IsNothingForSpecialFilesAndLargeFiles) {
   const std::string entry = "[Desktop Entry]\nType=Application\nExec=a\n";
   EXPECT_TRUE(read(entry + std::string(200'000, '#')));
   EXPECT_EQ(read(entry + std::string(50 << 20, '#')), std::nullopt);
@@ -53,13 +53,13 @@ TEST_F(DesktopEntryTest, IsNotReadFromWhatIsNoFileOrTooLarge) {
   EXPECT_EQ(read(), std::nullopt);
 }
 
-TEST_F(DesktopEntryTest, BearsZerosAndTextThatIsNotUTF8) {
-  EXPECT_EQ(read("[Desktop Entry]\nType=Application\nExec=a\0b\n"s), std::nullopt) << "that is no text";
+TEST_F(DesktopEntryTest, AcceptsInvalidUtf8ButNoZeroBytes) {
+  EXPECT_EQ(read("[Desktop Entry]\nType=Application\nExec=a\0b\n"s), std::nullopt);
   read("[Desktop Entry]\nType=Application\nExec=\xff\xfe\nName=\xff\n");
   readDesktopAppearance(tree_.at("a.desktop").string());
 }
 
-TEST_F(DesktopEntryTest, NamesTheApplication) {
+TEST_F(DesktopEntryTest, AppearanceHasNameAndIcon) {
   tree_.write("usr/share/applications/a.desktop",
               "[Desktop Entry]\nType=Application\nName=Files\nName[xx]=Nope\nIcon=folder\nExec=a\n");
   const std::string path = "/usr/share/applications/a.desktop";
@@ -72,6 +72,43 @@ TEST_F(DesktopEntryTest, NamesTheApplication) {
   EXPECT_EQ(applicationInformation(tree_.roots(), "/usr/share/applications/gone.desktop"),
             InformationDictionary{});
   EXPECT_EQ(applicationInformation(tree_.roots(), "/opt/A.app"), InformationDictionary{});
+}
+
+TEST(ExecKey, IsAProgramAndItsArguments) {
+  EXPECT_EQ(parseExecKey("firefox"), (ExecCommand{"firefox", {}}));
+  EXPECT_EQ(parseExecKey("/usr/bin/vim -g %F"), (ExecCommand{"/usr/bin/vim", {"-g"}}));
+  EXPECT_EQ(parseExecKey("\"/opt/My App/run\" \"a b\" %u"), (ExecCommand{"/opt/My App/run", {"a b"}}));
+}
+
+TEST(ExecKey, SkipsEnvAssignmentsAndShells) {
+  EXPECT_EQ(parseExecKey("env GDK_BACKEND=x11 A= inkscape %F"), (ExecCommand{"inkscape", {}}));
+  EXPECT_EQ(parseExecKey("/usr/bin/env -i -u HOME LANG=C app"), (ExecCommand{"app", {}}));
+  EXPECT_EQ(parseExecKey("BAMF_DESKTOP_FILE_HINT=/x.desktop /snap/bin/app %U"),
+            (ExecCommand{"/snap/bin/app", {}}));
+  EXPECT_EQ(parseExecKey("sh -c \"exec env A=1 app --flag\""), (ExecCommand{"app", {"--flag"}}));
+  EXPECT_EQ(parseExecKey("bash -c 'app %F'"), (ExecCommand{"app", {}}));
+}
+
+TEST(ExecKey, IsNothingWithoutAProgram) {
+  for (const auto* exec : {"", "   ", "%U", "env", "env A=1", "sh -c ''", "\"\"", "\"unclosed", "env -u"}) {
+    EXPECT_EQ(parseExecKey(exec), std::nullopt) << exec;
+  }
+}
+
+TEST(ExecKey, IsNothingIfTooLong) {
+  std::string exec = "app";
+  for (int word = 0; word < 10'000; ++word) exec += " word";
+  EXPECT_EQ(parseExecKey(exec), std::nullopt);
+}
+
+TEST(IsLauncher, KnowsShellsInterpretersAndLaunchers) {
+  for (const auto* name : {"sh", "bash", "python3", "python3.11", "perl", "node", "lua5.4", "gjs", "java",
+                           "flatpak", "env", "pkexec", "wish8.6"}) {
+    EXPECT_TRUE(isLauncher(name)) << name;
+  }
+  for (const auto* name : {"firefox", "pythonista", "javaws", "shotwell", "nodejs-editor", "", "perldoc"}) {
+    EXPECT_FALSE(isLauncher(name)) << name;
+  }
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 
 #include "platform/linux/app_identity/linux_application_rules.hpp"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <map>
 
@@ -12,11 +12,15 @@
 namespace tarn {
 namespace {
 
-/// A process as its files tell of it.
+using testing::ElementsAre;
+using testing::IsEmpty;
+using namespace std::string_literals;
+
+/// The content of a process's files in procfs.
 struct Process {
   std::string executable = {};
-  std::string arguments = {};  ///< separated by blanks
-  std::string controlGroup = "/user.slice/session-1.scope";
+  std::string arguments = {};  ///< separated by spaces
+  std::string cgroup = "/user.slice/session-1.scope";
 };
 
 class ApplicationRulesTest : public ::testing::Test {
@@ -43,11 +47,11 @@ class ApplicationRulesTest : public ::testing::Test {
     std::string arguments = process.arguments;
     std::replace(arguments.begin(), arguments.end(), ' ', '\0');
     tree_.write(directory + "cmdline", arguments + '\0');
-    tree_.write(directory + "cgroup", "0::" + process.controlGroup + '\n');
-    generations_[pid] = ++generation_;
+    tree_.write(directory + "cgroup", "0::" + process.cgroup + '\n');
+    execIds_[pid] = ++lastExecId_;
   }
 
-  /// The id of the application of a process; "" without one.
+  /// The desktop id of the application of a process; empty if there is none.
   std::string applicationOf(std::int32_t pid) {
     return std::filesystem::path(rules_.applicationRoot(pid, "").string()).stem().string();
   }
@@ -57,43 +61,41 @@ class ApplicationRulesTest : public ::testing::Test {
   }
 
   TemporaryTree tree_;
-  std::map<std::int32_t, std::uint64_t> generations_;
-  std::uint64_t generation_ = 0;
+  std::map<std::int32_t, std::uint64_t> execIds_;
+  std::uint64_t lastExecId_ = 0;
   std::chrono::steady_clock::time_point now_;
   LinuxApplicationRules rules_{tree_.roots(), ApplicationIndex(tree_.roots(), {"/usr/share"}, {"/usr/bin"}),
                                [this](std::int32_t pid) -> std::optional<std::uint64_t> {
-                                 const auto found = generations_.find(pid);
-                                 return found == generations_.end() ? std::nullopt
-                                                                    : std::optional(found->second);
+                                 const auto found = execIds_.find(pid);
+                                 return found == execIds_.end() ? std::nullopt : std::optional(found->second);
                                },
                                [this] { return now_; }};
 };
 
-TEST_F(ApplicationRulesTest, KnowTheExecutableOfADesktopFile) {
+TEST_F(ApplicationRulesTest, MatchTheExecutableOfADesktopFile) {
   EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/editor"}), "editor");
   EXPECT_EQ(rules_.applicationRoot(99, ""), "/usr/share/applications/editor.desktop");
   EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/daemon"}), "");
 }
 
-TEST_F(ApplicationRulesTest, KnowThePrivateDirectory) {
+TEST_F(ApplicationRulesTest, MatchThePrivateDirectory) {
   EXPECT_EQ(applicationOf(Process{.executable = "/usr/lib/editor/worker"}), "editor");
   EXPECT_EQ(applicationOf(Process{.executable = "/usr/lib/firefox-esr/plugin-container"}), "firefox-esr");
 }
 
-TEST_F(ApplicationRulesTest, KnowTheSandboxWhateverThePathsWithinIt) {
+TEST_F(ApplicationRulesTest, MatchTheSandboxAndIgnorePathsWithinIt) {
   const std::string group = "/user.slice/app.slice/app-flatpak-org.sandboxed.App-123.scope";
-  EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/editor", .controlGroup = group}),
-            "org.sandboxed.App");
+  EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/editor", .cgroup = group}), "org.sandboxed.App");
   EXPECT_EQ(applicationOf(Process{.executable = "/snap/x/1/bin/x",
-                                  .controlGroup = "/user.slice/snap.snapped.snapped.1-2.scope"}),
+                                  .cgroup = "/user.slice/snap.snapped.snapped.1-2.scope"}),
             "snapped_snapped");
   EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/editor",
-                                  .controlGroup = "/user.slice/app-flatpak-org.unknown-1.scope"}),
+                                  .cgroup = "/user.slice/app-flatpak-org.unknown-1.scope"}),
             "")
-      << "another program by that path";
+      << "the path is that of another program";
 }
 
-TEST_F(ApplicationRulesTest, KnowTheScriptOfAnInterpreter) {
+TEST_F(ApplicationRulesTest, MatchTheScriptOfAnInterpreter) {
   EXPECT_EQ(
       applicationOf(Process{.executable = "/usr/bin/python3.11", .arguments = "python3 /usr/bin/editor"}),
       "editor");
@@ -104,19 +106,19 @@ TEST_F(ApplicationRulesTest, KnowTheScriptOfAnInterpreter) {
                                   .arguments = "java -jar /usr/share/editor/editor.jar"}),
             "editor");
   EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/gcc", .arguments = "gcc /usr/bin/editor"}), "")
-      << "an argument of what is no interpreter";
+      << "gcc is no interpreter";
 }
 
-TEST_F(ApplicationRulesTest, KnowTheSessionManagersUnit) {
+TEST_F(ApplicationRulesTest, MatchTheSystemdUnit) {
   const std::string group = "/user.slice/app.slice/app-gnome-org.example.Files-77.scope";
-  EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/bash", .arguments = "bash", .controlGroup = group}),
+  EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/bash", .arguments = "bash", .cgroup = group}),
             "org.example.Files");
-  EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/editor", .controlGroup = group}), "editor")
-      << "its own executable says more";
-  EXPECT_EQ(applicationOf(Process{.controlGroup = group}), "org.example.Files") << "without a path";
+  EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/editor", .cgroup = group}), "editor")
+      << "the executable has priority";
+  EXPECT_EQ(applicationOf(Process{.cgroup = group}), "org.example.Files") << "without a path";
 }
 
-TEST_F(ApplicationRulesTest, KnowTheImageAnApplicationWasStartedFrom) {
+TEST_F(ApplicationRulesTest, MatchTheDesktopFileInAnAppImage) {
   tree_.write("tmp/.mount_paintXyz/paint.desktop", "[Desktop Entry]\nType=Application\n");
   const Process inside{.executable = "/tmp/.mount_paintXyz/usr/bin/paint"};
   start(99, inside);
@@ -124,7 +126,7 @@ TEST_F(ApplicationRulesTest, KnowTheImageAnApplicationWasStartedFrom) {
   EXPECT_EQ(applicationOf(Process{.executable = "/tmp/.mount_gone/usr/bin/paint"}), "");
 }
 
-TEST_F(ApplicationRulesTest, ReadNoFileOfAProcessThatTheyKnow) {
+TEST_F(ApplicationRulesTest, ReadNoFileOfACachedProcess) {
   start(40, {.executable = "/usr/bin/editor"});
   EXPECT_EQ(applicationOf(40), "editor");
   tree_.remove("proc/40");
@@ -132,37 +134,57 @@ TEST_F(ApplicationRulesTest, ReadNoFileOfAProcessThatTheyKnow) {
   start(41, {.executable = "/usr/bin/nothing"});
   EXPECT_EQ(applicationOf(41), "");
   tree_.link("proc/41/exe", "/usr/bin/editor");
-  EXPECT_EQ(applicationOf(41), "") << "nor of one that is known to belong to none";
+  EXPECT_EQ(applicationOf(41), "") << "that it has no application is cached, too";
 }
 
-TEST_F(ApplicationRulesTest, LookAfreshAtAProcessThatStartedAnotherProgram) {
+TEST_F(ApplicationRulesTest, LookAgainAtAProcessThatExecutedAnotherProgram) {
   start(40, {.executable = "/usr/bin/dash", .arguments = "sh /usr/bin/wrapper"});
   EXPECT_EQ(applicationOf(40), "");
   start(40, {.executable = "/usr/bin/editor"});
   EXPECT_EQ(applicationOf(40), "editor");
 }
 
-TEST_F(ApplicationRulesTest, KnowNothingOfAProcessThatIsGone) {
+TEST_F(ApplicationRulesTest, FindNothingForAProcessThatHasExited) {
   EXPECT_EQ(applicationOf(40), "");
 }
 
-TEST_F(ApplicationRulesTest, LookAtAllAgainWhenTheApplicationsChange) {
+TEST_F(ApplicationRulesTest, LookAgainAtAllProcessesWhenDesktopFilesChange) {
   start(40, {.executable = "/usr/bin/late"});
   EXPECT_EQ(applicationOf(40), "");
   add("late", "/usr/bin/late");
   now_ += std::chrono::seconds(3);
-  EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/editor"}), "editor") << "a new process comes";
+  EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/editor"}), "editor")
+      << "a new process triggers the refresh";
   EXPECT_EQ(applicationOf(40), "late");
 }
 
-TEST_F(ApplicationRulesTest, ForgetProcessesThatAreGone) {
+TEST_F(ApplicationRulesTest, PruneProcessesThatHaveExited) {
   for (std::int32_t pid = 1000; pid < 3000; ++pid) {
     start(pid, {.executable = "/usr/bin/editor"});
     EXPECT_EQ(applicationOf(pid), "editor");
-    generations_.erase(pid);
+    execIds_.erase(pid);
     tree_.remove("proc/" + std::to_string(pid));
   }
   EXPECT_LE(rules_.knownProcessCount(), 600U);
+}
+
+TEST(ProcessOrigin, IsReadFromProcfs) {
+  const TemporaryTree tree;
+  tree.link("proc/40/exe", "/usr/bin/python3.11 (deleted)");
+  tree.write("proc/40/cmdline", "python3\0/usr/bin/app\0"s);
+  tree.write("proc/40/cgroup", "0::/user.slice/app-x-1.scope\n");
+  const ProcessOrigin origin = readProcessOrigin(tree.roots(), 40);
+  EXPECT_EQ(origin.executable, "/usr/bin/python3.11");
+  EXPECT_THAT(readArguments(tree.roots(), 40), ElementsAre("python3", "/usr/bin/app"));
+  EXPECT_EQ(origin.cgroup, "/user.slice/app-x-1.scope");
+}
+
+TEST(ProcessOrigin, IsEmptyForAProcessThatHasExited) {
+  const TemporaryTree tree;
+  const ProcessOrigin origin = readProcessOrigin(tree.roots(), 40);
+  EXPECT_EQ(origin.executable, "");
+  EXPECT_THAT(readArguments(tree.roots(), 40), IsEmpty());
+  EXPECT_EQ(origin.cgroup, "");
 }
 
 }  // namespace

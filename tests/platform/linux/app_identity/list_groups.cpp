@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// list_groups: one sweep of this machine. A line for each process: its pid, a tab, its group's id, a tab, the
-// group's name.
+// list_groups: samples this machine once. Prints a line for each process: pid, id of its group and name of
+// the group, separated by tabs.
 
 #include <cstdio>
 

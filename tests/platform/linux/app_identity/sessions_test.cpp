@@ -1,80 +1,69 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Whole process tables, with the control groups and desktop files that go with them, and the application that
-// each process is to be found under.
+// Recorded process tables, with cgroups and desktop files, and the application that each process belongs to.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <map>
 
-#include "platform/linux/app_identity/linux_application_rules.hpp"
-#include "platform/linux/procfs/sleeping_process_cache.hpp"
-#include "support/temporary_tree.hpp"
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "sampling/memory_sampler.hpp"
+#include "support/temporary_tree.hpp"
 
 namespace tarn {
 namespace {
 
-class NoMemory final : public SystemMemoryReader {
- public:
-  std::uint64_t totalRAM() override { return 0; }
-  std::uint64_t swapUsed() override { return 0; }
-  SystemMemory read() override { return {}; }
-};
-
-/// Reads a ".session" file: "[file PATH]" begins a file, "[process PID]" a process, whose lines are
-/// "key = value".
+/// Reads a ".session" file. A section "[file PATH]" holds the content of a file. A section "[process PID]"
+/// holds lines "KEY = VALUE": `parent` (pid), `executable`, `arguments` (separated by "|"), `cgroup` (a line
+/// of /proc/PID/cgroup; may be repeated) and `application` (the expected desktop file, or "none"). Lines that
+/// begin with "#" are comments.
 class Session {
  public:
   explicit Session(const std::filesystem::path& path) {
     std::ifstream file(path);
-    if (!file) throw std::runtime_error("no such session: " + path.string());
+    if (!file) throw std::runtime_error("cannot read " + path.string());
     for (std::string line; std::getline(file, line);) {
+      // The headings of desktop files and D-Bus service files belong to the content of a file.
       if (line.starts_with('[') && !line.starts_with("[Desktop") && !line.starts_with("[D-BUS")) {
-        begin(line.substr(1, line.size() - 2));
+        beginSection(line.substr(1, line.size() - 2));
       } else if (!line.empty() && !line.starts_with('#')) {
-        add(line);
+        addLine(line);
       }
     }
-    finish();
+    finishSection();
   }
 
-  const std::map<std::int32_t, std::string>& applications() const { return applications_; }
+  const std::map<std::int32_t, std::string>& expectedApplications() const { return expectedApplications_; }
 
-  /// The application of each process, as one sweep finds it; "none" for a process on its own.
-  std::map<std::int32_t, std::string> foundApplications() const {
-    SamplerPort port;
-    auto processes = std::make_unique<LinuxProcScan>(tree_.roots());
-    port.applicationRules = std::make_unique<LinuxApplicationRules>(
-        tree_.roots(),
-        ApplicationIndex(tree_.roots(),
-                         {"/home/a/.local/share", "/usr/share", "/home/a/.local/share/flatpak/exports/share",
-                          "/var/lib/flatpak/exports/share", "/var/lib/snapd/desktop"},
-                         {"/usr/bin"}),
-        [&scan = *processes](std::int32_t pid) { return scan.programOf(pid); });
-    port.processes = std::move(processes);
-    port.memory = std::make_unique<NoMemory>();
-    port.uptime = [] { return 1.0; };
-    const MemorySnapshot snapshot = MemorySampler(std::move(port)).sample();
-    std::map<std::int32_t, std::string> found;
+  /// The application of each process in one sweep; "none" for a process that forms a group of its own.
+  std::map<std::int32_t, std::string> sampledApplications() const {
+    const auto environment = [](const char* variable) -> std::string {
+      const std::string_view name = variable;
+      if (name == "HOME") return "/home/a";
+      if (name == "XDG_DATA_DIRS") return "/usr/share";
+      return {};
+    };
+    const MemorySnapshot snapshot = MemorySampler(makeLinuxSamplerPort(tree_.roots(), environment)).sample();
+    std::map<std::int32_t, std::string> applications;
     for (const AppGroup& group : snapshot.groups) {
       for (const ProcessSample& process : group.processes)
-        found[process.pid] = group.bundlePath.value_or("none");
+        applications[process.pid] = group.bundlePath.value_or("none");
     }
-    return found;
+    return applications;
   }
 
  private:
-  void begin(const std::string& heading) {
-    finish();
-    const std::size_t blank = heading.find(' ');
-    isProcess_ = heading.substr(0, blank) == "process";
-    subject_ = heading.substr(blank + 1);
+  void beginSection(const std::string& heading) {
+    finishSection();
+    const std::size_t space = heading.find(' ');
+    isProcess_ = heading.substr(0, space) == "process";
+    subject_ = heading.substr(space + 1);
   }
 
-  void add(const std::string& line) {
+  void addLine(const std::string& line) {
     if (!isProcess_) {
       text_ += line + '\n';
       return;
@@ -82,14 +71,14 @@ class Session {
     const std::size_t equals = line.find(" = ");
     const std::string key = line.substr(0, equals);
     const std::string value = equals == std::string::npos ? "" : line.substr(equals + 3);
-    if (key == "group") {
+    if (key == "cgroup") {
       text_ += value + '\n';
     } else {
       values_[key] = value;
     }
   }
 
-  void finish() {
+  void finishSection() {
     if (isProcess_) {
       writeProcess();
     } else if (!subject_.empty()) {
@@ -111,23 +100,23 @@ class Session {
     const std::string directory = "proc/" + subject_ + '/';
     tree_.link(directory + "exe", values_["executable"]);
     tree_.write(directory + "cgroup", text_);
-    applications_[process.pid] = values_["application"];
+    expectedApplications_[process.pid] = values_["application"];
   }
 
   TemporaryTree tree_;
-  std::map<std::int32_t, std::string> applications_;
-  bool isProcess_ = false;
-  std::string subject_;
-  std::string text_;
-  std::map<std::string, std::string> values_;
+  std::map<std::int32_t, std::string> expectedApplications_;
+  bool isProcess_ = false;                     ///< of the current section
+  std::string subject_;                        ///< its path or pid
+  std::string text_;                           ///< content of its file, or of /proc/PID/cgroup
+  std::map<std::string, std::string> values_;  ///< the other keys of a process
 };
 
 class SessionsTest : public testing::TestWithParam<std::filesystem::path> {};
 
-TEST_P(SessionsTest, HaveEveryProcessUnderItsApplication) {
+TEST_P(SessionsTest, EveryProcessBelongsToItsApplication) {
   const Session session(GetParam());
-  EXPECT_GT(session.applications().size(), 3U);
-  EXPECT_EQ(session.foundApplications(), session.applications());
+  EXPECT_GT(session.expectedApplications().size(), 3U);
+  EXPECT_EQ(session.sampledApplications(), session.expectedApplications());
 }
 
 std::vector<std::filesystem::path> sessions() {

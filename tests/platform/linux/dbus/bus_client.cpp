@@ -26,9 +26,9 @@ QDBusMessage BusClient::call(const QString& path, const QString& interface, cons
                              const QVariantList& arguments) {
   QDBusMessage message = QDBusMessage::createMethodCall(service_, path, interface, method);
   message.setArguments(arguments);
-  const QDBusPendingCall answer = connection_.asyncCall(message);
-  EXPECT_TRUE(eventually([&] { return answer.isFinished(); })) << method.toStdString();
-  return answer.reply();
+  const QDBusPendingCall pending = connection_.asyncCall(message);
+  EXPECT_TRUE(eventually([&] { return pending.isFinished(); })) << method.toStdString();
+  return pending.reply();
 }
 
 QVariant BusClient::property(const QString& path, const QString& interface, const QString& name) {
@@ -43,17 +43,17 @@ QVariantMap BusClient::properties(const QString& path, const QString& interface)
   return qdbus_cast<QVariantMap>(reply.arguments().value(0));
 }
 
-void BusClient::listen(const QString& path, const QString& interface, const QStringList& names) {
+void BusClient::recordSignals(const QString& path, const QString& interface, const QStringList& names) {
   for (const QString& name : names) {
-    EXPECT_TRUE(connection_.connect(service_, path, interface, name, this, SLOT(note(QDBusMessage))));
+    EXPECT_TRUE(connection_.connect(service_, path, interface, name, this, SLOT(record(QDBusMessage))));
   }
 }
 
 QList<QDBusMessage> BusClient::takeSignals() {
-  // The bus keeps the order, so whatever was sent before the answer to this is here by then.
+  // The bus keeps messages in order: when the reply to this arrives, all signals sent before it have arrived.
   call(QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
   QCoreApplication::processEvents();
-  return std::exchange(noted_, {});
+  return std::exchange(signals_, {});
 }
 
 QStringList BusClient::takeSignalNames() {
@@ -63,8 +63,8 @@ QStringList BusClient::takeSignalNames() {
   return names;
 }
 
-void BusClient::note(const QDBusMessage& message) {
-  noted_ << message;
+void BusClient::record(const QDBusMessage& message) {
+  signals_ << message;
 }
 
 }  // namespace tarn::test

@@ -12,39 +12,39 @@
 
 namespace tarn::test {
 
-/// Somebody else on the bus, who asks `service` and notes the signals that it sends.
+/// Another process on the bus: calls methods of `service` and records its signals.
 class BusClient final : public QObject {
   Q_OBJECT
 
  public:
   BusClient(QDBusConnection connection, QString service);
 
-  /// Calls a method and runs the event loop until the answer is here.
+  /// Calls a method and runs the event loop until the reply arrives.
   QDBusMessage call(const QString& path, const QString& interface, const QString& method,
                     const QVariantList& arguments = {});
 
-  /// The value of a property; invalid when there is none of that name.
+  /// The value of a property; invalid when it does not exist.
   QVariant property(const QString& path, const QString& interface, const QString& name);
 
   /// The values of all properties.
   QVariantMap properties(const QString& path, const QString& interface);
 
-  /// Notes the signals of an object's interface from now on.
-  void listen(const QString& path, const QString& interface, const QStringList& names);
+  /// Starts to record these signals of an object's interface.
+  void recordSignals(const QString& path, const QString& interface, const QStringList& names);
 
-  /// The signals that `service` sent before now, and forgets them.
+  /// Returns all signals that `service` has sent so far, and clears the record.
   QList<QDBusMessage> takeSignals();
 
-  /// Their names.
+  /// Their names, sorted.
   QStringList takeSignalNames();
 
  private Q_SLOTS:
-  void note(const QDBusMessage& message);
+  void record(const QDBusMessage& message);
 
  private:
   QDBusConnection connection_;
   QString service_;
-  QList<QDBusMessage> noted_;
+  QList<QDBusMessage> signals_;
 };
 
 }  // namespace tarn::test

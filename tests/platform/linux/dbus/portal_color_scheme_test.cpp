@@ -1,31 +1,28 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/widgets/color_scheme.hpp"
-
 #include <gtest/gtest.h>
 
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <QSignalSpy>
 #include <memory>
 #include <optional>
 #include <utility>
 
 #include "platform/linux/dbus/bus_client.hpp"
+#include "platform/linux/dbus/fake_service.hpp"
 #include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
-#include "platform/linux/linux_platform.hpp"
 #include "support/event_loop.hpp"
+#include "ui/widgets/color_scheme.hpp"
 
 namespace tarn {
 namespace {
 
 using test::eventually;
 
-const QString portalName = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString settings = QStringLiteral("org.freedesktop.portal.Settings");
 const QString appearance = QStringLiteral("org.freedesktop.appearance");
@@ -35,24 +32,16 @@ QVariant wrapped(const QVariant& value) {
   return QVariant::fromValue(QDBusVariant(value));
 }
 
-// A portal that knows this one setting, or (without an answer) never says anything.
-class FakePortal final : public QDBusVirtualObject {
+/// A portal with this one setting. Without `reply` it never replies.
+class FakePortal final : public test::FakeService {
  public:
-  FakePortal(QDBusConnection connection, std::optional<QVariant> answer)
-      : connection_(std::move(connection)), answer_(std::move(answer)) {
-    connection_.registerVirtualObject(portalPath, this);
-    connection_.registerService(portalName);
-  }
-
-  ~FakePortal() override {
-    connection_.unregisterService(portalName);
-    connection_.unregisterObject(portalPath);
-  }
-  Q_DISABLE_COPY_MOVE(FakePortal)
+  FakePortal(QDBusConnection connection, std::optional<QVariant> reply)
+      : FakeService(std::move(connection), QStringLiteral("org.freedesktop.portal.Desktop"), portalPath),
+        reply_(std::move(reply)) {}
 
   void change(const QVariant& value, const QString& key = colorScheme) {
-    answer_ = wrapped(wrapped(value));
-    sendChange(connection_, value, key);
+    reply_ = wrapped(wrapped(value));
+    sendChange(connection(), value, key);
   }
 
   static void sendChange(const QDBusConnection& from, const QVariant& value, const QString& key) {
@@ -61,29 +50,26 @@ class FakePortal final : public QDBusVirtualObject {
     from.send(signal);
   }
 
-  QString introspect(const QString& /*path*/) const override { return {}; }
-
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-    ++questions_;
+    ++calls_;
     const bool known =
         message.member() == u"Read" && message.arguments() == QVariantList{appearance, colorScheme};
     if (!known) {
       connection.send(message.createErrorReply(QDBusError::UnknownMethod, QStringLiteral("No")));
-    } else if (answer_) {
-      connection.send(message.createReply(*answer_));
+    } else if (reply_) {
+      connection.send(message.createReply(*reply_));
     }
     return true;
   }
 
-  int questions() const { return questions_; }
+  int calls() const { return calls_; }
 
  private:
-  QDBusConnection connection_;
-  std::optional<QVariant> answer_;
-  int questions_ = 0;
+  std::optional<QVariant> reply_;
+  int calls_ = 0;
 };
 
-class ColorSchemeOnABus : public testing::Test {
+class PortalColorSchemeTest : public testing::Test {
  protected:
   bool becomes(std::optional<ColorScheme> scheme) {
     return eventually([&] { return scheme_->preference() == scheme; });
@@ -94,7 +80,8 @@ class ColorSchemeOnABus : public testing::Test {
     changed_ = std::make_unique<QSignalSpy>(scheme_.get(), &ColorSchemeWatcher::changed);
   }
 
-  void settle() { client_.takeSignals(); }
+  /// Waits until all messages to and from the watcher have been handled.
+  void drainMessages() { client_.takeSignals(); }
 
   test::PrivateBus bus_;
   QDBusConnection connection_ = bus_.connection();
@@ -103,7 +90,7 @@ class ColorSchemeOnABus : public testing::Test {
   std::unique_ptr<QSignalSpy> changed_;
 };
 
-TEST_F(ColorSchemeOnABus, ReadsWhatThePortalSays) {
+TEST_F(PortalColorSchemeTest, ReadsThePreference) {
   const FakePortal portal(bus_.connection(), wrapped(wrapped(1U)));
   start();
   EXPECT_EQ(scheme_->preference(), std::nullopt);
@@ -111,11 +98,11 @@ TEST_F(ColorSchemeOnABus, ReadsWhatThePortalSays) {
   EXPECT_EQ(changed_->size(), 1);
 }
 
-TEST_F(ColorSchemeOnABus, FollowsChanges) {
+TEST_F(PortalColorSchemeTest, FollowsChanges) {
   FakePortal portal(bus_.connection(), wrapped(wrapped(2U)));
   start();
   ASSERT_TRUE(becomes(ColorScheme::light));
-  ASSERT_TRUE(eventually([&] { return portal.questions() >= 2; }));
+  ASSERT_TRUE(eventually([&] { return portal.calls() >= 2; }));
   portal.change(1U);
   ASSERT_TRUE(becomes(ColorScheme::dark));
   portal.change(1U);
@@ -125,67 +112,61 @@ TEST_F(ColorSchemeOnABus, FollowsChanges) {
   EXPECT_EQ(changed_->size(), 3);
 }
 
-TEST_F(ColorSchemeOnABus, ReadsAPortalThatStartsLater) {
+TEST_F(PortalColorSchemeTest, ReadsFromAPortalThatStartsLater) {
   start();
-  settle();
+  drainMessages();
   const FakePortal portal(bus_.connection(), wrapped(wrapped(1U)));
   EXPECT_TRUE(becomes(ColorScheme::dark));
 }
 
-TEST_F(ColorSchemeOnABus, KeepsTheLastWordOfAPortalThatLeft) {
+TEST_F(PortalColorSchemeTest, KeepsThePreferenceOfAPortalThatStopped) {
   auto portal = std::make_unique<FakePortal>(bus_.connection(), wrapped(wrapped(1U)));
   start();
   ASSERT_TRUE(becomes(ColorScheme::dark));
   portal.reset();
-  settle();
+  drainMessages();
   EXPECT_EQ(scheme_->preference(), ColorScheme::dark);
   portal = std::make_unique<FakePortal>(bus_.connection(), wrapped(2U));
   EXPECT_TRUE(becomes(ColorScheme::light));
 }
 
-TEST_F(ColorSchemeOnABus, TakesNoWishAndNonsenseForNone) {
-  const QList<QVariant> answers{wrapped(wrapped(0U)),
+TEST_F(PortalColorSchemeTest, TreatsUnknownAndMalformedValuesAsNoPreference) {
+  const QList<QVariant> replies{wrapped(wrapped(0U)),
                                 wrapped(wrapped(3U)),
                                 wrapped(QStringLiteral("dark")),
                                 QVariant(QStringLiteral("dark")),
                                 wrapped(1),
                                 wrapped(wrapped(wrapped(wrapped(wrapped(wrapped(1U))))))};
-  for (const QVariant& answer : answers) {
-    const FakePortal portal(bus_.connection(), answer);
+  for (const QVariant& reply : replies) {
+    const FakePortal portal(bus_.connection(), reply);
     start();
-    ASSERT_TRUE(eventually([&] { return portal.questions() >= 2; }));
-    settle();
+    ASSERT_TRUE(eventually([&] { return portal.calls() >= 2; }));
+    drainMessages();
     EXPECT_EQ(scheme_->preference(), std::nullopt);
     EXPECT_TRUE(changed_->isEmpty());
     scheme_.reset();
   }
 }
 
-TEST_F(ColorSchemeOnABus, DoesNotWaitForAPortalThatNeverAnswers) {
+TEST_F(PortalColorSchemeTest, DoesNotBlockWhenThePortalNeverReplies) {
   FakePortal portal(bus_.connection(), std::nullopt);
   start();
-  ASSERT_TRUE(eventually([&] { return portal.questions() >= 1; }));
+  ASSERT_TRUE(eventually([&] { return portal.calls() >= 1; }));
   EXPECT_EQ(scheme_->preference(), std::nullopt);
-  ASSERT_TRUE(eventually([&] { return portal.questions() >= 2; }));
+  ASSERT_TRUE(eventually([&] { return portal.calls() >= 2; }));
   portal.change(1U);
   EXPECT_TRUE(becomes(ColorScheme::dark));
 }
 
-TEST_F(ColorSchemeOnABus, BelievesOnlyThePortal) {
+TEST_F(PortalColorSchemeTest, IgnoresSignalsOfOtherSenders) {
   const FakePortal portal(bus_.connection(), wrapped(wrapped(2U)));
   start();
   ASSERT_TRUE(becomes(ColorScheme::light));
-  const QDBusConnection stranger = bus_.connection();
-  FakePortal::sendChange(stranger, 1U, colorScheme);
-  test::BusClient(stranger, connection_.baseService()).takeSignals();
-  settle();
+  const QDBusConnection other = bus_.connection();
+  FakePortal::sendChange(other, 1U, colorScheme);
+  test::BusClient(other, connection_.baseService()).takeSignals();
+  drainMessages();
   EXPECT_EQ(scheme_->preference(), ColorScheme::light);
-}
-
-TEST(ColorSchemeWithoutABus, IsUnknown) {
-  const std::unique_ptr<ColorSchemeWatcher> scheme = LinuxPlatform().makeColorSchemeWatcher();
-  ASSERT_NE(scheme, nullptr);
-  EXPECT_EQ(scheme->preference(), std::nullopt);
 }
 
 }  // namespace

@@ -10,27 +10,27 @@
 
 namespace tarn::test {
 
-/// A message bus for one test, which knows no service and starts none.
+/// A dbus-daemon for one test, without activatable services.
 class PrivateBus {
  public:
   PrivateBus();
   ~PrivateBus();
   Q_DISABLE_COPY_MOVE(PrivateBus)
 
-  /// A connection of its own each time.
+  /// Makes a new connection.
   QDBusConnection connection();
 
-  /// Stops the bus from running, and lets it go on.
+  /// Suspends and continues the daemon (SIGSTOP, SIGCONT).
   void pause() const;
   void resume() const;
 
-  /// Ends the bus under everybody's feet.
+  /// Kills the daemon. All connections are lost.
   void kill();
 
-  /// Starts the bus that was killed, at the same address.
+  /// Starts a killed daemon again, at the same address.
   void start();
 
-  /// Where programs find it.
+  /// A value for DBUS_SESSION_BUS_ADDRESS.
   const QString& address() const { return address_; }
 
  private:

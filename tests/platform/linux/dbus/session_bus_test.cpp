@@ -11,28 +11,25 @@
 
 #include "platform/linux/dbus/bus_client.hpp"
 #include "platform/linux/dbus/bus_single_instance.hpp"
-#include "support/event_loop.hpp"
-#include "platform/linux/status_notifier/fake_watcher.hpp"
-#include "platform/linux/status_notifier/panel_item.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
-#include "platform/linux/status_notifier/test_label.hpp"
+#include "support/event_loop.hpp"
 
 namespace tarn {
 namespace {
 
 using test::eventually;
 
-constexpr std::chrono::milliseconds often(20);
+constexpr std::chrono::milliseconds retryInterval(20);
 
-class SessionBusThatDies : public testing::Test {
+class SessionBusTest : public testing::Test {
  protected:
   std::unique_ptr<SessionBus> follow() {
     auto bus = std::make_unique<SessionBus>(daemon_.connection(), daemon_.address());
-    bus->setInterval(often);
+    bus->setInterval(retryInterval);
     return bus;
   }
 
-  // Kills the bus, and waits until `bus` knows.
+  /// Kills the bus and waits until `bus` has noticed.
   void kill(const SessionBus& bus) {
     daemon_.kill();
     ASSERT_TRUE(eventually([&] { return !bus.connection().isConnected(); }));
@@ -41,12 +38,12 @@ class SessionBusThatDies : public testing::Test {
   test::PrivateBus daemon_;
 };
 
-TEST_F(SessionBusThatDies, AppearsAgainEachTimeThatItComesBack) {
+TEST_F(SessionBusTest, ReconnectsEachTimeTheBusReturns) {
   const auto bus = follow();
   const QSignalSpy appeared(bus.get(), &SessionBus::appeared);
   for (int times = 1; times <= 3; ++times) {
     kill(*bus);
-    EXPECT_FALSE(eventually([&] { return appeared.size() == times; }, often * 5));
+    EXPECT_FALSE(eventually([&] { return appeared.size() == times; }, retryInterval * 5));
     daemon_.start();
     ASSERT_TRUE(eventually([&] { return appeared.size() == times; }));
     EXPECT_TRUE(bus->connection().isConnected());
@@ -54,7 +51,7 @@ TEST_F(SessionBusThatDies, AppearsAgainEachTimeThatItComesBack) {
   }
 }
 
-TEST_F(SessionBusThatDies, AppearsWhereItWasNotThereAtTheStart) {
+TEST_F(SessionBusTest, ConnectsToABusThatStartsLater) {
   daemon_.kill();
   const auto bus = follow();
   const QSignalSpy appeared(bus.get(), &SessionBus::appeared);
@@ -62,7 +59,7 @@ TEST_F(SessionBusThatDies, AppearsWhereItWasNotThereAtTheStart) {
   EXPECT_TRUE(eventually([&] { return appeared.size() == 1; }));
 }
 
-TEST_F(SessionBusThatDies, IsOneConnectionForAllThatFollowIt) {
+TEST_F(SessionBusTest, SharesOneConnectionPerAddress) {
   const auto one = follow();
   const auto other = follow();
   kill(*one);
@@ -73,50 +70,29 @@ TEST_F(SessionBusThatDies, IsOneConnectionForAllThatFollowIt) {
   EXPECT_EQ(one->connection().baseService(), other->connection().baseService());
 }
 
-TEST_F(SessionBusThatDies, IsNotLookedForWhileItIsThere) {
+TEST_F(SessionBusTest, DoesNotReconnectWhileConnected) {
   const auto bus = follow();
   const QSignalSpy appeared(bus.get(), &SessionBus::appeared);
-  EXPECT_FALSE(eventually([&] { return !appeared.isEmpty(); }, often * 5));
+  EXPECT_FALSE(eventually([&] { return !appeared.isEmpty(); }, retryInterval * 5));
 }
 
-TEST_F(SessionBusThatDies, ShowsTheItemAgain) {
-  const auto bus = follow();
-  PanelItem item({bus->connection(), [](unsigned) { return QString(); }, {}});
-  QObject::connect(bus.get(), &SessionBus::appeared, &item, [&] { item.moveTo(bus->connection()); });
-  item.show(test::labelWithText(QStringLiteral("1 GB")));
-  const QSignalSpy activated(&item, &MenuBarItem::activated);
-  for (int times = 1; times <= 3; ++times) {
-    kill(*bus);
-    daemon_.start();
-    const test::FakeWatcher watcher(daemon_.connection());
-    ASSERT_TRUE(eventually([&] { return watcher.items() == QStringList{bus->connection().baseService()}; }));
-    test::BusClient panel(daemon_.connection(), bus->connection().baseService());
-    const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
-    const QString path = QStringLiteral("/StatusNotifierItem");
-    EXPECT_EQ(panel.property(path, interface, QStringLiteral("Title")).toString(),
-              QStringLiteral("Tarn — 1 GB"));
-    panel.call(path, interface, QStringLiteral("Activate"), {1, 2});
-    EXPECT_TRUE(eventually([&] { return activated.size() == times; }));
-  }
-}
-
-TEST_F(SessionBusThatDies, HasOneTarnAgain) {
+TEST_F(SessionBusTest, SingleInstanceMovesToTheNewBus) {
   const auto bus = follow();
   int launches = 0;
   int superseded = 0;
   BusSingleInstance first(bus->connection());
   ASSERT_TRUE(first.claim([&] { ++launches; }));
   kill(*bus);
-  // It started while there was no bus to tell it of the other.
+  // It starts while no bus could report the first one.
   BusSingleInstance second(bus->connection());
   ASSERT_TRUE(second.claim([] {}));
   daemon_.start();
   ASSERT_TRUE(eventually([&] { return bus->connection().isConnected(); }));
   first.claimAgain(bus->connection(), [&] { superseded += 100; });
-  const auto named = [&] {
+  const auto nameOwner = [&] {
     return bus->connection().interface()->serviceOwner(singleInstanceName()).value();
   };
-  ASSERT_TRUE(eventually([&] { return named() == bus->connection().baseService(); }));
+  ASSERT_TRUE(eventually([&] { return nameOwner() == bus->connection().baseService(); }));
   second.claimAgain(daemon_.connection(), [&] { ++superseded; });
   EXPECT_TRUE(eventually([&] { return superseded == 1; }));
   test::BusClient launcher(daemon_.connection(), singleInstanceName());
@@ -126,9 +102,9 @@ TEST_F(SessionBusThatDies, HasOneTarnAgain) {
   EXPECT_EQ(launches, 1);
 }
 
-TEST(SessionBusAddress, IsThatOfTheEnvironmentOrTheUsersOwn) {
-  const QByteArray before = qgetenv("DBUS_SESSION_BUS_ADDRESS");
-  const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+TEST(SessionBusAddress, ComesFromTheEnvironmentOrTheRuntimeDirectory) {
+  const QByteArray oldAddress = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+  const QByteArray oldRuntime = qgetenv("XDG_RUNTIME_DIR");
   qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/run/some/bus");
   EXPECT_EQ(sessionBusAddress(), QStringLiteral("unix:path=/run/some/bus"));
   qputenv("DBUS_SESSION_BUS_ADDRESS", "autolaunch:");
@@ -138,8 +114,8 @@ TEST(SessionBusAddress, IsThatOfTheEnvironmentOrTheUsersOwn) {
   EXPECT_EQ(sessionBusAddress(), QStringLiteral("unix:path=/run/user/1/bus"));
   qunsetenv("XDG_RUNTIME_DIR");
   EXPECT_EQ(sessionBusAddress(), QString());
-  qputenv("DBUS_SESSION_BUS_ADDRESS", before);
-  if (!folder.isNull()) qputenv("XDG_RUNTIME_DIR", folder);
+  qputenv("DBUS_SESSION_BUS_ADDRESS", oldAddress);
+  if (!oldRuntime.isNull()) qputenv("XDG_RUNTIME_DIR", oldRuntime);
 }
 
 }  // namespace

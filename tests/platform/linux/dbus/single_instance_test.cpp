@@ -5,16 +5,14 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusError>
-#include <QDBusVirtualObject>
 #include <chrono>
 #include <future>
 #include <utility>
 
-#include "app/platform.hpp"
 #include "platform/linux/dbus/bus_client.hpp"
 #include "platform/linux/dbus/bus_single_instance.hpp"
+#include "platform/linux/dbus/fake_service.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
-#include "platform/linux/linux_platform.hpp"
 #include "support/event_loop.hpp"
 
 namespace tarn {
@@ -25,44 +23,31 @@ using test::eventually;
 const QString path = QLatin1Char('/') + singleInstanceName().replace(QLatin1Char('.'), QLatin1Char('/'));
 const QString application = QStringLiteral("org.freedesktop.Application");
 
-// Has the name, and refuses whatever it is asked for.
-class Stranger final : public QDBusVirtualObject {
+/// Owns the name and replies to each call with an error.
+class RefusingOwner final : public test::FakeService {
  public:
-  explicit Stranger(QDBusConnection connection) : connection_(std::move(connection)) {
-    connection_.registerVirtualObject(path, this);
-    connection_.registerService(singleInstanceName());
-  }
-
-  ~Stranger() override {
-    connection_.unregisterService(singleInstanceName());
-    connection_.unregisterObject(path);
-  }
-  Q_DISABLE_COPY_MOVE(Stranger)
-
-  QString introspect(const QString& /*path*/) const override { return {}; }
+  explicit RefusingOwner(QDBusConnection connection)
+      : FakeService(std::move(connection), singleInstanceName(), path) {}
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     return connection.send(message.createErrorReply(QDBusError::UnknownMethod, QStringLiteral("No")));
   }
-
- private:
-  QDBusConnection connection_;
 };
 
-class SingleInstanceOnABus : public testing::Test {
+class BusSingleInstanceTest : public testing::Test {
  protected:
   bool claim() {
     return first_.claim([this] { ++launches_; });
   }
 
-  // Another program's claim, while this one goes on.
-  bool claimElsewhere() {
+  /// Another process's claim, made on another thread so that this one can answer.
+  bool claimAsOther() {
     const QDBusConnection connection = bus_.connection();
-    auto answer =
+    auto result =
         std::async(std::launch::async, [connection] { return BusSingleInstance(connection).claim([] {}); });
     EXPECT_TRUE(
-        eventually([&] { return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
-    return answer.get();
+        eventually([&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
+    return result.get();
   }
 
   QDBusMessage call(const char* method, const QVariantList& arguments) {
@@ -75,24 +60,24 @@ class SingleInstanceOnABus : public testing::Test {
   int launches_ = 0;
 };
 
-TEST_F(SingleInstanceOnABus, TheFirstOwnsTheName) {
+TEST_F(BusSingleInstanceTest, FirstInstanceOwnsTheName) {
   EXPECT_TRUE(claim());
   EXPECT_TRUE(bus_.connection().interface()->isServiceRegistered(singleInstanceName()).value());
   EXPECT_EQ(launches_, 0);
 }
 
-TEST_F(SingleInstanceOnABus, TheSecondReachesTheFirst) {
+TEST_F(BusSingleInstanceTest, SecondInstanceActivatesTheFirst) {
   ASSERT_TRUE(claim());
-  EXPECT_FALSE(claimElsewhere());
+  EXPECT_FALSE(claimAsOther());
   EXPECT_EQ(launches_, 1);
 }
 
-TEST_F(SingleInstanceOnABus, TheSecondStaysWhereTheFirstDoesNotUnderstand) {
-  const Stranger stranger(bus_.connection());
-  EXPECT_TRUE(claimElsewhere());
+TEST_F(BusSingleInstanceTest, SecondInstanceGoesOnWhenTheOwnerRefuses) {
+  const RefusingOwner owner(bus_.connection());
+  EXPECT_TRUE(claimAsOther());
 }
 
-TEST_F(SingleInstanceOnABus, TheDesktopReachesItAtThePathOfItsName) {
+TEST_F(BusSingleInstanceTest, OffersTheApplicationInterfaceAtThePathOfItsName) {
   ASSERT_TRUE(claim());
   const QVariantMap platformData{{QStringLiteral("desktop-startup-id"), QStringLiteral("x_TIME1")}};
   EXPECT_EQ(call("Activate", {platformData}).type(), QDBusMessage::ReplyMessage);
@@ -103,10 +88,6 @@ TEST_F(SingleInstanceOnABus, TheDesktopReachesItAtThePathOfItsName) {
   EXPECT_EQ(call("ActivateAction", {QStringLiteral("open"), QVariantList(), platformData}).type(),
             QDBusMessage::ReplyMessage);
   EXPECT_EQ(launches_, 3);
-}
-
-TEST(SingleInstanceWithoutABus, IsTheFirst) {
-  EXPECT_TRUE(LinuxPlatform().makeSingleInstance()->claim([] {}));
 }
 
 }  // namespace

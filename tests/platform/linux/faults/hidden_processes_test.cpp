@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Process tables that hide other users' processes, and kernels that do not tell of stalls, as ordinary users
-// find them: mounted for real, in name spaces of the test's own. Takes root.
+// procfs that hides the processes of other users (hidepid, see proc(5)), and kernels without usable PSI, as
+// an unprivileged user sees them. The test mounts them in namespaces of its own; it needs root.
 
 #include <gmock/gmock.h>
 #include <grp.h>
@@ -34,7 +34,7 @@ namespace {
 constexpr uid_t nobody = 65534;
 constexpr std::size_t megabyte = std::size_t{1} << 20U;
 
-/// Why a scenario cannot be had; ends its process.
+/// Prints why a scenario cannot be set up and ends the process.
 [[noreturn]] void fail(const char* what) {
   std::fprintf(stderr, "%s: %s\n", what, std::strerror(errno));
   std::fflush(stderr);
@@ -44,13 +44,13 @@ constexpr std::size_t megabyte = std::size_t{1} << 20U;
 void becomeNobody() {
   if (::setgroups(0, nullptr) != 0 || ::setresgid(nobody, nobody, nobody) != 0 ||
       ::setresuid(nobody, nobody, nobody) != 0)
-    fail("become an ordinary user");
-  // Who changes its user is hidden from that user as well, until it says otherwise.
+    fail("change to an unprivileged user");
+  // setresuid(2) clears the flag, and hidepid then hides the process from its own user, too.
   ::prctl(PR_SET_DUMPABLE, 1);
 }
 
-/// Runs `work` in a process of its own and gives its exit status.
-int inProcess(const std::function<int()>& work) {
+/// Runs `work` in a child process and returns its exit status.
+int runInChild(const std::function<int()>& work) {
   const pid_t child = ::fork();
   if (child == 0) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -63,15 +63,15 @@ int inProcess(const std::function<int()>& work) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// Runs `work` in a mount name space of its own, which `prepare` changes as root, and as an ordinary user.
-/// With `ownPids` it is a pid name space of its own as well.
-int inNameSpace(bool ownPids, const std::function<void()>& prepare, const std::function<int()>& work) {
-  return inProcess([&] {
-    if (::unshare(CLONE_NEWNS | (ownPids ? CLONE_NEWPID : 0)) != 0) fail("unshare");
-    if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) fail("mounts of its own");
-    return inProcess([&] {
+/// Runs `work` as an unprivileged user in a new mount namespace, and a new pid namespace if `newPids`.
+/// `prepare` runs there before, as root.
+int runInNamespace(bool newPids, const std::function<void()>& prepare, const std::function<int()>& work) {
+  return runInChild([&] {
+    if (::unshare(CLONE_NEWNS | (newPids ? CLONE_NEWPID : 0)) != 0) fail("unshare");
+    if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) fail("make mounts private");
+    return runInChild([&] {
       prepare();
-      return inProcess([&] {
+      return runInChild([&] {
         becomeNobody();
         return work();
       });
@@ -79,21 +79,22 @@ int inNameSpace(bool ownPids, const std::function<void()>& prepare, const std::f
   });
 }
 
-/// Starts a process of a user that holds memory; ends with its parent.
-pid_t startHolder(bool isForeign, std::size_t bytes) {
+/// Starts a process of another user (root) or of the test's user, which allocates `bytes` and ends with its
+/// parent.
+pid_t startProcess(bool isForeign, std::size_t bytes) {
   std::array<int, 2> ready{};
   if (::pipe(ready.data()) != 0) fail("pipe");
-  const pid_t holder = ::fork();
-  if (holder == 0) {
+  const pid_t child = ::fork();
+  if (child == 0) {
     if (!isForeign) becomeNobody();
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const std::vector<char> held(bytes, 'x');
-    if (::write(ready[1], held.data(), 1) != 1) fail("write");
+    const std::vector<char> memory(bytes, 'x');
+    if (::write(ready[1], memory.data(), 1) != 1) fail("write");
     for (;;) ::pause();
   }
   char byte = 0;
-  if (::read(ready[0], &byte, 1) != 1) fail("a process that holds memory");
-  return holder;
+  if (::read(ready[0], &byte, 1) != 1) fail("wait for the child process");
+  return child;
 }
 
 const ProcessSample* sampleOf(const MemorySnapshot& snapshot, pid_t pid) {
@@ -109,28 +110,28 @@ bool isNear(std::uint64_t bytes, std::size_t megabytes) {
   return bytes >= megabytes * megabyte && bytes < (megabytes + 40) * megabyte;
 }
 
-#define REQUIRE_THAT(condition)                                                \
-  if (!(condition)) {                                                          \
-    std::fprintf(stderr, "line %d does not hold: %s\n", __LINE__, #condition); \
-    return 1;                                                                  \
+#define REQUIRE_THAT(condition)                                           \
+  if (!(condition)) {                                                     \
+    std::fprintf(stderr, "line %d: %s is false\n", __LINE__, #condition); \
+    return 1;                                                             \
   }
 
 class HiddenProcesses : public testing::TestWithParam<const char*> {
  protected:
   void SetUp() override {
-    if (::geteuid() != 0) GTEST_SKIP() << "only root can mount a process table that hides processes";
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can mount procfs";
   }
 };
 
-TEST_P(HiddenProcesses, AreAbsentAndTheUsersOwnAreTold) {
+TEST_P(HiddenProcesses, AreAbsentAndTheUsersOwnArePresent) {
   pid_t own = 0;
   pid_t foreign = 0;
   const bool hides = std::strcmp(GetParam(), "0") != 0;
   const auto prepare = [&] {
     if (::mount("proc", "/proc", "proc", 0, (std::string("hidepid=") + GetParam()).c_str()) != 0)
-      fail("mount a process table");
-    own = startHolder(false, 60 * megabyte);
-    foreign = startHolder(true, 60 * megabyte);
+      fail("mount procfs");
+    own = startProcess(false, 60 * megabyte);
+    foreign = startProcess(true, 60 * megabyte);
   };
   const auto work = [&] {
     MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
@@ -138,9 +139,9 @@ TEST_P(HiddenProcesses, AreAbsentAndTheUsersOwnAreTold) {
     const std::vector<char> grown(200 * megabyte, 'x');
     for (int sweep = 0; sweep < 12; ++sweep) {
       const MemorySnapshot snapshot = sampler.sample();
-      const ProcessSample* const sleeping = sampleOf(snapshot, own);
+      const ProcessSample* const visible = sampleOf(snapshot, own);
       const ProcessSample* const self = sampleOf(snapshot, ::getpid());
-      REQUIRE_THAT(sleeping != nullptr && isNear(sleeping->footprint, 60) && sleeping->uid == nobody);
+      REQUIRE_THAT(visible != nullptr && isNear(visible->footprint, 60) && visible->uid == nobody);
       REQUIRE_THAT(self != nullptr && self->footprint > 200 * megabyte && self->cpuPercent >= 0);
       REQUIRE_THAT(!self->path.empty());
       const ProcessSample* const hidden = sampleOf(snapshot, foreign);
@@ -152,12 +153,12 @@ TEST_P(HiddenProcesses, AreAbsentAndTheUsersOwnAreTold) {
     REQUIRE_THAT(grown.back() == 'x');
     return 0;
   };
-  EXPECT_EQ(inNameSpace(true, prepare, work), 0);
+  EXPECT_EQ(runInNamespace(true, prepare, work), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(HidePid, HiddenProcesses, testing::Values("0", "1", "2"));
 
-/// Keeps the one task of a pressure source on a thread of its own.
+/// Runs the one task of a pressure source on a thread of its own.
 class ThreadQueue final : public TaskQueue {
  public:
   ~ThreadQueue() override {
@@ -169,7 +170,7 @@ class ThreadQueue final : public TaskQueue {
   std::future<void> task_;
 };
 
-/// What `/proc/pressure` is to who looks, and whether it tells of stalls then.
+/// How a scenario changes /proc/pressure, and whether PSI can be read then.
 struct PressureFiles {
   const char* name;
   void (*prepare)();
@@ -184,15 +185,15 @@ void bind(const char* from, const char* onto) {
   if (::mount(from, onto, nullptr, MS_BIND, nullptr) != 0) fail(onto);
 }
 
-class RefusedNotifications : public testing::TestWithParam<PressureFiles> {
+class RefusedPsiTriggers : public testing::TestWithParam<PressureFiles> {
  protected:
   void SetUp() override {
-    if (::geteuid() != 0) GTEST_SKIP() << "only root can mount something over the kernel's files";
-    if (::access("/proc/pressure/memory", R_OK) != 0) GTEST_SKIP() << "this kernel does not count stalls";
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can mount over procfs";
+    if (::access("/proc/pressure/memory", R_OK) != 0) GTEST_SKIP() << "this kernel has no PSI";
   }
 };
 
-TEST_P(RefusedNotifications, LeaveTheLevelToLooksAtTheFiles) {
+TEST_P(RefusedPsiTriggers, FallBackToPolling) {
   const auto work = [] {
     REQUIRE_THAT(!PsiTriggers::ofKernel(LinuxRoots{})->arm());
     REQUIRE_THAT(readMemoryPsi(LinuxRoots{}).has_value() == GetParam().hasStalls);
@@ -200,11 +201,11 @@ TEST_P(RefusedNotifications, LeaveTheLevelToLooksAtTheFiles) {
     ThreadQueue queue;
     const auto source = std::make_unique<PsiPressureSource>(LinuxRoots{});
     source->resume(queue, [](PressureFlags) {});
-    // Beyond the first look, which comes after two seconds.
+    // In real time: the source must survive its first poll, which comes after two seconds.
     ::usleep(2'300'000);
     return 0;
   };
-  EXPECT_EQ(inNameSpace(false, GetParam().prepare, work), 0);
+  EXPECT_EQ(runInNamespace(false, GetParam().prepare, work), 0);
 }
 
 const PressureFiles pressureFiles[] = {
@@ -220,11 +221,11 @@ const PressureFiles pressureFiles[] = {
          fail("remount");
      },
      true},
-    {"ordinaryFile", [] { bind("/etc/hostname", "/proc/pressure/memory"); }, false},
-    {"refusesWhatIsWritten", [] { bind("/proc/self/oom_score_adj", "/proc/pressure/memory"); }, false},
+    {"regularFile", [] { bind("/etc/hostname", "/proc/pressure/memory"); }, false},
+    {"refusesWrites", [] { bind("/proc/self/oom_score_adj", "/proc/pressure/memory"); }, false},
 };
 
-INSTANTIATE_TEST_SUITE_P(All, RefusedNotifications, testing::ValuesIn(pressureFiles),
+INSTANTIATE_TEST_SUITE_P(All, RefusedPsiTriggers, testing::ValuesIn(pressureFiles),
                          testing::PrintToStringParamName());
 
 }  // namespace

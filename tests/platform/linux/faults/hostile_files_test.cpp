@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Files that are not what they should be, in the place of each file of a whole machine: whoever reads them
-// does so in no time, takes little memory for it, and tells nothing in the place of what he could not read.
+// Replaces each file of the machine fixture by a pipe, a directory, garbage and so on. Reading the machine
+// must not block, must allocate little memory, and must report no value for what could not be read.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -37,7 +37,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What a path leads to in the place of a file.
+/// What replaces a file.
 enum class Fault {
   pipe,
   pipeWithSilentWriter,
@@ -67,8 +67,8 @@ std::string garbage() {
   return text;
 }
 
-/// Puts it there; the writer, where there is one.
-FileDescriptor put(Fault fault, const TemporaryTree& tree, const std::string& path) {
+/// Replaces a file. Returns the writing end of a pipe with a silent writer, to be kept open.
+FileDescriptor replaceFile(Fault fault, const TemporaryTree& tree, const std::string& path) {
   tree.remove(path);
   switch (fault) {
     case Fault::pipe:
@@ -105,7 +105,7 @@ FileDescriptor put(Fault fault, const TemporaryTree& tree, const std::string& pa
   return {};
 }
 
-/// All that is read of a machine.
+/// Everything that Tarn reads of a machine.
 struct Reading {
   std::map<std::int32_t, std::uint64_t> footprints;
   std::map<std::int32_t, std::string> groups;
@@ -116,14 +116,14 @@ struct Reading {
   ThermalState thermalState = ThermalState::unknown;
   std::optional<std::int32_t> declared;
   InformationDictionary bundle;
-  std::size_t pictures = 0;
+  std::size_t iconFiles = 0;
 
   bool operator==(const Reading&) const = default;
 };
 
 Reading readMachine(const LinuxRoots& roots) {
   Reading reading;
-  MemorySampler sampler(wholeMachinePort(
+  MemorySampler sampler(makeMachineFixturePort(
       roots, [](std::int32_t) { return std::optional<std::uint64_t>(1); }, [] { return 1.0; }));
   for (int sweep = 0; sweep < 2; ++sweep) {
     const MemorySnapshot snapshot = sampler.sample();
@@ -140,21 +140,21 @@ Reading readMachine(const LinuxRoots& roots) {
   const ExtrasReader reader(linuxExtrasPort(roots));
   reading.extras = reader.read();
   reading.extras.uptime = 0;
-  if (reading.extras.storage) reading.extras.storage->available = 0;  // which others may take
+  if (reading.extras.storage) reading.extras.storage->available = 0;  // other programs can change it
   reading.thermalState = reader.thermalState();
-  EXPECT_GT(activeProcessorCount(roots), 0);
+  EXPECT_GT(countCoresOnline(roots), 0);
   reading.declared =
-      processThatDeclares(roots.proc, 7, 1000, std::chrono::steady_clock::now() + std::chrono::seconds(20));
+      resolveNamespacedPid(roots.proc, 7, 1000, std::chrono::steady_clock::now() + std::chrono::seconds(20));
   reading.bundle = applicationInformation(roots, "/opt/Text.app");
-  reading.pictures = bundlePictures(roots.root + "/opt/Text.app").size();
+  reading.iconFiles = bundleIconFiles(roots.root + "/opt/Text.app").size();
   return reading;
 }
 
-/// The same, for whoever must not be kept waiting: ends the test program after half a minute.
-Reading readInTime(const LinuxRoots& roots, const std::string& what) {
+/// Like `readMachine`, but ends the test program if it takes more than half a minute.
+Reading readWithTimeout(const LinuxRoots& roots, const std::string& what) {
   auto reading = std::async(std::launch::async, [&roots] { return readMachine(roots); });
   if (reading.wait_for(std::chrono::seconds(30)) != std::future_status::ready) {
-    std::printf("reading hangs on %s\n", what.c_str());
+    std::printf("reading blocks on %s\n", what.c_str());
     std::fflush(stdout);
     std::_Exit(1);
   }
@@ -164,50 +164,50 @@ Reading readInTime(const LinuxRoots& roots, const std::string& what) {
 class HostileFiles : public testing::TestWithParam<Fault> {
  protected:
   HostileFiles() {
-    writeWholeMachine(tree_);
+    writeMachineFixture(tree_);
     tree_.write("opt/Text.app/Resources/Info-gnustep.plist",
                 "{ ApplicationName = Text; NSIcon = \"Text.tiff\"; }\n");
     tree_.write("proc/44/status", "Uid:\t1000\t1\t1\t1\nNSpid:\t44\t7\nVmSize:\t 5 kB\n");
-    right_ = readInTime(tree_.roots(), "nothing");
+    expected_ = readWithTimeout(tree_.roots(), "nothing");
   }
 
-  /// The machine's files, without the many that are like another.
+  /// The machine's files. Of the memory blocks in sysfs, which are all alike, only the first.
   std::vector<std::string> files() const {
     std::vector<std::string> files;
     const fs::path root = tree_.at("");
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
       const std::string path = fs::relative(entry.path().parent_path(), root) / entry.path().filename();
-      const bool isOneOfMany = path.find("devices/system/memory/memory") != std::string::npos &&
-                               path.find("/memory0/") == std::string::npos;
-      if ((entry.is_symlink() || !entry.is_directory()) && !isOneOfMany) files.push_back(path);
+      const bool isOtherMemoryBlock = path.find("devices/system/memory/memory") != std::string::npos &&
+                                      path.find("/memory0/") == std::string::npos;
+      if ((entry.is_symlink() || !entry.is_directory()) && !isOtherMemoryBlock) files.push_back(path);
     }
     return files;
   }
 
-  /// What is not told by the file at `path` is as it is without the fault.
-  void expectTheRest(const Reading& reading, const std::string& path) const {
-    const bool isOfProcesses = path.starts_with("proc/");
-    const bool isOfMemory =
-        isOfProcesses || path.starts_with("sys/block") || path.starts_with("sys/devices/system/memory");
-    const bool isOfApplications = isOfProcesses || path.starts_with("usr/") || path.starts_with("opt/");
-    for (const auto& [pid, footprint] : right_.footprints) {
+  /// Values that do not come from the file at `path` must be as without the fault.
+  void expectOtherValues(const Reading& reading, const std::string& path) const {
+    const bool isInProc = path.starts_with("proc/");
+    const bool affectsMemory =
+        isInProc || path.starts_with("sys/block") || path.starts_with("sys/devices/system/memory");
+    const bool affectsApplications = isInProc || path.starts_with("usr/") || path.starts_with("opt/");
+    for (const auto& [pid, footprint] : expected_.footprints) {
       if (path.starts_with("proc/" + std::to_string(pid) + "/")) continue;
       ASSERT_TRUE(reading.footprints.contains(pid)) << pid;
-      // Without the table of swaps what a process has there is not looked for.
+      // Without /proc/swaps the swapped memory of a process is not read.
       const std::uint64_t swapped = path == "proc/swaps" ? std::uint64_t{40} << 10U : 0;
       EXPECT_NEAR(static_cast<double>(reading.footprints.at(pid)), static_cast<double>(footprint),
                   static_cast<double>(swapped))
           << pid;
     }
-    if (!isOfMemory) {
-      EXPECT_EQ(reading.memory, right_.memory);
+    if (!affectsMemory) {
+      EXPECT_EQ(reading.memory, expected_.memory);
     }
-    if (!isOfApplications) {
-      EXPECT_EQ(reading.groups, right_.groups);
+    if (!affectsApplications) {
+      EXPECT_EQ(reading.groups, expected_.groups);
     }
-    if (isOfProcesses && !path.starts_with("proc/self/")) {
-      EXPECT_EQ(reading.extras, right_.extras);
-      EXPECT_EQ(reading.thermalState, right_.thermalState);
+    if (isInProc && !path.starts_with("proc/self/")) {
+      EXPECT_EQ(reading.extras, expected_.extras);
+      EXPECT_EQ(reading.thermalState, expected_.thermalState);
     }
     const std::int64_t percent = reading.extras.battery ? reading.extras.battery->percent : 0;
     EXPECT_TRUE(percent >= 0 && percent <= 100) << percent;
@@ -216,12 +216,12 @@ class HostileFiles : public testing::TestWithParam<Fault> {
   }
 
   TemporaryTree tree_;
-  Reading right_;
+  Reading expected_;
 };
 
-/// Text, or where a link leads.
-struct Kept {
-  explicit Kept(const fs::path& path) : isLink(fs::is_symlink(path)) {
+/// The content of a file, or the target of a symbolic link.
+struct SavedFile {
+  explicit SavedFile(const fs::path& path) : isLink(fs::is_symlink(path)) {
     if (isLink) {
       text = fs::read_symlink(path);
     } else {
@@ -243,34 +243,36 @@ struct Kept {
   std::string text;
 };
 
-TEST_P(HostileFiles, AloneDisturbNothingElse) {
-  ASSERT_EQ(right_.footprints.size(), 4U);
-  ASSERT_TRUE(right_.hasStalls && right_.hasAvailability && right_.declared == 44 && right_.pictures == 1U);
-  ASSERT_TRUE(right_.extras.battery && right_.extras.temperatureCelsius && right_.memory.totalRAM > 0);
+TEST_P(HostileFiles, AffectNoOtherValues) {
+  ASSERT_EQ(expected_.footprints.size(), 4U);
+  ASSERT_TRUE(expected_.hasStalls && expected_.hasAvailability && expected_.declared == 44 &&
+              expected_.iconFiles == 1U);
+  ASSERT_TRUE(expected_.extras.battery && expected_.extras.temperatureCelsius &&
+              expected_.memory.totalRAM > 0);
   const std::vector<std::string> all = files();
   ASSERT_GT(all.size(), 60U);
   for (const std::string& path : all) {
     SCOPED_TRACE(path);
-    const Kept kept(tree_.at(path));
-    const FileDescriptor writer = put(GetParam(), tree_, path);
+    const SavedFile saved(tree_.at(path));
+    const FileDescriptor writer = replaceFile(GetParam(), tree_, path);
     const std::size_t before = allocatedBytes();
-    const Reading reading = readInTime(tree_.roots(), path);
-    // A file is taken in by parts that double; what is largest may be read twice.
+    const Reading reading = readWithTimeout(tree_.roots(), path);
+    // Files are read into a buffer that doubles; the largest file is read twice.
     EXPECT_LT(allocatedBytes() - before, std::size_t{12} << 20U);
-    kept.restore(tree_, path);
+    saved.restore(tree_, path);
 
-    expectTheRest(reading, path);
+    expectOtherValues(reading, path);
   }
 }
 
-TEST_P(HostileFiles, AreAllOfThemAsNone) {
+TEST_P(HostileFiles, AllOfThemAreLikeAnEmptyMachine) {
   std::vector<FileDescriptor> writers;
-  for (const std::string& path : files()) writers.push_back(put(GetParam(), tree_, path));
+  for (const std::string& path : files()) writers.push_back(replaceFile(GetParam(), tree_, path));
   tree_.remove("sys/devices/system/memory");
   const std::size_t before = allocatedBytes();
-  const Reading reading = readInTime(tree_.roots(), "all");
+  const Reading reading = readWithTimeout(tree_.roots(), "all");
   EXPECT_LT(allocatedBytes() - before, std::size_t{64} << 20U);
-  EXPECT_EQ(reading, readInTime(TemporaryTree().roots(), "an empty machine"));
+  EXPECT_EQ(reading, readWithTimeout(TemporaryTree().roots(), "an empty machine"));
   EXPECT_EQ(reading.memory, SystemMemory());
 }
 

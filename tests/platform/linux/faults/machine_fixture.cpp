@@ -3,15 +3,12 @@
 
 #include "platform/linux/faults/machine_fixture.hpp"
 
-#include <memory>
+#include <chrono>
 #include <string>
 #include <utility>
 
-#include "platform/linux/app_identity/application_information.hpp"
-#include "platform/linux/app_identity/linux_application_rules.hpp"
+#include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "platform/linux/sysfs/machine_tree.hpp"
-#include "platform/linux/procfs/sleeping_process_cache.hpp"
-#include "platform/linux/procfs/linux_system_memory_reader.hpp"
 
 namespace tarn {
 
@@ -36,7 +33,7 @@ void writeMemory(const TemporaryTree& tree) {
 }
 
 void writeProcesses(const TemporaryTree& tree) {
-  // A machine without a battery for its clock: what starts first starts in second 0.
+  // A clock without a battery: the first processes start in second 0 of the epoch.
   tree.write("proc/stat", "cpu 1 2 3\nbtime 0\nprocesses 9\n");
   ProcessFixture{
       .pid = 2, .name = "kthreadd_of_a_long_name", .ppid = "0", .startTicks = 5, .flags = 0x00200040}
@@ -73,7 +70,7 @@ void writeApplications(const TemporaryTree& tree) {
 
 }  // namespace
 
-void writeWholeMachine(const TemporaryTree& tree) {
+void writeMachineFixture(const TemporaryTree& tree) {
   writeMachine(tree, "laptop-energy");
   tree.write("sys/devices/system/cpu/cpu0/thermal_throttle/package_throttle_count", "3\n");
   tree.write("sys/devices/system/cpu/cpu0/topology/physical_package_id", "0\n");
@@ -84,19 +81,21 @@ void writeWholeMachine(const TemporaryTree& tree) {
   writeApplications(tree);
 }
 
-SamplerPort wholeMachinePort(const LinuxRoots& roots, ProcessClock clock, std::function<double()> uptime) {
-  auto processes = std::make_unique<LinuxProcScan>(roots, std::move(clock));
-  SamplerPort port;
-  // Time passes by the minute, so that each sweep looks for new applications.
-  port.applicationRules = std::make_unique<LinuxApplicationRules>(
-      roots, ApplicationIndex(roots, {"/usr/share", "/usr/local/share"}, {"/usr/bin"}),
-      [&scan = *processes](std::int32_t pid) { return scan.programOf(pid); },
-      [now = std::chrono::steady_clock::time_point()]() mutable { return now += std::chrono::minutes(1); });
-  port.processes = std::move(processes);
-  port.memory = std::make_unique<LinuxSystemMemoryReader>(roots);
-  port.uptime = std::move(uptime);
-  port.bundleInformation = [roots](const std::string& path) { return applicationInformation(roots, path); };
-  return port;
+SamplerPort makeMachineFixturePort(const LinuxRoots& roots, ProcessClock clock,
+                                   std::function<double()> uptime) {
+  const auto environment = [](const char* variable) -> std::string {
+    const std::string_view name = variable;
+    if (name == "XDG_DATA_DIRS") return "/usr/share:/usr/local/share";
+    if (name == "PATH") return "/usr/bin";
+    return {};
+  };
+  SamplerClocks clocks;
+  clocks.processes = std::move(clock);
+  clocks.uptime = std::move(uptime);
+  clocks.applications = [now = std::chrono::steady_clock::time_point()]() mutable {
+    return now += std::chrono::minutes(1);
+  };
+  return makeLinuxSamplerPort(roots, environment, std::move(clocks));
 }
 
 }  // namespace tarn

@@ -1,21 +1,23 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// A machine with something for every reader of files to read.
+// A machine with content in every file that Tarn reads.
 
 #pragma once
 
 #include "platform/linux/procfs/kernel_clocks.hpp"
-#include "support/temporary_tree.hpp"
 #include "sampling/process_source.hpp"
+#include "support/temporary_tree.hpp"
 
 namespace tarn {
 
-/// Writes the machine: a laptop's hardware, processes 40, 41 and 42 with and without an application, a thread
-/// of the kernel, memory figures, the applications' files.
-void writeWholeMachine(const TemporaryTree& tree);
+/// Writes the files: hardware of a laptop, kernel thread 2, processes 40 and 41 of an application, process 42
+/// without one, memory figures, desktop files.
+void writeMachineFixture(const TemporaryTree& tree);
 
-/// Its sampler's port, as the running system's is made.
-SamplerPort wholeMachinePort(const LinuxRoots& roots, ProcessClock clock, std::function<double()> uptime);
+/// The sampler port of that machine, composed as in production but with these clocks. It checks for changed
+/// desktop files in every sweep.
+SamplerPort makeMachineFixturePort(const LinuxRoots& roots, ProcessClock clock,
+                                   std::function<double()> uptime);
 
 }  // namespace tarn

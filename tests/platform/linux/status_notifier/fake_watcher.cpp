@@ -16,32 +16,19 @@ const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 
 }  // namespace
 
-FakeWatcher::FakeWatcher(QDBusConnection connection, bool hasPanel, Manners manners)
-    : connection_(std::move(connection)), hasPanel_(hasPanel), manners_(manners) {
-  connection_.registerVirtualObject(watcherPath, this);
-  connection_.registerService(watcherName);
-}
+FakeWatcher::FakeWatcher(QDBusConnection connection, bool hasHost, WatcherReplies replies)
+    : FakeService(std::move(connection), watcherName, watcherPath), hasHost_(hasHost), replies_(replies) {}
 
-FakeWatcher::~FakeWatcher() {
-  connection_.unregisterService(watcherName);
-  connection_.unregisterObject(watcherPath);
-}
-
-void FakeWatcher::setHasPanel(bool hasPanel) {
-  hasPanel_ = hasPanel;
-  sendSignal(hasPanel ? QStringLiteral("StatusNotifierHostRegistered")
-                      : QStringLiteral("StatusNotifierHostUnregistered"));
+void FakeWatcher::setHasHost(bool hasHost) {
+  hasHost_ = hasHost;
+  sendSignal(hasHost ? QStringLiteral("StatusNotifierHostRegistered")
+                     : QStringLiteral("StatusNotifierHostUnregistered"));
 }
 
 void FakeWatcher::sendSignal(const QString& name, const QVariantList& arguments) {
   QDBusMessage signal = QDBusMessage::createSignal(watcherPath, watcherName, name);
   signal.setArguments(arguments);
-  connection_.send(signal);
-}
-
-QString FakeWatcher::introspect(const QString& path) const {
-  Q_UNUSED(path)
-  return {};
+  connection().send(signal);
 }
 
 bool FakeWatcher::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
@@ -49,25 +36,25 @@ bool FakeWatcher::handleMessage(const QDBusMessage& message, const QDBusConnecti
   if (registers) {
     items_ << message.arguments().value(0).toString();
   } else {
-    ++questions_;
+    ++hostQueries_;
   }
-  const QDBusMessage properAnswer =
-      registers ? message.createReply() : message.createReply(QVariant::fromValue(QDBusVariant(hasPanel_)));
-  const QDBusMessage refusal = message.createErrorReply(QDBusError::AccessDenied, QStringLiteral("No"));
-  switch (manners_) {
-    case Manners::proper:
-      connection.send(properAnswer);
+  const QDBusMessage reply =
+      registers ? message.createReply() : message.createReply(QVariant::fromValue(QDBusVariant(hasHost_)));
+  const QDBusMessage error = message.createErrorReply(QDBusError::AccessDenied, QStringLiteral("No"));
+  switch (replies_) {
+    case WatcherReplies::correct:
+      connection.send(reply);
       break;
-    case Manners::refusing:
-      connection.send(refusal);
+    case WatcherReplies::errors:
+      connection.send(error);
       break;
-    case Manners::refusingItems:
-      connection.send(registers ? refusal : properAnswer);
+    case WatcherReplies::registrationErrors:
+      connection.send(registers ? error : reply);
       break;
-    case Manners::talkingNonsense:
-      connection.send(message.createReply({QStringLiteral("nonsense"), QByteArray(100000, 'x'), 7}));
+    case WatcherReplies::malformed:
+      connection.send(message.createReply({QStringLiteral("malformed"), QByteArray(100000, 'x'), 7}));
       break;
-    case Manners::silent:
+    case WatcherReplies::none:
       break;
   }
   return true;

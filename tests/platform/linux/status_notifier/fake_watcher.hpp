@@ -4,45 +4,42 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusVirtualObject>
 #include <QStringList>
 #include <QVariant>
 
+#include "platform/linux/dbus/fake_service.hpp"
+
 namespace tarn::test {
 
-/// How a watcher treats those who talk to it.
-enum class Manners { proper, refusing, refusingItems, talkingNonsense, silent };
+/// How a FakeWatcher replies: correctly, with errors to all calls, with errors to RegisterStatusNotifierItem,
+/// with malformed replies, or never.
+enum class WatcherReplies { correct, errors, registrationErrors, malformed, none };
 
-/// A panels' watcher on the bus, from construction to destruction.
-class FakeWatcher final : public QDBusVirtualObject {
-  Q_OBJECT
-
+/// A StatusNotifierWatcher on the bus until it is destroyed, with or without a host (a panel).
+class FakeWatcher final : public FakeService {
  public:
-  explicit FakeWatcher(QDBusConnection connection, bool hasPanel = true, Manners manners = Manners::proper);
-  ~FakeWatcher() override;
-  Q_DISABLE_COPY_MOVE(FakeWatcher)
+  explicit FakeWatcher(QDBusConnection connection, bool hasHost = true,
+                       WatcherReplies replies = WatcherReplies::correct);
 
-  /// A panel comes or goes, and everybody is told.
-  void setHasPanel(bool hasPanel);
+  /// Adds or removes the host, and sends the signal for it.
+  void setHasHost(bool hasHost);
 
-  /// Sends a signal that a watcher may send.
+  /// Sends a signal of the watcher's interface.
   void sendSignal(const QString& name, const QVariantList& arguments = {});
 
-  /// What was registered, in order.
+  /// The items that were registered, in order.
   const QStringList& items() const { return items_; }
 
-  /// How often somebody asked whether there is a panel.
-  int questions() const { return questions_; }
+  /// How often the property IsStatusNotifierHostRegistered was read.
+  int hostQueries() const { return hostQueries_; }
 
-  QString introspect(const QString& path) const override;
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
  private:
-  QDBusConnection connection_;
-  bool hasPanel_;
-  Manners manners_;
+  bool hasHost_;
+  WatcherReplies replies_;
   QStringList items_;
-  int questions_ = 0;
+  int hostQueries_ = 0;
 };
 
 }  // namespace tarn::test

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include "platform/linux/status_notifier/status_notifier_item.hpp"
+
 #include <gmock/gmock.h>
 
 #include <QDBusObjectPath>
@@ -12,13 +14,11 @@
 #include <vector>
 
 #include "platform/linux/dbus/bus_client.hpp"
-#include "support/event_loop.hpp"
-#include "platform/linux/status_notifier/item_content.hpp"
-#include "platform/linux/status_notifier/notifier_properties.hpp"
-#include "platform/linux/status_notifier/notifier_types.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
-#include "platform/linux/status_notifier/status_notifier_item.hpp"
+#include "platform/linux/status_notifier/item_content.hpp"
+#include "platform/linux/status_notifier/notifier_types.hpp"
 #include "platform/linux/status_notifier/test_label.hpp"
+#include "support/event_loop.hpp"
 
 namespace tarn {
 namespace {
@@ -31,14 +31,14 @@ const QString path = QStringLiteral("/StatusNotifierItem");
 const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
-class NotifierObject : public testing::Test {
+class StatusNotifierItemTest : public testing::Test {
  protected:
-  NotifierObject() {
-    client_.listen(path, interface,
-                   {QStringLiteral("NewTitle"), QStringLiteral("NewIcon"), QStringLiteral("NewToolTip"),
-                    QStringLiteral("NewStatus"), QStringLiteral("NewIconAccessibleDesc"),
-                    QStringLiteral("XAyatanaNewLabel")});
-    client_.listen(path, propertiesInterface, {QStringLiteral("PropertiesChanged")});
+  StatusNotifierItemTest() {
+    client_.recordSignals(path, interface,
+                          {QStringLiteral("NewTitle"), QStringLiteral("NewIcon"),
+                           QStringLiteral("NewToolTip"), QStringLiteral("NewStatus"),
+                           QStringLiteral("NewIconAccessibleDesc"), QStringLiteral("XAyatanaNewLabel")});
+    client_.recordSignals(path, propertiesInterface, {QStringLiteral("PropertiesChanged")});
   }
 
   QVariant property(const char* name) { return client_.property(path, interface, QString::fromLatin1(name)); }
@@ -47,7 +47,7 @@ class NotifierObject : public testing::Test {
     return client_.call(path, interface, QString::fromLatin1(method), arguments);
   }
 
-  NotifierPixmaps pixmaps() { return qdbus_cast<NotifierPixmaps>(property("IconPixmap")); }
+  IconPixmaps pixmaps() { return qdbus_cast<IconPixmaps>(property("IconPixmap")); }
 
   test::PrivateBus bus_;
   QDBusConnection connection_ = bus_.connection();
@@ -55,7 +55,7 @@ class NotifierObject : public testing::Test {
   test::BusClient client_{bus_.connection(), connection_.baseService()};
 };
 
-TEST_F(NotifierObject, SaysWhatItIs) {
+TEST_F(StatusNotifierItemTest, HasTheRequiredProperties) {
   EXPECT_EQ(property("Category"), QStringLiteral("SystemServices"));
   EXPECT_EQ(property("Id"), QStringLiteral("tarn"));
   EXPECT_EQ(property("Title"), QStringLiteral("Tarn"));
@@ -63,10 +63,10 @@ TEST_F(NotifierObject, SaysWhatItIs) {
   EXPECT_EQ(property("IconName"), QString());
   EXPECT_EQ(property("IconAccessibleDesc"), QStringLiteral("Memory normal"));
   EXPECT_EQ(property("ItemIsMenu"), false);
-  EXPECT_EQ(property("Menu").value<QDBusObjectPath>().path(), notifierMenuPath());
+  EXPECT_EQ(property("Menu").value<QDBusObjectPath>().path(), itemMenuPath());
 }
 
-TEST_F(NotifierObject, GivesAllPropertiesAtOnceAndNoOthers) {
+TEST_F(StatusNotifierItemTest, GetAllReturnsExactlyItsProperties) {
   EXPECT_THAT(client_.properties(path, interface).keys(),
               testing::UnorderedElementsAre(QStringLiteral("Category"), QStringLiteral("Id"),
                                             QStringLiteral("Title"), QStringLiteral("Status"),
@@ -75,32 +75,32 @@ TEST_F(NotifierObject, GivesAllPropertiesAtOnceAndNoOthers) {
                                             QStringLiteral("ItemIsMenu"), QStringLiteral("Menu")));
 }
 
-TEST_F(NotifierObject, SendsEveryPictureAsBigEndianBytes) {
-  const NotifierPixmaps pictures = pixmaps();
+TEST_F(StatusNotifierItemTest, SendsIconsAsBigEndianArgb) {
+  const IconPixmaps icons = pixmaps();
   const QList<int> sizes{16, 22, 24, 32, 48, 64};
-  ASSERT_EQ(pictures.size(), sizes.size());
+  ASSERT_EQ(icons.size(), sizes.size());
   for (qsizetype index = 0; index < sizes.size(); ++index) {
-    const NotifierPixmap& picture = pictures.at(index);
+    const IconPixmap& icon = icons.at(index);
     const int size = sizes.at(index);
-    ASSERT_EQ(picture.width, size);
-    ASSERT_EQ(picture.height, size);
-    ASSERT_EQ(picture.bytes.size(), qsizetype{size} * size * 4);
+    ASSERT_EQ(icon.width, size);
+    ASSERT_EQ(icon.height, size);
+    ASSERT_EQ(icon.bytes.size(), qsizetype{size} * size * 4);
     const qsizetype middle = (qsizetype{size} / 2 * size + size / 2) * 4;
-    EXPECT_EQ(picture.bytes.mid(middle, 4).toHex(), QByteArray("ff249a63"));
-    EXPECT_EQ(picture.bytes.left(4).toHex(), QByteArray("00000000"));
-    const QImage drawn = circlePicture(ordinaryLabel(), size).convertToFormat(QImage::Format_ARGB32);
+    EXPECT_EQ(icon.bytes.mid(middle, 4).toHex(), QByteArray("ff249a63"));
+    EXPECT_EQ(icon.bytes.left(4).toHex(), QByteArray("00000000"));
+    const QImage drawn = circleIcon(ordinaryLabel(), size).convertToFormat(QImage::Format_ARGB32);
     for (int y = 0; y < size; ++y) {
       for (int x = 0; x < size; ++x) {
         const QRgb pixel = drawn.pixel(x, y);
         const char expected[] = {static_cast<char>(qAlpha(pixel)), static_cast<char>(qRed(pixel)),
                                  static_cast<char>(qGreen(pixel)), static_cast<char>(qBlue(pixel))};
-        ASSERT_EQ(picture.bytes.mid((qsizetype{y} * size + x) * 4, 4), QByteArray(expected, 4));
+        ASSERT_EQ(icon.bytes.mid((qsizetype{y} * size + x) * 4, 4), QByteArray(expected, 4));
       }
     }
   }
 }
 
-TEST_F(NotifierObject, ShowsTheVerdictAndTheFiguresInTheToolTip) {
+TEST_F(StatusNotifierItemTest, ToolTipHasVerdictAndMemoryFigures) {
   const auto toolTip = qdbus_cast<NotifierToolTip>(property("ToolTip"));
   EXPECT_EQ(
       toolTip,
@@ -108,14 +108,14 @@ TEST_F(NotifierObject, ShowsTheVerdictAndTheFiguresInTheToolTip) {
           QString(), {}, QStringLiteral("There is memory to spare."), QStringLiteral("6 GB of 16 GB used")}));
 }
 
-TEST_F(NotifierObject, HasTheTextInTitleAndToolTip) {
+TEST_F(StatusNotifierItemTest, TitleAndToolTipHaveTheText) {
   item_.show(labelWithText(QStringLiteral("3.12 GB")));
   EXPECT_EQ(property("Title"), QString::fromUtf8("Tarn — 3.12 GB"));
   EXPECT_EQ(qdbus_cast<NotifierToolTip>(property("ToolTip")).text,
             QStringLiteral("6 GB of 16 GB used\nFrontmost application: 3.12 GB"));
 }
 
-TEST_F(NotifierObject, EscapesWhatIsMarkupInTheToolTip) {
+TEST_F(StatusNotifierItemTest, EscapesMarkupInTheToolTip) {
   MenuBarLabel label = ordinaryLabel();
   label.hover.detail = QStringLiteral("<b>1 & 2</b>");
   item_.show(label);
@@ -123,13 +123,13 @@ TEST_F(NotifierObject, EscapesWhatIsMarkupInTheToolTip) {
             QStringLiteral("&lt;b&gt;1 &amp; 2&lt;/b&gt;"));
 }
 
-TEST_F(NotifierObject, SignalsNothingWhenNothingChanged) {
+TEST_F(StatusNotifierItemTest, SendsNoSignalWhenNothingChanged) {
   item_.show(ordinaryLabel());
   item_.setHostKind(HostKind::plain);
   EXPECT_EQ(client_.takeSignalNames(), QStringList());
 }
 
-TEST_F(NotifierObject, SignalsOnlyWhatChanged) {
+TEST_F(StatusNotifierItemTest, SendsSignalsOnlyForChangedProperties) {
   MenuBarLabel label = ordinaryLabel();
   label.hover.detail = QStringLiteral("7 GB of 16 GB used");
   item_.show(label);
@@ -158,23 +158,23 @@ TEST_F(NotifierObject, SignalsOnlyWhatChanged) {
                                                     QStringLiteral("PropertiesChanged")}));
 }
 
-TEST_F(NotifierObject, DrawsTheTextIntoThePictureWhereThePanelKeepsProportions) {
-  item_.setHostKind(HostKind::widePictures);
+TEST_F(StatusNotifierItemTest, PaintsTheTextIntoWideIcons) {
+  item_.setHostKind(HostKind::wideIcons);
   EXPECT_EQ(client_.takeSignalNames(), QStringList());
   item_.show(labelWithText(QStringLiteral("3.12 GB")));
   EXPECT_THAT(client_.takeSignalNames(), testing::Contains(QStringLiteral("NewIcon")));
-  const NotifierPixmaps pictures = pixmaps();
-  ASSERT_EQ(pictures.size(), 6);
-  for (const NotifierPixmap& picture : pictures) {
-    EXPECT_GT(picture.width, picture.height * 2);
-    EXPECT_EQ(picture.bytes.size(), qsizetype{picture.width} * picture.height * 4);
+  const IconPixmaps icons = pixmaps();
+  ASSERT_EQ(icons.size(), 6);
+  for (const IconPixmap& icon : icons) {
+    EXPECT_GT(icon.width, icon.height * 2);
+    EXPECT_EQ(icon.bytes.size(), qsizetype{icon.width} * icon.height * 4);
   }
   EXPECT_FALSE(property("XAyatanaLabel").isValid());
   item_.show(ordinaryLabel());
   EXPECT_EQ(pixmaps().at(0).width, 16);
 }
 
-TEST_F(NotifierObject, HasALabelPropertyOnlyWhereThePanelWantsOne) {
+TEST_F(StatusNotifierItemTest, HasALabelPropertyOnlyForPanelsThatShowIt) {
   item_.show(labelWithText(QStringLiteral("3.12 GB")));
   EXPECT_FALSE(property("XAyatanaLabel").isValid());
   client_.takeSignals();
@@ -198,7 +198,7 @@ TEST_F(NotifierObject, HasALabelPropertyOnlyWhereThePanelWantsOne) {
   EXPECT_FALSE(client_.properties(path, interface).contains(QStringLiteral("XAyatanaLabel")));
 }
 
-TEST_F(NotifierObject, ReportsWhereItWasClicked) {
+TEST_F(StatusNotifierItemTest, ReportsThePositionOfAClick) {
   QSignalSpy activated(&item_, &StatusNotifierItem::activated);
   const std::vector<std::pair<const char*, QPoint>> clicks{
       {"Activate", {918, 10}}, {"SecondaryActivate", {-5, 0}}, {"ContextMenu", {1, 2}}};
@@ -212,7 +212,7 @@ TEST_F(NotifierObject, ReportsWhereItWasClicked) {
   }
 }
 
-TEST_F(NotifierObject, PassesOnNoMoreClicksThanAHandCanMake) {
+TEST_F(StatusNotifierItemTest, LimitsTheRateOfClicks) {
   const QSignalSpy activated(&item_, &StatusNotifierItem::activated);
   QElapsedTimer elapsed;
   elapsed.start();
@@ -223,7 +223,7 @@ TEST_F(NotifierObject, PassesOnNoMoreClicksThanAHandCanMake) {
   EXPECT_LE(activated.size(), 1 + elapsed.elapsed() / StatusNotifierItem::clickInterval.count());
 }
 
-TEST_F(NotifierObject, TakesScrollingAndATokenWithoutAWord) {
+TEST_F(StatusNotifierItemTest, AcceptsScrollAndActivationTokenSilently) {
   QSignalSpy activated(&item_, &StatusNotifierItem::activated);
   EXPECT_EQ(call("Scroll", {120, QStringLiteral("vertical")}).type(), QDBusMessage::ReplyMessage);
   EXPECT_EQ(call("ProvideXdgActivationToken", {QStringLiteral("token")}).type(), QDBusMessage::ReplyMessage);
@@ -232,19 +232,19 @@ TEST_F(NotifierObject, TakesScrollingAndATokenWithoutAWord) {
   EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
 }
 
-TEST_F(NotifierObject, AnswersNonsenseWithAnErrorAndGoesOn) {
+TEST_F(StatusNotifierItemTest, RepliesToInvalidCallsWithAnError) {
   QSignalSpy activated(&item_, &StatusNotifierItem::activated);
   EXPECT_EQ(call("Activate", {QStringLiteral("here"), 3}).type(), QDBusMessage::ErrorMessage);
   EXPECT_EQ(call("Activate", {}).type(), QDBusMessage::ErrorMessage);
   EXPECT_EQ(call("NoSuchMethod", {1}).type(), QDBusMessage::ErrorMessage);
-  const auto ask = [&](const char* method, const QVariantList& arguments) {
+  const auto callProperties = [&](const char* method, const QVariantList& arguments) {
     return client_.call(path, propertiesInterface, QString::fromLatin1(method), arguments).type();
   };
-  EXPECT_EQ(ask("Get", {interface, QStringLiteral("WindowId")}), QDBusMessage::ErrorMessage);
-  EXPECT_EQ(ask("Get", {7}), QDBusMessage::ErrorMessage);
-  EXPECT_EQ(ask("GetAll", {QStringLiteral("no.such.interface")}), QDBusMessage::ErrorMessage);
-  EXPECT_EQ(ask("Set", {interface, QStringLiteral("Title"),
-                        QVariant::fromValue(QDBusVariant(QStringLiteral("mine")))}),
+  EXPECT_EQ(callProperties("Get", {interface, QStringLiteral("WindowId")}), QDBusMessage::ErrorMessage);
+  EXPECT_EQ(callProperties("Get", {7}), QDBusMessage::ErrorMessage);
+  EXPECT_EQ(callProperties("GetAll", {QStringLiteral("no.such.interface")}), QDBusMessage::ErrorMessage);
+  EXPECT_EQ(callProperties("Set", {interface, QStringLiteral("Title"),
+                                   QVariant::fromValue(QDBusVariant(QStringLiteral("mine")))}),
             QDBusMessage::ErrorMessage);
   EXPECT_EQ(
       client_.call(path, QStringLiteral("no.such.interface"), QStringLiteral("Activate"), {1, 2}).type(),
@@ -253,8 +253,8 @@ TEST_F(NotifierObject, AnswersNonsenseWithAnErrorAndGoesOn) {
   EXPECT_TRUE(activated.isEmpty());
 }
 
-TEST_F(NotifierObject, DescribesItselfAsItIs) {
-  const auto described = [&] {
+TEST_F(StatusNotifierItemTest, IntrospectionMatchesTheCurrentProperties) {
+  const auto introspectedNames = [&] {
     const QDBusMessage reply = client_.call(path, QStringLiteral("org.freedesktop.DBus.Introspectable"),
                                             QStringLiteral("Introspect"));
     QXmlStreamReader xml(reply.arguments().value(0).toString());
@@ -268,15 +268,16 @@ TEST_F(NotifierObject, DescribesItselfAsItIs) {
     EXPECT_FALSE(xml.hasError());
     return names;
   };
-  EXPECT_THAT(described(), testing::IsSupersetOf({interface, QStringLiteral("IconPixmapa(iiay)"),
-                                                  QStringLiteral("ToolTip(sa(iiay)ss)"),
-                                                  QStringLiteral("Menuo"), QStringLiteral("Activate")}));
-  EXPECT_THAT(described(), testing::Not(testing::Contains(QStringLiteral("XAyatanaLabels"))));
+  EXPECT_THAT(introspectedNames(),
+              testing::IsSupersetOf({interface, QStringLiteral("IconPixmapa(iiay)"),
+                                     QStringLiteral("ToolTip(sa(iiay)ss)"), QStringLiteral("Menuo"),
+                                     QStringLiteral("Activate")}));
+  EXPECT_THAT(introspectedNames(), testing::Not(testing::Contains(QStringLiteral("XAyatanaLabels"))));
   item_.setHostKind(HostKind::ayatanaLabel);
-  EXPECT_THAT(described(), testing::Contains(QStringLiteral("XAyatanaLabels")));
+  EXPECT_THAT(introspectedNames(), testing::Contains(QStringLiteral("XAyatanaLabels")));
 }
 
-TEST(NotifierObjectLife, LeavesTheBusWhenDestroyed) {
+TEST(StatusNotifierItemLifetime, LeavesTheBusWhenDestroyed) {
   test::PrivateBus bus;
   QDBusConnection connection = bus.connection();
   auto item = std::make_unique<StatusNotifierItem>(connection, ordinaryLabel());

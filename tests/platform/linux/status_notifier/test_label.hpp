@@ -7,7 +7,7 @@
 
 namespace tarn::test {
 
-/// A label as an ordinary afternoon gives it.
+/// A label of a machine without memory pressure.
 inline MenuBarLabel ordinaryLabel() {
   return {QStringLiteral("circle.fill"),
           Tint::green,
@@ -16,7 +16,7 @@ inline MenuBarLabel ordinaryLabel() {
           {QStringLiteral("There is memory to spare."), QStringLiteral("6 GB of 16 GB used"), std::nullopt}};
 }
 
-/// The same with a figure beside the circle.
+/// The same label with text beside the circle.
 inline MenuBarLabel labelWithText(const QString& text) {
   MenuBarLabel label = ordinaryLabel();
   label.text = text;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// How often a sweep over this machine's processes asks for memory.
+// Counts the allocations of a sweep over this machine's processes.
 
 #include <gtest/gtest.h>
 
@@ -18,14 +18,14 @@
 namespace tarn {
 namespace {
 
-/// What a sweep allocates whether there are few processes or many.
-constexpr std::size_t whole = 30;
+/// Allocations of a sweep that do not depend on the number of processes.
+constexpr std::size_t fixedAllocations = 30;
 
-TEST(ASteadySweep, AllocatesAtMostOnceForEachProcess) {
+TEST(SweepAllocations, AreAtMostOnePerKnownProcess) {
   const IdleProcesses idle(200);
   MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
   for (int warmUp = 0; warmUp < 3; ++warmUp) sampler.sample();
-  // Other processes come and go: the sweep that met none of them counts.
+  // New processes need more allocations: the sweep with the fewest counts.
   double least = 10;
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   while (least > 1 && std::chrono::steady_clock::now() < deadline) {
@@ -33,13 +33,13 @@ TEST(ASteadySweep, AllocatesAtMostOnceForEachProcess) {
     const std::size_t count = allocationsOf([&] { snapshot = sampler.sample(); });
     std::size_t processes = 0;
     for (const AppGroup& group : snapshot.groups) processes += group.processCount();
-    least = std::min(least, static_cast<double>(count - whole) / static_cast<double>(processes));
+    least = std::min(least, static_cast<double>(count - fixedAllocations) / static_cast<double>(processes));
   }
-  std::printf("%.3f allocations for each process\n", least);
+  std::printf("%.3f allocations per process\n", least);
   EXPECT_LE(least, 1);
 }
 
-TEST(Parsing, AllocatesNothing) {
+TEST(SweepAllocations, ParsersAllocateNothing) {
   constexpr std::string_view stat =
       "40 (a process with a name) S 1 1 1 0 -1 4194304 138 0 1 0 100 50 7 8 20 0 1 0 5000 2990080 421 1\n";
   constexpr std::string_view status =

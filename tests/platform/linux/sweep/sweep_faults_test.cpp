@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Sweeps over this machine's processes in which the kernel refuses, breaks off or invents what it is asked
-// for, as strace has it do.
+// Sweeps over this machine's processes while strace makes system calls fail or return wrong values (fault
+// injection, strace(1)).
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -11,8 +11,8 @@
 #include <fstream>
 #include <string>
 
-#include "support/temporary_tree.hpp"
 #include "support/idle_processes.hpp"
+#include "support/temporary_tree.hpp"
 
 namespace tarn {
 namespace {
@@ -20,15 +20,15 @@ namespace {
 struct Fault {
   const char* call;
   const char* outcome;
-  bool canBeLasting = true;  ///< happens to every call
+  bool canHitEveryCall = true;  ///< otherwise only every third, since retries would never end
 };
 
 std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
   return stream << fault.call << ':' << fault.outcome;
 }
 
-/// Runs four sweeps under strace and gives their exit status; 99 where a sanitizer found something.
-int sweepUnder(const std::string& straceOptions) {
+/// Runs four sweeps under strace. Returns their exit status; 99 is the report of a sanitizer.
+int runSweeps(const std::string& straceOptions) {
   const std::string command =
       "ASAN_OPTIONS=detect_leaks=0:exitcode=99 UBSAN_OPTIONS=exitcode=99 strace -f --seccomp-bpf -qq " +
       straceOptions + " '" TARN_SWEEP_PROCESSES "' 4";
@@ -37,12 +37,12 @@ int sweepUnder(const std::string& straceOptions) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// A log of strace's, of which lines are counted.
-class Log {
+/// The output of strace.
+class StraceLog {
  public:
   std::string option() const { return "-o '" + path_ + "' "; }
 
-  /// Lines that hold a text, up to the first that holds the other one.
+  /// The number of lines that contain `text`, before the first line that contains `end`.
   int count(const std::string& text, const std::string& end) const {
     int found = 0;
     std::ifstream lines(path_);
@@ -57,27 +57,27 @@ class Log {
   std::string path_ = tree_.at("calls").string();
 };
 
-/// How often a call is made before the first sweep begins, which is not to be disturbed.
-int callsBeforeTheSweeps(const std::string& call) {
-  const Log log;
-  EXPECT_EQ(sweepUnder(log.option() + "-e trace=access," + call), 0) << "is strace installed?";
+/// How often a call is made before the first sweep begins. Faults are injected only after that.
+int callsBeforeFirstSweep(const std::string& call) {
+  const StraceLog log;
+  EXPECT_EQ(runSweeps(log.option() + "-e trace=access," + call), 0) << "is strace installed?";
   return log.count(call + "(", "/begin-sweep");
 }
 
 class SweepWithFaults : public testing::TestWithParam<Fault> {};
 
-TEST_P(SweepWithFaults, EndsAsAnyOther) {
+TEST_P(SweepWithFaults, ExitsNormally) {
   const IdleProcesses idle(20);
   const Fault fault = GetParam();
-  const int first = callsBeforeTheSweeps(fault.call) + 1;
+  const int first = callsBeforeFirstSweep(fault.call) + 1;
   for (const int step : {1, 3}) {
-    if (step == 1 && !fault.canBeLasting) continue;
+    if (step == 1 && !fault.canHitEveryCall) continue;
     const std::string injection = std::string("inject=") + fault.call + ":" + fault.outcome +
                                   ":when=" + std::to_string(first) + "+" + std::to_string(step);
-    const Log log;
-    const int status = sweepUnder(log.option() + "-e trace=" + fault.call + " -e " + injection);
+    const StraceLog log;
+    const int status = runSweeps(log.option() + "-e trace=" + fault.call + " -e " + injection);
     EXPECT_GT(log.count("(INJECTED)", "never"), 3) << injection;
-    // 1 says that the last sweep found no process.
+    // Status 1: the last sweep found no process.
     EXPECT_TRUE(status == 0 || (status == 1 && step == 1)) << injection << " ended with " << status;
   }
 }

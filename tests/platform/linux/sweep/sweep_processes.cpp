@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// sweep_processes COUNT: sweeps over this machine so many times, for whoever counts what that costs. Before
-// each sweep, and after the last, it asks for a file that is not there: "/begin-sweep".
+// sweep_processes COUNT: samples this machine COUNT times. Tests run it under strace. It marks the start of
+// each sweep, and the end of the last one, by a call of access("/begin-sweep"), a file that does not exist.
 
 #include <unistd.h>
 

@@ -1,8 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Real processes that start and end all the time, and pids that pass from one to the next. Wants a pid name
-// space of its own, where it may choose pids. TARN_STORM_SWEEPS tells for how many sweeps the storm lasts.
+// Stress test: sweeps while real processes start and exit all the time, and while pids are reused. It needs a
+// pid namespace of its own, where it can choose pids. TARN_STRESS_SWEEPS sets the number of sweeps (default:
+// 40).
+//
+// The tests sleep: they measure CPU time that processes use in real time, and the kernel gives start times in
+// real time, too.
 
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
@@ -14,7 +18,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -31,7 +34,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A child that does `work` and is ended with the test.
+/// A child process that runs `work`. The destructor kills it.
 class Child {
  public:
   explicit Child(const std::function<void()>& work) : pid_(::fork()) {
@@ -53,17 +56,18 @@ class Child {
   pid_t pid_;
 };
 
-[[noreturn]] void burn() {
+[[noreturn]] void useCpu() {
   while (true) std::atomic_signal_fence(std::memory_order_seq_cst);
 }
 
-/// Starts processes at an even pace, each of which starts another one and ends at once.
-[[noreturn]] void raiseStorm() {
-  // Nobody waits for what the storm leaves behind: without this it would fill the process table.
+/// Starts 300 processes a second. Each starts another process, which lives for 2 ms, and exits at once.
+[[noreturn]] void startManyProcesses() {
+  // The grandchildren are reparented to this process, and SIG_IGN removes them without a wait: otherwise
+  // zombies would fill the process table.
   ::prctl(PR_SET_CHILD_SUBREAPER, 1);
   ::signal(SIGCHLD, SIG_IGN);
-  constexpr auto pace = std::chrono::microseconds(1'000'000 / 300);
-  for (auto next = std::chrono::steady_clock::now();; next += pace) {
+  constexpr auto interval = std::chrono::microseconds(1'000'000 / 300);
+  for (auto next = std::chrono::steady_clock::now();; next += interval) {
     if (::fork() == 0) {
       if (::fork() == 0) ::usleep(2'000);
       ::_exit(0);
@@ -72,16 +76,16 @@ class Child {
   }
 }
 
-int stormSweeps() {
-  const char* const told = std::getenv("TARN_STORM_SWEEPS");
-  return told == nullptr ? 40 : std::atoi(told);
+int sweepCount() {
+  const char* const count = std::getenv("TARN_STRESS_SWEEPS");
+  return count == nullptr ? 40 : std::atoi(count);
 }
 
-std::ptrdiff_t openFiles() {
+std::ptrdiff_t openFileCount() {
   return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
-const ProcessSample* sampleOf(const MemorySnapshot& snapshot, pid_t pid) {
+const ProcessSample* findSample(const MemorySnapshot& snapshot, pid_t pid) {
   for (const AppGroup& group : snapshot.groups) {
     for (const ProcessSample& sample : group.processes) {
       if (sample.pid == pid) return &sample;
@@ -90,82 +94,87 @@ const ProcessSample* sampleOf(const MemorySnapshot& snapshot, pid_t pid) {
   return nullptr;
 }
 
-/// Has the next process that starts in this name space bear a pid.
-bool choosePid(pid_t pid) {
+/// Makes the kernel give `pid` to the next process of this pid namespace (pid_namespaces(7)).
+bool chooseNextPid(pid_t pid) {
   std::ofstream last("/proc/sys/kernel/ns_last_pid");
   last << pid - 1 << std::flush;
   return last.good();
 }
 
-/// A child of that pid; null where none can be had. Another process of the name space may be quicker now and
-/// then.
-std::unique_ptr<Child> childOfPid(pid_t pid, const std::function<void()>& work) {
-  for (int attempt = 0; attempt < 100 && choosePid(pid); ++attempt) {
+/// A child with that pid; null if it fails. It is tried several times: another process of the namespace may
+/// take the pid.
+std::unique_ptr<Child> startChildWithPid(pid_t pid, const std::function<void()>& work) {
+  for (int attempt = 0; attempt < 100 && chooseNextPid(pid); ++attempt) {
     auto child = std::make_unique<Child>(work);
     if (child->pid() == pid) return child;
   }
   return nullptr;
 }
 
-TEST(ProcessStorm, NeverTellsMoreThanTheLoadCanBeNorKeepsFilesOpen) {
-  const Child storm(raiseStorm);
-  const Child burner(burn);
+TEST(SweepStress, CpuShareIsNeverMoreThanPossibleAndNoFileStaysOpen) {
+  const Child processStarter(startManyProcesses);
+  const Child load(useCpu);
   MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
   sampler.sample();
   std::this_thread::sleep_for(50ms);
   sampler.sample();
-  const std::ptrdiff_t before = openFiles();
-  double most = 0;
-  int seen = 0;
-  for (int sweep = 0; sweep < stormSweeps(); ++sweep) {
+  const std::ptrdiff_t before = openFileCount();
+  double maxPercent = 0;
+  int sweepsWithLoad = 0;
+  for (int sweep = 0; sweep < sweepCount(); ++sweep) {
     std::this_thread::sleep_for(50ms);
     const MemorySnapshot snapshot = sampler.sample();
-    const ProcessSample* const sample = sampleOf(snapshot, burner.pid());
+    const ProcessSample* const sample = findSample(snapshot, load.pid());
     ASSERT_NE(sample, nullptr);
-    most = std::max(most, sample->cpuPercent);
-    seen += sample->cpuPercent > 5 ? 1 : 0;
+    maxPercent = std::max(maxPercent, sample->cpuPercent);
+    sweepsWithLoad += sample->cpuPercent > 5 ? 1 : 0;
     for (const AppGroup& group : snapshot.groups) {
       ASSERT_GE(group.cpuPercent, 0);
       ASSERT_LE(group.cpuPercent, 100.0 * std::thread::hardware_concurrency() + 10) << group.name;
     }
   }
-  EXPECT_LE(most, 110) << "one thread";
-  EXPECT_GT(seen, stormSweeps() / 2) << "the load is a load";
-  EXPECT_EQ(openFiles(), before);
+  EXPECT_LE(maxPercent, 110) << "the load has one thread";
+  EXPECT_GT(sweepsWithLoad, sweepCount() / 2) << "the load is visible";
+  EXPECT_EQ(openFileCount(), before);
 }
 
-/// Has a pid pass from a process that burned for some time, and was seen then, to another one that does
-/// `work`, and gives what is told of that: its share, or nothing where it is not told of.
-std::optional<double> shareOfHeir(pid_t pid, std::chrono::milliseconds burned,
-                                  std::chrono::milliseconds between, const std::function<void()>& work,
-                                  std::chrono::milliseconds worked) {
+/// Durations of the phases of `cpuShareAfterPidReuse`.
+struct PidReuse {
+  std::chrono::milliseconds firstProcessRuns;
+  std::chrono::milliseconds pause;
+  std::chrono::milliseconds secondProcessRuns;
+};
+
+/// A process uses CPU time, is sampled and exits; another process gets its pid and runs `work`. Returns the
+/// CPU share that is sampled for the second process, or nothing if it is not in the snapshot.
+std::optional<double> cpuShareAfterPidReuse(pid_t pid, const PidReuse& durations,
+                                            const std::function<void()>& work) {
   MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
   {
-    const auto before = childOfPid(pid, burn);
-    if (!before) return std::nullopt;
-    std::this_thread::sleep_for(burned);
+    const auto first = startChildWithPid(pid, useCpu);
+    if (!first) return std::nullopt;
+    std::this_thread::sleep_for(durations.firstProcessRuns);
     sampler.sample();
   }
-  std::this_thread::sleep_for(between);
-  const auto after = childOfPid(pid, work);
-  if (!after) return std::nullopt;
-  std::this_thread::sleep_for(worked);
+  std::this_thread::sleep_for(durations.pause);
+  const auto second = startChildWithPid(pid, work);
+  if (!second) return std::nullopt;
+  std::this_thread::sleep_for(durations.secondProcessRuns);
   const MemorySnapshot snapshot = sampler.sample();
-  const ProcessSample* const sample = sampleOf(snapshot, pid);
+  const ProcessSample* const sample = findSample(snapshot, pid);
   return sample == nullptr ? std::nullopt : std::optional(sample->cpuPercent);
 }
 
-TEST(ProcessStorm, TellsNothingOfAProcessThatTookAPidInAnotherSecond) {
+TEST(SweepStress, CpuShareIsZeroIfThePidIsReusedInAnotherSecond) {
   for (int times = 0; times < 3; ++times) {
-    EXPECT_EQ(shareOfHeir(20'000, 30ms, 1'100ms, burn, 200ms), 0) << "though it did more";
+    EXPECT_EQ(cpuShareAfterPidReuse(20'000, {30ms, 1'100ms, 200ms}, useCpu), 0)
+        << "the second process used more CPU time than the first";
   }
 }
 
-TEST(ProcessStorm, TellsNothingOfAProcessThatTookAPidInTheSameSecondAndDidLess) {
+TEST(SweepStress, CpuShareIsZeroIfThePidIsReusedInTheSameSecondByAnIdleProcess) {
   for (int times = 0; times < 5; ++times) {
-    EXPECT_EQ(shareOfHeir(
-                  21'000, 200ms, 0ms, [] { ::pause(); }, 10ms),
-              0);
+    EXPECT_EQ(cpuShareAfterPidReuse(21'000, {200ms, 0ms, 10ms}, [] { ::pause(); }), 0);
   }
 }
 

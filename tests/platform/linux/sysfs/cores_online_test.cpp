@@ -7,49 +7,48 @@
 #include <sched.h>
 #include <unistd.h>
 
-#include "platform/linux/procfs/system_memory.hpp"
-#include "platform/linux/sysfs/cores_online.hpp"
+#include "platform/linux/procfs/text_scan.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {
 namespace {
 
 TEST(ProcessorList, CountsRangesAndSingleNumbers) {
-  EXPECT_EQ(countProcessorList("0\n"), 1);
-  EXPECT_EQ(countProcessorList("0-3,5\n"), 5);
-  EXPECT_EQ(countProcessorList("0-1,4-7,9,11-11"), 8);
-  EXPECT_EQ(countProcessorList("0-1023\n"), 1024);
+  EXPECT_EQ(countCpuList("0\n"), 1);
+  EXPECT_EQ(countCpuList("0-3,5\n"), 5);
+  EXPECT_EQ(countCpuList("0-1,4-7,9,11-11"), 8);
+  EXPECT_EQ(countCpuList("0-1023\n"), 1024);
 }
 
-TEST(ProcessorList, OtherTextGivesNothing) {
+TEST(ProcessorList, RejectsMalformedAndHugeLists) {
   for (const char* text :
        {"", "\n", "x", "0-", "-3", "3-1", "0,", ",0", "0 1", "0-4294967295", "0-99999999"}) {
-    EXPECT_FALSE(countProcessorList(text)) << text;
+    EXPECT_FALSE(countCpuList(text)) << text;
   }
 }
 
-TEST(ActiveProcessors, AreThoseOnline) {
+TEST(CoresOnline, CountsTheListInSysfs) {
   const TemporaryTree tree;
   tree.write("sys/devices/system/cpu/online", "0-3,5\n");
-  EXPECT_EQ(activeProcessorCount(tree.roots()), 5);
+  EXPECT_EQ(countCoresOnline(tree.roots()), 5);
 }
 
-TEST(ActiveProcessors, WithoutAListAreWhatTheCLibraryKnows) {
+TEST(CoresOnline, FallsBackToSysconfWithoutList) {
   const TemporaryTree tree;
-  EXPECT_EQ(activeProcessorCount(tree.roots()), ::sysconf(_SC_NPROCESSORS_ONLN));
+  EXPECT_EQ(countCoresOnline(tree.roots()), ::sysconf(_SC_NPROCESSORS_ONLN));
 }
 
-TEST(ActiveProcessors, DoNotDependOnWhereThisProcessMayRun) {
+TEST(CoresOnline, DoesNotDependOnCPUAffinity) {
   cpu_set_t allowed;
   ASSERT_EQ(::sched_getaffinity(0, sizeof allowed, &allowed), 0);
-  const int before = activeProcessorCount(LinuxRoots{});
+  const int before = countCoresOnline(LinuxRoots{});
   cpu_set_t one;
   CPU_ZERO(&one);
   for (std::size_t processor = 0; CPU_COUNT(&one) == 0; ++processor) {
     if (CPU_ISSET(processor, &allowed)) CPU_SET(processor, &one);
   }
   ASSERT_EQ(::sched_setaffinity(0, sizeof one, &one), 0);
-  EXPECT_EQ(activeProcessorCount(LinuxRoots{}), before);
+  EXPECT_EQ(countCoresOnline(LinuxRoots{}), before);
   ASSERT_EQ(::sched_setaffinity(0, sizeof allowed, &allowed), 0);
   EXPECT_GE(before, CPU_COUNT(&allowed));
 }

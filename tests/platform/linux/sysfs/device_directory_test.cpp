@@ -21,7 +21,7 @@ class DeviceDirectoryTest : public ::testing::Test {
   TemporaryTree tree_;
 };
 
-TEST_F(DeviceDirectoryTest, ReadsTheFirstLineWithoutBlanksAtItsEnd) {
+TEST_F(DeviceDirectoryTest, ReadsTheFirstLineWithoutTrailingWhitespace) {
   tree_.write("sys/device/name", "coretemp \t\nmore\n");
   tree_.write("sys/device/empty", "");
   EXPECT_EQ(device().text("name"), "coretemp");
@@ -29,7 +29,7 @@ TEST_F(DeviceDirectoryTest, ReadsTheFirstLineWithoutBlanksAtItsEnd) {
   EXPECT_EQ(device().text("absent"), "");
 }
 
-TEST_F(DeviceDirectoryTest, ReadsWholeNumbersOnly) {
+TEST_F(DeviceDirectoryTest, ReadsOnlyIntegersAsNumbers) {
   tree_.write("sys/device/low", "-62000\n");
   tree_.write("sys/device/word", "12 V\n");
   tree_.write("sys/device/fraction", "1.5\n");
@@ -42,7 +42,7 @@ TEST_F(DeviceDirectoryTest, ReadsWholeNumbersOnly) {
   EXPECT_EQ(device().celsius("large"), std::nullopt);
 }
 
-TEST_F(DeviceDirectoryTest, OpensNothingButRegularFiles) {
+TEST_F(DeviceDirectoryTest, OpensOnlyRegularFiles) {
   tree_.pipe("sys/device/pipe");
   tree_.link("sys/device/link", "/dev/zero");
   tree_.write("sys/device/folder/file", "1\n");
@@ -53,43 +53,43 @@ TEST_F(DeviceDirectoryTest, OpensNothingButRegularFiles) {
   EXPECT_EQ(device().text("folder"), "");
 }
 
-TEST_F(DeviceDirectoryTest, DoesNotWaitForAPipeThatTookTheFilesPlace) {
+TEST_F(DeviceDirectoryTest, DoesNotBlockWhenAPipeReplacedTheFile) {
   tree_.write("sys/device/number", "1\n");
   const DeviceDirectory listed = device();
   tree_.pipe("sys/device/number");
   EXPECT_EQ(listed.number("number"), std::nullopt);
 }
 
-TEST_F(DeviceDirectoryTest, BearsAFileThatVanishedSinceItWasListed) {
+TEST_F(DeviceDirectoryTest, ReturnsNothingForAFileRemovedAfterListing) {
   tree_.write("sys/device/number", "1\n");
   const DeviceDirectory listed = device();
   tree_.remove("sys/device");
   EXPECT_EQ(listed.number("number"), std::nullopt);
 }
 
-TEST_F(DeviceDirectoryTest, ReadsAtMostWhatTheKernelLetsAFileHold) {
+TEST_F(DeviceDirectoryTest, ReadsAtMostOnePage) {
   tree_.write("sys/device/long", std::string(1 << 20, '7'));
   EXPECT_EQ(device().text("long").size(), 4096U);
   EXPECT_EQ(device().number("long"), std::nullopt);
 }
 
-TEST_F(DeviceDirectoryTest, IsEmptyWhereThereIsNone) {
+TEST_F(DeviceDirectoryTest, IsEmptyWithoutDirectory) {
   EXPECT_THAT(device().files(), IsEmpty());
   EXPECT_THAT(listDirectory(tree_.at("nowhere").string()), IsEmpty());
   tree_.write("sys/class/hwmon", "not a directory");
   EXPECT_THAT(listDirectory(tree_.at("sys/class/hwmon").string()), IsEmpty());
 }
 
-TEST_F(DeviceDirectoryTest, TellsWhenDevicesComeAndGo) {
+TEST_F(DeviceDirectoryTest, ReportsAddedAndRemovedDevices) {
   DeviceClass chips = deviceClass();
-  EXPECT_TRUE(chips.hasChanged()) << "the first time, even if there is nothing";
-  chips.settle();
+  EXPECT_TRUE(chips.hasChanged()) << "at the first call, also without devices";
+  chips.markComplete();
   EXPECT_FALSE(chips.hasChanged());
   EXPECT_THAT(chips.devices(), IsEmpty());
   tree_.write("sys/class/hwmon/hwmon0/name", "one\n");
   EXPECT_TRUE(chips.hasChanged());
-  EXPECT_TRUE(chips.hasChanged()) << "until all is known of it";
-  chips.settle();
+  EXPECT_TRUE(chips.hasChanged()) << "until markComplete is called";
+  chips.markComplete();
   EXPECT_FALSE(chips.hasChanged());
   ASSERT_EQ(chips.devices().size(), 1U);
   EXPECT_EQ(chips.devices()[0].text("name"), "one");
@@ -98,11 +98,11 @@ TEST_F(DeviceDirectoryTest, TellsWhenDevicesComeAndGo) {
   EXPECT_THAT(chips.devices(), IsEmpty());
 }
 
-TEST_F(DeviceDirectoryTest, TellsADeviceThatCameBackUnderTheNameOfAnother) {
+TEST_F(DeviceDirectoryTest, ReportsADeviceReplacedUnderTheSameName) {
   tree_.write("sys/class/hwmon/hwmon0/name", "one\n");
   DeviceClass chips = deviceClass();
   EXPECT_TRUE(chips.hasChanged());
-  chips.settle();
+  chips.markComplete();
   std::filesystem::rename(tree_.at("sys/class/hwmon/hwmon0"), tree_.at("sys/gone"));
   tree_.write("sys/class/hwmon/hwmon0/name", "two\n");
   EXPECT_TRUE(chips.hasChanged());

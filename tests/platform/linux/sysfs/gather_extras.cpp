@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// gather_extras MACHINE COUNT: gathers the extras of a described machine so many times, for whoever counts
-// what that costs.
+// gather_extras MACHINE COUNT: reads the extras of a described machine COUNT times. gathering_cost_test
+// counts its system calls.
 
 #include <cstdlib>
 
@@ -17,7 +17,7 @@ int main(int argumentCount, char** arguments) {
   tarn::writeVolumeRecord(tree, "E:ID_FS_LABEL_ENC=Data\n");
   const tarn::ExtrasReader reader(tarn::linuxExtrasPort(tree.roots()));
   double celsius = 0;
-  for (int left = std::atoi(arguments[2]); left > 0; --left) {
+  for (int remaining = std::atoi(arguments[2]); remaining > 0; --remaining) {
     celsius = reader.read().temperatureCelsius.value_or(0);
     static_cast<void>(reader.thermalState());
   }

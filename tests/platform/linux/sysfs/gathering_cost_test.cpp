@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What one gathering costs, as strace sees it.
+// Number of system calls of one reading of the extras, counted with strace.
 
 #include <gtest/gtest.h>
 
@@ -14,13 +14,13 @@
 namespace tarn {
 namespace {
 
-/// How many system calls a program makes that gathers so many times, those for memory aside: of them a
-/// sanitizer makes many.
-int callsOf(int gatherings) {
+/// Number of system calls of the program gather_extras for `readings` readings. Calls that manage memory are
+/// not counted because sanitizers make many of them.
+int countSystemCalls(int readings) {
   const TemporaryTree tree;
   const std::string log = tree.at("calls").string();
   const std::string command = "ASAN_OPTIONS=detect_leaks=0 strace -f -qq -e 'trace=!%memory' -o '" + log +
-                              "' '" TARN_GATHER_EXTRAS "' laptop-eight-sensors " + std::to_string(gatherings);
+                              "' '" TARN_GATHER_EXTRAS "' laptop-eight-sensors " + std::to_string(readings);
   // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
   EXPECT_EQ(std::system(command.c_str()), 0) << "is strace installed? " << command;
   std::ifstream lines(log);
@@ -29,14 +29,14 @@ int callsOf(int gatherings) {
   return count;
 }
 
-TEST(OneGathering, TakesAtMost80SystemCallsOnALaptopWithEightSensors) {
-  constexpr int rounds = 20;
-  const int first = callsOf(1);
-  const int more = callsOf(1 + rounds) - first;
-  RecordProperty("system_calls_per_gathering", more / rounds);
-  std::printf("%d system calls in %d gatherings: %.1f each\n", more, rounds, double(more) / rounds);
-  EXPECT_GT(more, rounds * 8) << "the sensors were not read";
-  EXPECT_LE(more, rounds * 80);
+TEST(ExtrasReading, NeedsAtMost80SystemCallsOnALaptopWithEightSensors) {
+  constexpr int readings = 20;
+  const int first = countSystemCalls(1);
+  const int more = countSystemCalls(1 + readings) - first;
+  RecordProperty("system_calls_per_reading", more / readings);
+  std::printf("%d system calls in %d readings: %.1f each\n", more, readings, double(more) / readings);
+  EXPECT_GT(more, readings * 8) << "the sensors were not read";
+  EXPECT_LE(more, readings * 80);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Whole machines, from their files to the record that is published.
+// Described machines: from the files in /sys to the values that the UI shows.
 
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 
@@ -78,7 +78,7 @@ class MachineTest : public ::testing::TestWithParam<Machine> {
   TemporaryTree tree_;
 };
 
-TEST_P(MachineTest, ReadsAsItIs) {
+TEST_P(MachineTest, ReportsTheExpectedExtras) {
   const ExtrasReader reader(linuxExtrasPort(tree_.roots()));
   const SystemExtras extras = reader.read();
   EXPECT_EQ(extras.battery, GetParam().battery);
@@ -89,7 +89,7 @@ TEST_P(MachineTest, ReadsAsItIs) {
   EXPECT_GT(extras.uptime, 0);
 }
 
-TEST_P(MachineTest, ReadsTheSameASecondTime) {
+TEST_P(MachineTest, ReportsTheSameAtTheSecondReading) {
   const ExtrasReader reader(linuxExtrasPort(tree_.roots()));
   const SystemExtras first = reader.read();
   const ThermalState firstState = reader.thermalState();
@@ -107,7 +107,7 @@ std::string testName(const testing::TestParamInfo<Machine>& info) {
 
 INSTANTIATE_TEST_SUITE_P(All, MachineTest, testing::ValuesIn(machines), testName);
 
-TEST(Machines, AllHaveTheirRow) {
+TEST(Machines, HaveOneRowPerFixture) {
   std::set<std::string> described;
   for (const auto& entry : std::filesystem::directory_iterator(TARN_FIXTURES "/linux/machines")) {
     if (entry.path().extension() == ".machine") described.insert(entry.path().stem().string());

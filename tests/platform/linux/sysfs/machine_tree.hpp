@@ -12,7 +12,7 @@ namespace tarn {
 /// Writes the files of the machine that tests/fixtures/linux/machines/NAME.machine describes.
 void writeMachine(const TemporaryTree& tree, const std::string& name);
 
-/// Writes the device manager's record of the volume that the tree lies on.
+/// Writes the udev database record of the device that contains the tree.
 void writeVolumeRecord(const TemporaryTree& tree, const std::string& text);
 
 }  // namespace tarn

@@ -26,7 +26,7 @@ class PowerSuppliesTest : public ::testing::Test {
   PowerSupplies supplies_{tree_.roots().sys};
 };
 
-TEST_F(PowerSuppliesTest, FollowTheChargeOfAPack) {
+TEST_F(PowerSuppliesTest, ReportsChangesOfTheCharge) {
   writeMachine(tree_, "laptop-low");
   EXPECT_EQ(battery()->percent, 12);
   set("BAT0", "energy_now", "3742000");
@@ -35,7 +35,7 @@ TEST_F(PowerSuppliesTest, FollowTheChargeOfAPack) {
   EXPECT_TRUE(battery()->isCharging);
 }
 
-TEST_F(PowerSuppliesTest, SeeAPackThatComesAndGoes) {
+TEST_F(PowerSuppliesTest, ReportsAnAddedAndARemovedBattery) {
   EXPECT_EQ(battery(), std::nullopt);
   writeMachine(tree_, "laptop-low");
   EXPECT_EQ(battery()->percent, 12);
@@ -43,7 +43,7 @@ TEST_F(PowerSuppliesTest, SeeAPackThatComesAndGoes) {
   EXPECT_EQ(battery(), std::nullopt);
 }
 
-TEST_F(PowerSuppliesTest, SeeAPackTakenOutOfItsBay) {
+TEST_F(PowerSuppliesTest, IgnoresABatteryThatIsNotPresent) {
   writeMachine(tree_, "laptop-two-packs");
   EXPECT_TRUE(battery()->isCharging);
   set("BAT1", "present", "0");
@@ -52,29 +52,28 @@ TEST_F(PowerSuppliesTest, SeeAPackTakenOutOfItsBay) {
   EXPECT_EQ(battery(), std::nullopt);
 }
 
-TEST_F(PowerSuppliesTest, CountAPackThatDoesNotSayWhetherItIsThere) {
+TEST_F(PowerSuppliesTest, CountsABatteryWithoutPresentAttribute) {
   set("BAT0", "type", "Battery");
   set("BAT0", "capacity", "33");
   EXPECT_EQ(battery()->percent, 33);
 }
 
-TEST_F(PowerSuppliesTest, GiveEachPackTheSameWeightWhereOnlyPercentagesAreTold) {
+TEST_F(PowerSuppliesTest, AveragesPercentagesWithoutEnergyAndCharge) {
   for (const auto* pack : {"BAT0", "BAT1"}) set(pack, "type", "Battery");
   set("BAT0", "capacity", "90");
   set("BAT1", "capacity", "41");
   EXPECT_EQ(battery()->percent, 66);
 }
 
-TEST_F(PowerSuppliesTest, AreOfNoUseWhereSumsExceedTheirRange) {
+TEST_F(PowerSuppliesTest, FallsBackToPercentagesWhenSumsOverflow) {
   writeMachine(tree_, "laptop-two-packs");
   for (const auto* file : {"energy_now", "energy_full", "energy_full_design"}) {
     for (const auto* pack : {"BAT0", "BAT1"}) set(pack, file, "9000000000000000000");
   }
-  EXPECT_EQ(battery(), (BatteryInfo{.percent = 62, .isCharging = true, .cycleCount = 471}))
-      << "by percentage";
+  EXPECT_EQ(battery(), (BatteryInfo{.percent = 62, .isCharging = true, .cycleCount = 471}));
 }
 
-TEST_F(PowerSuppliesTest, KnowOnlyTheMachinesOwnBatteries) {
+TEST_F(PowerSuppliesTest, IgnoresPeripheralBatteriesAndOtherSupplies) {
   set("BAT0", "type", "Battery");
   set("BAT0", "capacity", "33");
   set("BAT0", "scope", "Device");
@@ -88,7 +87,7 @@ TEST_F(PowerSuppliesTest, KnowOnlyTheMachinesOwnBatteries) {
   }
 }
 
-TEST_F(PowerSuppliesTest, GoOnToTheNextUnitWhereAFullPackHoldsNothing) {
+TEST_F(PowerSuppliesTest, FallsBackToTheNextUnitWhenCapacityIsZero) {
   set("BAT0", "type", "Battery");
   for (const auto* file : {"energy_now", "energy_full", "energy_full_design"}) set("BAT0", file, "0");
   set("BAT0", "capacity", "57");
@@ -100,7 +99,7 @@ TEST_F(PowerSuppliesTest, GoOnToTheNextUnitWhereAFullPackHoldsNothing) {
   EXPECT_EQ(battery(), (BatteryInfo{.percent = 90, .healthPercent = 80}));
 }
 
-TEST_F(PowerSuppliesTest, DoNotTakeAMouseForABatteryWhileItsDriverDoesNotAnswer) {
+TEST_F(PowerSuppliesTest, IgnoresABatteryUntilItsTypeAndScopeCanBeRead) {
   set("hidpp_battery_0", "type", "Battery");
   set("hidpp_battery_0", "capacity", "55");
   tree_.write("sys/class/power_supply/hidpp_battery_0/scope", "");
@@ -114,7 +113,7 @@ TEST_F(PowerSuppliesTest, DoNotTakeAMouseForABatteryWhileItsDriverDoesNotAnswer)
   EXPECT_EQ(battery()->percent, 33);
 }
 
-TEST_F(PowerSuppliesTest, HaveNoControllerWhereNoPackTellsMoreThanItsCharge) {
+TEST_F(PowerSuppliesTest, HasNoControllerWhenOnlyPercentagesAreReported) {
   writeMachine(tree_, "tablet-percent-only");
   EXPECT_EQ(supplies_.sources().size(), 1U);
   EXPECT_EQ(supplies_.controller(), std::nullopt);

@@ -6,9 +6,8 @@
 #include <gtest/gtest.h>
 #include <sys/statvfs.h>
 
-#include "platform/linux/sysfs/machine_tree.hpp"
-#include "platform/linux/sysfs/volume_name.hpp"
 #include "platform/linux/procfs/file_reading.hpp"
+#include "platform/linux/sysfs/machine_tree.hpp"
 
 namespace tarn {
 namespace {
@@ -16,7 +15,7 @@ namespace {
 constexpr auto debian =
     "PRETTY_NAME=\"Debian GNU/Linux 12 (bookworm)\"\nNAME=\"Debian GNU/Linux\"\nID=debian\n";
 
-TEST(RootVolume, TellsWhatTheFileSystemTells) {
+TEST(RootVolume, ReportsCapacitiesOfStatvfs) {
   const auto values = RootVolume(LinuxRoots{}).values();
   struct statvfs status {};
   ASSERT_EQ(::statvfs("/", &status), 0);
@@ -27,7 +26,7 @@ TEST(RootVolume, TellsWhatTheFileSystemTells) {
               static_cast<double>(status.f_bavail * status.f_frsize), fewMegabytes);
 }
 
-TEST(RootVolume, IsAbsentWhereItCannotBeAsked) {
+TEST(RootVolume, ReturnsNothingWhenStatvfsFails) {
   EXPECT_EQ(RootVolume(LinuxRoots{.root = "/nowhere/at/all"}).values().has_value(), false);
 }
 
@@ -35,20 +34,20 @@ class VolumeNameTest : public ::testing::Test {
  protected:
   std::optional<std::string> name() const { return RootVolume(tree_.roots()).values().value().name; }
 
-  /// Writes the device manager's record of a device.
+  /// Writes the udev database record of a device.
   void writeRecord(const std::string& device, const std::string& text) const {
     tree_.write("run/udev/data/b" + device, text);
   }
 
   std::optional<std::string> label(DeviceNumber device) const {
-    const auto record = rootRecord(tree_.roots(), device);
+    const auto record = udevRecordPath(tree_.roots(), device);
     return record ? parseLabel(readFile(*record)) : std::nullopt;
   }
 
   TemporaryTree tree_;
 };
 
-TEST_F(VolumeNameTest, IsTheFileSystemsLabel) {
+TEST_F(VolumeNameTest, IsTheFileSystemLabel) {
   tree_.write("etc/os-release", debian);
   writeRecord(
       "8:2",
@@ -56,12 +55,12 @@ TEST_F(VolumeNameTest, IsTheFileSystemsLabel) {
   EXPECT_EQ(label({8, 2}), "My Disk");
 }
 
-TEST_F(VolumeNameTest, IsTheSystemsWhereTheVolumeHasNoLabel) {
+TEST_F(VolumeNameTest, FallsBackToTheSystemName) {
   tree_.write("etc/os-release", debian);
   EXPECT_EQ(name(), "Debian GNU/Linux");
 }
 
-TEST_F(VolumeNameTest, IsTheSystemsByItsVendorsFile) {
+TEST_F(VolumeNameTest, ReadsTheSystemNameFromEtcThenUsrLib) {
   tree_.write("usr/lib/os-release", "NAME=Fedora\n");
   EXPECT_EQ(name(), "Fedora");
   tree_.write("etc/os-release", "# nothing\n");
@@ -70,11 +69,11 @@ TEST_F(VolumeNameTest, IsTheSystemsByItsVendorsFile) {
   EXPECT_EQ(name(), "Remix");
 }
 
-TEST_F(VolumeNameTest, IsAbsentWhereNothingHasOne) {
+TEST_F(VolumeNameTest, IsAbsentWithoutLabelAndSystemName) {
   EXPECT_EQ(name(), std::nullopt);
 }
 
-TEST_F(VolumeNameTest, FollowsALabelThatChanges) {
+TEST_F(VolumeNameTest, ReportsAChangedLabel) {
   tree_.write("etc/os-release", debian);
   RootVolume volume(tree_.roots());
   writeVolumeRecord(tree_, "E:ID_FS_LABEL_ENC=one\n");
@@ -85,8 +84,8 @@ TEST_F(VolumeNameTest, FollowsALabelThatChanges) {
   EXPECT_EQ(volume.values()->name, "Debian GNU/Linux");
 }
 
-// Btrfs and the like: the mounted file system has no device number, the device it lies on has one.
-TEST_F(VolumeNameTest, IsFoundByTheMountedDeviceWhereTheFileSystemHasNoNumber) {
+// A Btrfs file system has a device number with major 0. The device from which it is mounted has another one.
+TEST_F(VolumeNameTest, UsesTheMountedDeviceWhenTheFileSystemHasNoDeviceNumber) {
   tree_.write("proc/self/mountinfo",
               "22 28 0:21 / /proc rw - proc proc rw\n"
               "28 1 0:25 /@ / rw,relatime shared:1 - btrfs /dev/nvme0n1p2 rw,subvol=/@\n"
@@ -97,7 +96,7 @@ TEST_F(VolumeNameTest, IsFoundByTheMountedDeviceWhereTheFileSystemHasNoNumber) {
   EXPECT_EQ(label({0, 25}), "fedora");
 }
 
-TEST_F(VolumeNameTest, IsFoundThroughTheLinkOfAMappedDevice) {
+TEST_F(VolumeNameTest, FollowsTheLinkOfAMappedDevice) {
   tree_.write("proc/self/mountinfo", "28 1 0:25 / / rw - btrfs /dev/mapper/luks-root rw\n");
   tree_.write("dev/dm-0", "");
   tree_.link("dev/mapper/luks-root", "../dm-0");
@@ -106,14 +105,14 @@ TEST_F(VolumeNameTest, IsFoundThroughTheLinkOfAMappedDevice) {
   EXPECT_EQ(label({0, 25}), "safe");
 }
 
-TEST_F(VolumeNameTest, IsNotFoundWhereNoDeviceIsMounted) {
+TEST_F(VolumeNameTest, HasNoLabelWhenNoDeviceIsMounted) {
   tree_.write("proc/self/mountinfo", "28 1 0:25 / / rw - overlay overlay rw,lowerdir=/a\n");
   EXPECT_EQ(label({0, 25}), std::nullopt);
   tree_.write("proc/self/mountinfo", "28 1 0:25 / / rw - btrfs /dev/gone rw\n");
   EXPECT_EQ(label({0, 25}), std::nullopt);
 }
 
-TEST(MountInfo, TellsTheDeviceOfTheLastMountOnTheRoot) {
+TEST(MountInfo, ReturnsTheDeviceOfTheLastMountOnTheRoot) {
   EXPECT_EQ(parseRootSource("1 1 0:2 / / rw - rootfs rootfs rw\n28 1 8:2 / / rw - ext4 /dev/sda2 rw\n"),
             "/dev/sda2");
   EXPECT_EQ(
@@ -125,7 +124,7 @@ TEST(MountInfo, TellsTheDeviceOfTheLastMountOnTheRoot) {
   }
 }
 
-TEST(DeviceRecord, TellsTheLabelWithItsEscapesUndone) {
+TEST(UdevRecord, DecodesTheLabel) {
   EXPECT_EQ(parseLabel("E:ID_FS_LABEL_ENC=root\n"), "root");
   EXPECT_EQ(parseLabel("N:sda2\nE:ID_FS_LABEL_ENC=a\\x20b\\x2fc\\x5c\n"), "a b/c\\");
   EXPECT_EQ(parseLabel("E:ID_FS_LABEL_ENC=Gr\xc3\xb6\xc3\x9f\x65\n"), "Größe");
@@ -136,14 +135,14 @@ TEST(DeviceRecord, TellsTheLabelWithItsEscapesUndone) {
   EXPECT_EQ(parseLabel(""), std::nullopt);
 }
 
-TEST(OsRelease, TellsTheNameWithItsQuotesUndone) {
+TEST(OsRelease, RemovesQuotesFromTheName) {
   EXPECT_EQ(parseSystemName(debian), "Debian GNU/Linux");
   EXPECT_EQ(parseSystemName("NAME=Fedora\n"), "Fedora");
   EXPECT_EQ(parseSystemName("NAME='Arch Linux'\n"), "Arch Linux");
   EXPECT_EQ(parseSystemName("NAME=\"A \\\"B\\\" \\$C\"\n"), "A \"B\" $C");
   EXPECT_EQ(parseSystemName("NAME='A\\B'\n"), "A\\B");
   EXPECT_EQ(parseSystemName("NAME=\"open\n"), "open");
-  EXPECT_EQ(parseSystemName("NAME=Fedora  \nNAME=Remix\t\n"), "Remix") << "the last one counts";
+  EXPECT_EQ(parseSystemName("NAME=Fedora  \nNAME=Remix\t\n"), "Remix") << "the last assignment counts";
   EXPECT_EQ(parseSystemName("NAME=\"\n"), std::nullopt);
   EXPECT_EQ(parseSystemName("NAME=\n"), std::nullopt);
   EXPECT_EQ(parseSystemName("PRETTY_NAME=x\n"), std::nullopt);

@@ -12,6 +12,92 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using enum ThermalState;
+
+class ThermalZonesTest : public ::testing::Test {
+ protected:
+  ThermalState state() {
+    zones_.refresh();
+    return zones_.state();
+  }
+
+  void setTemperature(const std::string& text) {
+    tree_.write("sys/class/thermal/thermal_zone0/temp", text + '\n');
+  }
+
+  TemporaryTree tree_;
+  ThermalZones zones_{tree_.roots().sys};
+};
+
+TEST_F(ThermalZonesTest, ReportsChangesOfTheTemperature) {
+  writeMachine(tree_, "rockpro64");
+  EXPECT_EQ(state(), nominal);
+  setTemperature("60000");
+  EXPECT_EQ(state(), fair) << "ten degrees below the lower of two passive trip points";
+  setTemperature("70000");
+  EXPECT_EQ(state(), serious);
+  setTemperature("90000");
+  EXPECT_EQ(state(), critical);
+}
+
+TEST_F(ThermalZonesTest, IgnoresActiveTripPoints) {
+  writeMachine(tree_, "odroid-xu4");
+  for (const auto* zone : {"0", "1", "2", "3"}) {
+    tree_.write(std::string("sys/class/thermal/thermal_zone") + zone + "/temp", "74000\n");
+  }
+  EXPECT_EQ(state(), nominal);
+}
+
+TEST_F(ThermalZonesTest, UsesTheLowerOfHotAndCritical) {
+  writeMachine(tree_, "laptop-overheating");
+  setTemperature("97900");
+  EXPECT_EQ(state(), serious);
+  setTemperature("98000");
+  EXPECT_EQ(state(), critical) << "five degrees below hot";
+}
+
+TEST_F(ThermalZonesTest, IgnoresImplausibleTemperatures) {
+  writeMachine(tree_, "rockpro64");
+  tree_.remove("sys/class/thermal/thermal_zone1");
+  for (const auto* text : {"0", "-273200", "1000", "150000", "200000", "", "hot"}) {
+    setTemperature(text);
+    EXPECT_EQ(state(), unknown) << text;
+  }
+  setTemperature("149000");
+  EXPECT_EQ(state(), critical);
+}
+
+TEST_F(ThermalZonesTest, AcceptsTemperaturesAbove120Degrees) {
+  writeMachine(tree_, "laptop-energy");
+  setTemperature("119000");
+  EXPECT_EQ(state(), nominal);
+  setTemperature("124000");
+  EXPECT_EQ(state(), critical);
+}
+
+TEST_F(ThermalZonesTest, IgnoresNotificationTripPoints) {
+  writeMachine(tree_, "laptop-energy");
+  tree_.write("sys/class/thermal/thermal_zone9/trip_point_0_temp", "48000\n");
+  EXPECT_EQ(state(), nominal);
+}
+
+TEST_F(ThermalZonesTest, ReadsAZoneAgainUntilItsTypeCanBeRead) {
+  writeMachine(tree_, "rockpro64");
+  tree_.write("sys/class/thermal/thermal_zone0/type", "");
+  zones_.refresh();
+  EXPECT_EQ(zones_.all()[0].type, "");
+  tree_.write("sys/class/thermal/thermal_zone0/type", "cpu-thermal\n");
+  zones_.refresh();
+  EXPECT_EQ(zones_.all()[0].type, "cpu-thermal");
+}
+
+TEST_F(ThermalZonesTest, NoticesAddedAndRemovedZones) {
+  EXPECT_EQ(state(), unknown);
+  writeMachine(tree_, "laptop-hot");
+  EXPECT_EQ(state(), serious);
+  tree_.remove("sys/class/thermal/thermal_zone0");
+  EXPECT_EQ(state(), unknown);
+}
 
 class ProcessorSensorsTest : public ::testing::Test {
  protected:
@@ -25,7 +111,7 @@ class ProcessorSensorsTest : public ::testing::Test {
   ProcessorSensors sensors_{tree_.roots().sys};
 };
 
-TEST_F(ProcessorSensorsTest, AreTheProcessorsOwn) {
+TEST_F(ProcessorSensorsTest, RecognizesProcessorSensorsByName) {
   for (const auto* name : {"coretemp",
                            "k8temp",
                            "k10temp",
@@ -55,7 +141,7 @@ TEST_F(ProcessorSensorsTest, AreTheProcessorsOwn) {
   }
 }
 
-TEST_F(ProcessorSensorsTest, ComeBeforeZones) {
+TEST_F(ProcessorSensorsTest, PrefersChipsToProcessorZonesToTheAcpiZone) {
   writeMachine(tree_, "laptop-firmware-zone-only");
   EXPECT_THAT(readings(), ElementsAre(58));
   tree_.write("sys/class/thermal/thermal_zone1/type", "cpu-thermal\n");
@@ -66,25 +152,25 @@ TEST_F(ProcessorSensorsTest, ComeBeforeZones) {
   EXPECT_THAT(readings(), ElementsAre(64));
 }
 
-TEST_F(ProcessorSensorsTest, AreReadAfreshEachTime) {
+TEST_F(ProcessorSensorsTest, ReadsTemperaturesAtEachCall) {
   writeMachine(tree_, "laptop-charging");
   EXPECT_THAT(readings(), ElementsAre(51.125));
   tree_.write("sys/class/hwmon/hwmon2/temp1_input", "60000\n");
   EXPECT_THAT(readings(), ElementsAre(60));
 }
 
-TEST_F(ProcessorSensorsTest, LeaveOutOnlyTheOneThatDoesNotAnswer) {
+TEST_F(ProcessorSensorsTest, OmitsOnlyTheInputThatCannotBeRead) {
   writeMachine(tree_, "laptop-low");
   tree_.write("sys/class/hwmon/hwmon0/temp2_input", "");
   EXPECT_THAT(readings(), ElementsAre(39, 37));
 }
 
-TEST_F(ProcessorSensorsTest, LeaveOutTheControlValueWhereTheDieTellsItsOwn) {
+TEST_F(ProcessorSensorsTest, OmitsTctlWhenThereIsTdie) {
   writeMachine(tree_, "desktop-zenpower");
   EXPECT_THAT(readings(), ElementsAre(50, 44));
 }
 
-TEST_F(ProcessorSensorsTest, AreLookedForAgainUntilTheirChipIsComplete) {
+TEST_F(ProcessorSensorsTest, SearchesAgainUntilAChipIsComplete) {
   tree_.write("sys/class/hwmon/hwmon0/name", "");
   EXPECT_THAT(readings(), IsEmpty());
   tree_.write("sys/class/hwmon/hwmon0/name", "coretemp\n");
@@ -93,7 +179,7 @@ TEST_F(ProcessorSensorsTest, AreLookedForAgainUntilTheirChipIsComplete) {
   EXPECT_THAT(readings(), ElementsAre(40));
 }
 
-TEST_F(ProcessorSensorsTest, ComeAndGo) {
+TEST_F(ProcessorSensorsTest, NoticesAddedAndRemovedChips) {
   EXPECT_THAT(readings(), IsEmpty());
   writeMachine(tree_, "laptop-low");
   EXPECT_THAT(readings(), ElementsAre(39, 38, 37));

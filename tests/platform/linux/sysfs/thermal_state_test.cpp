@@ -1,18 +1,19 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include "platform/linux/sysfs/thermal_state.hpp"
+
 #include <gtest/gtest.h>
 
-#include "platform/linux/sysfs/machine_tree.hpp"
-#include "platform/linux/sysfs/thermal_rules.hpp"
-#include "platform/linux/sysfs/thermal_zones.hpp"
+#include "platform/linux/sysfs/linux_extras_port.hpp"
+#include "support/temporary_tree.hpp"
 
 namespace tarn {
 namespace {
 
 using enum ThermalState;
 
-TEST(ThermalRules, CountTenDegreesBelowTheSlowingDownAsWarm) {
+TEST(ThermalRules, IsFairFromTenDegreesBelowPassive) {
   const TripPoints trips{.passive = 95, .critical = 120};
   EXPECT_EQ(stateOf(84.9, trips), nominal);
   EXPECT_EQ(stateOf(85, trips), fair);
@@ -21,7 +22,7 @@ TEST(ThermalRules, CountTenDegreesBelowTheSlowingDownAsWarm) {
   EXPECT_EQ(stateOf(114.9, trips), serious);
 }
 
-TEST(ThermalRules, CountFiveDegreesBelowTheEndAsOverheating) {
+TEST(ThermalRules, IsCriticalFromFiveDegreesBelowCritical) {
   const TripPoints trips{.passive = 95, .critical = 105};
   EXPECT_EQ(stateOf(99.9, trips), serious);
   EXPECT_EQ(stateOf(100, trips), critical);
@@ -30,107 +31,128 @@ TEST(ThermalRules, CountFiveDegreesBelowTheEndAsOverheating) {
   EXPECT_EQ(stateOf(99, {.passive = std::nullopt, .critical = 105}), nominal);
 }
 
-TEST(ThermalRules, KnowNothingWithoutTripPoints) {
+TEST(ThermalRules, IsUnknownWithoutTripPoints) {
   EXPECT_EQ(stateOf(90, {}), unknown);
 }
 
-TEST(ThermalRules, PassOverTripPointsThatWereNeverSet) {
+TEST(ThermalRules, RejectsUnsetTripPoints) {
   for (const double celsius : {-274.0, -273.2, 0.0, 20.8, 30.0, 130.0, 255.0, 256.0}) {
     EXPECT_FALSE(isPlausibleTrip(celsius)) << celsius;
   }
   for (const double celsius : {30.1, 55.05, 128.0, 129.9}) EXPECT_TRUE(isPlausibleTrip(celsius)) << celsius;
 }
 
-TEST(ThermalRules, LetTheGraverStateCount) {
-  EXPECT_EQ(graver(nominal, fair), fair);
-  EXPECT_EQ(graver(critical, serious), critical);
-  EXPECT_EQ(graver(unknown, nominal), nominal);
-  EXPECT_EQ(graver(unknown, unknown), unknown);
+TEST(ThermalRules, ReturnsTheHigherSeverity) {
+  EXPECT_EQ(higherSeverity(nominal, fair), fair);
+  EXPECT_EQ(higherSeverity(critical, serious), critical);
+  EXPECT_EQ(higherSeverity(unknown, nominal), nominal);
+  EXPECT_EQ(higherSeverity(unknown, unknown), unknown);
 }
 
-class ThermalZonesTest : public ::testing::Test {
+class ThrottleCountersTest : public ::testing::Test {
  protected:
-  ThermalState state() {
-    zones_.refresh();
-    return zones_.state();
+  void set(int processor, const std::string& counter, int count) {
+    tree_.write(directoryOf(processor) + "/thermal_throttle/" + counter, std::to_string(count) + '\n');
   }
 
-  void setTemperature(const std::string& text) {
-    tree_.write("sys/class/thermal/thermal_zone0/temp", text + '\n');
+  void setPackage(int processor, int package) {
+    tree_.write(directoryOf(processor) + "/topology/physical_package_id", std::to_string(package) + '\n');
+  }
+
+  static std::string directoryOf(int processor) {
+    return "sys/devices/system/cpu/cpu" + std::to_string(processor);
+  }
+
+  /// Calls haveIncreased three seconds after the previous call.
+  std::optional<bool> haveIncreased() {
+    now_ += std::chrono::seconds(3);
+    return counters_.haveIncreased(now_);
   }
 
   TemporaryTree tree_;
-  ThermalZones zones_{tree_.roots().sys};
+  ThrottleCounters::Time now_;
+  ThrottleCounters counters_{tree_.roots().sys};
 };
 
-TEST_F(ThermalZonesTest, FollowTheirTemperature) {
-  writeMachine(tree_, "rockpro64");
-  EXPECT_EQ(state(), nominal);
-  setTemperature("60000");
-  EXPECT_EQ(state(), fair) << "ten below the lower of two passive trip points";
-  setTemperature("70000");
-  EXPECT_EQ(state(), serious);
-  setTemperature("90000");
-  EXPECT_EQ(state(), critical);
+TEST_F(ThrottleCountersTest, ReturnsNothingWithoutCounters) {
+  EXPECT_EQ(haveIncreased(), std::nullopt);
+  tree_.write("sys/devices/system/cpu/cpufreq/thermal_throttle/core_throttle_count", "1\n");
+  tree_.write("sys/devices/system/cpu/online", "0-3\n");
+  EXPECT_EQ(ThrottleCounters(tree_.roots().sys).haveIncreased(now_), std::nullopt);
 }
 
-TEST_F(ThermalZonesTest, AreNotAlarmedByFans) {
-  writeMachine(tree_, "odroid-xu4");
-  for (const auto* zone : {"0", "1", "2", "3"}) {
-    tree_.write(std::string("sys/class/thermal/thermal_zone") + zone + "/temp", "74000\n");
+TEST_F(ThrottleCountersTest, ReportsAnIncreaseOnce) {
+  set(0, "core_throttle_count", 5);
+  EXPECT_EQ(haveIncreased(), false) << "the first call has nothing to compare with";
+  EXPECT_EQ(haveIncreased(), false);
+  set(0, "core_throttle_count", 6);
+  EXPECT_EQ(haveIncreased(), true);
+  EXPECT_EQ(haveIncreased(), false);
+}
+
+TEST_F(ThrottleCountersTest, UsesOneCounterPerPackage) {
+  for (int processor = 0; processor < 4; ++processor) {
+    set(processor, "core_throttle_count", 0);
+    set(processor, "package_throttle_count", 0);
+    setPackage(processor, processor / 2);
   }
-  EXPECT_EQ(state(), nominal);
+  EXPECT_EQ(haveIncreased(), false);
+  set(1, "package_throttle_count", 1);
+  set(1, "core_throttle_count", 1);
+  EXPECT_EQ(haveIncreased(), false) << "only the first processor of a package is read";
+  set(2, "package_throttle_count", 1);
+  EXPECT_EQ(haveIncreased(), true);
 }
 
-TEST_F(ThermalZonesTest, TakeTheLowerOfHotAndCritical) {
-  writeMachine(tree_, "laptop-overheating");
-  setTemperature("97900");
-  EXPECT_EQ(state(), serious);
-  setTemperature("98000");
-  EXPECT_EQ(state(), critical) << "five below hot";
+TEST_F(ThrottleCountersTest, UsesCoreCountersWithoutPackageCounters) {
+  set(0, "core_throttle_count", 0);
+  set(1, "core_throttle_count", 0);
+  EXPECT_EQ(haveIncreased(), false);
+  set(1, "core_throttle_count", 1);
+  EXPECT_EQ(haveIncreased(), true);
 }
 
-TEST_F(ThermalZonesTest, DoNotBelieveAnImplausibleTemperature) {
-  writeMachine(tree_, "rockpro64");
-  tree_.remove("sys/class/thermal/thermal_zone1");
-  for (const auto* text : {"0", "-273200", "1000", "150000", "200000", "", "hot"}) {
-    setTemperature(text);
-    EXPECT_EQ(state(), unknown) << text;
+TEST_F(ThrottleCountersTest, IgnoresRemovedAndResetCounters) {
+  set(0, "core_throttle_count", 9);
+  set(1, "core_throttle_count", 9);
+  EXPECT_EQ(haveIncreased(), false);
+  set(0, "core_throttle_count", 0);
+  tree_.remove(directoryOf(1));
+  EXPECT_EQ(haveIncreased(), false);
+  tree_.remove(directoryOf(0));
+  EXPECT_EQ(haveIncreased(), std::nullopt);
+}
+
+TEST_F(ThrottleCountersTest, IgnoresAnIncreaseOverALongInterval) {
+  set(0, "core_throttle_count", 5);
+  EXPECT_EQ(haveIncreased(), false);
+  set(0, "core_throttle_count", 6);
+  now_ += std::chrono::minutes(10);
+  EXPECT_EQ(haveIncreased(), false);
+  set(0, "core_throttle_count", 7);
+  EXPECT_EQ(haveIncreased(), true);
+}
+
+TEST_F(ThrottleCountersTest, SearchesAgainWhenAProcessorGoesOffline) {
+  for (int processor = 0; processor < 2; ++processor) {
+    set(processor, "package_throttle_count", 0);
+    setPackage(processor, 0);
   }
-  setTemperature("149000");
-  EXPECT_EQ(state(), critical);
+  EXPECT_EQ(haveIncreased(), false);
+  tree_.remove(directoryOf(0));
+  EXPECT_EQ(haveIncreased(), std::nullopt);
+  EXPECT_EQ(haveIncreased(), false);
+  set(1, "package_throttle_count", 1);
+  EXPECT_EQ(haveIncreased(), true);
 }
 
-TEST_F(ThermalZonesTest, GrowGraverAllTheWayToAHighCriticalTripPoint) {
-  writeMachine(tree_, "laptop-energy");
-  setTemperature("119000");
-  EXPECT_EQ(state(), nominal);
-  setTemperature("124000");
-  EXPECT_EQ(state(), critical);
-}
-
-TEST_F(ThermalZonesTest, AreNotAlarmedByThresholdsThatProgramsSet) {
-  writeMachine(tree_, "laptop-energy");
-  tree_.write("sys/class/thermal/thermal_zone9/trip_point_0_temp", "48000\n");
-  EXPECT_EQ(state(), nominal);
-}
-
-TEST_F(ThermalZonesTest, AreAskedAgainWhenTheyDidNotAnswerAtOnce) {
-  writeMachine(tree_, "rockpro64");
-  tree_.write("sys/class/thermal/thermal_zone0/type", "");
-  zones_.refresh();
-  EXPECT_EQ(zones_.all()[0].type, "");
-  tree_.write("sys/class/thermal/thermal_zone0/type", "cpu-thermal\n");
-  zones_.refresh();
-  EXPECT_EQ(zones_.all()[0].type, "cpu-thermal");
-}
-
-TEST_F(ThermalZonesTest, ComeAndGo) {
-  EXPECT_EQ(state(), unknown);
-  writeMachine(tree_, "laptop-hot");
-  EXPECT_EQ(state(), serious);
-  tree_.remove("sys/class/thermal/thermal_zone0");
-  EXPECT_EQ(state(), unknown);
+TEST_F(ThrottleCountersTest, RaisesTheThermalStateUntilTheNextCall) {
+  set(0, "core_throttle_count", 1);
+  const ExtrasPort port = linuxExtrasPort(tree_.roots());
+  EXPECT_EQ(port.thermalState(), ThermalState::nominal);
+  set(0, "core_throttle_count", 2);
+  EXPECT_EQ(port.thermalState(), ThermalState::serious);
+  EXPECT_EQ(port.thermalState(), ThermalState::nominal);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace tarn {
 
 using namespace std::string_literals;
 
-FakeCompositor::FakeCompositor(std::vector<Answer> answers) {
+FakeCompositor::FakeCompositor(std::vector<Handler> handlers) {
   std::string folder = (std::filesystem::temp_directory_path() / "tarn-test-XXXXXX").string();
   folder_ = ::mkdtemp(folder.data());
   sockaddr_un address{};
@@ -24,10 +24,10 @@ FakeCompositor::FakeCompositor(std::vector<Answer> answers) {
   listener_ = FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   EXPECT_EQ(::bind(listener_.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
   EXPECT_EQ(::listen(listener_.number(), 4), 0);
-  thread_ = std::thread([this, answers = std::move(answers)] {
-    for (const Answer& answer : answers) {
+  thread_ = std::thread([this, handlers = std::move(handlers)] {
+    for (const Handler& handler : handlers) {
       const FileDescriptor connection(::accept(listener_.number(), nullptr, nullptr));
-      if (connection.valid()) answer(connection.number());
+      if (connection.valid()) handler(connection.number());
     }
   });
 }
@@ -42,25 +42,25 @@ void write(int connection, const std::string& bytes) {
   EXPECT_EQ(::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
 }
 
-std::string readQuestion(int connection, std::size_t size) {
-  std::string question(size, '\0');
-  EXPECT_EQ(::recv(connection, question.data(), size, MSG_WAITALL), static_cast<ssize_t>(size));
-  return question;
+std::string readBytes(int connection, std::size_t size) {
+  std::string bytes(size, '\0');
+  EXPECT_EQ(::recv(connection, bytes.data(), size, MSG_WAITALL), static_cast<ssize_t>(size));
+  return bytes;
 }
 
 std::string readSwayCommand(int connection) {
-  const std::string head = readQuestion(connection, 14);
+  const std::string head = readBytes(connection, 14);
   std::uint32_t length = 0;
   std::memcpy(&length, head.data() + 6, sizeof length);
-  EXPECT_EQ(head.substr(10), "\0\0\0\0"s) << "is an order";
-  return readQuestion(connection, length);
+  EXPECT_EQ(head.substr(10), "\0\0\0\0"s) << "type RUN_COMMAND";
+  return readBytes(connection, length);
 }
 
-std::string swayAnswer(const std::string& json) {
+std::string swayReply(const std::string& json) {
   const auto length = static_cast<std::uint32_t>(json.size());
-  std::string answer = "i3-ipc"s + std::string(8, '\0') + json;
-  std::memcpy(answer.data() + 6, &length, sizeof length);
-  return answer;
+  std::string reply = "i3-ipc"s + std::string(8, '\0') + json;
+  std::memcpy(reply.data() + 6, &length, sizeof length);
+  return reply;
 }
 
 }  // namespace tarn

@@ -12,13 +12,14 @@
 
 namespace tarn {
 
-/// A compositor's socket. It answers one connection after another, each in its own way; more are refused.
+/// A compositor's IPC socket. A thread serves one connection after another, each with its own handler; then
+/// the socket refuses connections.
 class FakeCompositor {
  public:
-  using Answer = std::function<void(int connection)>;
+  using Handler = std::function<void(int connection)>;
 
-  explicit FakeCompositor(std::vector<Answer> answers);
-  explicit FakeCompositor(Answer answer) : FakeCompositor(std::vector{std::move(answer)}) {}
+  explicit FakeCompositor(std::vector<Handler> handlers);
+  explicit FakeCompositor(Handler handler) : FakeCompositor(std::vector{std::move(handler)}) {}
   FakeCompositor(const FakeCompositor&) = delete;
   FakeCompositor& operator=(const FakeCompositor&) = delete;
   ~FakeCompositor();
@@ -31,16 +32,16 @@ class FakeCompositor {
   std::thread thread_;
 };
 
-/// Sends an answer.
+/// Sends all of `bytes`.
 void write(int connection, const std::string& bytes);
 
-/// The next bytes of a question.
-std::string readQuestion(int connection, std::size_t size);
+/// Waits for exactly `size` bytes.
+std::string readBytes(int connection, std::size_t size);
 
-/// The words of a command to sway.
+/// Waits for a RUN_COMMAND message of sway-ipc and returns its payload.
 std::string readSwayCommand(int connection);
 
-/// An answer as sway frames it.
-std::string swayAnswer(const std::string& json);
+/// A message of sway-ipc with the payload `json`.
+std::string swayReply(const std::string& json);
 
 }  // namespace tarn

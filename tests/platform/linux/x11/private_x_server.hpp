@@ -9,22 +9,22 @@
 
 namespace tarn::test {
 
-/// An X server for one test, on a display number that was free.
+/// An Xvfb for one test, on a free display number.
 class PrivateXServer {
  public:
-  /// `options` go to the server; with a `display` it is that one.
+  /// Starts the server with `options`, on `display` (":3") if one is given.
   explicit PrivateXServer(const QStringList& options = {}, const std::string& display = {});
   ~PrivateXServer();
   Q_DISABLE_COPY_MOVE(PrivateXServer)
 
-  /// As in the environment.
+  /// A value for DISPLAY.
   const std::string& display() const { return display_; }
 
-  /// Stops the server from running, and lets it go on.
+  /// Suspends and continues the server process (SIGSTOP, SIGCONT).
   void pause() const;
   void resume() const;
 
-  /// Ends it.
+  /// Terminates the server and waits for its end.
   void stop();
 
  private:
