@@ -6,13 +6,13 @@
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <QSignalSpy>
 #include <memory>
 #include <optional>
 #include <utility>
 
 #include "platform/linux/dbus/bus_client.hpp"
+#include "platform/linux/dbus/fake_service.hpp"
 #include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
 #include "support/event_loop.hpp"
@@ -23,7 +23,6 @@ namespace {
 
 using test::eventually;
 
-const QString portalName = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString settings = QStringLiteral("org.freedesktop.portal.Settings");
 const QString appearance = QStringLiteral("org.freedesktop.appearance");
@@ -34,23 +33,15 @@ QVariant wrapped(const QVariant& value) {
 }
 
 /// A portal with this one setting. Without `reply` it never replies.
-class FakePortal final : public QDBusVirtualObject {
+class FakePortal final : public test::FakeService {
  public:
   FakePortal(QDBusConnection connection, std::optional<QVariant> reply)
-      : connection_(std::move(connection)), reply_(std::move(reply)) {
-    connection_.registerVirtualObject(portalPath, this);
-    connection_.registerService(portalName);
-  }
-
-  ~FakePortal() override {
-    connection_.unregisterService(portalName);
-    connection_.unregisterObject(portalPath);
-  }
-  Q_DISABLE_COPY_MOVE(FakePortal)
+      : FakeService(std::move(connection), QStringLiteral("org.freedesktop.portal.Desktop"), portalPath),
+        reply_(std::move(reply)) {}
 
   void change(const QVariant& value, const QString& key = colorScheme) {
     reply_ = wrapped(wrapped(value));
-    sendChange(connection_, value, key);
+    sendChange(connection(), value, key);
   }
 
   static void sendChange(const QDBusConnection& from, const QVariant& value, const QString& key) {
@@ -58,8 +49,6 @@ class FakePortal final : public QDBusVirtualObject {
     signal.setArguments({appearance, key, wrapped(value)});
     from.send(signal);
   }
-
-  QString introspect(const QString& /*path*/) const override { return {}; }
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     ++calls_;
@@ -76,7 +65,6 @@ class FakePortal final : public QDBusVirtualObject {
   int calls() const { return calls_; }
 
  private:
-  QDBusConnection connection_;
   std::optional<QVariant> reply_;
   int calls_ = 0;
 };
@@ -93,7 +81,7 @@ class PortalColorSchemeTest : public testing::Test {
   }
 
   /// Waits until all messages to and from the watcher have been handled.
-  void settle() { client_.takeSignals(); }
+  void drainMessages() { client_.takeSignals(); }
 
   test::PrivateBus bus_;
   QDBusConnection connection_ = bus_.connection();
@@ -126,7 +114,7 @@ TEST_F(PortalColorSchemeTest, FollowsChanges) {
 
 TEST_F(PortalColorSchemeTest, ReadsFromAPortalThatStartsLater) {
   start();
-  settle();
+  drainMessages();
   const FakePortal portal(bus_.connection(), wrapped(wrapped(1U)));
   EXPECT_TRUE(becomes(ColorScheme::dark));
 }
@@ -136,7 +124,7 @@ TEST_F(PortalColorSchemeTest, KeepsThePreferenceOfAPortalThatStopped) {
   start();
   ASSERT_TRUE(becomes(ColorScheme::dark));
   portal.reset();
-  settle();
+  drainMessages();
   EXPECT_EQ(scheme_->preference(), ColorScheme::dark);
   portal = std::make_unique<FakePortal>(bus_.connection(), wrapped(2U));
   EXPECT_TRUE(becomes(ColorScheme::light));
@@ -153,7 +141,7 @@ TEST_F(PortalColorSchemeTest, TreatsUnknownAndMalformedValuesAsNoPreference) {
     const FakePortal portal(bus_.connection(), reply);
     start();
     ASSERT_TRUE(eventually([&] { return portal.calls() >= 2; }));
-    settle();
+    drainMessages();
     EXPECT_EQ(scheme_->preference(), std::nullopt);
     EXPECT_TRUE(changed_->isEmpty());
     scheme_.reset();
@@ -177,7 +165,7 @@ TEST_F(PortalColorSchemeTest, IgnoresSignalsOfOtherSenders) {
   const QDBusConnection other = bus_.connection();
   FakePortal::sendChange(other, 1U, colorScheme);
   test::BusClient(other, connection_.baseService()).takeSignals();
-  settle();
+  drainMessages();
   EXPECT_EQ(scheme_->preference(), ColorScheme::light);
 }
 

@@ -6,7 +6,6 @@
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusVirtualObject>
 #include <QDeadlineTimer>
 #include <QList>
 #include <QStringList>
@@ -15,6 +14,7 @@
 #include <utility>
 
 #include "platform/linux/dbus/bus_client.hpp"
+#include "platform/linux/dbus/fake_service.hpp"
 #include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
 #include "support/event_loop.hpp"
@@ -29,20 +29,12 @@ const QString url = QStringLiteral("https://tarn.example/?a=b&c");
 /// How a portal replies to a request.
 enum class Reply { success, refusal, unknownMethod, none };
 
-class FakePortal final : public QDBusVirtualObject {
+class FakePortal final : public test::FakeService {
  public:
-  FakePortal(QDBusConnection connection, Reply reply) : connection_(std::move(connection)), reply_(reply) {
-    connection_.registerVirtualObject(QStringLiteral("/org/freedesktop/portal/desktop"), this);
-    connection_.registerService(QStringLiteral("org.freedesktop.portal.Desktop"));
-  }
-
-  ~FakePortal() override {
-    connection_.unregisterService(QStringLiteral("org.freedesktop.portal.Desktop"));
-    connection_.unregisterObject(QStringLiteral("/org/freedesktop/portal/desktop"));
-  }
-  Q_DISABLE_COPY_MOVE(FakePortal)
-
-  QString introspect(const QString& /*path*/) const override { return {}; }
+  FakePortal(QDBusConnection connection, Reply reply)
+      : FakeService(std::move(connection), QStringLiteral("org.freedesktop.portal.Desktop"),
+                    QStringLiteral("/org/freedesktop/portal/desktop")),
+        reply_(reply) {}
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     requests_ << message;
@@ -64,7 +56,6 @@ class FakePortal final : public QDBusVirtualObject {
   const QList<QDBusMessage>& requests() const { return requests_; }
 
  private:
-  QDBusConnection connection_;
   Reply reply_;
   QList<QDBusMessage> requests_;
 };
@@ -88,7 +79,7 @@ class PortalUrlOpenerTest : public testing::Test {
   }
 
   /// Waits until all replies of the portal have arrived.
-  void settle() {
+  void drainMessages() {
     test::BusClient(connection_, portalConnection_.baseService())
         .call(QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
   }
@@ -105,7 +96,7 @@ TEST_F(PortalUrlOpenerTest, SendsTheUrlUnchanged) {
   start(Reply::success);
   open();
   ASSERT_TRUE(isRequested());
-  settle();
+  drainMessages();
   ASSERT_EQ(portal_->requests().size(), 1);
   const QDBusMessage& request = portal_->requests().first();
   EXPECT_EQ(request.interface(), "org.freedesktop.portal.OpenURI");
@@ -128,7 +119,7 @@ TEST_F(PortalUrlOpenerTest, CallsTheFallbackWhenThePortalRefuses) {
     start(reply);
     open();
     ASSERT_TRUE(isFallbackCalled());
-    settle();
+    drainMessages();
     EXPECT_EQ(fallbackUrls_, QStringList{url});
     portal_.reset();
   }
@@ -149,7 +140,7 @@ TEST_F(PortalUrlOpenerTest, DoesNotBlock) {
   EXPECT_FALSE(deadline.hasExpired());
   bus_.resume();
   ASSERT_TRUE(isRequested());
-  settle();
+  drainMessages();
   EXPECT_EQ(fallbackUrls_, QStringList());
 }
 
@@ -158,7 +149,7 @@ TEST_F(PortalUrlOpenerTest, IgnoresTheReplyAfterItsDestruction) {
   open();
   opener_.reset();
   ASSERT_TRUE(isRequested());
-  settle();
+  drainMessages();
   EXPECT_EQ(fallbackUrls_, QStringList());
 }
 

@@ -5,13 +5,13 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusError>
-#include <QDBusVirtualObject>
 #include <chrono>
 #include <future>
 #include <utility>
 
 #include "platform/linux/dbus/bus_client.hpp"
 #include "platform/linux/dbus/bus_single_instance.hpp"
+#include "platform/linux/dbus/fake_service.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
 #include "support/event_loop.hpp"
 
@@ -24,27 +24,14 @@ const QString path = QLatin1Char('/') + singleInstanceName().replace(QLatin1Char
 const QString application = QStringLiteral("org.freedesktop.Application");
 
 /// Owns the name and replies to each call with an error.
-class RefusingOwner final : public QDBusVirtualObject {
+class RefusingOwner final : public test::FakeService {
  public:
-  explicit RefusingOwner(QDBusConnection connection) : connection_(std::move(connection)) {
-    connection_.registerVirtualObject(path, this);
-    connection_.registerService(singleInstanceName());
-  }
-
-  ~RefusingOwner() override {
-    connection_.unregisterService(singleInstanceName());
-    connection_.unregisterObject(path);
-  }
-  Q_DISABLE_COPY_MOVE(RefusingOwner)
-
-  QString introspect(const QString& /*path*/) const override { return {}; }
+  explicit RefusingOwner(QDBusConnection connection)
+      : FakeService(std::move(connection), singleInstanceName(), path) {}
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     return connection.send(message.createErrorReply(QDBusError::UnknownMethod, QStringLiteral("No")));
   }
-
- private:
-  QDBusConnection connection_;
 };
 
 class BusSingleInstanceTest : public testing::Test {

@@ -84,7 +84,7 @@ enum class Outcome {
 /// Runs `work` and fails its `number`-th allocation, and all after it if `isLasting`.
 template <typename Work>
 Outcome failAllocation(std::size_t number, bool isLasting, Work work) {
-  const RefusedAllocation refusal(number, isLasting);
+  const FailingAllocation refusal(number, isLasting);
   try {
     work();
   } catch (const std::bad_alloc&) {
@@ -232,7 +232,7 @@ class OutOfMemoryTriggers final : public PsiTriggers {
 
  private:
   std::function<void(int)> atWait_;
-  std::optional<RefusedAllocation> refusal_;
+  std::optional<FailingAllocation> refusal_;
   int waits_ = 0;
 };
 

@@ -17,15 +17,7 @@ const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 }  // namespace
 
 FakeWatcher::FakeWatcher(QDBusConnection connection, bool hasHost, WatcherReplies replies)
-    : connection_(std::move(connection)), hasHost_(hasHost), replies_(replies) {
-  connection_.registerVirtualObject(watcherPath, this);
-  connection_.registerService(watcherName);
-}
-
-FakeWatcher::~FakeWatcher() {
-  connection_.unregisterService(watcherName);
-  connection_.unregisterObject(watcherPath);
-}
+    : FakeService(std::move(connection), watcherName, watcherPath), hasHost_(hasHost), replies_(replies) {}
 
 void FakeWatcher::setHasHost(bool hasHost) {
   hasHost_ = hasHost;
@@ -36,12 +28,7 @@ void FakeWatcher::setHasHost(bool hasHost) {
 void FakeWatcher::sendSignal(const QString& name, const QVariantList& arguments) {
   QDBusMessage signal = QDBusMessage::createSignal(watcherPath, watcherName, name);
   signal.setArguments(arguments);
-  connection_.send(signal);
-}
-
-QString FakeWatcher::introspect(const QString& path) const {
-  Q_UNUSED(path)
-  return {};
+  connection().send(signal);
 }
 
 bool FakeWatcher::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
@@ -65,7 +52,7 @@ bool FakeWatcher::handleMessage(const QDBusMessage& message, const QDBusConnecti
       connection.send(registers ? error : reply);
       break;
     case WatcherReplies::malformed:
-      connection.send(message.createReply({QStringLiteral("nonsense"), QByteArray(100000, 'x'), 7}));
+      connection.send(message.createReply({QStringLiteral("malformed"), QByteArray(100000, 'x'), 7}));
       break;
     case WatcherReplies::none:
       break;

@@ -4,9 +4,10 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusVirtualObject>
 #include <QStringList>
 #include <QVariant>
+
+#include "platform/linux/dbus/fake_service.hpp"
 
 namespace tarn::test {
 
@@ -15,14 +16,10 @@ namespace tarn::test {
 enum class WatcherReplies { correct, errors, registrationErrors, malformed, none };
 
 /// A StatusNotifierWatcher on the bus until it is destroyed, with or without a host (a panel).
-class FakeWatcher final : public QDBusVirtualObject {
-  Q_OBJECT
-
+class FakeWatcher final : public FakeService {
  public:
   explicit FakeWatcher(QDBusConnection connection, bool hasHost = true,
                        WatcherReplies replies = WatcherReplies::correct);
-  ~FakeWatcher() override;
-  Q_DISABLE_COPY_MOVE(FakeWatcher)
 
   /// Adds or removes the host, and sends the signal for it.
   void setHasHost(bool hasHost);
@@ -36,11 +33,9 @@ class FakeWatcher final : public QDBusVirtualObject {
   /// How often the property IsStatusNotifierHostRegistered was read.
   int hostQueries() const { return hostQueries_; }
 
-  QString introspect(const QString& path) const override;
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
  private:
-  QDBusConnection connection_;
   bool hasHost_;
   WatcherReplies replies_;
   QStringList items_;

@@ -55,7 +55,7 @@ class PanelItemTest : public testing::Test {
   }
 
   /// Waits until all messages that were sent before have been handled.
-  void settle() { client_.takeSignals(); }
+  void drainMessages() { client_.takeSignals(); }
 
   bool isShown(qsizetype times = 1) {
     return eventually([this, times] { return appeared_->size() == times; });
@@ -98,7 +98,7 @@ TEST_F(PanelItemTest, RegistersOnceAfterEachOfTwentyPanelRestarts) {
     FakeWatcher watcher(bus_.connection());
     ASSERT_TRUE(eventually([&] { return !watcher.items().isEmpty() && watcher.hostQueries() > 0; }))
         << restart;
-    settle();
+    drainMessages();
     EXPECT_EQ(watcher.items(), QStringList{connection_.baseService()}) << restart;
   }
   EXPECT_TRUE(missing_->isEmpty());
@@ -122,9 +122,9 @@ TEST_F(PanelItemTest, EmitsHostMissingOnceWithoutAPanel) {
   ASSERT_TRUE(isMissing());
   {
     const FakeWatcher watcher(bus_.connection(), /*hasHost=*/false);
-    settle();
+    drainMessages();
   }
-  settle();
+  drainMessages();
   EXPECT_FALSE(eventually([&] { return missing_->size() > 1; }, shortGrace * 4));
   EXPECT_TRUE(appeared_->isEmpty());
 }
@@ -140,7 +140,7 @@ TEST_F(PanelItemTest, WaitsForAHostThatRegistersLater) {
   FakeWatcher watcher(bus_.connection(), /*hasHost=*/false);
   start(longGrace);
   ASSERT_TRUE(eventually([&] { return watcher.hostQueries() == 1; }));
-  settle();
+  drainMessages();
   EXPECT_TRUE(appeared_->isEmpty());
   watcher.setHasHost(true);
   ASSERT_TRUE(isShown());
@@ -173,7 +173,7 @@ TEST_F(PanelItemTest, EmitsNothingForAQuickPanelRestart) {
   watcher.reset();
   watcher = std::make_unique<FakeWatcher>(bus_.connection());
   ASSERT_TRUE(eventually([&] { return watcher->hostQueries() == 1; }));
-  settle();
+  drainMessages();
   EXPECT_EQ(appeared_->size(), 1);
   EXPECT_TRUE(missing_->isEmpty());
 }
@@ -196,10 +196,10 @@ TEST_F(PanelItemTest, SendsNoSecondQueryBeforeTheReply) {
   start(longGrace);
   ASSERT_TRUE(eventually([&] { return watcher.hostQueries() == 1; }));
   for (int count = 0; count < 100; ++count) {
-    watcher.sendSignal(QStringLiteral("StatusNotifierHostRegistered"), {count, QStringLiteral("nonsense")});
+    watcher.sendSignal(QStringLiteral("StatusNotifierHostRegistered"), {count, QStringLiteral("malformed")});
   }
-  settle();
-  settle();
+  drainMessages();
+  drainMessages();
   EXPECT_EQ(watcher.hostQueries(), 1);
 }
 
@@ -218,7 +218,7 @@ TEST_F(PanelItemTest, IgnoresSignalsOfOtherSenders) {
                                         QStringLiteral("org.kde.StatusNotifierWatcher"),
                                         QStringLiteral("StatusNotifierHostRegistered")));
   test::BusClient(other, connection_.baseService()).takeSignals();
-  settle();
+  drainMessages();
   EXPECT_EQ(watcher.hostQueries(), 1);
   EXPECT_EQ(watcher.items().size(), 1);
   watcher.setHasHost(true);
@@ -269,6 +269,18 @@ TEST_F(PanelItemTest, AdaptsToAnotherPanel) {
   EXPECT_FALSE(client_.property(path, interface, QStringLiteral("XAyatanaLabel")).isValid());
 }
 
+TEST_F(PanelItemTest, ReleasesMemoryAfterABurstOfCalls) {
+  int releases = 0;
+  PanelItem item({.bus = connection_,
+                  .programName = [](unsigned) { return QString(); },
+                  .hasXembedTray = {},
+                  .releaseMemory = [&] { ++releases; }});
+  item.show(ordinaryLabel());
+  for (int count = 0; count < 64; ++count) client_.properties(path, interface);
+  EXPECT_EQ(releases, 0);
+  EXPECT_TRUE(eventually([&] { return releases == 1; }));
+}
+
 TEST_F(PanelItemTest, ForwardsClicksAndMenuChoices) {
   start(longGrace);
   std::optional<QPoint> position;
@@ -296,7 +308,7 @@ TEST_F(PanelItemTest, UsesAnXembedTrayWithoutAWatcher) {
 
   const FakeWatcher watcher(bus_.connection());
   ASSERT_TRUE(eventually([&] { return watcher.items().size() == 1; }));
-  settle();
+  drainMessages();
   EXPECT_EQ(appeared_->size(), 1);
 }
 

@@ -47,9 +47,9 @@ TEST(ProcessOfWindow, IsThePidOfHyprlandsActiveWindow) {
 TEST(SwayFrontmost, RequestsTheTreeAndReturnsThePid) {
   const FakeCompositor sway([](int connection) {
     EXPECT_EQ(readBytes(connection, 14), "i3-ipc\0\0\0\0\4\0\0\0"s);
-    const std::string answer = swayReply(tree);
-    write(connection, answer.substr(0, 9));
-    write(connection, answer.substr(9));
+    const std::string reply = swayReply(tree);
+    write(connection, reply.substr(0, 9));
+    write(connection, reply.substr(9));
   });
   const auto application = swayFrontmostApplication(sway.path())();
   ASSERT_TRUE(application);
@@ -97,13 +97,13 @@ TEST(SwayFrontmost, TimesOutAfterFiftyMilliseconds) {
 }
 
 TEST(SwayFrontmost, IsAbsentWhenTheReplyIsMalformed) {
-  for (const std::string& answer :
+  for (const std::string& reply :
        {"HTTP/1.1 400 Bad"s, ""s, "i3-ipc"s, "i3-ipc\xff\xff\xff\xff\4\0\0\0"s, swayReply("garbage")}) {
-    const FakeCompositor sway([&answer](int connection) {
+    const FakeCompositor sway([&reply](int connection) {
       readBytes(connection, 14);
-      write(connection, answer);
+      write(connection, reply);
     });
-    EXPECT_EQ(swayFrontmostApplication(sway.path())(), std::nullopt) << answer;
+    EXPECT_EQ(swayFrontmostApplication(sway.path())(), std::nullopt) << reply;
   }
 }
 

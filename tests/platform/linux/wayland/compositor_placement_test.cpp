@@ -109,13 +109,13 @@ TEST(SwayPlacement, CentersTheWindowOnThePointerAndReadsItsPosition) {
 }
 
 TEST(SwayPlacement, IsAbsentWhileSwayDoesNotHaveTheWindow) {
-  for (const std::string& answer : {R"([{"success":false,"error":"No matching node."}])"s, "[]"s, "garbage"s,
-                                    R"([{"success":true},{"success":false}])"s}) {
-    const FakeCompositor sway([&answer](int connection) {
+  for (const std::string& reply : {R"([{"success":false,"error":"No matching node."}])"s, "[]"s, "garbage"s,
+                                   R"([{"success":true},{"success":false}])"s}) {
+    const FakeCompositor sway([&reply](int connection) {
       readSwayCommand(connection);
-      write(connection, swayReply(answer));
+      write(connection, swayReply(reply));
     });
-    EXPECT_FALSE(swayPlacement(sway.path())->locate()) << answer;
+    EXPECT_FALSE(swayPlacement(sway.path())->locate()) << reply;
   }
   EXPECT_FALSE(swayPlacement("/nowhere/at/all")->locate());
 }

@@ -65,7 +65,7 @@ TEST_F(X11SessionTest, ReportsNoProcessWhenTheActiveWindowDoesNotExist) {
 }
 
 TEST_F(X11SessionTest, ReportsNoProcessWhenTheActiveWindowPropertyIsMalformed) {
-  client_.setText(client_.root(), "_NET_ACTIVE_WINDOW", "nonsense");
+  client_.setText(client_.root(), "_NET_ACTIVE_WINDOW", "malformed");
   EXPECT_EQ(pid(), std::nullopt);
   client_.setText(client_.root(), "_NET_ACTIVE_WINDOW", "");
   EXPECT_EQ(pid(), std::nullopt);
@@ -159,7 +159,7 @@ TEST(X11SessionWithoutResourceExtension, ResolvesADeclaredPidOfAPidNamespace) {
 }
 
 TEST(X11SessionWithoutServer, ReportsNothing) {
-  for (const char* display : {":99999", "nonsense", ":-1", ":"}) {
+  for (const char* display : {":99999", "malformed", ":-1", ":"}) {
     X11Session session{std::string(display)};
     EXPECT_EQ(session.activeProcess(soon()), std::nullopt) << display;
     EXPECT_EQ(session.hasXembedTray(soon()), std::nullopt) << display;
