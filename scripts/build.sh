@@ -8,7 +8,9 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 preset="$1"
 shift
+targets=()
+[ "$#" -eq 0 ] || targets=(--target "$@")
 cd "$repository"
 say "Building Tarn ($preset)"
 cmake --preset "$preset" --log-level=WARNING
-cmake --build --preset "$preset" --parallel "$(nproc)" ${*:+--target "$@"}
+cmake --build --preset "$preset" --parallel "$(nproc)" "${targets[@]}"
