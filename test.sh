@@ -52,27 +52,18 @@ build_and_test() {
   return "$status"
 }
 
-# end_to_end PRESET GROUP...: the end-to-end tests of some groups, on the program of a preset.
-end_to_end() { end_to_end_with -- "$@"; }
-
-# end_to_end_with OPTION... -- PRESET GROUP...: the same on a desktop with options of on_virtual_desktop.sh.
-end_to_end_with() {
-  local options=()
-  while [ "$1" != -- ]; do
-    options+=("$1")
-    shift
-  done
-  shift
-  local preset="$1" status=0 tests_passed tests_failed
-  local results="$repository/build/results/end_to_end-$preset$2"
-  shift
-  rm -rf "$results"
-  scripts/build.sh "$preset" || return
-  scripts/on_virtual_desktop.sh "${options[@]}" "build/$preset/src/app/tarn" "$results" run_tests.py "$@" || status=$?
-  if read -r tests_passed tests_failed 2>/dev/null <"$results/counts"; then
-    stage_passed=$((stage_passed + tests_passed))
-    stage_failed=$((stage_failed + tests_failed))
-  fi
+# end_to_end MARKERS: the end-to-end tests with these markers, on the sanitized and the released program.
+end_to_end() {
+  local status=0 results="build/end_to_end/junit.xml" tests errors failures skipped
+  scripts/build.sh asan || return
+  [ "$1" = "desktop and not release_build" ] || scripts/build.sh release || return
+  rm -f "$results"
+  /usr/bin/python3 -m pytest tests/end_to_end -n auto -m "$1" --junit-xml=results/junit.xml || status=$?
+  read -r errors failures skipped tests < <(sed -n \
+    's/.*<testsuite [^>]*errors="\([0-9]*\)" failures="\([0-9]*\)" skipped="\([0-9]*\)" tests="\([0-9]*\)".*/\1 \2 \3 \4/p' \
+    "$results") || true
+  stage_passed=$((stage_passed + ${tests:-0} - ${errors:-0} - ${failures:-0} - ${skipped:-0}))
+  stage_failed=$((stage_failed + ${errors:-0} + ${failures:-0}))
   return "$status"
 }
 
@@ -80,27 +71,22 @@ packages() { scripts/install_packages.sh build run desktop test ${all:+lint}; }
 tests_with_address_sanitizer() { build_and_test asan; }
 tests_with_thread_sanitizer() { build_and_test tsan; }
 tests_on_an_unsupported_system() { build_and_test unsupported; }
-# What sanitizers weigh upon: figures and rhythm.
-end_to_end_release() { end_to_end release --use FiguresTest RhythmTest; }
+end_to_end_release() { end_to_end "desktop and release_build"; }
 end_to_end_hosts() {
   scripts/install_packages.sh hosts || return
-  end_to_end release --hosts
+  end_to_end hosts
 }
-end_to_end_faults() { end_to_end asan --faults; }
-# Sanitizers keep memory, and end the program when there is none: both are for the program as it is released.
-end_to_end_patience() {
-  local status=0
+end_to_end_faults() { end_to_end faults; }
+end_to_end_slow() {
   scripts/install_packages.sh faults || return
-  end_to_end release --patience MemoryLimitTest SoakTest || status=$?
-  end_to_end asan --patience || status=$?
-  return "$status"
+  end_to_end slow
 }
 # Tests that wait most of the time leave the processors to clang-tidy, which takes none that they want.
-tidy_beside_patience() {
+tidy_beside_slow_tests() {
   local status=0 tidy
   chrt --idle 0 scripts/check_tidy.sh &
   tidy=$!
-  end_to_end_patience || status=$?
+  end_to_end_slow || status=$?
   if wait "$tidy"; then
     stage_passed=$((stage_passed + 1))
   else
@@ -109,17 +95,13 @@ tidy_beside_patience() {
   fi
   return "$status"
 }
-# Says which tests it leaves out where it can not be had.
 end_to_end_unit() {
   scripts/install_packages.sh session || return
-  end_to_end_with --session --with packaging/linux/tarn.service.in \
-    --with build/asan/tests/platform/linux/applications/list_groups -- release --unit
+  end_to_end unit
 }
 live_applications() {
-  local results="$repository/build/results/applications"
   scripts/install_packages.sh applications session || return
-  scripts/on_virtual_desktop.sh --session build/asan/tests/platform/linux/applications/list_groups "$results" \
-    applications.py
+  end_to_end applications
 }
 # Their figures are ./bench.sh's business; that they can be had is ours.
 benchmarks() {
@@ -131,10 +113,11 @@ benchmarks() {
   done
   build/bench/bench/sweep_against_floor 100 3
 }
-end_to_end_sanitized() { end_to_end asan --use; }
+end_to_end_sanitized() { end_to_end "desktop and not release_build"; }
 
 packages
 stage "layout of the code" scripts/check_format.sh
+stage "Python, shell and spelling" scripts/check_text.sh
 stage "rooms include only what they may" scripts/check_includes.sh
 stage "tests, address and undefined sanitizers" tests_with_address_sanitizer
 stage "tests, thread sanitizer" tests_with_thread_sanitizer
@@ -149,7 +132,7 @@ if [ -n "$all" ]; then
   stage "real applications and their processes" live_applications
   stage "what is installed, and the Debian package" scripts/check_packages.sh
   stage "benchmarks are built and run" benchmarks
-  stage "clang-tidy, and what takes patience" tidy_beside_patience
+  stage "clang-tidy, and what takes patience" tidy_beside_slow_tests
 fi
 
 say ""
