@@ -140,8 +140,8 @@ benchmarks() {
 # At idle priority: the end-to-end tests that run beside it wait most of the time, and some measure time.
 check_tidy() { chrt --idle 0 scripts/check_tidy.py; }
 
-scripts/install_packages.sh build run desktop test lint \
-  ${all:+hosts faults session applications bench packages}
+scripts/install_packages.sh build run desktop test \
+  ${all:+hosts faults session applications bench packages lint}
 stage "format, module dependencies, spelling" check_texts
 stage "build with AddressSanitizer and UBSan" build_asan
 # These tests wait most of the time.
