@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# run.sh: builds Tarn and starts it in this desktop. Without a display it shows Tarn on a virtual one and leaves
-# pictures and a summary in build/screenshots. Installs what is missing.
+# run.sh: builds Tarn and starts it in this desktop. Without a display it starts a virtual desktop and leaves screenshots
+# and the texts of the popover in build/screenshots. Installs missing packages.
 set -euo pipefail
 [ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" run "$@"
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
 
 tarn="$repository/build/release/src/app/tarn"
-pictures="$repository/build/screenshots"
+screenshots="$repository/build/screenshots"
 has_display=""
 [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || has_display=yes
 
@@ -23,9 +23,9 @@ if [ -n "$has_display" ]; then
   exec "$tarn"
 fi
 
-say "There is no display. Showing Tarn on a virtual desktop."
-rm -rf "$pictures"
-"$repository/scripts/on_virtual_desktop.sh" --tarn "$tarn" --results "$pictures" screenshots.py
-say "" "The pictures and what the popover said:"
-printf '  %s\n' "$pictures"/*
+say "There is no display. Starting a virtual desktop."
+rm -rf "$screenshots"
+"$repository/scripts/on_virtual_desktop.sh" --tarn "$tarn" --results "$screenshots" screenshots.py
+say "" "The screenshots and the texts of the popover:"
+printf '  %s\n' "$screenshots"/*
 say "" "Tarn ran: a click on its circle opened the popover, every tab was shown, and a row was opened."

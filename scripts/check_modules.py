@@ -2,9 +2,10 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 """check_modules.py: fails when a source file includes a header of a module that its own module's USES does not name,
-when two modules use each other, or when two modules share a folder.
+or when modules use each other in a cycle.
 
-A module is a tarn_module() in a CMakeLists.txt below src/. Its folders are those of its SOURCES."""
+A module is a tarn_module() in a CMakeLists.txt below src/. Its folders are those of its SOURCES. A file in a folder
+that two modules share may include what either of them uses. A main.cpp may include what it composes."""
 
 import re
 import sys
@@ -41,23 +42,19 @@ def find_cycles(modules):
 
 def main():
     modules = read_modules()
-    owners = {}
     problems = find_cycles(modules)
+    owners = {}
     for name, (folders, _) in modules.items():
         for folder in folders:
-            if owners.setdefault(folder, name) != name:
-                problems.append(f"{folder.relative_to(SOURCE)} belongs to {owners[folder]} and to {name}")
-    for path in sorted(path for path in SOURCE.rglob("*") if path.suffix in SUFFIXES):
-        own = owners.get(path.parent)
-        allowed = {own} | (modules[own][1] if own else set())
+            owners.setdefault(folder, set()).add(name)
+    for path in sorted(path for path in SOURCE.rglob("*") if path.suffix in SUFFIXES and path.name != "main.cpp"):
+        own = owners.get(path.parent, set())
+        allowed = own.union(*(modules[name][1] for name in own))
         for line, text in enumerate(path.read_text(encoding="utf-8").splitlines(), start=1):
-            include = re.match(r'#include "([^"]+)"', text)
-            if not include or include[1].endswith(".moc"):  # the output of Qt's moc for this file
-                continue
-            used = owners.get((SOURCE / include[1]).parent)
-            if used not in allowed:
-                problems.append(f"{path.relative_to(SOURCE)}:{line}: {own} includes {include[1]} of {used}, "
-                                "which its USES does not name")
+            include = re.match(r'#include "([^"]+\.hpp)"', text)
+            if include and not owners.get((SOURCE / include[1]).parent, set()) & allowed:
+                problems.append(f"{path.relative_to(SOURCE)}:{line}: includes {include[1]}, of no module that the "
+                                f"USES of {' and '.join(sorted(own))} names")
     for problem in problems:
         print(problem)
     print(f"{len(modules)} modules, {len(problems)} problems.")

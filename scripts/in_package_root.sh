@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# in_package_root.sh install PACKAGE | try ID | purge: in a fresh Debian that is thrown away afterwards, as its root,
-# installs the package with what it depends on; runs it as an ordinary user, without a panel, by hand, by the bus, where
-# ID is its name, and by its entry in the menu; removes it and looks for what it left.
+# in_package_root.sh install PACKAGE | test ID | purge: check_packages.sh runs it as root of a temporary Debian system.
+# install: installs the package with its dependencies. test: starts Tarn as an ordinary user, without a panel, by hand, by
+# D-Bus (where ID is its name) and by its desktop entry. purge: removes the package and fails if files are left.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -11,13 +11,13 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 readonly self="${BASH_SOURCE[0]}" listed=/check/listed
 readonly no_panel="tarn: no menu bar shows status items here; Tarn stays in a window of its own until one does."
 
-# Runs apt-get, which is heard only when it fails.
+# Runs apt-get; prints its output only when it fails.
 quiet_apt() {
-  local said
-  said="$(apt-get --yes --quiet --no-install-recommends -o Dpkg::Use-Pty=0 "$@" 2>&1)" || fail "apt-get $*: $said"
+  local output
+  output="$(apt-get --yes --quiet --no-install-recommends -o Dpkg::Use-Pty=0 "$@" 2>&1)" || fail "apt-get $*: $output"
 }
 
-# eventually WHAT COMMAND...: fails when the command does not succeed within 20 seconds.
+# eventually WHAT COMMAND...: repeats a command until it succeeds; fails after 20 seconds.
 eventually() {
   local what="$1" tries
   shift
@@ -25,33 +25,33 @@ eventually() {
     if "$@"; then return 0; fi
     sleep 0.1
   done
-  fail "Not so within 20 seconds: $what. Tarn said: $(cat "$HOME/said" 2>/dev/null)"
+  fail "Not true within 20 seconds: $what. Tarn's standard error: $(cat "$HOME/stderr" 2>/dev/null)"
 }
 
 install_package() {
   quiet_apt update
-  # Alone at first: what it needs has to come with it.
+  # Before the test programs, so that only its own dependencies are there.
   quiet_apt install "$1"
   local libraries
   libraries="$(ldd /usr/bin/tarn)"
-  ! grep 'not found' <<<"$libraries" || fail "The package does not depend on these libraries."
+  ! grep 'not found' <<<"$libraries" || fail "The package lacks a dependency on these libraries."
   dpkg --listfiles tarn >"$listed"
-  # A display, a bus, and what asks them.
+  # The test programs: a display, a bus and their clients.
   quiet_apt install xvfb dbus-daemon libglib2.0-bin x11-utils
   quiet_apt autoclean
-  useradd --create-home person
+  useradd --create-home tester
 }
 
-# What follows is the ordinary user's.
+# The following functions run as the ordinary user.
 
-ask_bus() {
+call_bus() {
   gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
     --method "org.freedesktop.DBus.$1" "$id" 2>/dev/null
 }
 
-runs() { [ "$(ask_bus NameHasOwner)" = "(true,)" ]; }
+runs() { [ "$(call_bus NameHasOwner)" = "(true,)" ]; }
 is_gone() { ! runs; }
-# The toolkit gives that title to a window, too, that it never shows.
+# Qt gives this title to a window that it never maps, too.
 shows_window() {
   local window
   for window in $(xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "Tarn":.*/\1/p'); do
@@ -60,71 +60,71 @@ shows_window() {
   return 1
 }
 shows_no_window() { ! shows_window; }
-has_said() { [ "$(cat "$HOME/said")" = "$no_panel" ]; }
+reports_no_panel() { [ "$(cat "$HOME/stderr")" = "$no_panel" ]; }
 
 process() {
   local answer
-  answer="$(ask_bus GetConnectionUnixProcessID)"
+  answer="$(call_bus GetConnectionUnixProcessID)"
   answer="${answer#(uint32 }"
   printf '%s' "${answer%,)}"
 }
 
-end_tarn() {
+terminate_tarn() {
   kill "$(process)"
-  eventually "Tarn ends when it is told to" is_gone
+  eventually "Tarn ends after SIGTERM" is_gone
 }
 
 activate() {
   gdbus call --session --dest "$id" --object-path "/${id//./\/}" --method org.freedesktop.Application.Activate '{}' \
-    >/dev/null || fail "Activate was refused."
+    >/dev/null || fail "Activate failed."
 }
 
-try_without_display() {
-  local said status=0
-  said="$(env --unset=DISPLAY tarn 2>&1)" || status=$?
-  if [ "$status" -ne 1 ] || [ "$(wc -l <<<"$said")" -ne 1 ]; then
-    fail "Without a display (exit status $status): $said"
+test_without_display() {
+  local output status=0
+  output="$(env --unset=DISPLAY tarn 2>&1)" || status=$?
+  if [ "$status" -ne 1 ] || [ "$(wc -l <<<"$output")" -ne 1 ]; then
+    fail "Without a display (exit status $status): $output"
   fi
 }
 
-try_by_hand() {
+test_start_by_hand() {
   local started
-  tarn 2>"$HOME/said" &
+  tarn 2>"$HOME/stderr" &
   started=$!
   eventually "Tarn is on the bus" runs
-  eventually "Tarn says that there is no panel, and nothing else" has_said
+  eventually "Tarn reports that there is no panel, and nothing else" reports_no_panel
   eventually "Tarn shows its window" shows_window
   activate
-  [ "$(process)" = "$started" ] || fail "Another Tarn answered."
-  end_tarn
+  [ "$(process)" = "$started" ] || fail "Another process answered."
+  terminate_tarn
 }
 
-# try_started_by COMMAND...: a command that reaches Tarn by the files that were installed.
-try_started_by() {
-  is_gone || fail "Tarn runs already."
+# test_start_by COMMAND...: starts Tarn by a command that uses the installed files.
+test_start_by() {
+  is_gone || fail "Tarn is already running."
   "$@" || fail "Failed: $*"
   eventually "Tarn is on the bus after: $*" runs
-  eventually "Tarn shows itself after: $*" shows_window
+  eventually "Tarn shows its window after: $*" shows_window
   [ "$(readlink "/proc/$(process)/exe")" = /usr/bin/tarn ] || fail "Another program was started by: $*"
-  end_tarn
+  terminate_tarn
   eventually "the window is gone" shows_no_window
 }
 
-try_on_bus() {
+test_on_bus() {
   id="$1"
-  try_without_display
-  try_by_hand
-  # By the bus, as desktops do that know how, and by the command of its entry, as the others do.
-  try_started_by activate
-  try_started_by gapplication launch "$id"
-  try_started_by gio launch "/usr/share/applications/$id.desktop"
+  test_without_display
+  test_start_by_hand
+  # D-Bus activation, and the Exec line of the desktop entry for desktops without it.
+  test_start_by activate
+  test_start_by gapplication launch "$id"
+  test_start_by gio launch "/usr/share/applications/$id.desktop"
 }
 
-try_on_display() {
+test_on_display() {
   mkdir --mode=700 "$HOME/runtime"
   Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$HOME/display" &
   eventually "there is a display" test -s "$HOME/display"
-  DISPLAY=":$(cat "$HOME/display")" XDG_RUNTIME_DIR="$HOME/runtime" dbus-run-session -- "$self" try_on_bus "$1" \
+  DISPLAY=":$(cat "$HOME/display")" XDG_RUNTIME_DIR="$HOME/runtime" dbus-run-session -- "$self" test_on_bus "$1" \
     2>"$HOME/log" || fail "$(cat "$HOME/log")"
 }
 
@@ -140,12 +140,12 @@ purge_package() {
 
 case "$1" in
   install) install_package "$2" ;;
-  try)
+  test)
     mkdir --parents /tmp/.X11-unix
     chmod 1777 /tmp/.X11-unix
-    runuser --user person -- env HOME=/home/person "$self" try_on_display "$2"
+    runuser --user tester -- env HOME=/home/tester "$self" test_on_display "$2"
     ;;
-  try_on_display | try_on_bus) "$1" "$2" ;;
+  test_on_display | test_on_bus) "$1" "$2" ;;
   purge) purge_package ;;
-  *) fail "usage: in_package_root.sh install PACKAGE | try ID | purge" ;;
+  *) fail "usage: in_package_root.sh install PACKAGE | test ID | purge" ;;
 esac

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash
-# What the commands share. To be sourced.
+# Functions of the scripts, to be sourced.
 
 # shellcheck disable=SC2034
 repository="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
@@ -27,12 +27,12 @@ as_root() {
   elif command -v sudo >/dev/null; then
     sudo "$@"
   else
-    fail "Not root, and there is no sudo to become root for: $*"
+    fail "Not root, and sudo is not installed: $*"
   fi
 }
 
-# The words that run a command with a fixed memory layout, where the system lets us: some kernels place memory
-# where the sanitizers keep their own.
+# The command prefix that disables address space layout randomization, where that is permitted: on some kernels it
+# collides with the sanitizers' shadow memory.
 fixed_addresses=()
 if setarch --addr-no-randomize true 2>/dev/null; then
   # shellcheck disable=SC2034

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# on_mac.sh run|test [--all]: what run.sh and test.sh do on a Mac, with Homebrew; --all adds nothing there. Written for
-# the bash that Macs bring.
+# on_mac.sh run|test [--all]: run.sh and test.sh on a Mac, with Homebrew; --all adds nothing. For bash 3.2, which macOS
+# ships.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -22,7 +22,7 @@ install_formulas() {
   done
 }
 
-# Homebrew's libraries are made for the system they are installed on, and so is what links with them.
+# Homebrew's libraries require the macOS version that they were built on, and so does a program linked with them.
 build() {
   cmake --preset "$1" -DCMAKE_PREFIX_PATH="$(brew --prefix qt);$(brew --prefix)" \
     -DCMAKE_OSX_DEPLOYMENT_TARGET="$(sw_vers -productVersion | cut -d . -f 1).0"
@@ -35,7 +35,7 @@ case "$*" in
   run)
     install_formulas cmake ninja qt
     build release
-    # One that runs would be brought to the front instead of the new one.
+    # "open" would activate a running instance instead of starting the new one.
     osascript -e 'quit app "Tarn"' >/dev/null 2>&1 || true
     open build/release/src/app/Tarn.app
     echo "Tarn is starting. Look for its circle in the menu bar."

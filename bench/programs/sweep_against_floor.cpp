@@ -24,7 +24,7 @@
 #include <vector>
 
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
-#include "platform/linux/procfs/directory_stream.hpp"
+#include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/sleeping_process_cache.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/idle_processes.hpp"

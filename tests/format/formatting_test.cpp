@@ -1,46 +1,48 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include "format/formatting.hpp"
+
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <string>
 
-#include "format/formatting.hpp"
-
 namespace tarn {
 namespace {
 
-/// Writes the bare number it is given.
-class BareBytes final : public ByteCountFormatter {
+/// Returns the number without unit.
+class PlainByteCountFormatter final : public ByteCountFormatter {
  public:
   std::string string(std::int64_t byteCount) const override { return std::to_string(byteCount); }
 };
 
-class FailingPercents final : public PercentFormatter {
+class FailingPercentFormatter final : public PercentFormatter {
  public:
   std::optional<std::string> string(double) const override { return std::nullopt; }
 };
 
-TEST(ByteFormatting, PassesCountsBelowTheLargestSignedNumberAsTheyAre) {
-  EXPECT_EQ(ByteFormatting::string(0, BareBytes()), "0");
-  EXPECT_EQ(ByteFormatting::string(9'223'372'036'854'775'806U, BareBytes()), "9223372036854775806");
+TEST(ByteFormatting, PassesCountsThatFitAnInt64) {
+  EXPECT_EQ(ByteFormatting::string(0, PlainByteCountFormatter()), "0");
+  EXPECT_EQ(ByteFormatting::string(9'223'372'036'854'775'806U, PlainByteCountFormatter()),
+            "9223372036854775806");
 }
 
-TEST(ByteFormatting, LowersLargerCountsToTheLargestSignedNumber) {
-  EXPECT_EQ(ByteFormatting::string(9'223'372'036'854'775'807U, BareBytes()), "9223372036854775807");
-  EXPECT_EQ(ByteFormatting::string(std::numeric_limits<std::uint64_t>::max(), BareBytes()),
+TEST(ByteFormatting, ClampsLargerCountsToTheLargestInt64) {
+  EXPECT_EQ(ByteFormatting::string(9'223'372'036'854'775'807U, PlainByteCountFormatter()),
+            "9223372036854775807");
+  EXPECT_EQ(ByteFormatting::string(std::numeric_limits<std::uint64_t>::max(), PlainByteCountFormatter()),
             "9223372036854775807");
 }
 
-TEST(CPUFormatting, WritesPlainDigitsWithHalvesAwayFromZeroWhenTheFormatterFails) {
-  EXPECT_EQ(CPUFormatting::string(2.5, FailingPercents()), "3%");
-  EXPECT_EQ(CPUFormatting::string(1234.4, FailingPercents()), "1234%");
-  EXPECT_EQ(CPUFormatting::string(0.49, FailingPercents()), "0%");
-  EXPECT_EQ(CPUFormatting::string(-7, FailingPercents()), "0%");
+TEST(CPUFormatting, WritesPlainDigitsWhenTheFormatterFails) {
+  EXPECT_EQ(CPUFormatting::string(2.5, FailingPercentFormatter()), "3%");
+  EXPECT_EQ(CPUFormatting::string(1234.4, FailingPercentFormatter()), "1234%");
+  EXPECT_EQ(CPUFormatting::string(0.49, FailingPercentFormatter()), "0%");
+  EXPECT_EQ(CPUFormatting::string(-7, FailingPercentFormatter()), "0%");
 }
 
-TEST(UptimeFormatting, ShowsMinutesAloneBelowAnHour) {
+TEST(UptimeFormatting, ShowsOnlyMinutesBelowAnHour) {
   EXPECT_EQ(UptimeFormatting::string(59.9), "0 min");
   EXPECT_EQ(UptimeFormatting::string(60), "1 min");
   EXPECT_EQ(UptimeFormatting::string(119.99), "1 min");
@@ -54,20 +56,20 @@ TEST(UptimeFormatting, ShowsHoursAndMinutesBelowADay) {
   EXPECT_EQ(UptimeFormatting::string(86399), "23 hours, 59 min");
 }
 
-TEST(UptimeFormatting, ShowsDaysAndHoursFromADayOn) {
+TEST(UptimeFormatting, ShowsDaysAndHoursFromOneDay) {
   EXPECT_EQ(UptimeFormatting::string(86400), "1 day, 0 hours");
   EXPECT_EQ(UptimeFormatting::string(90061), "1 day, 1 hour");
   EXPECT_EQ(UptimeFormatting::string(172800), "2 days, 0 hours");
   EXPECT_EQ(UptimeFormatting::string(1'000'000), "11 days, 13 hours");
 }
 
-TEST(UptimeFormatting, ReadsNegativeValuesAndWhatIsNoNumberAsZero) {
+TEST(UptimeFormatting, ShowsNegativeValuesAndNaNAsZero) {
   EXPECT_EQ(UptimeFormatting::string(0), "0 min");
   EXPECT_EQ(UptimeFormatting::string(-5), "0 min");
   EXPECT_EQ(UptimeFormatting::string(std::numeric_limits<double>::quiet_NaN()), "0 min");
 }
 
-TEST(UptimeFormattingDeathTest, StopsTheProgramOnValuesBeyond64Bits) {
+TEST(UptimeFormattingDeathTest, AbortsOnValuesThatDoNotFitAnInt64) {
   EXPECT_DEATH(UptimeFormatting::string(std::numeric_limits<double>::infinity()), "");
   EXPECT_DEATH(UptimeFormatting::string(9.3e18), "");
 }

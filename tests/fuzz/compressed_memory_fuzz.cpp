@@ -5,5 +5,5 @@
 #include "platform/linux/procfs/system_memory.hpp"
 
 FUZZ_TARGET(compressed_memory, text) {
-  tarn::parseCompressedDeviceMemory(text);
+  tarn::parseZramMemory(text);
 }

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "support/fake_pressure_source.hpp"
-#include "support/stepped_queue.hpp"
+#include "support/stepped_run_loop.hpp"
 
 namespace tarn {
 namespace {

@@ -14,7 +14,6 @@
 #include "support/fake_extras.hpp"
 #include "support/fake_machine.hpp"
 #include "support/fake_pressure_source.hpp"
-#include "support/stepped_queue.hpp"
 #include "support/stepped_run_loop.hpp"
 
 namespace tarn {

@@ -12,29 +12,29 @@ namespace {
 std::atomic<std::size_t> allocations = 0;
 std::atomic<std::size_t> bytes = 0;
 
-/// What this thread is to be refused.
-struct Refusal {
-  std::size_t left = 0;  ///< allocations until then; 0 without a refusal
+/// The failure that is planned for this thread.
+struct PlannedFailure {
+  std::size_t countdown = 0;  ///< 1 at the allocation that fails; 0 when none is planned
   bool isLasting = false;
   bool happened = false;
 };
-thread_local constinit Refusal refusal;
+thread_local constinit PlannedFailure failure;
 
-bool isRefused() {
-  if (refusal.left == 0) return false;
-  if (refusal.left > 1) {
-    --refusal.left;
+bool shouldFail() {
+  if (failure.countdown == 0) return false;
+  if (failure.countdown > 1) {
+    --failure.countdown;
     return false;
   }
-  if (refusal.happened && !refusal.isLasting) return false;
-  refusal.happened = true;
+  if (failure.happened && !failure.isLasting) return false;
+  failure.happened = true;
   return true;
 }
 
 void* allocate(std::size_t size) {
   allocations.fetch_add(1, std::memory_order_relaxed);
   bytes.fetch_add(size, std::memory_order_relaxed);
-  return isRefused() ? nullptr : std::malloc(size);
+  return shouldFail() ? nullptr : std::malloc(size);
 }
 
 }  // namespace
@@ -63,16 +63,16 @@ std::size_t allocatedBytes() {
   return bytes.load(std::memory_order_relaxed);
 }
 
-RefusedAllocation::RefusedAllocation(std::size_t number, bool isLasting) {
-  refusal = {.left = number, .isLasting = isLasting};
+FailingAllocation::FailingAllocation(std::size_t number, bool isLasting) {
+  failure = {.countdown = number, .isLasting = isLasting};
 }
 
-RefusedAllocation::~RefusedAllocation() {
-  refusal = {};
+FailingAllocation::~FailingAllocation() {
+  failure = {};
 }
 
-bool RefusedAllocation::happened() const {
-  return refusal.happened;
+bool FailingAllocation::happened() const {
+  return failure.happened;
 }
 
 }  // namespace tarn

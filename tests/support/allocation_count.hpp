@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// A program that links this counts what it asks for by `new`, on whichever thread, and can refuse it.
+// Replaces the global operators new and delete of the program: counts allocations of all threads, and can let
+// allocations of one thread fail.
 
 #pragma once
 
@@ -9,10 +10,10 @@
 
 namespace tarn {
 
-/// How often this program has asked for memory so far.
+/// Number of allocations of this program so far.
 std::size_t allocationCount();
 
-/// How many bytes it has asked for so far, whether they are in use or not.
+/// Sum of the sizes of these allocations, bytes. Freed memory is not subtracted.
 std::size_t allocatedBytes();
 
 template <typename Work>
@@ -22,16 +23,16 @@ std::size_t allocationsOf(Work work) {
   return allocationCount() - before;
 }
 
-/// As long as it lives, this thread's `number`-th allocation, counted from 1, is refused; a lasting one
-/// refuses all after it as well. One at a time.
-class RefusedAllocation {
+/// During the lifetime of this object the `number`-th allocation of this thread, counted from 1, fails with
+/// std::bad_alloc. If `isLasting`, all later allocations fail as well. At most one object per thread.
+class FailingAllocation {
  public:
-  RefusedAllocation(std::size_t number, bool isLasting);
-  RefusedAllocation(const RefusedAllocation&) = delete;
-  RefusedAllocation& operator=(const RefusedAllocation&) = delete;
-  ~RefusedAllocation();
+  FailingAllocation(std::size_t number, bool isLasting);
+  FailingAllocation(const FailingAllocation&) = delete;
+  FailingAllocation& operator=(const FailingAllocation&) = delete;
+  ~FailingAllocation();
 
-  /// Whether anything was refused.
+  /// Whether an allocation has failed.
   bool happened() const;
 };
 

@@ -5,7 +5,7 @@
 
 #include <QCoreApplication>
 
-/// Runs all tests of a program whose tests need an event loop on the main thread.
+/// main() of test programs that need a QCoreApplication.
 int main(int argc, char** argv) {
   const QCoreApplication application(argc, argv);
   testing::InitGoogleMock(&argc, argv);

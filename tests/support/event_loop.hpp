@@ -11,10 +11,10 @@
 
 namespace tarn::test {
 
-/// Runs the event loop until `condition` holds; false when it still does not at the deadline.
+/// Processes events until `condition` returns true. Returns false on timeout.
 template <typename Condition>
-bool eventually(Condition condition, std::chrono::milliseconds patience = std::chrono::seconds(20)) {
-  const QDeadlineTimer deadline(patience);
+bool eventually(Condition condition, std::chrono::milliseconds timeout = std::chrono::seconds(20)) {
+  const QDeadlineTimer deadline(timeout);
   QTimer wake;
   wake.start(std::chrono::milliseconds(10));
   while (!condition()) {

@@ -12,7 +12,7 @@
 
 namespace tarn {
 
-/// A scripted machine's health. It belongs to the test and outlives the port over it.
+/// Values that a fake ExtrasPort returns. Owned by the test; must outlive the port.
 struct FakeExtras {
   std::optional<VolumeValues> volume;
   std::vector<std::optional<PropertyDictionary>> powerSources;
@@ -23,25 +23,25 @@ struct FakeExtras {
   std::function<void(const std::string& operation)> onCall = [](const std::string&) {};
 
   ExtrasPort port() {
-    return {.rootVolume = answering("rootVolume", volume),
-            .power = {.powerSources = answering("powerSources", powerSources),
-                      .batteryController = answering("batteryController", batteryController)},
-            .temperatures = answering("temperatures", temperatures),
-            .uptime = answering("uptime", uptime),
-            .thermalState = answering("thermalState", thermalState)};
+    return {.rootVolume = returning("rootVolume", volume),
+            .power = {.powerSources = returning("powerSources", powerSources),
+                      .batteryController = returning("batteryController", batteryController)},
+            .temperatures = returning("temperatures", temperatures),
+            .uptime = returning("uptime", uptime),
+            .thermalState = returning("thermalState", thermalState)};
   }
 
  private:
-  template <typename Answer>
-  std::function<Answer()> answering(const std::string& operation, const Answer& answer) {
-    return [this, operation, &answer] {
+  template <typename Value>
+  std::function<Value()> returning(const std::string& operation, const Value& value) {
+    return [this, operation, &value] {
       onCall(operation);
-      return answer;
+      return value;
     };
   }
 };
 
-/// A power source as a port describes the machine's own battery.
+/// The description of an internal battery in PowerPort::powerSources.
 inline PropertyDictionary internalBattery(std::int64_t current, std::int64_t max) {
   return {{"Type", std::string("InternalBattery")}, {"Current Capacity", current}, {"Max Capacity", max}};
 }

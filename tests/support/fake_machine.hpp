@@ -16,7 +16,7 @@
 
 namespace tarn {
 
-/// One process of a fake machine. What is absent is refused to whoever asks.
+/// One process of a fake machine. Absent values are reported as unavailable.
 struct FakeProcess {
   std::int32_t pid = 0;
   std::string path;
@@ -25,15 +25,15 @@ struct FakeProcess {
   std::string systemName;
 };
 
-/// A scripted machine. It belongs to the test and outlives the port over it; between two sweeps the test
-/// changes it as it likes.
+/// Values that a fake SamplerPort returns. Owned by the test, which may change it between sweeps; must
+/// outlive the port.
 struct FakeMachine {
-  std::vector<FakeProcess> processes;  ///< in the order in which they are listed
+  std::vector<FakeProcess> processes;  ///< in the order of allPIDs
   double uptime = 1000;                ///< seconds
-  double timePerSweep = 0.25;          ///< by how much the uptime grows after each look at it
+  double timePerSweep = 0.25;          ///< added to the uptime after each call
   SystemMemory memory;
-  std::map<std::string, InformationDictionary> bundles;  ///< by root
-  std::vector<std::string> calls;                        ///< what was asked for, in order
+  std::map<std::string, InformationDictionary> bundles;  ///< by bundle root
+  std::vector<std::string> calls;                        ///< calls of the port, in order
 
   FakeProcess& process(std::int32_t pid) {
     return *std::find_if(processes.begin(), processes.end(), [pid](const auto& p) { return p.pid == pid; });
@@ -56,14 +56,14 @@ class FakeProcScan final : public ProcScan {
     for (const FakeProcess& process : machine_.processes) pids.push_back(process.pid);
     return pids;
   }
-  std::optional<BsdInfo> bsdInfo(std::int32_t pid) override { return asked("bsdInfo", pid).info; }
-  std::string path(std::int32_t pid) override { return asked("path", pid).path; }
-  std::optional<ProcessUsage> usage(std::int32_t pid) override { return asked("usage", pid).usage; }
-  SharedText processName(std::int32_t pid) override { return asked("processName", pid).systemName; }
+  std::optional<BsdInfo> bsdInfo(std::int32_t pid) override { return recorded("bsdInfo", pid).info; }
+  std::string path(std::int32_t pid) override { return recorded("path", pid).path; }
+  std::optional<ProcessUsage> usage(std::int32_t pid) override { return recorded("usage", pid).usage; }
+  SharedText processName(std::int32_t pid) override { return recorded("processName", pid).systemName; }
 
  private:
-  const FakeProcess& asked(const std::string& query, std::int32_t pid) {
-    machine_.calls.push_back(query + ' ' + std::to_string(pid));
+  const FakeProcess& recorded(const std::string& function, std::int32_t pid) {
+    machine_.calls.push_back(function + ' ' + std::to_string(pid));
     return machine_.process(pid);
   }
 

@@ -10,14 +10,14 @@
 
 namespace tarn {
 
-/// The system's memory pressure, as the test has it. Outlives the source over it.
+/// The state of a FakePressureSource. Owned by the test; must outlive the source.
 struct FakePressure {
-  TaskQueue* queue = nullptr;  ///< where it was told to deliver
+  TaskQueue* queue = nullptr;  ///< the queue passed to resume
   PressureSource::Handler handler;
   int resumed = 0;
   int cancelled = 0;
 
-  /// One report of the system, on its way through the queue.
+  /// Delivers one report through the queue.
   void report(PressureFlags flags) {
     queue->async([handler = handler, flags] { handler(flags); });
   }

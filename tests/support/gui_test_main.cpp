@@ -5,8 +5,8 @@
 
 #include <QApplication>
 
-/// Runs all tests of a program whose tests draw or make widgets, without a display unless one is asked for. Tests
-/// that need a session bus start one of their own.
+/// main() of test programs that need a QApplication. Uses the offscreen platform unless QT_QPA_PLATFORM is
+/// set. There is no session bus; tests that need one start their own.
 int main(int argc, char** argv) {
   qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -10,10 +10,10 @@
 
 namespace tarn {
 
-/// Child processes that do nothing until they end with the object, or with the thread that made it.
+/// Child processes that sleep. They are killed by the destructor, or when the thread that created them exits.
 class IdleProcesses {
  public:
-  /// Starts so many; throws when the system refuses one.
+  /// Starts `count` processes. Throws std::system_error when fork(2) fails.
   explicit IdleProcesses(std::size_t count);
   IdleProcesses(const IdleProcesses&) = delete;
   IdleProcesses& operator=(const IdleProcesses&) = delete;

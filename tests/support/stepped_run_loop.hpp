@@ -8,6 +8,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -15,7 +16,7 @@
 
 namespace tarn {
 
-/// Tasks that run when, and only when, the test says so: on its own thread, one at a time.
+/// Queued tasks that run only when the test calls runOne or runAll, on the calling thread.
 class SteppedTasks {
  public:
   bool activated = false;  ///< whether the queue's `activate` was called; tasks run in any case
@@ -29,7 +30,7 @@ class SteppedTasks {
     task();
   }
 
-  /// Also those that the tasks add.
+  /// Also runs tasks that are added meanwhile.
   void runAll() {
     while (!tasks_.empty()) runOne();
   }
@@ -38,19 +39,53 @@ class SteppedTasks {
   std::deque<TaskQueue::Task> tasks_;
 };
 
-/// A timer that was scheduled, whether it still is or not.
+/// A serial queue whose tasks run when the test calls SteppedTasks::runOne or runAll.
+class SteppedQueue final : public TaskQueue {
+ public:
+  /// `tasks` must exist whenever `async` is called.
+  explicit SteppedQueue(std::weak_ptr<SteppedTasks> tasks) : tasks_(std::move(tasks)) {}
+  void async(Task task) override { tasks_.lock()->push(std::move(task)); }
+  void activate() override {
+    // A task that never ran may hold the queue's owner, which activates its queue when it is destroyed.
+    if (const auto tasks = tasks_.lock()) tasks->activated = true;
+  }
+
+ private:
+  std::weak_ptr<SteppedTasks> tasks_;
+};
+
+/// Creates queues and keeps their tasks by label.
+class SteppedQueues {
+ public:
+  std::unique_ptr<TaskQueue> make(const std::string& label) {
+    tasks_.emplace_back(label, std::make_shared<SteppedTasks>());
+    return std::make_unique<SteppedQueue>(tasks_.back().second);
+  }
+
+  /// The tasks of the most recently created queue with this label.
+  SteppedTasks& operator[](const std::string& label) {
+    return *std::find_if(tasks_.rbegin(), tasks_.rend(), [&](const auto& entry) {
+              return entry.first == label;
+            })->second;
+  }
+
+ private:
+  std::vector<std::pair<std::string, std::shared_ptr<SteppedTasks>>> tasks_;
+};
+
+/// A timer of a SteppedRunLoop. Kept after it was invalidated.
 struct SteppedTimer {
   double interval = 0;  ///< seconds
-  double nextFire = 0;  ///< seconds, on the loop's clock
+  double nextFire = 0;  ///< seconds on the clock of the run loop
   std::function<void()> block;
   bool valid = true;
 };
 
-/// A run loop whose tasks and time the test steps.
+/// A run loop whose clock and tasks are advanced by the test.
 class SteppedRunLoop final : public RunLoop {
  public:
   SteppedTasks tasks;
-  std::vector<std::shared_ptr<SteppedTimer>> timers;  ///< in the order of their scheduling
+  std::vector<std::shared_ptr<SteppedTimer>> timers;  ///< in order of creation
 
   void async(Task task) override { tasks.push(std::move(task)); }
 
@@ -60,7 +95,8 @@ class SteppedRunLoop final : public RunLoop {
     return std::make_unique<Handle>(timers.back());
   }
 
-  /// Lets time pass: what comes due fires in its order, without running the tasks that it submits.
+  /// Advances the clock and calls the blocks of due timers in order of time. Does not run tasks that they
+  /// post.
   void advance(double seconds) {
     const double end = now_ + seconds;
     for (auto next = nextTimer(); next && next->nextFire <= end; next = nextTimer()) {

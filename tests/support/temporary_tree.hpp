@@ -12,8 +12,8 @@
 
 namespace tarn {
 
-/// A directory of its own in the place of `/proc` and `/sys`, gone with the object. What cannot be written
-/// fails the test with an exception.
+/// A temporary directory that stands for `/`, removed by the destructor. Functions throw on failure, which
+/// fails the test.
 class TemporaryTree {
  public:
   TemporaryTree();
@@ -23,7 +23,7 @@ class TemporaryTree {
 
   LinuxRoots roots() const;
 
-  /// Writes a file, such as "proc/swaps", with the directories on its way.
+  /// Writes a file, such as "proc/swaps". Creates its parent directories and replaces an existing file.
   void write(const std::string& path, std::string_view text) const;
   void link(const std::string& path, const std::string& target) const;
   void pipe(const std::string& path) const;
@@ -36,7 +36,7 @@ class TemporaryTree {
   std::filesystem::path root_;
 };
 
-/// A process as its files tell of it; tests change what they are about.
+/// The contents of the /proc/PID files of one process. Tests set the fields that they need.
 struct ProcessFixture {
   std::int32_t pid = 0;
   std::string name = "worker";
@@ -48,7 +48,7 @@ struct ProcessFixture {
   std::string statm = "5000 300 100 5 0 123 0\n";
   std::string owners = "1000\t1001\t1002\t1003";
   std::string swapLine = "VmSwap:\t       0 kB\n";
-  std::string commandLine;  ///< raw, with its zeros
+  std::string commandLine;  ///< with the zero bytes of /proc/PID/cmdline
 
   std::string stat() const;
   void writeTo(const TemporaryTree& tree) const;

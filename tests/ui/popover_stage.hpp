@@ -19,7 +19,6 @@
 #include "support/fake_extras.hpp"
 #include "support/fake_machine.hpp"
 #include "support/fake_pressure_source.hpp"
-#include "support/stepped_queue.hpp"
 #include "support/stepped_run_loop.hpp"
 #include "ui/popover/app_row.hpp"
 #include "ui/popover/popover_view.hpp"

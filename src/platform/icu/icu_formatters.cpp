@@ -18,12 +18,12 @@ using icu::number::Precision;
 using icu::number::Scale;
 
 struct ByteUnit {
-  double size;  ///< bytes in one
+  double size;  ///< bytes
   int fractionDigits;
   const char* word;
 };
 
-/// Smallest first. Nothing above GB: a large disk is compared with a small one in the same unit.
+/// Smallest first. GB is the largest unit, so that disks of different size are shown in the same unit.
 constexpr std::array<ByteUnit, 4> byteUnits = {{
     {1, 0, "bytes"},
     {1024, 0, "KB"},
@@ -31,14 +31,15 @@ constexpr std::array<ByteUnit, 4> byteUnits = {{
     {1024.0 * 1024 * 1024, 2, "GB"},
 }};
 
-/// The unit that a count is shown in: the largest that the count, as it will be rounded, reaches.
+/// The largest unit of which `byteCount` is at least 1 after rounding.
 const ByteUnit& unitFor(double byteCount) {
   std::size_t chosen = 0;
   for (std::size_t next = 1; next < byteUnits.size(); ++next) {
     const ByteUnit& smaller = byteUnits[next - 1];
-    // Half of the last digit shown: from here on the figure would round to 1,024 of the smaller unit.
-    const double roundsUp = 0.5 * std::pow(10.0, -smaller.fractionDigits) * smaller.size;
-    if (byteCount >= byteUnits[next].size - roundsUp) chosen = next;
+    // Half of the last shown digit. A count within this distance would be rounded to 1,024 of the smaller
+    // unit.
+    const double roundingMargin = 0.5 * std::pow(10.0, -smaller.fractionDigits) * smaller.size;
+    if (byteCount >= byteUnits[next].size - roundingMargin) chosen = next;
   }
   return byteUnits[chosen];
 }
@@ -58,16 +59,17 @@ std::optional<std::string> formatted(const LocalizedNumberFormatter& formatter, 
   return utf8;
 }
 
+/// Empty when the variable is not set.
 std::string_view environmentValue(const char* variable) {
   const char* value = std::getenv(variable);
   return value == nullptr ? std::string_view{} : std::string_view{value};
 }
 
-// Until a figure is shown, ICU's data would only cost memory.
+/// Creates the ICU formatter at the first call, so that ICU's data is not loaded before.
 class LazyByteCountFormatter final : public ByteCountFormatter {
  public:
   std::string string(std::int64_t byteCount) const override {
-    static const IcuByteCountFormatter formatter(figureLocale());
+    static const IcuByteCountFormatter formatter(numberLocale());
     return formatter.string(byteCount);
   }
 };
@@ -75,14 +77,14 @@ class LazyByteCountFormatter final : public ByteCountFormatter {
 class LazyPercentFormatter final : public PercentFormatter {
  public:
   std::optional<std::string> string(double fraction) const override {
-    static const IcuPercentFormatter formatter(figureLocale());
+    static const IcuPercentFormatter formatter(numberLocale());
     return formatter.string(fraction);
   }
 };
 
 }  // namespace
 
-icu::Locale figureLocale() {
+icu::Locale numberLocale() {
   for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
     const std::string_view value = environmentValue(variable);
     if (value.empty()) continue;
@@ -98,10 +100,10 @@ IcuByteCountFormatter::IcuByteCountFormatter(const icu::Locale& locale)
 std::string IcuByteCountFormatter::string(std::int64_t byteCount) const {
   const auto count = static_cast<double>(byteCount);
   const ByteUnit& unit = unitFor(count);
-  const double figure = count / unit.size;
+  const double value = count / unit.size;
   const auto& format = numbers_[static_cast<std::size_t>(unit.fractionDigits)];
-  // Plain digits are the best answer left should ICU ever be without its data.
-  const std::string number = formatted(format, figure).value_or(std::to_string(std::llround(figure)));
+  // ICU fails when its data file is missing.
+  const std::string number = formatted(format, value).value_or(std::to_string(std::llround(value)));
   return number + ' ' + (byteCount == 1 ? "byte" : unit.word);
 }
 

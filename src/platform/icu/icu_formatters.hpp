@@ -15,23 +15,23 @@
 
 namespace tarn {
 
-/// The locale for figures that the environment names (LC_ALL, else LC_NUMERIC, else LANG); United States
-/// English where it names none, or the C locale, which has no grouping and no percent pattern of its own.
-icu::Locale figureLocale();
+/// The locale for numbers from the environment: LC_ALL, else LC_NUMERIC, else LANG (man 7 locale). Returns
+/// en_US when none is set or the locale is C or POSIX, which have no grouping and no percent pattern.
+icu::Locale numberLocale();
 
-/// Byte counts: ICU's digits, grouping and decimal mark, and unit words of our own.
+/// Digits, grouping and decimal mark come from ICU. Unit words are English.
 class IcuByteCountFormatter final : public ByteCountFormatter {
  public:
   explicit IcuByteCountFormatter(const icu::Locale& locale);
   std::string string(std::int64_t byteCount) const override;
 
  private:
-  static constexpr int mostFractionDigits = 2;
-  /// One number format for each count of fraction digits.
-  std::array<icu::number::LocalizedNumberFormatter, mostFractionDigits + 1> numbers_;
+  static constexpr int maxFractionDigits = 2;
+  /// By maximum number of fraction digits.
+  std::array<icu::number::LocalizedNumberFormatter, maxFractionDigits + 1> numbers_;
 };
 
-/// Whole percents in the locale's percent pattern.
+/// Uses the percent pattern of the locale.
 class IcuPercentFormatter final : public PercentFormatter {
  public:
   explicit IcuPercentFormatter(const icu::Locale& locale);
@@ -41,8 +41,8 @@ class IcuPercentFormatter final : public PercentFormatter {
   icu::number::LocalizedNumberFormatter percents_;
 };
 
-/// Formatters for figureLocale(). The first call of each formatter loads ICU's data, not this function. They
-/// live until the process ends. Any thread.
+/// Formatters for numberLocale(). Each formatter loads ICU's data at its first call, not in this function.
+/// They exist until the process ends. Thread: any.
 Formatters icuFormatters();
 
 }  // namespace tarn

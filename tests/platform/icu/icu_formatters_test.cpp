@@ -21,11 +21,11 @@ std::string bytes(std::uint64_t count, const char* locale = "en_US") {
   return ByteFormatting::string(count, IcuByteCountFormatter(icu::Locale(locale)));
 }
 
-std::string percent(double share, const char* locale = "en_US") {
-  return CPUFormatting::string(share, IcuPercentFormatter(icu::Locale(locale)));
+std::string percent(double percentOfOneCore, const char* locale = "en_US") {
+  return CPUFormatting::string(percentOfOneCore, IcuPercentFormatter(icu::Locale(locale)));
 }
 
-TEST(ByteText, PicksTheLargestUnitThatTheCountReaches) {
+TEST(IcuByteCountFormatter, UsesTheLargestUnitOfWhichTheCountIsAtLeastOne) {
   EXPECT_EQ(bytes(512), "512 bytes");
   EXPECT_EQ(bytes(1023), "1,023 bytes");
   EXPECT_EQ(bytes(kilobyte), "1 KB");
@@ -34,13 +34,13 @@ TEST(ByteText, PicksTheLargestUnitThatTheCountReaches) {
   EXPECT_EQ(bytes(17'179'869'184), "16 GB");
 }
 
-TEST(ByteText, WritesZeroAsADigitAndOneInTheSingular) {
+TEST(IcuByteCountFormatter, WritesZeroAsDigitAndOneAsSingular) {
   EXPECT_EQ(bytes(0), "0 bytes");
   EXPECT_EQ(bytes(1), "1 byte");
   EXPECT_EQ(bytes(2), "2 bytes");
 }
 
-TEST(ByteText, ShowsAsManyFractionDigitsAsTheUnitAllowsAndNoTrailingZeros) {
+TEST(IcuByteCountFormatter, LimitsFractionDigitsByUnitAndDropsTrailingZeros) {
   EXPECT_EQ(bytes(1536), "2 KB");
   EXPECT_EQ(bytes(2560), "2 KB");
   EXPECT_EQ(bytes(megabyte + megabyte / 4), "1.2 MB");
@@ -49,19 +49,19 @@ TEST(ByteText, ShowsAsManyFractionDigitsAsTheUnitAllowsAndNoTrailingZeros) {
   EXPECT_EQ(bytes(3 * gigabyte + gigabyte / 8), "3.12 GB");
 }
 
-TEST(ByteText, NeverLeavesGigabytesHoweverLarge) {
+TEST(IcuByteCountFormatter, UsesNoUnitAboveGigabytes) {
   EXPECT_EQ(bytes(2'199'023'255'552), "2,048 GB");
   EXPECT_EQ(bytes(std::numeric_limits<std::uint64_t>::max()), "8,589,934,592 GB");
 }
 
-TEST(ByteText, PromotesAFigureThatWouldRoundTo1024OfItsUnit) {
+TEST(IcuByteCountFormatter, UsesTheNextUnitInsteadOfRoundingTo1024) {
   EXPECT_EQ(bytes(megabyte - 1), "1 MB");
   EXPECT_EQ(bytes(megabyte - 513), "1,023 KB");
   EXPECT_EQ(bytes(gigabyte - 1), "1 GB");
   EXPECT_EQ(bytes(1023 * megabyte + 9 * megabyte / 10), "1,023.9 MB");
 }
 
-TEST(ByteText, FollowsTheLocaleInDigitsGroupingAndDecimalMarkButNotInUnitWords) {
+TEST(IcuByteCountFormatter, LocalizesDigitsGroupingAndDecimalMarkButNotUnitWords) {
   EXPECT_EQ(bytes(1'610'612'736, "de_DE"), "1,5 GB");
   EXPECT_EQ(bytes(2'199'023'255'552, "de_DE"), "2.048 GB");
   EXPECT_EQ(bytes(2'199'023'255'552, "fr_FR"), "2\u202f048 GB");
@@ -70,13 +70,13 @@ TEST(ByteText, FollowsTheLocaleInDigitsGroupingAndDecimalMarkButNotInUnitWords) 
   EXPECT_EQ(bytes(1'610'612'736, "ar_EG"), "\u0661\u066b\u0665 GB");
 }
 
-TEST(CPUText, IsAlwaysAWholeNumberOfPercent) {
+TEST(IcuPercentFormatter, IsAWholeNumber) {
   EXPECT_EQ(percent(12.3), "12%");
   EXPECT_EQ(percent(99.6), "100%");
   EXPECT_EQ(percent(0.6), "1%");
 }
 
-TEST(CPUText, ShowsTinyNegativeAndAbsentSharesAsZero) {
+TEST(IcuPercentFormatter, ShowsValuesBelowHalfAPercentAndNaNAsZero) {
   EXPECT_EQ(percent(0.04), "0%");
   EXPECT_EQ(percent(0.49), "0%");
   EXPECT_EQ(percent(-1), "0%");
@@ -84,26 +84,27 @@ TEST(CPUText, ShowsTinyNegativeAndAbsentSharesAsZero) {
   EXPECT_EQ(percent(std::numeric_limits<double>::quiet_NaN()), "0%");
 }
 
-TEST(CPUText, RoundsHalvesToEvenOnTheShortestDecimal) {
+TEST(IcuPercentFormatter, RoundsHalvesToEven) {
   EXPECT_EQ(percent(0.5), "0%");
   EXPECT_EQ(percent(2.5), "2%");
   EXPECT_EQ(percent(3.5), "4%");
   EXPECT_EQ(percent(57.5), "58%");
 }
 
-TEST(CPUText, ShowsSeveralCoresWithGroupingFromOneThousandOn) {
+TEST(IcuPercentFormatter, GroupsDigitsFromOneThousand) {
   EXPECT_EQ(percent(250.4), "250%");
   EXPECT_EQ(percent(1234), "1,234%");
 }
 
-TEST(CPUText, FollowsTheLocalesPercentPattern) {
+TEST(IcuPercentFormatter, UsesThePercentPatternOfTheLocale) {
   EXPECT_EQ(percent(12, "de_DE"), "12\u00a0%");
   EXPECT_EQ(percent(1234, "fr_FR"), "1\u202f234\u00a0%");
   EXPECT_EQ(percent(12, "tr_TR"), "%12");
   EXPECT_EQ(percent(12, "ar_EG"), "\u0661\u0662\u066a\u061c");
 }
 
-/// Sets the three variables that name the locale for figures, and restores them.
+/// Sets the three environment variables of numberLocale, and restores them in its destructor. Null unsets
+/// one.
 class LocaleEnvironment {
  public:
   LocaleEnvironment(const char* all, const char* numeric, const char* language) {
@@ -137,16 +138,16 @@ class LocaleEnvironment {
 
 std::string localeFor(const char* all, const char* numeric, const char* language) {
   const LocaleEnvironment environment(all, numeric, language);
-  return figureLocale().getName();
+  return numberLocale().getName();
 }
 
-TEST(FigureLocale, IsTheFirstThatTheEnvironmentNames) {
+TEST(NumberLocale, UsesTheFirstVariableThatIsSet) {
   EXPECT_EQ(localeFor("fr_FR.UTF-8", "de_DE.UTF-8", "tr_TR.UTF-8"), "fr_FR");
   EXPECT_EQ(localeFor("", "de_DE.UTF-8", "tr_TR.UTF-8"), "de_DE");
   EXPECT_EQ(localeFor(nullptr, nullptr, "tr_TR.UTF-8"), "tr_TR");
 }
 
-TEST(FigureLocale, IsUnitedStatesEnglishWithoutOne) {
+TEST(NumberLocale, FallsBackToAmericanEnglish) {
   EXPECT_EQ(localeFor(nullptr, nullptr, nullptr), "en_US");
   EXPECT_EQ(localeFor("C.UTF-8", "de_DE.UTF-8", "de_DE.UTF-8"), "en_US");
   EXPECT_EQ(localeFor(nullptr, nullptr, "POSIX"), "en_US");

@@ -11,7 +11,6 @@
 
 #include "extras/extras_reader.hpp"
 #include "monitor/monitor_view_model.hpp"
-#include "support/stepped_queue.hpp"
 #include "support/stepped_run_loop.hpp"
 
 namespace tarn {

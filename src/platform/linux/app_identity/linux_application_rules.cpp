@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "platform/linux/app_identity/desktop_id_candidates.hpp"
-#include "platform/linux/procfs/directory_stream.hpp"
 #include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/proc_pid_files.hpp"
 #include "sampling/bundle_path.hpp"

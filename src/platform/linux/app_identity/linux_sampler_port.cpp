@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "platform/linux/app_identity/application_information.hpp"
-#include "platform/linux/procfs/linux_system_memory_reader.hpp"
 #include "platform/linux/procfs/sleeping_process_cache.hpp"
+#include "platform/linux/procfs/system_memory.hpp"
 
 namespace tarn {
 
@@ -48,14 +48,13 @@ std::string environmentVariable(const char* variable) {
 
 SamplerPort makeLinuxSamplerPort(const LinuxRoots& roots, const Environment& environment,
                                  SamplerClocks clocks) {
-  const auto processes = clocks.processes
-                             ? std::make_shared<LinuxProcScan>(roots, std::move(clocks.processes))
-                             : std::make_shared<LinuxProcScan>(roots);
+  const auto processes = std::make_shared<SleepingProcessCache>(
+      clocks.processes ? ProcfsReader(roots, std::move(clocks.processes)) : ProcfsReader(roots));
   SamplerPort port;
   port.processes = processes;
   port.applicationRules = std::make_unique<LinuxApplicationRules>(
       roots, ApplicationIndex(roots, dataDirectories(environment), programDirectories(environment)),
-      [processes](std::int32_t pid) { return processes->programOf(pid); }, std::move(clocks.applications));
+      [processes](std::int32_t pid) { return processes->execId(pid); }, std::move(clocks.applications));
   port.memory = std::make_unique<LinuxSystemMemoryReader>(roots);
   port.uptime = std::move(clocks.uptime);
   port.bundleInformation = [roots](const std::string& path) { return applicationInformation(roots, path); };

@@ -11,7 +11,6 @@
 #include "platform/linux/app_identity/linux_application_rules.hpp"
 #include "platform/linux/procfs/kernel_clocks.hpp"
 #include "platform/linux/procfs/linux_roots.hpp"
-#include "platform/linux/procfs/uptime.hpp"
 #include "sampling/process_source.hpp"
 
 namespace tarn {

@@ -14,10 +14,10 @@ namespace tarn {
 
 namespace {
 
-// Without O_NONBLOCK the opening of a pipe waits for its writer.
+// Without O_NONBLOCK, open() of a FIFO waits for a writer.
 constexpr int openFlags = O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 
-/// The number of bytes read; 0 at the end and on any failure.
+/// Returns the number of bytes read; 0 at the end of the file and on failure.
 std::size_t readSome(int file, std::span<char> buffer) {
   ssize_t count = 0;
   do {
@@ -52,6 +52,21 @@ std::string readFile(const std::string& path, std::size_t limit) {
     if (count == 0) break;
   }
   return text;
+}
+
+std::vector<std::string> namesIn(const std::string& directory, std::size_t most) {
+  std::vector<std::string> names;
+  const DirectoryStream stream(::opendir(directory.c_str()));
+  if (!stream) return names;
+  // No other thread uses this stream.
+  // NOLINTNEXTLINE(concurrency-mt-unsafe)
+  for (const dirent* entry = ::readdir(stream.get()); entry != nullptr && names.size() < most;
+       entry = ::readdir(stream.get())) {  // NOLINT(concurrency-mt-unsafe)
+    const std::string_view name = static_cast<const char*>(entry->d_name);
+    if (name != "." && name != "..") names.emplace_back(name);
+  }
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 }  // namespace tarn

@@ -1,19 +1,24 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Reading small files without ever waiting for them: a pipe or device in the place of a file gives nothing.
+// Reads small files and lists directories of procfs, sysfs and /etc. No function here blocks: a FIFO or a
+// device in the place of a regular file reads as empty.
 
 #pragma once
 
+#include <dirent.h>
+
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace tarn {
 
-/// Owns a file descriptor; -1 when there is none.
+/// Owns a file descriptor; -1 means none.
 class FileDescriptor {
  public:
   FileDescriptor() = default;
@@ -34,12 +39,24 @@ class FileDescriptor {
   int number_ = -1;
 };
 
-/// What one read of a file gives, as a view into `buffer`; empty when it cannot be read. Three system calls.
-/// The kernel hands over a whole process file in one read when the buffer is large enough. `path` is relative
-/// to the open directory.
+/// Opens a file, calls `read` once and closes it: three system calls, no allocation. Returns a view into
+/// `buffer`; empty when the file cannot be read. `path` is relative to the open directory. A procfs file
+/// comes whole in one `read` if the buffer is large enough.
 std::string_view readOnce(int directory, const char* path, std::span<char> buffer);
 
-/// The first `limit` bytes of a regular file; empty when there is none that can be read.
+/// Returns the first `limit` bytes of a regular file; empty when it is no regular file or cannot be read.
 std::string readFile(const std::string& path, std::size_t limit = 65536);
+
+struct CloseDirectory {
+  void operator()(DIR* directory) const { ::closedir(directory); }
+};
+
+/// Owns an open directory; null when it could not be opened.
+using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
+
+/// Returns the names in a directory, sorted, without "." and "..". Only the first `most` names that the
+/// system lists are taken. Empty when the directory cannot be listed. Throws std::bad_alloc;
+/// std::filesystem::directory_iterator terminates the program instead.
+std::vector<std::string> namesIn(const std::string& directory, std::size_t most);
 
 }  // namespace tarn

@@ -17,9 +17,9 @@ namespace tarn {
 
 namespace {
 
-/// Whether this is a mounted process table in which this process bears its own pid. It does not where a
-/// container is shown the table of its host.
-bool isOwnProcessTable(const std::string& procRoot) {
+/// Whether a procfs is mounted at `procRoot` and belongs to the pid namespace of this process. In a container
+/// that is given its host's /proc, "self" has another pid there.
+bool isOwnProcfs(const std::string& procRoot) {
   struct statfs fileSystem {};
   if (::statfs(procRoot.c_str(), &fileSystem) != 0 || fileSystem.f_type != PROC_SUPER_MAGIC) return false;
   std::array<char, 16> target{};
@@ -30,10 +30,10 @@ bool isOwnProcessTable(const std::string& procRoot) {
 
 std::optional<std::uint64_t> readProcessClock(std::int32_t pid) {
   if (pid <= 0) return std::nullopt;
-  // The kernel's own numbering of process clocks. The library's function gives the same number, at the price
-  // of a system call that asks whether it is valid, which the reading itself shows.
-  constexpr unsigned scheduledTime = 2;
-  const auto clock = static_cast<clockid_t>((~static_cast<unsigned>(pid) << 3U) | scheduledTime);
+  // The clock id of a process is ~pid in the upper 29 bits and CPUCLOCK_SCHED in the lower 3
+  // (include/linux/posix-timers_types.h). clock_getcpuclockid() computes the same id and adds a system call.
+  constexpr unsigned cpuClockSched = 2;
+  const auto clock = static_cast<clockid_t>((~static_cast<unsigned>(pid) << 3U) | cpuClockSched);
   struct timespec time {};
   if (::clock_gettime(clock, &time) != 0 || time.tv_sec < 0) return std::nullopt;
   constexpr std::uint64_t nanosPerSecond = 1'000'000'000;
@@ -43,8 +43,15 @@ std::optional<std::uint64_t> readProcessClock(std::int32_t pid) {
 }  // namespace
 
 ProcessClock processClockFor(const std::string& procRoot) {
-  if (isOwnProcessTable(procRoot)) return readProcessClock;
+  if (isOwnProcfs(procRoot)) return readProcessClock;
   return [](std::int32_t) { return std::optional<std::uint64_t>{}; };
+}
+
+double uptimeSeconds() {
+  struct timespec time {};
+  if (::clock_gettime(CLOCK_MONOTONIC, &time) != 0) return 0;
+  constexpr double nanosPerSecond = 1e9;
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / nanosPerSecond;
 }
 
 }  // namespace tarn

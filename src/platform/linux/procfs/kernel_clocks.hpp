@@ -10,12 +10,15 @@
 
 namespace tarn {
 
-/// Processor time of a process since it started, nanoseconds, all its threads; nothing when the clock of
-/// that process cannot be read.
+/// Returns the CPU time that a process has used since it started, in nanoseconds, over all its threads;
+/// nothing when its clock cannot be read.
 using ProcessClock = std::function<std::optional<std::uint64_t>(std::int32_t pid)>;
 
-/// The kernel's process clocks, one system call per reading. They know pids as this process does: for any
-/// process table but this process's own the clock never gives a value.
+/// The CPU clocks of the running kernel; one system call for each reading. They take pids of this process's
+/// pid namespace, so the returned clock reads nothing unless `procRoot` is a procfs of that namespace.
 ProcessClock processClockFor(const std::string& procRoot);
+
+/// Returns the seconds since boot without the time in suspend (CLOCK_MONOTONIC); 0 on failure.
+double uptimeSeconds();
 
 }  // namespace tarn

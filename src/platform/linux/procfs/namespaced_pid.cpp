@@ -15,15 +15,15 @@ namespace tarn {
 
 namespace {
 
-bool isProgramOf(std::string_view status, std::uint32_t owner) {
+bool isUserProcessOf(std::string_view status, std::uint32_t owner) {
   return parseRealOwner(status) == owner && hasMemory(status);
 }
 
 }  // namespace
 
-std::optional<std::int32_t> processThatDeclares(const std::string& proc, std::int32_t declared,
-                                                std::uint32_t owner,
-                                                std::chrono::steady_clock::time_point deadline) {
+std::optional<std::int32_t> resolveNamespacedPid(const std::string& proc, std::int32_t declared,
+                                                 std::uint32_t owner,
+                                                 std::chrono::steady_clock::time_point deadline) {
   std::optional<std::int32_t> found;
   std::error_code error;
   std::filesystem::directory_iterator entry(proc, error);
@@ -32,7 +32,7 @@ std::optional<std::int32_t> processThatDeclares(const std::string& proc, std::in
     const auto pid = parseWholeNumber<std::int32_t>(entry->path().filename().string());
     if (!pid) continue;
     const std::string status = readFile(entry->path().string() + "/status");
-    if (parseInnermostPid(status) != declared || !isProgramOf(status, owner)) continue;
+    if (parseInnermostPid(status) != declared || !isUserProcessOf(status, owner)) continue;
     if (found) return std::nullopt;
     found = pid;
   }

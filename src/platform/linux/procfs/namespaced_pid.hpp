@@ -10,12 +10,12 @@
 
 namespace tarn {
 
-/// The process that may call itself `declared`: the one of that pid, or one in a sandbox, where processes
-/// have pids of their own that say nothing outside. Only processes of the user `owner` count, and only
-/// programs. Nothing where none or several could be meant, or when the deadline passes. `proc` as mounted;
-/// any thread.
-std::optional<std::int32_t> processThatDeclares(const std::string& proc, std::int32_t declared,
-                                                std::uint32_t owner,
-                                                std::chrono::steady_clock::time_point deadline);
+/// Finds the process that calls itself `declared`, for example in the window property _NET_WM_PID. A
+/// sandboxed process declares its pid in its own pid namespace; the result is its pid in ours. Only user
+/// processes of the user `owner` are considered. Returns nothing when no process or more than one matches,
+/// and when `deadline` passes. `proc` is the path of a procfs. Any thread.
+std::optional<std::int32_t> resolveNamespacedPid(const std::string& proc, std::int32_t declared,
+                                                 std::uint32_t owner,
+                                                 std::chrono::steady_clock::time_point deadline);
 
 }  // namespace tarn

@@ -11,18 +11,15 @@ namespace tarn {
 
 namespace {
 
-/// Positions of the fields that follow the name.
-enum StatField : std::size_t {
-  state,
-  parent,
-  flags = 6,
-  userTime = 11,
-  systemTime = 12,
-  startTime = 19,
-  fieldCount
-};
+// Field numbers of man 5 proc_pid_stat.
+constexpr std::size_t stateField = 3;
+constexpr std::size_t ppidField = 4;
+constexpr std::size_t flagsField = 9;
+constexpr std::size_t utimeField = 14;
+constexpr std::size_t stimeField = 15;
+constexpr std::size_t starttimeField = 22;
 
-/// The value behind `label` at the start of a line; empty when no line has that label.
+/// Returns the rest of the first line that starts with `label`; empty when there is none.
 std::string_view valueOf(std::string_view text, std::string_view label) {
   while (!text.empty()) {
     std::string_view line = takeLine(text);
@@ -35,25 +32,31 @@ std::string_view valueOf(std::string_view text, std::string_view label) {
 
 std::optional<ProcessStat> parseProcessStat(std::string_view text) {
   const std::size_t open = text.find('(');
-  // The name may hold parentheses and line ends itself; only numbers follow it.
+  // The last ")" ends the name: only numbers and the state letter follow.
   const std::size_t close = text.rfind(')');
   if (open == std::string_view::npos || close == std::string_view::npos || close < open) return std::nullopt;
 
   std::string_view rest = text.substr(close + 1);
-  std::array<std::string_view, fieldCount> fields;
-  for (std::string_view& field : fields) field = takeWord(rest);
-  // Without anything behind it, the last number may be the first digits of a longer one.
-  if (rest.empty() || fields[state].size() != 1) return std::nullopt;
+  std::array<std::string_view, starttimeField + 1> fields;
+  for (std::size_t number = stateField; number < fields.size(); ++number) fields[number] = takeWord(rest);
+  // A number at the very end of the text may be cut off.
+  if (rest.empty() || fields[stateField].size() != 1) return std::nullopt;
 
-  const auto ppid = parseWholeNumber<std::int32_t>(fields[parent]);
-  const auto user = parseWholeNumber<std::uint64_t>(fields[userTime]);
-  const auto system = parseWholeNumber<std::uint64_t>(fields[systemTime]);
-  const auto start = parseWholeNumber<std::uint64_t>(fields[startTime]);
+  const auto ppid = parseWholeNumber<std::int32_t>(fields[ppidField]);
+  const auto flags = parseWholeNumber<std::uint32_t>(fields[flagsField]);
+  const auto user = parseWholeNumber<std::uint64_t>(fields[utimeField]);
+  const auto system = parseWholeNumber<std::uint64_t>(fields[stimeField]);
+  const auto start = parseWholeNumber<std::uint64_t>(fields[starttimeField]);
   if (!ppid || *ppid < 0 || !user || !system || !start) return std::nullopt;
-  constexpr std::uint32_t kernelThread = 0x00200000;
-  const bool isKernelThread =
-      (parseWholeNumber<std::uint32_t>(fields[flags]).value_or(0) & kernelThread) != 0;
-  return ProcessStat{text.substr(open + 1, close - open - 1), *ppid, *user, *system, *start, isKernelThread};
+  constexpr std::uint32_t kernelThreadFlag = 0x00200000;  // PF_KTHREAD in include/linux/sched.h
+  const char state = fields[stateField].front();
+  return ProcessStat{.name = text.substr(open + 1, close - open - 1),
+                     .isZombie = state == 'Z' || state == 'X',
+                     .ppid = *ppid,
+                     .isKernelThread = (flags.value_or(0) & kernelThreadFlag) != 0,
+                     .userTicks = *user,
+                     .systemTicks = *system,
+                     .startTicks = *start};
 }
 
 std::string_view withoutDeletedMark(std::string_view path) {
@@ -63,7 +66,7 @@ std::string_view withoutDeletedMark(std::string_view path) {
 }
 
 std::optional<ProcessPages> parseProcessPages(std::string_view text) {
-  takeWord(text);  // the size of the address space says nothing about memory
+  takeWord(text);  // (1) size
   const auto resident = parseWholeNumber<std::uint64_t>(takeWord(text));
   const auto shared = parseWholeNumber<std::uint64_t>(takeWord(text));
   if (!resident || !shared || text.empty()) return std::nullopt;
@@ -98,7 +101,7 @@ std::optional<std::uint64_t> parseBootTime(std::string_view systemStat) {
 
 std::string_view completedName(std::string_view kernelName, std::string_view commandLine) {
   const std::string_view argument = commandLine.substr(0, commandLine.find('\0'));
-  // find_last_of gives npos, and npos + 1 is 0, where there is no slash.
+  // Without a slash find_last_of returns npos, and npos + 1 is 0.
   const std::string_view component = argument.substr(argument.find_last_of('/') + 1);
   if (!component.starts_with(kernelName)) return kernelName;
   std::string_view word = component.substr(0, component.find_first_of(" \t\n", kernelName.size()));

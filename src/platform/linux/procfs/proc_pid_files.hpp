@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The files of one process below /proc, as records. The parsers do not allocate.
+// Parsers of the files below /proc/PID and of /proc/stat. They do not allocate and accept any bytes.
 
 #pragma once
 
@@ -11,53 +11,69 @@
 
 namespace tarn {
 
-/// What Tarn needs of `/proc/PID/stat`.
+/// `/proc/PID/stat`, one line (man 5 proc_pid_stat):
+///
+///   (1) pid (2) comm (3) state (4) ppid (5) pgrp (6) session (7) tty_nr (8) tpgid (9) flags (10) minflt
+///   (11) cminflt (12) majflt (13) cmajflt (14) utime (15) stime (16) cutime (17) cstime (18) priority
+///   (19) nice (20) num_threads (21) itrealvalue (22) starttime (23) vsize ...
+///
+/// comm is in parentheses and may itself hold parentheses, blanks and line ends.
 struct ProcessStat {
-  std::string_view name;  ///< the kernel's name, a view into the text: any bytes, cut at 15 by the kernel
-  std::int32_t ppid = 0;  ///< parent pid, not negative
-  std::uint64_t userTicks = 0;    ///< processor time in user mode, clock ticks
-  std::uint64_t systemTicks = 0;  ///< processor time in the kernel, clock ticks
-  std::uint64_t startTicks = 0;   ///< start, clock ticks since the system started
-  bool isKernelThread = false;    ///< it runs no program, and is called by what it does at the moment
+  std::string_view name;  ///< (2) comm, a view into the text. Any bytes, at most 15 for user processes
+  bool isZombie = false;  ///< (3) state is Z or X: it has exited
+  std::int32_t ppid = 0;  ///< (4) pid of the parent, not negative; 0 when it has none in this pid namespace
+  bool isKernelThread = false;    ///< (9) flags has PF_KTHREAD: its name says what it works on at the moment
+  std::uint64_t userTicks = 0;    ///< (14) utime, clock ticks
+  std::uint64_t systemTicks = 0;  ///< (15) stime, clock ticks
+  std::uint64_t startTicks = 0;   ///< (22) starttime, clock ticks since boot
 };
 
-/// Nothing when the text is cut off, when a figure is no number, or when one exceeds its type.
+/// Returns nothing when the text is cut off, or when a number is malformed or out of its type's range.
 std::optional<ProcessStat> parseProcessStat(std::string_view text);
 
-/// An executable's path without what the kernel adds when its file is gone.
+/// The target of `/proc/PID/exe` without " (deleted)", which the kernel appends when the file was unlinked
+/// (man 5 proc_pid_exe).
 std::string_view withoutDeletedMark(std::string_view path);
 
-/// What Tarn needs of `/proc/PID/statm`, in pages.
+/// `/proc/PID/statm`, one line (man 5 proc_pid_statm): (1) size (2) resident (3) shared (4) text (5) lib
+/// (6) data (7) dt, all in pages.
 struct ProcessPages {
-  std::uint64_t resident = 0;  ///< in memory
-  std::uint64_t shared = 0;    ///< of these, the pages of files and of shared memory
+  std::uint64_t resident = 0;  ///< (2) in memory
+  std::uint64_t shared = 0;    ///< (3) of these, file-backed and shared memory pages
 };
 
+/// Returns nothing when the text is cut off or a number is malformed.
 std::optional<ProcessPages> parseProcessPages(std::string_view text);
 
-/// The real owner's user id in `/proc/PID/status`.
+// `/proc/PID/status` (man 5 proc_pid_status), lines of "Key:\tvalue":
+//
+//   Uid:    real, effective, saved set and file system user id
+//   NSpid:  pid in each nested pid namespace, the innermost last
+//   VmSize: size of the address space, kB; only for processes that have one
+//   VmSwap: anonymous private memory in swap, kB; likewise
+
+/// The first number of "Uid:".
 std::optional<std::uint32_t> parseRealOwner(std::string_view status);
 
-/// The pid by which a process knows itself, in `/proc/PID/status`: another one than outside for a process in
-/// a name space of its own. Nothing without that line.
+/// The last number of "NSpid:": the pid by which the process knows itself.
 std::optional<std::int32_t> parseInnermostPid(std::string_view status);
 
-/// Whether `/proc/PID/status` tells of memory: the kernel's own threads, and what has ended, have none.
+/// Whether there is a "VmSize:" line. Kernel threads and zombies have none.
 bool hasMemory(std::string_view status);
 
-/// The process's memory in swap in `/proc/PID/status`, bytes; 0 for what has no memory of its own, such as
-/// a kernel thread.
+/// "VmSwap:" in bytes; 0 without that line.
 std::uint64_t parseSwappedBytes(std::string_view status);
 
-/// The seconds since the epoch at which the system started, in `/proc/stat`.
+/// The boot time in `/proc/stat`, seconds since the epoch: the line "btime SECONDS" (man 5 proc_stat).
 std::optional<std::uint64_t> parseBootTime(std::string_view systemStat);
 
-/// The kernel's name of a process, completed from its command line.
+/// Completes a kernel name (comm) from the command line, because the kernel cuts comm to 15 bytes.
 ///
-/// The kernel cuts names after 15 bytes. The first argument's last path component is taken where it begins
-/// with the kernel's name. Programs that write their state over their arguments ("postgres: writer") are
-/// the reason for two limits: beyond the kernel's name a blank ends the word, and a colon at its end is
-/// dropped. `commandLine` is the raw file; give nothing instead of a file whose first argument is cut off.
+/// The last path component of the first argument is used if it begins with `kernelName`. Programs that write
+/// their state over their arguments ("postgres: writer") are the reason for two limits: after the kernel name
+/// whitespace ends the name, and a colon at its end is dropped. `commandLine` is the content of
+/// `/proc/PID/cmdline`: arguments, each terminated by a zero byte (man 5 proc_pid_cmdline). Pass an empty
+/// text when its first argument is cut off.
 std::string_view completedName(std::string_view kernelName, std::string_view commandLine);
 
 }  // namespace tarn

@@ -3,110 +3,99 @@
 
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
-#include <span>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
-#include "platform/linux/procfs/directory_stream.hpp"
-#include "platform/linux/procfs/linux_roots.hpp"
-#include "platform/linux/procfs/kernel_clocks.hpp"
-#include "platform/linux/procfs/proc_pid_files.hpp"
+#include "platform/linux/procfs/procfs_reader.hpp"
 #include "sampling/pid_map.hpp"
 #include "sampling/process_source.hpp"
 
 namespace tarn {
 
-/// The process table below `/proc`.
+/// The process table for the sampler: a `ProcfsReader` and what it read of each process in the latest sweep.
+/// A process that has not run since then keeps its figures at the cost of one system call, the reading of its
+/// CPU clock. A process that has run costs seven: the clock, and open, read and close of `stat` and `statm`.
 ///
-/// A process that has not run since the sweep before costs one system call: its clock says so. Nothing else
-/// about it can have changed then: its parent is the same while that lives, and memory of its own is neither
-/// gained nor given back by who sleeps, unless the machine swaps. (The kernel may still merge or split pages
-/// on its own, so each process is read again in every tenth sweep.) One that has run costs seven: open, read
-/// and close of `stat` and `statm`, and its clock.
+/// `allPIDs` begins a sweep and reads all that has changed. Until the next sweep, `bsdInfo`, `usage` and
+/// `execId` only look up what was read. `path` reads its link at each call; `processName` reads `cmdline`
+/// once for each program. A process that has no entry (it is gone, or its files cannot be read) is looked up
+/// with the plain reader.
 ///
-/// Owner and name are kept as long as the process keeps its pid, start time and kernel name; a process that
-/// changes its owner without starting another program keeps the old one. Threads of the kernel change their
-/// names all the time, and nothing but that changes.
-class LinuxProcScan final : public ProcScan {
+/// What an entry holds: parent, owner, start time, kernel name, usage, and the CPU clock, which is always
+/// read before the files. So a process that runs while its files are read has another clock in the next
+/// sweep.
+///
+/// An entry is reused in a sweep if all of these hold; else `stat` and `statm` are read again:
+///   - The process has a clock, and the clock has not moved. Without running, a process changes neither its
+///     memory nor its name, and cannot exit. Pid reuse shows here too, as another clock.
+///   - Its parent is listed, is no zombie, and has the same start time as when the entry was read. When a
+///     parent exits, the kernel gives its children another one without running them.
+///   - The machine uses no swap. The kernel swaps out the memory of sleeping processes.
+///   - Its usage could be read the last time.
+///   - It is not its turn. Every process is read again in every tenth sweep, because the kernel may merge,
+///     split or reclaim pages of sleeping processes (KSM, transparent huge pages, MADV_FREE).
+///
+/// Owner, full name and execId are read again only when start time or kernel name differ, which for user
+/// processes means another process or another program. A process that changes its user and does not execute
+/// another program keeps the old owner. Kernel threads rename themselves all the time and execute no program;
+/// only a different start time makes them another process.
+///
+/// An entry that was not reused or read in a sweep counts as absent from then on, and is pruned when the next
+/// sweep begins. Not listed, gone or unreadable: all the same. An entry is completed before it is marked as
+/// part of the sweep, so a sweep that was left by std::bad_alloc leaves no incomplete entries behind.
+///
+/// Not thread-safe.
+class SleepingProcessCache final : public ProcScan {
  public:
-  /// Reads the processor clocks of the running kernel where the root is its own process table, else the
-  /// coarser clock ticks of `stat`.
-  explicit LinuxProcScan(const LinuxRoots& roots);
+  explicit SleepingProcessCache(ProcfsReader reader) : reader_(std::move(reader)) {}
 
-  /// As above with another clock; `stat` serves where it gives nothing.
-  LinuxProcScan(LinuxRoots roots, ProcessClock clock);
-
-  /// Also begins a sweep: forgets the processes that the sweep before did not meet, and looks whether the
-  /// machine uses any swap.
   std::vector<std::int32_t> allPIDs() override;
-
   std::optional<BsdInfo> bsdInfo(std::int32_t pid) override;
-  std::string path(std::int32_t pid) override;
+  std::string path(std::int32_t pid) override { return reader_.path(pid); }
   std::optional<ProcessUsage> usage(std::int32_t pid) override;
   SharedText processName(std::int32_t pid) override;
 
-  /// A number that no other process has, and this one no more once it has started another program: its kernel
-  /// name is another one then. Nothing for a process that this sweep has not met, nor for a thread of the
-  /// kernel, which runs no program. No system call.
-  std::optional<std::uint64_t> programOf(std::int32_t pid) const;
+  /// A number for the program that a process executes: no other process has it, and it changes when the
+  /// process executes another program (when its kernel name changes). Nothing for kernel threads and for
+  /// processes without an entry in this sweep. No system call.
+  std::optional<std::uint64_t> execId(std::int32_t pid) const;
 
-  /// How many processes are remembered.
-  std::size_t knownProcessCount() const { return known_.size(); }
+  /// The number of entries, those that the next sweep prunes included.
+  std::size_t size() const { return entries_.size(); }
 
  private:
-  struct KnownProcess {
+  struct Entry {
     std::string kernelName;
-    std::optional<SharedText> displayName;  // read when first asked for
     std::uint64_t startTicks = 0;
-    std::uint64_t parentStartTicks = 0;      // 0 when the parent was not met before it
-    std::uint64_t processorTicks = 0;        // as of the sweep below
-    std::optional<std::uint64_t> clockTime;  // nanoseconds, as of the sweep below; nothing without a clock
-    std::optional<std::uint64_t> footprint;  // bytes, when it was last asked for
-    std::optional<std::uint64_t> clockAtListing;
-    std::uint64_t listing = 0;  // the sweep of that, until it is used
-    std::uint64_t sweep = 0;    // in which it was last met
-    bool isQuiet = false;       // it has not run since the sweep before that
-    bool wasMetEarly = false;   // by a child, before its own turn in the sweep
-    std::uint64_t program = 0;  // another number for each program; 0 without one
-    std::int32_t ppid = 0;
-    std::uint32_t owner = 0;
+    std::optional<std::uint64_t> execId;  // nothing for a kernel thread
+    BsdInfo info;
+    bool isZombie = false;
+    std::optional<std::uint64_t> clock;        // nanoseconds, read before everything else in this entry
+    std::optional<ProcessUsage> usage;         // nothing if `statm` could not be read
+    std::optional<std::uint64_t> parentStart;  // start ticks; nothing if the parent is not listed or a zombie
+    std::optional<SharedText> fullName;        // nothing until it is first asked for
+    std::uint64_t sweep = 0;                   // in which it was last reused or read; 0 while it is not valid
+    bool wasRead = false;                      // in that sweep
   };
 
-  bool openDirectory();
-  std::string_view readProcessFile(std::int32_t pid, std::string_view file, std::span<char> buffer);
-  std::string_view readStatus(std::int32_t pid);
-  void askClockEarly(std::int32_t pid);
-  std::optional<std::uint64_t> clockOf(std::int32_t pid, KnownProcess& known) const;
-  KnownProcess* refresh(std::int32_t pid);
-  KnownProcess* readAnew(std::int32_t pid);
-  bool mayBeQuiet(std::int32_t pid);
-  std::uint64_t startOfParent(std::int32_t ppid);
-  KnownProcess* metInThisSweep(std::int32_t pid);
-  std::optional<std::uint64_t> readFootprint(std::int32_t pid);
-  std::optional<std::uint64_t> processorTime(const KnownProcess& process) const;
-  std::string readDisplayName(std::int32_t pid, const std::string& kernelName);
+  bool mayReuse(std::int32_t pid, const Entry& entry, std::optional<std::uint64_t> clock) const;
+  void update(std::int32_t pid);
+  void checkParent(std::int32_t pid);
+  void read(std::int32_t pid, std::optional<std::uint64_t> clock);
+  std::optional<std::uint64_t> startOfParent(std::int32_t ppid) const;
 
-  LinuxRoots roots_;
-  ProcessClock clock_;
-  DirectoryStream directory_;
-  std::uint64_t bootTime_;  // seconds since the epoch; read once, so that a clock step renames no process
-  std::uint64_t ticksPerSecond_;
-  std::uint64_t pageSize_;
+  /// The entry of this sweep; null if there is none. Valid until an entry is added.
+  const Entry* find(std::int32_t pid) const;
+  Entry* find(std::int32_t pid);
+
+  ProcfsReader reader_;
+  PidMap<Entry> entries_;
   std::uint64_t sweep_ = 0;
-  std::uint64_t programs_ = 0;  // met so far
-  int parentDepth_ = 0;         // parents that are being met for their children's sake
-  bool swapInUse_ = false;
-  PidMap<KnownProcess> known_;
-  std::vector<char> buffer_;  // for the short files
-  // `status` can hold a list of thousands of groups. What is not used of it takes no memory: it is not filled
-  // beforehand.
-  std::unique_ptr<char[]> statusBuffer_;
+  std::uint64_t lastExecId_ = 0;
 };
 
 }  // namespace tarn

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The kernel's files about the whole machine's memory, as records.
+// The memory of the whole machine: parsers of the kernel's files, which accept any bytes, and the reader that
+// combines them.
 
 #pragma once
 
@@ -9,41 +10,74 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/linux/procfs/linux_roots.hpp"
+#include "sampling/process_source.hpp"
+
 namespace tarn {
 
-/// What Tarn needs of `/proc/meminfo`, in bytes. A field that is missing or unreadable has no value.
+/// Fields of `/proc/meminfo` in bytes (man 5 proc_meminfo; Zswap and Zswapped:
+/// Documentation/filesystems/proc.rst). Lines are "Name:  NUMBER kB". A field that is missing or malformed
+/// has no value.
 struct MemoryInfo {
-  std::optional<std::uint64_t> total;
-  std::optional<std::uint64_t> free;
-  std::optional<std::uint64_t> available;
-  std::optional<std::uint64_t> buffers;
-  std::optional<std::uint64_t> cached;
-  std::optional<std::uint64_t> swapCached;
-  std::optional<std::uint64_t> anonymous;
-  std::optional<std::uint64_t> reclaimableSlab;
-  std::optional<std::uint64_t> sharedMemory;
-  std::optional<std::uint64_t> locked;
-  std::optional<std::uint64_t> swapTotal;
-  std::optional<std::uint64_t> swapFree;
-  std::optional<std::uint64_t> compressedPool;     ///< what the compressed swap cache occupies
-  std::optional<std::uint64_t> compressedContent;  ///< what it holds, uncompressed; counted as used swap too
+  std::optional<std::uint64_t> total;            ///< MemTotal: usable memory
+  std::optional<std::uint64_t> free;             ///< MemFree
+  std::optional<std::uint64_t> available;        ///< MemAvailable: for new programs, without swapping
+  std::optional<std::uint64_t> buffers;          ///< Buffers
+  std::optional<std::uint64_t> cached;           ///< Cached: page cache, shared memory included
+  std::optional<std::uint64_t> swapCached;       ///< SwapCached: in memory and in swap
+  std::optional<std::uint64_t> anonymous;        ///< AnonPages
+  std::optional<std::uint64_t> reclaimableSlab;  ///< SReclaimable
+  std::optional<std::uint64_t> sharedMemory;     ///< Shmem
+  std::optional<std::uint64_t> locked;           ///< Mlocked
+  std::optional<std::uint64_t> swapTotal;        ///< SwapTotal
+  std::optional<std::uint64_t> swapFree;         ///< SwapFree
+  std::optional<std::uint64_t> zswap;            ///< Zswap: memory that zswap occupies
+  std::optional<std::uint64_t> zswapped;         ///< Zswapped: uncompressed size of what zswap holds
 };
 
 MemoryInfo parseMemoryInfo(std::string_view text);
 
-/// What `/proc/swaps` says is in use, in bytes.
+/// Swap in use according to `/proc/swaps`, bytes (man 5 proc_swaps). After a line of titles, one line for
+/// each area: Filename Type Size Used Priority, sizes in KiB. Blanks in Filename are escaped as "\040".
 struct SwapUse {
-  std::uint64_t used = 0;           ///< of all swap devices and files
-  std::uint64_t outsideMemory = 0;  ///< without the devices that keep pages compressed in memory
+  std::uint64_t used = 0;           ///< of all areas
+  std::uint64_t outsideMemory = 0;  ///< without zram devices, which keep pages compressed in memory
 };
 
-/// Lines that do not parse count as no use.
+/// Malformed lines count as 0.
 SwapUse parseSwaps(std::string_view text);
 
-/// The memory that a compressed memory device occupies, bytes: column 3 of its `mm_stat`.
-std::optional<std::uint64_t> parseCompressedDeviceMemory(std::string_view text);
+/// The memory that a zram device occupies, bytes: mem_used_total in `/sys/block/zramN/mm_stat`
+/// (Documentation/admin-guide/blockdev/zram.rst). One line: (1) orig_data_size (2) compr_data_size
+/// (3) mem_used_total (4) mem_limit (5) mem_used_max (6) same_pages (7) pages_compacted (8) huge_pages ...
+std::optional<std::uint64_t> parseZramMemory(std::string_view text);
 
-/// How many processors a list such as "0-3,5" names; nothing for other text, and for an absurd number.
-std::optional<int> countProcessorList(std::string_view text);
+/// The memory of the machine, from `/proc/meminfo`, `/proc/swaps`, the zram devices and the memory blocks.
+/// Reads the files at each call. Not thread-safe.
+class LinuxSystemMemoryReader final : public SystemMemoryReader {
+ public:
+  explicit LinuxSystemMemoryReader(LinuxRoots roots);
+
+  /// Installed memory: the memory blocks that are online (Documentation/admin-guide/mm/memory-hotplug.rst).
+  /// MemTotal, which lacks what the kernel reserves at boot, if there are no blocks or if it is larger.
+  std::uint64_t totalRAM() override;
+
+  /// Swap in use on devices and in files, without what zram and zswap keep in memory.
+  std::uint64_t swapUsed() override;
+
+  SystemMemory read() override;
+
+ private:
+  MemoryInfo readMemoryInfo() const;
+  std::uint64_t installedMemory(const MemoryInfo& info);
+  std::uint64_t readSwapUsed(const MemoryInfo& info) const;
+  std::uint64_t readCompressed(const MemoryInfo& info) const;
+
+  LinuxRoots roots_;
+  // Large machines have thousands of blocks with a file each. They are counted again only when MemTotal has
+  // changed, as it does when memory is added or removed.
+  std::optional<std::uint64_t> totalWhenCounted_;
+  std::uint64_t blockMemory_ = 0;
+};
 
 }  // namespace tarn

@@ -64,4 +64,25 @@ std::optional<std::uint64_t> parseKibibytes(std::string_view text) {
   return bytes;
 }
 
+std::optional<int> countCpuList(std::string_view text) {
+  constexpr int mostCpus = 1 << 20;
+  std::string_view list = takeWord(text);
+  if (list.empty() || !takeWord(text).empty()) return std::nullopt;
+  int count = 0;
+  for (bool more = true; more;) {
+    const std::size_t comma = list.find(',');
+    const std::string_view range = list.substr(0, comma);
+    more = comma != std::string_view::npos;
+    list.remove_prefix(more ? comma + 1 : list.size());
+
+    const std::size_t dash = range.find('-');
+    const auto first = parseWholeNumber<int>(range.substr(0, dash));
+    const auto last = dash == std::string_view::npos ? first : parseWholeNumber<int>(range.substr(dash + 1));
+    if (!first || !last || *first < 0 || *last < *first || *last >= mostCpus) return std::nullopt;
+    count += *last - *first + 1;
+    if (count > mostCpus) return std::nullopt;
+  }
+  return count;
+}
+
 }  // namespace tarn

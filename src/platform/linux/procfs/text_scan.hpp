@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Helpers for the kernel's text files. Nothing here allocates: words and lines are views into the text.
+// Parsing of the text files of procfs, sysfs and /etc. Words and lines are views into the text.
 
 #pragma once
 
@@ -13,7 +13,7 @@
 
 namespace tarn {
 
-/// The number that `text` is as a whole; nothing for other text and for a number beyond the type's range.
+/// Parses all of `text` as a number. Returns nothing for other text and for numbers out of the type's range.
 template <typename Number>
 std::optional<Number> parseWholeNumber(std::string_view text, int base = 10) {
   Number number{};
@@ -23,21 +23,26 @@ std::optional<Number> parseWholeNumber(std::string_view text, int base = 10) {
   return number;
 }
 
-/// The number not below zero that `text` is as a whole, such as "12.34"; nothing for other text.
+/// Parses all of `text` as a decimal number not below 0, such as "12.34". Returns nothing for other text.
 std::optional<double> parseDecimal(std::string_view text);
 
-/// Takes the first word off the front of `rest`. Words are separated by blanks, tabs and line ends; empty
-/// when none is left.
+/// Removes the first word from `rest` and returns it; empty when none is left. Words are separated by blanks,
+/// tabs and line ends.
 std::string_view takeWord(std::string_view& rest);
 
-/// Takes the first line off the front of `rest`, without its line end.
+/// Removes the first line from `rest` and returns it without its line end.
 std::string_view takeLine(std::string_view& rest);
 
-/// A number of kibibytes, with or without its unit "kB" behind it, in bytes; nothing when that is not what
-/// `text` begins with, or when the bytes exceed 64 bits.
+/// Parses "NUMBER kB" or "NUMBER" at the beginning of `text`, a number of KiB, and returns bytes. Returns
+/// nothing for another unit or no number, and when the bytes exceed 64 bits.
 std::optional<std::uint64_t> parseKibibytes(std::string_view text);
 
-/// The text with its escapes undone: each is a beginning and so many digits, and stands for one byte.
+/// Returns `text` with its escape sequences replaced. An escape sequence is `beginning` and then `digits`
+/// digits to `base`, the code of one byte: "\040" in /proc/mounts, "\x20" in the database of udev. Allocates.
 std::string withoutEscapes(std::string_view text, std::string_view beginning, std::size_t digits, int base);
+
+/// Counts the CPUs in a list such as "0-3,5" (Documentation/admin-guide/cputopology.rst). Returns nothing for
+/// other text and for more than a million.
+std::optional<int> countCpuList(std::string_view text);
 
 }  // namespace tarn

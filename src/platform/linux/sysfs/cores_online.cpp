@@ -8,12 +8,12 @@
 #include <algorithm>
 
 #include "platform/linux/procfs/file_reading.hpp"
-#include "platform/linux/procfs/system_memory.hpp"
+#include "platform/linux/procfs/text_scan.hpp"
 
 namespace tarn {
 
 int countCoresOnline(const LinuxRoots& roots) {
-  if (const auto count = countProcessorList(readFile(roots.sys + "/devices/system/cpu/online")))
+  if (const auto count = countCpuList(readFile(roots.sys + "/devices/system/cpu/online")))
     return *count;
   return static_cast<int>(std::max(1L, ::sysconf(_SC_NPROCESSORS_ONLN)));
 }

@@ -18,10 +18,6 @@ namespace tarn {
 
 namespace {
 
-struct CloseDirectory {
-  void operator()(DIR* directory) const { ::closedir(directory); }
-};
-
 /// d_type is DT_UNKNOWN on file systems that do not report the type (man 3 readdir).
 bool isRegularFile(DIR* directory, const dirent& entry) {
   if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_REG;
@@ -33,7 +29,7 @@ bool isRegularFile(DIR* directory, const dirent& entry) {
 }  // namespace
 
 std::vector<DirectoryEntry> listDirectory(const std::string& path) {
-  const std::unique_ptr<DIR, CloseDirectory> directory(::opendir(path.c_str()));
+  const DirectoryStream directory(::opendir(path.c_str()));
   std::vector<DirectoryEntry> entries;
   if (!directory) return entries;
   // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread uses this stream

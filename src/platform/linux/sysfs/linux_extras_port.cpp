@@ -6,7 +6,7 @@
 #include <chrono>
 #include <memory>
 
-#include "platform/linux/procfs/uptime.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
 #include "platform/linux/sysfs/power_supplies.hpp"
 #include "platform/linux/sysfs/root_volume.hpp"
 #include "platform/linux/sysfs/temperature_sensors.hpp"

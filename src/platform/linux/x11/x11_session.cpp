@@ -179,7 +179,7 @@ std::optional<std::int32_t> X11Session::declaredProcess(std::uint32_t window, Cl
   if (!isThisMachine(machine) || pendingReply_) return std::nullopt;
   const auto pid = parseNumber(property(window, atoms_->windowPid, XCB_ATOM_CARDINAL, 32, deadline));
   if (!pid || *pid == 0 || !std::in_range<std::int32_t>(*pid)) return std::nullopt;
-  return processThatDeclares(roots_.proc, static_cast<std::int32_t>(*pid), getuid(), deadline);
+  return resolveNamespacedPid(roots_.proc, static_cast<std::int32_t>(*pid), getuid(), deadline);
 }
 
 // The bytes of a property; empty unless it has this type and format (8, 16 or 32 bits per element).

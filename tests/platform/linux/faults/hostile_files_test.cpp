@@ -144,7 +144,7 @@ Reading readMachine(const LinuxRoots& roots) {
   reading.thermalState = reader.thermalState();
   EXPECT_GT(countCoresOnline(roots), 0);
   reading.declared =
-      processThatDeclares(roots.proc, 7, 1000, std::chrono::steady_clock::now() + std::chrono::seconds(20));
+      resolveNamespacedPid(roots.proc, 7, 1000, std::chrono::steady_clock::now() + std::chrono::seconds(20));
   reading.bundle = applicationInformation(roots, "/opt/Text.app");
   reading.iconFiles = bundleIconFiles(roots.root + "/opt/Text.app").size();
   return reading;

@@ -14,7 +14,7 @@
 namespace tarn {
 namespace {
 
-TEST(ReadFile, GivesAWholeFile) {
+TEST(ReadFile, ReturnsAWholeFile) {
   const TemporaryTree tree;
   const std::string text(20'000, 'a');
   tree.write("file", text);
@@ -28,7 +28,7 @@ TEST(ReadFile, StopsAtItsLimit) {
   EXPECT_EQ(readFile(tree.at("file"), 10).size(), 10U);
 }
 
-TEST(ReadFile, WhatIsNoRegularFileIsEmpty) {
+TEST(ReadFile, ReturnsNothingForOtherThanRegularFiles) {
   const TemporaryTree tree;
   tree.pipe("pipe");
   EXPECT_EQ(readFile(tree.at("pipe")), "");
@@ -37,7 +37,7 @@ TEST(ReadFile, WhatIsNoRegularFileIsEmpty) {
   EXPECT_EQ(readFile("/dev/zero"), "");
 }
 
-TEST(ReadOnce, GivesWhatTheBufferHolds) {
+TEST(ReadOnce, ReturnsWhatFitsIntoTheBuffer) {
   const TemporaryTree tree;
   tree.write("proc/file", "abcdef");
   const FileDescriptor directory(::open(tree.at("proc").c_str(), O_RDONLY | O_DIRECTORY));

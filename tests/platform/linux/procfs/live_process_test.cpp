@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The running kernel's own process table, asked about this very process.
+// The procfs of the running kernel, read about this process.
 
 #include <gmock/gmock.h>
 #include <sys/mman.h>
@@ -10,6 +10,9 @@
 
 #include <ctime>
 #include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
 #include <thread>
 
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
@@ -33,67 +36,87 @@ void burn(std::uint64_t nanos) {
   }
 }
 
-TEST(LiveProcess, IsListedWithItsParentOwnerAndPath) {
-  LinuxProcScan processes(LinuxRoots{});
-  EXPECT_THAT(processes.allPIDs(), Contains(::getpid()));
-  const auto info = processes.bsdInfo(::getpid());
+class LiveProcessTest : public testing::TestWithParam<bool> {
+ protected:
+  LiveProcessTest() {
+    if (GetParam()) {
+      processes_ = std::make_unique<SleepingProcessCache>(ProcfsReader(LinuxRoots{}));
+    } else {
+      processes_ = std::make_unique<ProcfsReader>(LinuxRoots{});
+    }
+  }
+
+  /// The usage of this process in another sweep.
+  std::optional<ProcessUsage> sweepUsage() {
+    processes_->allPIDs();
+    return processes_->usage(::getpid());
+  }
+
+  std::unique_ptr<ProcScan> processes_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Both, LiveProcessTest, testing::Bool(), [](const auto& isCache) {
+  return isCache.param ? std::string("Cache") : std::string("PlainReader");
+});
+
+TEST_P(LiveProcessTest, IsListedWithItsParentOwnerAndPath) {
+  EXPECT_THAT(processes_->allPIDs(), Contains(::getpid()));
+  const auto info = processes_->bsdInfo(::getpid());
   ASSERT_TRUE(info);
   EXPECT_EQ(info->ppid, ::getppid());
   EXPECT_EQ(info->uid, ::getuid());
   EXPECT_LE(info->startSec, static_cast<std::uint64_t>(::time(nullptr)) + 1);
   EXPECT_GE(info->startSec + 600, static_cast<std::uint64_t>(::time(nullptr)));
-  EXPECT_EQ(processes.path(::getpid()), std::filesystem::read_symlink("/proc/self/exe").string());
-  EXPECT_EQ(processes.processName(::getpid()),
+  EXPECT_EQ(processes_->path(::getpid()), std::filesystem::read_symlink("/proc/self/exe").string());
+  EXPECT_EQ(processes_->processName(::getpid()),
             std::filesystem::read_symlink("/proc/self/exe").filename().string());
 }
 
-TEST(LiveProcess, ItsFootprintGrowsByTheMemoryItTouches) {
+TEST_P(LiveProcessTest, FootprintGrowsByTheMemoryThatIsTouched) {
   constexpr std::size_t size = std::size_t{64} << 20U;
-  LinuxProcScan processes(LinuxRoots{});
   void* const memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   ASSERT_NE(memory, MAP_FAILED);
-  const auto before = processes.footprint(::getpid());
-  // The kernel touches it: what a sanitizer would note of a write of ours is memory, too.
+  const auto before = sweepUsage();
+  // Let the kernel touch the pages: a sanitizer's record of our own writes would take memory, too.
   ASSERT_EQ(::madvise(memory, size, MADV_POPULATE_WRITE), 0);
-  const auto after = processes.footprint(::getpid());
+  const auto after = sweepUsage();
   ASSERT_EQ(::munmap(memory, size), 0);
-  const auto freed = processes.footprint(::getpid());
+  const auto freed = sweepUsage();
   ASSERT_TRUE(before && after && freed);
-  EXPECT_NEAR(static_cast<double>(*after - *before), static_cast<double>(size), size * 0.02);
-  EXPECT_NEAR(static_cast<double>(*after - *freed), static_cast<double>(size), size * 0.02);
+  EXPECT_NEAR(static_cast<double>(after->footprint - before->footprint), static_cast<double>(size),
+              size * 0.02);
+  EXPECT_NEAR(static_cast<double>(after->footprint - freed->footprint), static_cast<double>(size),
+              size * 0.02);
 }
 
-TEST(LiveProcess, ItsProcessorTimeIsThatOfItsOwnClock) {
-  LinuxProcScan processes(LinuxRoots{});
+TEST_P(LiveProcessTest, CpuTimeIsThatOfTheProcessClock) {
   burn(20'000'000);
   const std::uint64_t before = ownProcessorNanos();
-  const auto usage = processes.usage(::getpid());
+  const auto usage = sweepUsage();
   const std::uint64_t after = ownProcessorNanos();
   ASSERT_TRUE(usage);
   EXPECT_GE(usage->cpuTime, before);
   EXPECT_LE(usage->cpuTime, after);
 }
 
-TEST(LiveProcess, EveryThreadCounts) {
-  LinuxProcScan processes(LinuxRoots{});
-  const auto before = processes.usage(::getpid());
+TEST_P(LiveProcessTest, CpuTimeCountsEveryThread) {
+  const auto before = sweepUsage();
   std::thread([] { burn(50'000'000); }).join();
-  processes.allPIDs();  // the next sweep
-  const auto after = processes.usage(::getpid());
+  const auto after = sweepUsage();
   ASSERT_TRUE(before && after);
   EXPECT_GE(after->cpuTime - before->cpuTime, 50'000'000U);
 }
 
-TEST(LiveProcess, AChildThatEndedAndIsGoneGivesNoValue) {
+TEST_P(LiveProcessTest, ReapedChildHasNoValues) {
   const pid_t child = ::fork();
   if (child == 0) ::_exit(0);
   ASSERT_GT(child, 0);
   ASSERT_EQ(::waitpid(child, nullptr, 0), child);
-  LinuxProcScan processes(LinuxRoots{});
-  EXPECT_FALSE(processes.bsdInfo(child));
-  EXPECT_FALSE(processes.usage(child));
-  EXPECT_EQ(processes.path(child), "");
-  EXPECT_EQ(processes.processName(child), "");
+  processes_->allPIDs();
+  EXPECT_FALSE(processes_->bsdInfo(child));
+  EXPECT_FALSE(processes_->usage(child));
+  EXPECT_EQ(processes_->path(child), "");
+  EXPECT_EQ(processes_->processName(child), "");
 }
 
 TEST(LivePort, SweepsTheRunningSystem) {
@@ -103,7 +126,7 @@ TEST(LivePort, SweepsTheRunningSystem) {
   EXPECT_THAT(pids, Contains(::getpid()));
   for (const std::int32_t pid : pids) {
     const bool named = !port.processes->path(pid).empty() || !port.processes->processName(pid).empty();
-    // A process may end at any time; one that is still there has a name.
+    // A process may exit at any time; one that is still there has a name.
     EXPECT_TRUE(named || !port.processes->bsdInfo(pid)) << pid;
   }
   const SystemMemory memory = port.memory->read();

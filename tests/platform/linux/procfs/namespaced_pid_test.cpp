@@ -11,9 +11,9 @@
 namespace tarn {
 namespace {
 
-class DeclaredProcessTest : public ::testing::Test {
+class NamespacedPidTest : public ::testing::Test {
  protected:
-  /// `pids` from the outermost name space inwards.
+  /// `pids` of the nested pid namespaces, the outermost first.
   void add(const std::string& pid, const std::string& pids, int owner = 1000,
            const std::string& memory = "VmSize:\t  100 kB\n") {
     const std::string number = std::to_string(owner);
@@ -22,31 +22,31 @@ class DeclaredProcessTest : public ::testing::Test {
   }
 
   std::optional<std::int32_t> find(std::int32_t declared) {
-    return processThatDeclares(tree_.roots().proc, declared, 1000,
-                               std::chrono::steady_clock::now() + std::chrono::seconds(10));
+    return resolveNamespacedPid(tree_.roots().proc, declared, 1000,
+                                std::chrono::steady_clock::now() + std::chrono::seconds(10));
   }
 
   TemporaryTree tree_;
 };
 
-TEST_F(DeclaredProcessTest, IsTheOneOfThatPid) {
+TEST_F(NamespacedPidTest, FindsTheProcessWithThatPid) {
   add("4242", "4242");
   add("4243", "4243");
   EXPECT_EQ(find(4242), 4242);
   EXPECT_EQ(find(4244), std::nullopt);
 }
 
-TEST_F(DeclaredProcessTest, IsTheOneThatHasThatPidInItsSandbox) {
+TEST_F(NamespacedPidTest, FindsTheProcessWithThatPidInItsInnermostNamespace) {
   add("2", "2", 0, "");
   add("5000", "5000\t2");
   add("5001", "5001\t17\t3");
   EXPECT_EQ(find(2), 5000);
   EXPECT_EQ(find(3), 5001);
-  EXPECT_EQ(find(17), std::nullopt) << "what it is called in between, nobody says of himself";
-  EXPECT_EQ(find(5000), std::nullopt) << "it does not know that it is called so out here";
+  EXPECT_EQ(find(17), std::nullopt) << "a process declares its innermost pid";
+  EXPECT_EQ(find(5000), std::nullopt) << "it does not know its outer pid";
 }
 
-TEST_F(DeclaredProcessTest, IsNobodyWhereSeveralCouldBeMeant) {
+TEST_F(NamespacedPidTest, FindsNothingWhenSeveralProcessesMatch) {
   add("5000", "5000\t2");
   add("6000", "6000\t2");
   EXPECT_EQ(find(2), std::nullopt);
@@ -55,26 +55,26 @@ TEST_F(DeclaredProcessTest, IsNobodyWhereSeveralCouldBeMeant) {
   EXPECT_EQ(find(7), std::nullopt);
 }
 
-TEST_F(DeclaredProcessTest, IsAProgramOfThisUser) {
+TEST_F(NamespacedPidTest, IgnoresOtherUsersAndKernelThreads) {
   add("100", "100", 0);
   add("101", "101", 1000, "");
   EXPECT_EQ(find(100), std::nullopt) << "of another user";
   EXPECT_EQ(find(101), std::nullopt) << "a thread of the kernel";
 }
 
-TEST_F(DeclaredProcessTest, IsNobodyAfterTheDeadlineOrWithoutProcesses) {
+TEST_F(NamespacedPidTest, FindsNothingAfterTheDeadlineOrWithoutProcesses) {
   add("4242", "4242");
   const auto now = std::chrono::steady_clock::now();
-  EXPECT_EQ(processThatDeclares(tree_.roots().proc, 4242, 1000, now), std::nullopt);
-  EXPECT_EQ(processThatDeclares("/nowhere", 4242, 1000, now + std::chrono::seconds(10)), std::nullopt);
+  EXPECT_EQ(resolveNamespacedPid(tree_.roots().proc, 4242, 1000, now), std::nullopt);
+  EXPECT_EQ(resolveNamespacedPid("/nowhere", 4242, 1000, now + std::chrono::seconds(10)), std::nullopt);
   tree_.write("proc/77/status", "garbage\n\xff NSpid:\t77");
   tree_.write("proc/78/status", "");
   EXPECT_EQ(find(77), std::nullopt);
 }
 
-TEST(DeclaredProcess, IsThisOne) {
-  EXPECT_EQ(processThatDeclares("/proc", getpid(), getuid(),
-                                std::chrono::steady_clock::now() + std::chrono::seconds(10)),
+TEST(NamespacedPid, FindsThisProcess) {
+  EXPECT_EQ(resolveNamespacedPid("/proc", getpid(), getuid(),
+                                 std::chrono::steady_clock::now() + std::chrono::seconds(10)),
             getpid());
 }
 

@@ -19,7 +19,7 @@ std::string statOf(const std::string& name) {
   return "412 (" + name + ") S 7 412 412 0 -1 4194304 138 0 1 0 11 12 13 14 20 0 1 0 174933 2990080 421 0\n";
 }
 
-/// The text with its word number `index` behind the name replaced.
+/// The text with the word at `index` after the name replaced.
 std::string statWith(std::size_t index, const std::string& word) {
   std::string text = "412 (worker)";
   std::string line = statOf("worker");
@@ -42,9 +42,21 @@ TEST(ProcessStat, ParsesNameParentTimesAndStart) {
   EXPECT_EQ(stat->startTicks, 174933U);
 }
 
+TEST(ProcessStat, StateTellsZombies) {
+  for (const char* state : {"Z", "X"}) EXPECT_TRUE(parseProcessStat(statWith(0, state))->isZombie) << state;
+  for (const char* state : {"R", "S", "D", "T", "t", "I"}) {
+    EXPECT_FALSE(parseProcessStat(statWith(0, state))->isZombie) << state;
+  }
+}
+
+TEST(ProcessStat, FlagsTellKernelThreads) {
+  EXPECT_TRUE(parseProcessStat(statWith(6, "2129984"))->isKernelThread);
+  EXPECT_FALSE(parseProcessStat(statWith(6, "4194304"))->isKernelThread);
+}
+
 class ProcessStatNames : public testing::TestWithParam<std::string> {};
 
-TEST_P(ProcessStatNames, AreTakenAsTheyAre) {
+TEST_P(ProcessStatNames, MayHoldAnyBytes) {
   const std::string text = statOf(GetParam());
   const auto stat = parseProcessStat(text);
   ASSERT_TRUE(stat);
@@ -57,14 +69,14 @@ INSTANTIATE_TEST_SUITE_P(Rows, ProcessStatNames,
                          testing::Values("a) b (c\n", ")", "(", "", "()", "(sd-pam)", "x) R 1 2 3",
                                          "Web Content", "\xff\xfe", "kworker/u8:2-events_unbound"));
 
-TEST(ProcessStat, TakesTheGreatestNumbersThatFit) {
+TEST(ProcessStat, AcceptsTheLargestNumbers) {
   EXPECT_EQ(parseProcessStat(statWith(1, "2147483647"))->ppid, 2147483647);
   EXPECT_EQ(parseProcessStat(statWith(19, "18446744073709551615"))->startTicks, 18446744073709551615U);
 }
 
 class BrokenProcessStats : public testing::TestWithParam<std::string> {};
 
-TEST_P(BrokenProcessStats, GiveNothing) {
+TEST_P(BrokenProcessStats, ReturnNothing) {
   EXPECT_FALSE(parseProcessStat(GetParam()));
 }
 
@@ -78,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(
                     statWith(12, "-5"), statWith(19, "0x10"), statWith(19, "99999999999999999999999"),
                     std::string(1 << 20, 'a'), std::string(1 << 20, '('), "\0\0\0\0"s));
 
-TEST(ProcessStat, NoCutTextGivesAWrongFigure) {
+TEST(ProcessStat, TruncatedTextReturnsNoWrongFigure) {
   const std::string text = statOf("worker");
   for (std::size_t length = 0; length < text.size(); ++length) {
     const auto stat = parseProcessStat(std::string_view(text).substr(0, length));
@@ -95,33 +107,33 @@ TEST(ProcessPages, AreTheSecondAndThirdColumn) {
   EXPECT_EQ(pages->shared, 421U);
 }
 
-TEST(ProcessPages, BrokenTextGivesNothing) {
+TEST(ProcessPages, ReturnNothingForBrokenText) {
   for (const char* text : {"", "730", "730 448", "730 448 421", "730 x 421 5\n", "730 448 -1 5\n",
                            "730 18446744073709551616 0 5\n", "\n\n\n"}) {
     EXPECT_FALSE(parseProcessPages(text)) << text;
   }
 }
 
-TEST(ProcessStatus, TheOwnerIsTheRealOne) {
+TEST(ProcessStatus, OwnerIsTheRealUserId) {
   EXPECT_EQ(parseRealOwner("Name:\tx\nUid:\t1000\t0\t0\t0\nGid:\t5\t5\t5\t5\n"), 1000U);
   EXPECT_EQ(parseRealOwner("Uid:\t4294967294\t0\t0\t0\n"), 4294967294U);
 }
 
-TEST(ProcessStatus, AnOwnerThatIsMissingOrNoNumberGivesNothing) {
+TEST(ProcessStatus, ReturnsNothingForAMissingOrMalformedOwner) {
   for (const char* text :
        {"", "Name:\tx\n", "Uid:\n", "Uid:\troot\n", "Uid:\t4294967296\t0\n", "Name:\tUid: 5\n"}) {
     EXPECT_FALSE(parseRealOwner(text)) << text;
   }
 }
 
-TEST(ProcessStatus, SwapIsInKibibytesAndZeroWhereThereIsNone) {
+TEST(ProcessStatus, SwapIsInKibibytesAndZeroWithoutALine) {
   EXPECT_EQ(parseSwappedBytes("VmRSS:\t 5 kB\nVmSwap:\t     120 kB\n"), 122880U);
   EXPECT_EQ(parseSwappedBytes("Name:\tkthreadd\n"), 0U);
   EXPECT_EQ(parseSwappedBytes("VmSwap:\t18446744073709551615 kB\n"), 0U);
   EXPECT_EQ(parseSwappedBytes("VmSwap:\t-1 kB\n"), 0U);
 }
 
-TEST(SystemStat, BootTimeIsFoundBehindALongLine) {
+TEST(SystemStat, BootTimeMayFollowALongLine) {
   EXPECT_EQ(parseBootTime("cpu 1 2\nintr " + std::string(200'000, '7') + "\nbtime 1795261724\n"),
             1795261724U);
   EXPECT_FALSE(parseBootTime("cpu 1 2\n"));
@@ -136,7 +148,7 @@ struct NameRow {
 
 class CompletedNames : public testing::TestWithParam<NameRow> {};
 
-TEST_P(CompletedNames, FollowTheCommandLineOnlyWhereItContinuesTheKernelsName) {
+TEST_P(CompletedNames, FollowTheCommandLineOnlyIfItContinuesTheKernelName) {
   EXPECT_EQ(completedName(GetParam().kernelName, GetParam().commandLine), GetParam().expected);
 }
 
@@ -153,7 +165,7 @@ INSTANTIATE_TEST_SUITE_P(
         NameRow{"Web Content", "/opt/browser/browser\0-contentproc\0"s, "Web Content"},
         NameRow{"My Long Program", "/opt/My Long Program Name/My Long Program Name\0"s, "My Long Program"},
         NameRow{"long-name-of-pr", "/opt/My App/long-name-of-program\0"s, "long-name-of-program"},
-        // Programs that write their state over their arguments.
+        // Programs that write their state over their arguments:
         NameRow{"postgres", "postgres: writer    \0\0\0"s, "postgres"},
         NameRow{"postgres", "postgres: 14/main: checkpointer", "postgres"},
         NameRow{"systemd-userwor", "systemd-userwork: waiting...\0"s, "systemd-userwork"},

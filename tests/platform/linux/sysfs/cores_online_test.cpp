@@ -7,23 +7,23 @@
 #include <sched.h>
 #include <unistd.h>
 
-#include "platform/linux/procfs/system_memory.hpp"
+#include "platform/linux/procfs/text_scan.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {
 namespace {
 
 TEST(ProcessorList, CountsRangesAndSingleNumbers) {
-  EXPECT_EQ(countProcessorList("0\n"), 1);
-  EXPECT_EQ(countProcessorList("0-3,5\n"), 5);
-  EXPECT_EQ(countProcessorList("0-1,4-7,9,11-11"), 8);
-  EXPECT_EQ(countProcessorList("0-1023\n"), 1024);
+  EXPECT_EQ(countCpuList("0\n"), 1);
+  EXPECT_EQ(countCpuList("0-3,5\n"), 5);
+  EXPECT_EQ(countCpuList("0-1,4-7,9,11-11"), 8);
+  EXPECT_EQ(countCpuList("0-1023\n"), 1024);
 }
 
 TEST(ProcessorList, RejectsMalformedAndHugeLists) {
   for (const char* text :
        {"", "\n", "x", "0-", "-3", "3-1", "0,", ",0", "0 1", "0-4294967295", "0-99999999"}) {
-    EXPECT_FALSE(countProcessorList(text)) << text;
+    EXPECT_FALSE(countCpuList(text)) << text;
   }
 }
 
