@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 #include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
@@ -17,10 +16,6 @@
 namespace tarn {
 
 namespace {
-
-struct CloseDirectory {
-  void operator()(DIR* directory) const { ::closedir(directory); }
-};
 
 /// d_type is DT_UNKNOWN on file systems that do not report the type (man 3 readdir).
 bool isRegularFile(DIR* directory, const dirent& entry) {
@@ -33,7 +28,7 @@ bool isRegularFile(DIR* directory, const dirent& entry) {
 }  // namespace
 
 std::vector<DirectoryEntry> listDirectory(const std::string& path) {
-  const std::unique_ptr<DIR, CloseDirectory> directory(::opendir(path.c_str()));
+  const DirectoryStream directory(::opendir(path.c_str()));
   std::vector<DirectoryEntry> entries;
   if (!directory) return entries;
   // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread uses this stream
