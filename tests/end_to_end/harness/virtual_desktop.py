@@ -159,8 +159,11 @@ class VirtualDesktop(Desktop):
         self.run("xdotool", "key", key)
 
     def image_of(self, area):
-        """The pixels of an area of the screen (left, top, width, height)."""
-        return self._screen.image_of(area)
+        """The pixels of an area of the screen (left, top, width, height), as far as it is on the screen."""
+        left, top, width, height = area
+        right, bottom = min(left + width, self.size[0]), min(top + height, self.size[1])
+        left, top = max(left, 0), max(top, 0)
+        return self._screen.image_of((left, top, right - left, bottom - top))
 
     def take_screenshot(self, path, area=None):
         """Saves the screen, or an area of it (left, top, width, height), as a PNG."""

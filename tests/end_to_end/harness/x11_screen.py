@@ -53,6 +53,8 @@ class X11Screen:
     def image_of(self, area):
         """The pixels of an area (left, top, width, height)."""
         left, top, width, height = area
+        if width <= 0 or height <= 0:
+            return Image(0, 0, b"")
         cookie = self._xcb.xcb_get_image(self._connection, Z_PIXMAP, self._root, left, top, width, height, ALL_PLANES)
         reply = self._xcb.xcb_get_image_reply(self._connection, cookie, None)
         if not reply:
