@@ -51,7 +51,7 @@ class RandomKernel {
     writeSwaps();
     add(1, 0, false);
     add(2, 0, true);
-    for (int i = 0; i < 20; ++i) start();
+    for (int i = 0; i < 12; ++i) start();
     writeChanges();
   }
 
@@ -124,7 +124,7 @@ class RandomKernel {
   static int size(const std::vector<std::int32_t>& pids) { return static_cast<int>(pids.size()); }
 
   void start() {
-    constexpr std::size_t most = 30;
+    constexpr std::size_t most = 20;
     if (processes_.size() >= most) return;
     std::int32_t pid = number(3, 60);
     while (processes_.contains(pid)) pid = number(3, 60);
@@ -378,7 +378,7 @@ class RandomSweeps : public testing::TestWithParam<std::uint32_t> {
 };
 
 TEST_P(RandomSweeps, CacheReturnsWhatThePlainReaderReturns) {
-  constexpr unsigned sweeps = 1000;
+  constexpr unsigned sweeps = 700;
   while (sweep_ < sweeps) {
     SCOPED_TRACE("seed " + std::to_string(GetParam()) + ", sweep " + std::to_string(sweep_ + 1));
     ASSERT_NO_FATAL_FAILURE(compareSweep());
