@@ -77,10 +77,10 @@ add_to_summary() {
   summary+=("$(printf '%-50s %4d passed %3d failed %5d s' "$title" "$stage_passed" "$stage_failed" "$seconds")")
 }
 
-# unit_tests PRESET: runs all unit tests of a build and counts the test cases.
+# unit_tests PRESET [CTEST OPTION...]: runs the unit tests of a build and counts the test cases.
 unit_tests() {
   local status=0 tests failures ok=0 bad=0 folder="$results/$1"
-  GTEST_OUTPUT="xml:$folder/" "${fixed_addresses[@]}" ctest --preset "$1" --parallel "$(nproc)" || status=$?
+  GTEST_OUTPUT="xml:$folder/" "${fixed_addresses[@]}" ctest --preset "$@" --parallel "$(nproc)" || status=$?
   while read -r tests failures; do
     ok=$((ok + tests - failures))
     bad=$((bad + failures))
@@ -111,7 +111,16 @@ check_texts() {
 }
 build_asan() { scripts/build.sh asan; }
 unit_tests_asan() { unit_tests asan; }
-unit_tests_tsan() { scripts/build.sh tsan && unit_tests tsan; }
+# Without --all only the tests of code that threads share.
+unit_tests_tsan() {
+  if [ -n "$all" ]; then
+    scripts/build.sh tsan
+    unit_tests tsan
+  else
+    scripts/build.sh tsan threads_tests
+    unit_tests tsan --label-regex '^threads$'
+  fi
+}
 unit_tests_unsupported() { scripts/build.sh unsupported && unit_tests unsupported; }
 check_macos() { scripts/check_macos.sh; }
 end_to_end_desktop() { end_to_end_tests '^desktop$'; }
@@ -131,8 +140,8 @@ benchmarks() {
 # At idle priority: the end-to-end tests that run beside it wait most of the time, and some measure time.
 check_tidy() { chrt --idle 0 scripts/check_tidy.py; }
 
-scripts/install_packages.sh build run desktop test lint \
-  ${all:+hosts faults session applications bench packages}
+scripts/install_packages.sh build run desktop test \
+  ${all:+hosts faults session applications bench packages lint}
 stage "format, module dependencies, spelling" check_texts
 stage "build with AddressSanitizer and UBSan" build_asan
 # These tests wait most of the time.

@@ -107,7 +107,7 @@ compile_all "${port[@]}" "${modules[@]}" "${stubs[@]}" || fail "The macOS port d
 linked=()
 for source in "${port[@]}" "${modules[@]}" "${stubs[@]}"; do
   case "$source" in
-    *.mm | */desktop/* | src/platform/macos/main.cpp) ;;
+    *.mm | */desktop/* | src/platform/macos/main.cpp | src/platform/macos/mac_platform.cpp) ;;
     *) linked+=("$objects/$(object_name "$source")") ;;
   esac
 done

@@ -4,10 +4,10 @@
 #include "app/tarn_app.hpp"
 
 #include <QApplication>
-#include <QCursor>
 #include <QEvent>
 #include <QEventLoop>
 #include <QIcon>
+#include <QPalette>
 #include <QPixmap>
 #include <QScreen>
 #include <QTimer>
@@ -50,35 +50,42 @@ Vendor vendor() {
   return {address, QStringLiteral("https://") + address};
 }
 
+/// How the popover's window behaves while the item is in the menu bar.
 PopoverStyle styleOn(const WindowCapabilities& capabilities) {
   return capabilities.clientsPlaceWindows && capabilities.popupsTakeKeys ? PopoverStyle::popup
                                                                          : PopoverStyle::tool;
 }
 
-/// What only windows need: the item is there sooner without it.
+/// Settings for all windows. Made with the first window, so that the item appears sooner.
 void prepareForWindows() {
   QApplication::setStyle(QStringLiteral("Fusion"));
   QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
 }
 
-/// The icon that window managers show beside the title of an ordinary window.
+/// The icon that window managers show beside the title of a regular window.
 QIcon windowIcon() {
   constexpr int size = 64;  // pixels
   return QPixmap::fromImage(
       MenuBarIcon::image(QStringLiteral("circle"), MenuBarIcon::color(Tint::green), size));
 }
 
-/// The menu-bar item's position. Some hosts report a wrong position, so the pointer's position is preferred.
-std::optional<QPoint> clickAnchor(const std::optional<QPoint>& position, const WindowSystemState& state) {
-  const auto isPlausible = [](const QPoint& point) {
-    const QScreen* screen = QGuiApplication::screenAt(point);
-    return screen != nullptr && isPlausibleAnchor(point, {screen->geometry(), screen->availableGeometry()});
-  };
-  if (state.capabilities.hostKnowsItsPlace && position) return position;
-  if (state.capabilities.clientsPlaceWindows && state.pointer && isPlausible(*state.pointer))
+bool isPlausibleOnItsScreen(const QPoint& point) {
+  const QScreen* screen = QGuiApplication::screenAt(point);
+  return screen != nullptr && isPlausibleAnchor(point, {screen->geometry(), screen->availableGeometry()});
+}
+
+/// Where the popover opens. Some hosts report a wrong position of the click, so the pointer's is preferred.
+/// Nothing when neither is plausible.
+std::optional<QPoint> findAnchor(const std::optional<QPoint>& reported, const WindowSystemState& state) {
+  if (state.capabilities.hostKnowsItsPlace && reported) return reported;
+  if (state.capabilities.clientsPlaceWindows && state.pointer && isPlausibleOnItsScreen(*state.pointer))
     return state.pointer;
-  if (position && isPlausible(*position)) return position;
+  if (reported && isPlausibleOnItsScreen(*reported)) return reported;
   return std::nullopt;
+}
+
+bool isDark(const QPalette& palette) {
+  return palette.color(QPalette::Window).lightness() < 128;
 }
 
 }  // namespace
@@ -92,17 +99,8 @@ TarnApp::TarnApp(Platform& platform)
   connect(model_.get(), &MonitorViewModel::willChange, &labelRenderer_, &RenderScheduler::schedule);
   connect(&prefs_, &Preferences::willChange, &labelRenderer_, &RenderScheduler::schedule);
   connect(colorScheme_.get(), &ColorSchemeWatcher::changed, this, &TarnApp::applyTheme);
-  connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::itemClicked);
-  connect(item_.get(), &MenuBarItem::openRequested, this, [this] {
-    const WindowSystemState state = platform_.windowSystemState();
-    openPopoverAt(clickAnchor(std::nullopt, state), state);
-  });
-  connect(item_.get(), &MenuBarItem::quitRequested, this, [this] { platform_.terminate(); });
-  connect(item_.get(), &MenuBarItem::hostAppeared, model_.get(), &MonitorViewModel::startSweeping);
-  QTimer::singleShot(longestWaitForItem, model_.get(), &MonitorViewModel::startSweeping);
-  connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showWithoutMenuBar);
-  connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::leaveForMenuBar);
-  // The filter sees the application's palette change, of which nobody else is told.
+  connectItem();
+  // Qt sends ApplicationPaletteChange to the application object.
   QCoreApplication::instance()->installEventFilter(this);
   renderLabel();
 }
@@ -111,9 +109,19 @@ TarnApp::~TarnApp() {
   model_->startSweeping();
   popover_.reset();
   item_.reset();
-  // From here on there is nothing to render to, and soon nothing to render.
+  // A sweep in flight keeps the view model alive and posts its result to runLoop_.
   const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model_, nullptr);
   while (!inFlight.expired()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+void TarnApp::connectItem() {
+  connect(item_.get(), &MenuBarItem::activated, this, &TarnApp::togglePopover);
+  connect(item_.get(), &MenuBarItem::openRequested, this, &TarnApp::openPopoverAtPointer);
+  connect(item_.get(), &MenuBarItem::quitRequested, this, [this] { platform_.terminate(); });
+  connect(item_.get(), &MenuBarItem::hostAppeared, model_.get(), &MonitorViewModel::startSweeping);
+  connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::hideRegularWindow);
+  connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showRegularWindow);
+  QTimer::singleShot(longestWaitForItem, model_.get(), &MonitorViewModel::startSweeping);
 }
 
 bool TarnApp::eventFilter(QObject* watched, QEvent* event) {
@@ -132,41 +140,51 @@ void TarnApp::renderLabel() {
 }
 
 PopoverWindow& TarnApp::popover() {
-  if (!popover_) {
-    model_->startSweeping();
-    prepareForWindows();
-    auto* view = new PopoverView(model_, prefs_, platform_.makeFileIconLoader(), vendor());
-    popover_ = std::make_unique<PopoverWindow>(view, platform_.makeCompositorPlacement());
-    connect(view, &PopoverView::quitRequested, this, [this] { platform_.terminate(); });
-    connect(view, &PopoverView::urlRequested, this, platform_.makeUrlOpener());
-    connect(popover_.get(), &PopoverWindow::closed, this, [this] {
-      // Without a menu bar this window is all there is of Tarn: closing it ends the program.
-      if (popover_->style() == PopoverStyle::regular) platform_.terminate();
-      labelRenderer_.schedule();
-    });
-    workspaceWatch_ = platform_.watchWorkspaces([this] {
-      const bool isPopover = popover_ && popover_->isVisible() && popover_->style() != PopoverStyle::regular;
-      if (isPopover) popover_->close();
-    });
-    // Once the window has let go of its own.
-    connect(
-        popover_.get(), &PopoverWindow::closed, this, [this] { platform_.releaseFreeHeap(); },
-        Qt::QueuedConnection);
-    applyTheme();
-  }
+  if (!popover_) createPopover();
   return *popover_;
+}
+
+void TarnApp::createPopover() {
+  model_->startSweeping();
+  prepareForWindows();
+  auto* view = new PopoverView(model_, prefs_, platform_.makeFileIconLoader(), vendor());
+  popover_ = std::make_unique<PopoverWindow>(view, platform_.makeCompositorPlacement());
+  connect(view, &PopoverView::quitRequested, this, [this] { platform_.terminate(); });
+  connect(view, &PopoverView::urlRequested, this, platform_.makeUrlOpener());
+  connect(popover_.get(), &PopoverWindow::closed, this, &TarnApp::finishClosing);
+  // Queued: the window frees its own memory first.
+  const auto releaseFreeHeap = [this] { platform_.releaseFreeHeap(); };
+  connect(popover_.get(), &PopoverWindow::closed, this, releaseFreeHeap, Qt::QueuedConnection);
+  workspaceWatch_ = platform_.watchWorkspaces([this] {
+    if (popover_ && popover_->isVisible() && !isRegularWindow()) popover_->close();
+  });
+  applyTheme();
+}
+
+bool TarnApp::isRegularWindow() const {
+  return popover_ && popover_->style() == PopoverStyle::regular;
+}
+
+void TarnApp::finishClosing() {
+  // Without an item in the menu bar the window is the only way to reach Tarn.
+  if (isRegularWindow()) platform_.terminate();
+  labelRenderer_.schedule();
 }
 
 void TarnApp::applyTheme() {
   if (!popover_) return;
-  const bool paletteIsDark = QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
-  const ColorScheme scheme =
-      colorScheme_->preference().value_or(paletteIsDark ? ColorScheme::dark : ColorScheme::light);
+  const ColorScheme fallback = isDark(QGuiApplication::palette()) ? ColorScheme::dark : ColorScheme::light;
+  const ColorScheme scheme = colorScheme_->preference().value_or(fallback);
   popover_->setTheme(scheme == ColorScheme::dark ? Theme::dark() : Theme::light());
 }
 
 void TarnApp::openPopover() {
   if (model_) openPopoverAt(std::nullopt, platform_.windowSystemState());
+}
+
+void TarnApp::openPopoverAtPointer() {
+  const WindowSystemState state = platform_.windowSystemState();
+  openPopoverAt(findAnchor(std::nullopt, state), state);
 }
 
 void TarnApp::openPopoverAt(std::optional<QPoint> anchor, const WindowSystemState& state) {
@@ -179,15 +197,15 @@ void TarnApp::openPopoverAt(std::optional<QPoint> anchor, const WindowSystemStat
   popover().open(style, {anchor, state.windowUnderPointer}, state.capabilities);
 }
 
-void TarnApp::itemClicked(std::optional<QPoint> position) {
+void TarnApp::togglePopover(std::optional<QPoint> position) {
   // A click proves that a host shows the item, even after hostMissing.
-  leaveForMenuBar();
+  hideRegularWindow();
   const WindowSystemState state = platform_.windowSystemState();
-  popover().toggle(styleOn(state.capabilities), {clickAnchor(position, state), state.windowUnderPointer},
+  popover().toggle(styleOn(state.capabilities), {findAnchor(position, state), state.windowUnderPointer},
                    state.capabilities);
 }
 
-void TarnApp::showWithoutMenuBar() {
+void TarnApp::showRegularWindow() {
   std::fputs("tarn: no menu bar shows status items here; Tarn stays in a window of its own until one does.\n",
              stderr);
   hasMenuBar_ = false;
@@ -195,10 +213,10 @@ void TarnApp::showWithoutMenuBar() {
   popover().open(PopoverStyle::regular, {}, platform_.windowSystemState().capabilities);
 }
 
-void TarnApp::leaveForMenuBar() {
+void TarnApp::hideRegularWindow() {
   hasMenuBar_ = true;
-  if (!popover_ || popover_->style() != PopoverStyle::regular) return;
-  popover_->hide();  // not closed: that would end the program
+  if (!isRegularWindow()) return;
+  popover_->hide();  // close() would end the program
   labelRenderer_.schedule();
 }
 

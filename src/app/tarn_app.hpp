@@ -20,7 +20,8 @@
 
 namespace tarn {
 
-/// The application: makes the long-lived objects once, wires them, and keeps them until it ends. Main thread.
+/// The application: creates the long-lived objects, connects them, and owns them until the program ends. Main
+/// thread.
 class TarnApp : public QObject {
   Q_OBJECT
 
@@ -34,20 +35,31 @@ class TarnApp : public QObject {
   TarnApp(const TarnApp&) = delete;
   TarnApp& operator=(const TarnApp&) = delete;
 
-  /// Shows the popover in the screen's corner, for a second launch of the program.
+  /// Opens the popover in the screen's corner, for a second launch of the program.
   void openPopover();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void connectItem();
   void renderLabel();
   void applyTheme();
-  void openPopoverAt(std::optional<QPoint> anchor, const WindowSystemState& state);
-  void itemClicked(std::optional<QPoint> position);
-  void showWithoutMenuBar();
-  void leaveForMenuBar();
+
+  /// The popover; created at the first call and then kept.
   PopoverWindow& popover();
+  void createPopover();
+  void finishClosing();
+  void openPopoverAtPointer();
+  void openPopoverAt(std::optional<QPoint> anchor, const WindowSystemState& state);
+
+  /// Opens or closes the popover after a click on the item at `position`, as the host reports it.
+  void togglePopover(std::optional<QPoint> position);
+
+  // Without a host for the item, the popover is a regular window.
+  void showRegularWindow();
+  void hideRegularWindow();
+  bool isRegularWindow() const;
 
   Platform& platform_;
   QtRunLoop runLoop_;
@@ -57,9 +69,9 @@ class TarnApp : public QObject {
   std::unique_ptr<MenuBarItem> item_;
   RenderScheduler labelRenderer_;
   MenuBarHover toldHover_;
-  bool hasMenuBar_ = true;                   ///< until the item says otherwise
-  std::unique_ptr<PopoverWindow> popover_;   ///< made at its first opening and kept
-  std::unique_ptr<QObject> workspaceWatch_;  ///< likewise; null where there is none
+  bool hasMenuBar_ = true;  ///< false after hostMissing, until a host appears
+  std::unique_ptr<PopoverWindow> popover_;
+  std::unique_ptr<QObject> workspaceWatch_;  ///< null where the platform has none
 };
 
 }  // namespace tarn

@@ -33,10 +33,9 @@ struct ProcessUsage {
 
 /// Parent, owner and start time of one process.
 struct BsdInfo {
-  std::int32_t ppid = 0;  ///< parent pid
-  std::uint32_t uid = 0;  ///< real user id
-  std::uint64_t startSec =
-      0;  ///< start time, whole seconds since the epoch; tells apart processes of one pid
+  std::int32_t ppid = 0;       ///< parent pid
+  std::uint32_t uid = 0;       ///< real user id
+  std::uint64_t startSec = 0;  ///< start time, whole seconds since the epoch; differs when a pid is reused
 
   bool operator==(const BsdInfo&) const = default;
 };

@@ -86,7 +86,7 @@ def describe(pid):
 
 
 def mistakes(desktop, cases):
-    """Prints a table. Returns the processes that are missing in their group or wrong in another one."""
+    """Writes a table to applications.txt. Returns the processes that are missing in their group or in a wrong one."""
     # Processes that start or end between the two readings are ignored.
     before = {case: processes_of(case) for case in cases}
     found = groups(desktop)
@@ -99,13 +99,15 @@ def mistakes(desktop, cases):
     strangers = {pid for pid, (group, _) in found.items() if group in wanted and pid not in expected
                  and not has_ended(pid) and not any(pid in processes_of(case) for case in cases)}
     wrong = {pid for pid in expected if found[pid][0] in wanted and pid not in hits} | strangers
+    table = []
     for case in cases:
         own = {pid for pid in before[case] if pid in expected}
         names = {found[pid][1] for pid in own & hits}
-        print(f"{case.name:26} {len(own & hits):3} of {len(own):3} in {', '.join(sorted(names))}")
+        table.append(f"{case.name:26} {len(own & hits):3} of {len(own):3} in {', '.join(sorted(names))}")
     recall = 100 * len(hits) / len(expected)
     precision = 100 * len(hits) / (len(hits) + len(wrong)) if hits else 0
-    print(f"{len(expected)} processes: precision {precision:.1f} %, recall {recall:.1f} %", flush=True)
+    table.append(f"{len(expected)} processes: precision {precision:.1f} %, recall {recall:.1f} %")
+    (RESULTS / "applications.txt").write_text("\n".join(table) + "\n", encoding="utf-8")
     missed = [f"missed: {describe(pid)} is in {found[pid][0]}, not in {expected[pid]}"
               for pid in sorted(expected.keys() - hits)]
     return missed + [f"wrong: {describe(pid)} is in {found[pid][0]}" for pid in sorted(strangers)]

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "app/run_tarn.hpp"
-#include "platform/macos/desktop/mac_platform.hpp"
+#include "platform/macos/mac_platform.hpp"
 
 int main(int argc, char* argv[]) {
   tarn::macos::MacPlatform platform;

@@ -5,6 +5,7 @@
 import os
 import shutil
 import subprocess
+import warnings
 from dataclasses import dataclass, field
 from pathlib import Path
 
@@ -131,5 +132,5 @@ def all_cases(desktop):
     """Every case that this system can start."""
     if systemd_user.can_be_started():
         return INSTALLED + session_cases(desktop)
-    print("NOT TESTED: Flatpak, scope, application below /opt: they need root, writable cgroups and mounts.")
+    warnings.warn("NOT TESTED: Flatpak, scope, application below /opt: they need root, writable cgroups and mounts")
     return INSTALLED

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 #include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/text_scan.hpp"

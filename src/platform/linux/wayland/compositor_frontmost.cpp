@@ -51,7 +51,8 @@ std::optional<FrontmostApplication> applicationOf(std::optional<std::int32_t> pi
   return FrontmostApplication{std::nullopt, *pid};
 }
 
-/// Returns the last application that was not this process: on these compositors the popover takes the focus.
+/// Returns what `source` returns, except for this process: while the popover has the focus, the last
+/// application before it.
 FrontmostApplicationSource excludeOwnProcess(FrontmostApplicationSource source) {
   return [source = std::move(source), last = std::optional<FrontmostApplication>()]() mutable {
     auto application = source();

@@ -25,15 +25,15 @@ class X11Session {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// `display` as in DISPLAY; nothing means the value of DISPLAY.
+  /// `display` is a display name such as ":0"; std::nullopt means the value of DISPLAY.
   explicit X11Session(std::optional<std::string> display = std::nullopt, LinuxRoots roots = {});
   ~X11Session();
   X11Session(const X11Session&) = delete;
   X11Session& operator=(const X11Session&) = delete;
 
-  /// The pid of the process that owns the active window (_NET_ACTIVE_WINDOW). The X server's own knowledge of
-  /// the client comes first (X-Resource extension), then _NET_WM_PID if WM_CLIENT_MACHINE is this machine.
-  /// Nothing when there is no active window, or no reply in time.
+  /// The pid of the process that owns the active window (_NET_ACTIVE_WINDOW): from the X-Resource extension,
+  /// else from _NET_WM_PID if WM_CLIENT_MACHINE names this machine. Nothing when there is no active window,
+  /// or no reply in time.
   std::optional<std::int32_t> activeProcess(Clock::time_point deadline);
 
   /// Whether an XEmbed tray exists: some client owns the selection _NET_SYSTEM_TRAY_Sn (System Tray

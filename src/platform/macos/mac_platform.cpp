@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/macos/desktop/mac_platform.hpp"
+#include "platform/macos/mac_platform.hpp"
 
 #include <QCursor>
 #include <QDesktopServices>
