@@ -17,7 +17,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -25,7 +24,8 @@
 
 #include "platform/linux/app_identity/linux_sampler_port.hpp"
 #include "platform/linux/procfs/file_reading.hpp"
-#include "platform/linux/procfs/sleeping_process_cache.hpp"
+#include "platform/linux/procfs/kernel_clocks.hpp"
+#include "platform/linux/procfs/linux_roots.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/idle_processes.hpp"
 

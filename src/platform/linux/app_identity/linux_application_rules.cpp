@@ -4,7 +4,6 @@
 #include "platform/linux/app_identity/linux_application_rules.hpp"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -12,7 +11,7 @@
 
 #include "platform/linux/app_identity/desktop_id_candidates.hpp"
 #include "platform/linux/procfs/file_reading.hpp"
-#include "platform/linux/procfs/proc_pid_files.hpp"
+#include "platform/linux/procfs/procfs_reader.hpp"
 #include "sampling/bundle_path.hpp"
 
 namespace tarn {
@@ -110,11 +109,7 @@ ProcessOrigin readProcessOrigin(const LinuxRoots& roots, std::int32_t pid) {
   const std::string directory = processDirectory(roots, pid);
   std::array<char, maxFileSize> buffer{};
   ProcessOrigin origin;
-  const ssize_t length = ::readlink((directory + "/exe").c_str(), buffer.data(), buffer.size());
-  // A target that fills the buffer may be cut off.
-  if (length > 0 && static_cast<std::size_t>(length) < buffer.size()) {
-    origin.executable = withoutDeletedMark({buffer.data(), static_cast<std::size_t>(length)});
-  }
+  origin.executable = readExecutablePath(AT_FDCWD, (directory + "/exe").c_str(), buffer);
   origin.cgroup = parseCgroupPath(readOnce(AT_FDCWD, (directory + "/cgroup").c_str(), buffer));
   return origin;
 }

@@ -52,6 +52,13 @@ class ProcessFilePath {
 
 }  // namespace
 
+std::string_view readExecutablePath(int directory, const char* link, std::span<char> buffer) {
+  const ssize_t length = ::readlinkat(directory, link, buffer.data(), buffer.size());
+  // readlinkat() truncates silently: a target that fills the buffer may be incomplete.
+  if (length <= 0 || static_cast<std::size_t>(length) >= buffer.size()) return {};
+  return withoutDeletedMark({buffer.data(), static_cast<std::size_t>(length)});
+}
+
 ProcfsReader::ProcfsReader(const LinuxRoots& roots) : ProcfsReader(roots, processClockFor(roots.proc)) {}
 
 ProcfsReader::ProcfsReader(LinuxRoots roots, ProcessClock clock)
@@ -99,10 +106,7 @@ std::optional<BsdInfo> ProcfsReader::bsdInfo(std::int32_t pid) {
 std::string ProcfsReader::path(std::int32_t pid) {
   if (pid <= 0 || !openDirectory()) return {};
   const ProcessFilePath link(pid, "exe");
-  const ssize_t length = ::readlinkat(::dirfd(directory_.get()), link.text(), buffer_.data(), buffer_.size());
-  // readlinkat() truncates silently: a target that fills the buffer may be incomplete.
-  if (length <= 0 || static_cast<std::size_t>(length) >= buffer_.size()) return {};
-  return std::string(withoutDeletedMark({buffer_.data(), static_cast<std::size_t>(length)}));
+  return std::string(readExecutablePath(::dirfd(directory_.get()), link.text(), buffer_));
 }
 
 std::optional<ProcessUsage> ProcfsReader::usage(std::int32_t pid) {

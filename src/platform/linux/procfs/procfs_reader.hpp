@@ -20,6 +20,11 @@
 
 namespace tarn {
 
+/// Reads the target of a link `/proc/PID/exe`, relative to the open directory, without the kernel's mark for
+/// a removed file. One system call. Returns a view into `buffer`; empty when the link cannot be read or its
+/// target does not fit.
+std::string_view readExecutablePath(int directory, const char* link, std::span<char> buffer);
+
 /// Reads processes from procfs. Every call reads its files again; nothing is kept about any process.
 ///
 /// Complete as a `ProcScan`, but every process costs all its system calls in every sweep: the sampler uses it

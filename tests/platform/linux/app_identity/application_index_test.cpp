@@ -202,7 +202,7 @@ TEST_F(ApplicationIndexTest, IsEmptyWithoutDesktopFiles) {
   EXPECT_EQ(byDirectory(""), "");
 }
 
-TEST_F(ApplicationIndexTest, OfFiveHundredFilesCostsLittle) {
+TEST_F(ApplicationIndexTest, IndexesFiveHundredLargeFiles) {
   for (int i = 0; i < 500; ++i) {
     const std::string number = std::to_string(i);
     std::string translations;
