@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/widgets/accessibility.hpp"
+#include "ui/popover/accessibility.hpp"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "ui/widgets/controls.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 #include "ui/popover/popover_window.hpp"
 #include "ui/popover/tab_picker.hpp"
 

@@ -15,8 +15,8 @@
 
 #include "ui/widgets/controls.hpp"
 #include "ui/menu_bar/menu_bar_icon.hpp"
-#include "ui/painted_colors.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/image_analysis.hpp"
+#include "ui/popover_fixture.hpp"
 #include "ui/popover/tab_picker.hpp"
 
 namespace tarn {

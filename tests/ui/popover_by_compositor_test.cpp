@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "ui/popover/popover_window.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 
 namespace tarn {
 namespace {

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "ui/widgets/controls.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 #include "ui/popover/tab_picker.hpp"
 
 namespace tarn {

@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "ui/popover/tab_picker.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 
 namespace tarn {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/widgets/rounded_frame.hpp"
+#include "ui/widgets/painting.hpp"
 
 #include <gtest/gtest.h>
 

@@ -14,7 +14,7 @@
 #include <QWindow>
 #include <utility>
 
-#include "ui/widgets/rounded_frame.hpp"
+#include "ui/widgets/painting.hpp"
 
 namespace tarn {
 

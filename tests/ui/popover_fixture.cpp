@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 
 #include <QApplication>
 #include <QEvent>

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "ui/painted_text.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 
 namespace tarn {
 namespace {

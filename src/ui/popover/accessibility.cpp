@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/widgets/accessibility.hpp"
+#include "ui/popover/accessibility.hpp"
 
 #include <QAccessible>
 #include <QAccessibleObject>

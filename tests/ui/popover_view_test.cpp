@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "ui/popover/tab_picker.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 #include "ui/widgets/controls.hpp"
 
 namespace tarn {

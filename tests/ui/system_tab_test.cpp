@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 
 namespace tarn {
 namespace {
