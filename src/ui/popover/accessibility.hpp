@@ -5,9 +5,8 @@
 
 namespace tarn {
 
-/// Teaches assistive technology what the toolkit does not know of: rows that open, links, and the popover
-/// itself, which the toolkit keeps from it because it is a popup. Call once, after the application object was
-/// made.
+/// Adds what Qt's accessibility lacks: rows that expand, links, and the popover's window, which Qt leaves out
+/// of the application's children because it is a popup. Call once, after QApplication is constructed.
 void installAccessibility();
 
 }  // namespace tarn

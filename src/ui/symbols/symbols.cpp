@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+#include "ui/symbols/symbols.hpp"
+
 #include <QLatin1String>
 #include <QPainter>
 #include <QPolygonF>
@@ -9,21 +11,22 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <initializer_list>
 #include <numbers>
 
 #include "ui/symbols/symbol_sketch.hpp"
-#include "ui/symbols/symbols.hpp"
 
 namespace tarn {
 
 namespace {
 
-/// The status circles keep more distance from their square than the other symbols: they stand alone.
+/// The status circles have a wider margin than other symbols, because they are shown alone.
 constexpr double statusRadius = 6;
 constexpr double discRadius = 6.7;
 
-/// Signs that are shown at little more than half the size of the others need the heavier line to match them.
-constexpr double smallSignBoldness = 1.5;
+/// Chevrons and check marks are shown at about half the size of other symbols. A wider stroke makes them
+/// match.
+constexpr double smallSymbolStrokeFactor = 1.5;
 
 QRectF squareAround(const QPointF& centre, double halfSide) {
   return {centre.x() - halfSide, centre.y() - halfSide, 2 * halfSide, 2 * halfSide};
@@ -134,8 +137,8 @@ void battery(SymbolSketch& sketch, double level) {
   sketch.fillBox(charge, 0.7);
 }
 
-/// The outline of the body opens above and below the bolt, which fills its place: a charge behind the bolt
-/// would blur it at the sizes of a text line.
+/// The outline of the body has gaps above and below the bolt. No charge is shown: behind the bolt it would
+/// make the bolt hard to recognise at text sizes.
 void batteryCharging(SymbolSketch& sketch) {
   const double inset = sketch.strokeWidth() / 2;
   const QRectF body = sketch.snappedBox(batteryBody).adjusted(inset, inset, -inset, -inset);
@@ -183,20 +186,24 @@ void clock(SymbolSketch& sketch) {
   sketch.strokeLine({{0, -3.7}, {0, 0}, {2.5, 1.7}});
 }
 
+void strokeBold(SymbolSketch& sketch, std::initializer_list<QPointF> points) {
+  sketch.strokeLine(points, smallSymbolStrokeFactor * sketch.strokeWidth());
+}
+
 void chevronRight(SymbolSketch& sketch) {
-  sketch.strokeLine({{-2.6, -5.2}, {2.6, 0}, {-2.6, 5.2}}, smallSignBoldness * sketch.strokeWidth());
+  strokeBold(sketch, {{-2.6, -5.2}, {2.6, 0}, {-2.6, 5.2}});
 }
 
 void chevronLeft(SymbolSketch& sketch) {
-  sketch.strokeLine({{2.6, -5.2}, {-2.6, 0}, {2.6, 5.2}}, smallSignBoldness * sketch.strokeWidth());
+  strokeBold(sketch, {{2.6, -5.2}, {-2.6, 0}, {2.6, 5.2}});
 }
 
 void chevronDown(SymbolSketch& sketch) {
-  sketch.strokeLine({{-5.2, -2.6}, {0, 2.6}, {5.2, -2.6}}, smallSignBoldness * sketch.strokeWidth());
+  strokeBold(sketch, {{-5.2, -2.6}, {0, 2.6}, {5.2, -2.6}});
 }
 
 void checkmark(SymbolSketch& sketch) {
-  sketch.strokeLine({{-5.2, 0.6}, {-1.7, 4.3}, {5.2, -4.4}}, smallSignBoldness * sketch.strokeWidth());
+  strokeBold(sketch, {{-5.2, 0.6}, {-1.7, 4.3}, {5.2, -4.4}});
 }
 
 /// Adds one symbol's strokes and areas to an empty sketch.
@@ -260,7 +267,7 @@ bool drawSymbol(QPainter& painter, const QString& name, const QRectF& rect, cons
   SymbolSketch sketch(pixels, weight);
   shape(sketch);
 
-  // The sketch is aligned to pixels, so its square has to start on one, wherever the caller's rectangle does.
+  // The sketch is aligned to pixels, so its square must start on a pixel boundary.
   const double half = pixels / 2.0;
   const QPointF wanted = toDevice.map(rect.center());
   const QPointF centre(std::round(wanted.x() - half) + half, std::round(wanted.y() - half) + half);
