@@ -69,7 +69,7 @@ class PanelItem(RegisteredItem):
 
     def colours(self):
         """The colours of the item's pixels, as (red, green, blue) triples of 0 to 255."""
-        image = self._desktop.image_of(status_area(self._desktop))
+        image = self._desktop.image_of(status_area(self._desktop) or (0, 0, 0, 0))
         return [colour for line in range(image.height) for colour in image.row(line)]
 
     def _is_drawn(self):
