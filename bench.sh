@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# bench.sh [--quick]: builds Tarn as it is released and measures it beside other monitors and beside the least that such a
-# program can cost. Installs what is missing. Prints one table, leaves build/bench/report.json, and fails when a goal is
-# missed. It takes a quarter of an hour, with --quick less than a minute and less care.
+# bench.sh [--quick]: builds the release configuration and compares Tarn with other monitors and with lower bounds.
+# Prints one table, writes build/bench/report.json, and exits with an error if a goal (bench/goals.py) is missed. Takes
+# 15 minutes; with --quick less than a minute, with fewer rounds. Installs missing packages.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""compare.py [--quick]: measures Tarn beside its peers, prints the goals and whether they are met, and leaves all that
-was measured in build/bench/report.json. Every ratio is the median over rounds in which both sides took turns."""
+"""compare.py [--quick]: measures Tarn and other monitors, prints which goals are met, and writes all measured values to
+build/bench/report.json. A ratio is the median of the ratios of all rounds; in a round both sides run in turn."""
 
 import json
 import subprocess
@@ -20,7 +20,7 @@ MEGABYTE = 1 << 20
 
 
 class Measurements:
-    """Named figures, each with the values that it is the median of."""
+    """The measured values of each figure, by its name."""
 
     def __init__(self):
         self.values = {}
@@ -32,7 +32,7 @@ class Measurements:
         return median(self.values[name]) if name in self.values else None
 
     def ratio(self, over, under):
-        """The median of the rounds' ratios; None where one of them was not measured."""
+        """The median of the ratios of all rounds; None if a figure was not measured."""
         if over not in self.values or under not in self.values:
             return None
         return median(one / other for one, other in zip(self.values[over], self.values[under]))
@@ -43,23 +43,24 @@ def run(*command, **options):
                           **options).stdout
 
 
-def measure_pieces(found, quick):
+def run_microbenchmarks(found, quick):
     seconds = "0.05" if quick else "0.5"
     for name in ("sampling_benchmark", "applications_benchmark", "view_benchmark"):
         report = json.loads(run(PROGRAMS / name, "--benchmark_format=json", f"--benchmark_min_time={seconds}",
                                 stderr=subprocess.DEVNULL))
         scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3}
-        for piece in report["benchmarks"]:
-            if piece.get("aggregate_name", "median") != "median":
+        for benchmark in report["benchmarks"]:
+            if benchmark.get("aggregate_name", "median") != "median":
                 continue
-            found.add(f"piece {piece['run_name']}, s", piece["cpu_time"] * scale[piece["time_unit"]])
-            if "KB" in piece:
-                found.add(f"piece {piece['run_name']}, KB", piece["KB"])
+            found.add(f"benchmark {benchmark['run_name']}, s",
+                      benchmark["cpu_time"] * scale[benchmark["time_unit"]])
+            if "KB" in benchmark:
+                found.add(f"benchmark {benchmark['run_name']}, KB", benchmark["KB"])
 
 
 def sweep_and_floor(processes, rounds):
-    """Number of processes, cost of a sweep and of the floor in microseconds, their ratio, and that of a sweep among
-    processes of which none sleeps."""
+    """Returns the number of processes, the cost of a sweep and of the floor (its lower bound) in microseconds, their
+    ratio, and the ratio for a sweep in which every process has run since the last one."""
     return [float(word) for word in run(PROGRAMS / "sweep_against_floor", processes, rounds).split()]
 
 
@@ -98,7 +99,7 @@ def measure_desktop(found, rounds, rest_seconds, monitors):
 
 
 def results_of(found):
-    """The value of every goal that was measured, by its name."""
+    """Returns the value of each measured goal, by its name."""
     values = {goal.name: found.median(goal.name) for goal in goals.SWEEP}
     small, large = (found.median(f"sweep per process, {count} processes, s") for count in ("1,000", "10,000"))
     values["sweep per process, 10,000 ÷ 1,000 processes"] = large / small if small and large else None
@@ -106,7 +107,7 @@ def results_of(found):
         values[f"sweep ÷ refresh of {name}"] = found.ratio("sweep beside monitors, s", f"refresh of {name}, s")
     values["sweep ÷ ps -eo pid,ppid,uid,rss,cputimes,comm"] = found.ratio("sweep beside monitors, s",
                                                                           "refresh of ps, s")
-    index = "piece buildIndexOf500Files/iterations:1/repeats:9"
+    index = "benchmark buildIndexOf500Files/iterations:1/repeats:9"
     values["index of 500 desktop files, ms"] = scaled(found.median(f"{index}, s"), 1e3)
     values["index of 500 desktop files, KB"] = found.median(f"{index}, KB")
     for state in ("closed", "open", "closed again"):
@@ -120,8 +121,8 @@ def results_of(found):
     values["main thread per snapshot, popover open, ms"] = scaled(snapshots and median(snapshots), 1e3)
     values["longest main thread for a snapshot, ms"] = scaled(snapshots and max(snapshots), 1e3)
     values["click to first frame, ms"] = scaled(found.median("click to first frame, s"), 1e3)
-    whole = found.median("share of the colours in the first frame")
-    values["colours that the first frame lacks, share"] = None if whole is None else max(0.0, 1 - whole)
+    complete = found.median("share of the colours in the first frame")
+    values["colours that the first frame lacks, share"] = None if complete is None else max(0.0, 1 - complete)
     return {name: value for name, value in values.items() if value is not None}
 
 
@@ -130,22 +131,23 @@ def scaled(value, factor):
 
 
 def print_table(values):
-    """Prints every goal with what was measured; gives the names of those that were missed."""
+    """Prints each goal with the measured value. Returns the names of the missed goals."""
     print(f"\n{'':60} {'measured':>10} {'at most':>9}")
     missed = []
     for goal in (*goals.SWEEP, *goals.DESKTOP):
+        maximum = goal.number_format.format(goal.maximum)
         if goal.name not in values:
-            print(f"{goal.name:60} {'—':>10} {goal.form.format(goal.most):>9}")
+            print(f"{goal.name:60} {'—':>10} {maximum:>9}")
             continue
-        is_met = values[goal.name] <= goal.most
+        is_met = values[goal.name] <= goal.maximum
         missed += [] if is_met else [goal.name]
-        print(f"{goal.name:60} {goal.form.format(values[goal.name]):>10} {goal.form.format(goal.most):>9}"
-              f"{'' if is_met else '   missed'}")
+        value = goal.number_format.format(values[goal.name])
+        print(f"{goal.name:60} {value:>10} {maximum:>9}{'' if is_met else '   missed'}")
     return missed
 
 
 def print_peers(found):
-    print("\nbeside them: medians, footprint in MB and share of a core while the window shows")
+    print("\nother monitors: median footprint in MB, and share of a core while the window is shown")
     for name in MONITORS:
         footprint, share = found.median(f"{name}, B"), found.median(f"{name}, share of a core")
         if footprint is not None:
@@ -157,7 +159,7 @@ def print_peers(found):
 def main():
     quick = "--quick" in sys.argv[1:]
     found = Measurements()
-    measure_pieces(found, quick)
+    run_microbenchmarks(found, quick)
     measure_sweeps(found, quick)
     measure_terminal_monitors(found, 1 if quick else 9)
     if not quick:
@@ -169,8 +171,8 @@ def main():
     print_peers(found)
     (BUILD / "report.json").write_text(json.dumps({"goals": values, "missed": missed, "measured": found.values},
                                                   indent=1, ensure_ascii=False), encoding="utf-8")
-    print(f"\nAll that was measured: {BUILD / 'report.json'}")
-    print("Every goal that was measured is met." if not missed else f"Missed: {'; '.join(missed)}")
+    print(f"\nAll measured values: {BUILD / 'report.json'}")
+    print("Every measured goal is met." if not missed else f"Missed: {'; '.join(missed)}")
     return 1 if missed else 0
 
 

@@ -1,17 +1,17 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""The figures that Tarn is measured by, and what each may be at most."""
+"""The performance goals: figures with their maximum values. A "÷" in a name means a ratio of two costs."""
 
 from dataclasses import dataclass
 
 
 @dataclass(frozen=True)
 class Goal:
-    """A figure by its name, the most that it may be, and how it is printed."""
+    """A figure, its maximum value, and the format in which both are printed."""
 
     name: str
-    most: float
-    form: str = "{:.2f}"
+    maximum: float
+    number_format: str = "{:.2f}"
 
 
 SWEEP = (

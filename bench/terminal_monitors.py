@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""What one refresh of the monitors for terminals costs, in seconds of processor time."""
+"""Measures the CPU time of one refresh of terminal monitors, in seconds."""
 
 import os
 import pty
@@ -16,17 +16,18 @@ from fcntl import ioctl
 from pathlib import Path
 
 REFRESHES = 5
-GAP = 0.06  # seconds of silence between what two refreshes write
-WATCHED = 2.5  # seconds
+GAP = 0.06  # seconds without output that separate two refreshes
+WATCHED = 2.5  # seconds for which a monitor is watched
 
 
 def children_time():
+    """CPU time of all child processes that have exited."""
     used = resource.getrusage(resource.RUSAGE_CHILDREN)
     return used.ru_utime + used.ru_stime
 
 
 def cost_of(*command):
-    """The processor time of a program from its start to its end."""
+    """CPU time of a program from its start to its exit."""
     before = children_time()
     subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True, timeout=60,
                    env={**os.environ, "TERM": "xterm-256color"})
@@ -38,21 +39,21 @@ def refresh_of_ps():
 
 
 def refresh_of_top():
-    """The difference that the refreshes after the first make: the start of the program is not in it."""
+    """Compares a run of one refresh with a run of several, to exclude the cost of starting the program."""
     once = cost_of("top", "-b", "-d", "0.1", "-n", "1")
     return (cost_of("top", "-b", "-d", "0.1", "-n", str(1 + REFRESHES)) - once) / REFRESHES
 
 
 def refresh_on_terminal(command, environment):
-    """The cost of one refresh of a program that draws on a terminal: each is a burst of what it writes."""
+    """CPU time per refresh of a full-screen terminal program. Each refresh is one burst of output."""
     pid, terminal = pty.fork()
     if pid == 0:
         os.environ.update(environment)
         os.execvp(command[0], command)
     ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 50, 160, 0, 0))
     try:
-        _bursts(terminal, 1.5)  # until it has started
-        clock = ~pid << 3 | 2
+        _bursts(terminal, 1.5)  # start-up
+        clock = ~pid << 3 | 2  # the process's CPU clock, as clock_getcpuclockid(3) returns it
         before = time.clock_gettime(clock)
         bursts = _bursts(terminal, WATCHED)
         return (time.clock_gettime(clock) - before) / bursts
@@ -63,6 +64,7 @@ def refresh_on_terminal(command, environment):
 
 
 def _bursts(terminal, seconds):
+    """Reads output for that time. Returns the number of bursts, at least 1."""
     count, last = 0, 0.0
     end = time.monotonic() + seconds
     while (left := end - time.monotonic()) > 0:

@@ -114,7 +114,7 @@ become_ordinary_user() {
   become=()
   is_root || return 0
   id "$user" >/dev/null 2>&1 || useradd --system --no-create-home --shell /usr/sbin/nologin "$user"
-  chown "$user:" "$stage/work" "$stage/results"
+  chown -R "$user:" "$stage/work" "$stage/results"
   become=(setpriv "--reuid=$user" "--regid=$(id -g "$user")" --init-groups)
 }
 

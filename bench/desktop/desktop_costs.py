@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""desktop_costs.py ROUNDS REST MONITOR...: what Tarn, a bare program of its toolkit and other monitors cost on the same
-desktop, one after the other, so many times; and what Tarn costs at rest, over so many seconds. Writes figures.json: a
-list of values for each figure."""
+"""desktop_costs.py ROUNDS REST MONITOR...: measures the costs of Tarn, of a bare Qt tray program and of other monitors
+on one desktop, in turn, ROUNDS times; then the costs of Tarn at rest, over REST seconds. Writes figures.json: a list of
+values for each figure."""
 
 import json
 import subprocess
@@ -21,16 +21,16 @@ from harness.sweeps import SWEEP_THREAD
 from harness.virtual_desktop import VirtualDesktop
 
 BARE = BIN / "bare_tray_program"
-POPOVER_WIDTH = 300  # at least; pixels
-WATCHED = 2  # seconds for which the processor time of a monitor is watched
-SETTLED = 3  # seconds after which a program has drawn itself and looked around once
-SNAPSHOTS = 7  # seconds that hold three sweeps of the open popover
+MIN_POPOVER_WIDTH = 300  # pixels
+WATCHED = 2  # seconds over which the CPU time of a monitor is measured
+SETTLED = 3  # seconds after which a program has painted its window and finished its first update
+SNAPSHOTS = 7  # seconds: three sweeps while the popover is open
 IDLE_PROCESSES = 300
 STARTS = 15
 
 
 class Figures:
-    """Every value of every figure, in the order in which they were measured."""
+    """The values of each figure, in the order of measurement."""
 
     def __init__(self):
         self.values = {}
@@ -40,25 +40,25 @@ class Figures:
         print(f"  {name}: {value:.6g}", flush=True)
 
 
-def processor_time(pid):
-    """Processor time of all threads of a process, ended ones too, in seconds."""
+def cpu_time(pid):
+    """CPU time of all threads of a process, including exited ones, in seconds."""
     return time.clock_gettime(~pid << 3 | 2)
 
 
 def thread_time(pid, thread):
-    """Processor time of one thread, in seconds."""
+    """CPU time of one thread, in seconds (Documentation/scheduler/sched-stats.rst)."""
     return int(Path(f"/proc/{pid}/task/{thread}/schedstat").read_text().split()[0]) / 1e9
 
 
 class Program:
-    """A running program that shows an item in the panel; knows what it had cost when the item was registered."""
+    """A running program with an item in the panel. `start_cost` is its CPU time until the item was registered."""
 
     def __init__(self, desktop, path):
         self._desktop = desktop
         self.process = desktop.start(path.name, [path])
         self.pid = self.process.pid
         self.owner, self.path = wait_until(self._item, f"the item of {path.name} is registered", 20, 0.002)
-        self.start_cost = processor_time(self.pid)
+        self.start_cost = cpu_time(self.pid)
 
     def _item(self):
         items = self._desktop.session.property(WATCHER, "/StatusNotifierWatcher", WATCHER,
@@ -73,7 +73,7 @@ class Program:
         return proc_reader.footprint(self.pid)
 
     def activate(self):
-        """What the panel does on a click."""
+        """Calls the method that a panel calls on a click."""
         self._desktop.session.call(self.owner, self.path, INTERFACE, "Activate",
                                    GLib.Variant("(ii)", (1200, 12)))
 
@@ -83,7 +83,7 @@ class Program:
     def end(self):
         self.process.terminate()
         self.process.wait()
-        wait_until(lambda: not self._item_is_left(), "the panel has let go of the item")
+        wait_until(lambda: not self._item_is_left(), "the panel has removed the item")
 
     def _item_is_left(self):
         items = self._desktop.session.property(WATCHER, "/StatusNotifierWatcher", WATCHER,
@@ -92,8 +92,8 @@ class Program:
 
 
 def open_and_time(desktop, tarn, figures):
-    """Opens the popover and measures the time to its first frame."""
-    watch = subprocess.Popen([BIN / "first_frame", str(POPOVER_WIDTH)], env=desktop.environment,
+    """Opens the popover, and measures the time until its first frame and how complete that frame is."""
+    watch = subprocess.Popen([BIN / "first_frame", str(MIN_POPOVER_WIDTH)], env=desktop.environment,
                              stdout=subprocess.PIPE, text=True)
     watch.stdout.readline()
     begin = time.monotonic()
@@ -110,26 +110,26 @@ def close(tarn):
 
 
 def measure_main_thread(tarn, figures, seconds):
-    """The main thread's processor time for each sweep, while the popover is open."""
+    """Measures the main thread's CPU time per sweep while the popover is open."""
     sampler = proc_reader.thread_named(tarn.pid, SWEEP_THREAD)
     swept, drawn = thread_time(tarn.pid, sampler), thread_time(tarn.pid, tarn.pid)
-    first, quiet_since = True, None
+    first, swept_at = True, None
     end = time.monotonic() + seconds
     while time.monotonic() < end:
         time.sleep(0.05)
         now = thread_time(tarn.pid, sampler)
         if now > swept:
-            swept, quiet_since = now, time.monotonic()
-        elif quiet_since and time.monotonic() - quiet_since > 1:
-            # A second after a sweep all that follows from it is done.
-            before, drawn, quiet_since = drawn, thread_time(tarn.pid, tarn.pid), None
+            swept, swept_at = now, time.monotonic()
+        elif swept_at and time.monotonic() - swept_at > 1:
+            # One second after a sweep, the main thread has processed its snapshot.
+            before, drawn, swept_at = drawn, thread_time(tarn.pid, tarn.pid), None
             if not first:
                 figures.add("main thread per snapshot, s", drawn - before)
             first = False
 
 
 def measure_starts(desktop, figures):
-    """What it costs to start, each time after the other one: what is still at hand from before is the same for both."""
+    """Measures the cost of a start. The programs start in turn, so that both find the same caches."""
     for _ in range(STARTS):
         for name, path in (("bare", BARE), ("tarn", TARN)):
             program = Program(desktop, path)
@@ -142,7 +142,7 @@ def measure_tarn(desktop, figures):
     tarn = Program(desktop, TARN)
     time.sleep(SETTLED)
     figures.add("tarn closed, B", tarn.footprint())
-    tarn.activate()  # what it costs to open once is not warm
+    tarn.activate()  # includes the cost of the first opening
     wait_until(tarn.is_open, "the popover is open", 5)
     time.sleep(SNAPSHOTS)
     figures.add("tarn open, B", tarn.footprint())
@@ -163,28 +163,28 @@ def measure_bare(desktop, figures):
 
 def measure_monitor(desktop, figures, name):
     process = desktop.start(name, [name])
-    if name != "conky":  # which draws on the wallpaper
+    if name != "conky":  # draws on the root window, has none of its own
         wait_until(lambda: desktop.windows_of(process.pid), f"the window of {name} shows", 20)
     time.sleep(SETTLED)
-    busy = processor_time(process.pid)
+    busy = cpu_time(process.pid)
     time.sleep(WATCHED)
-    figures.add(f"{name}, share of a core", (processor_time(process.pid) - busy) / WATCHED)
+    figures.add(f"{name}, share of a core", (cpu_time(process.pid) - busy) / WATCHED)
     figures.add(f"{name}, B", proc_reader.footprint(process.pid))
     process.terminate()
     process.wait()
 
 
 def measure_rest(desktop, figures, seconds):
-    """What the closed popover costs on a machine with a usual number of processes."""
+    """Measures the cost while the popover is closed, on a machine with a typical number of processes."""
     idle = desktop.start("idle", [BIN / "idle_processes", IDLE_PROCESSES])
-    wait_until(lambda: "ready" in desktop.log("idle"), "the idle processes are there")
+    wait_until(lambda: "ready" in desktop.log("idle"), "the idle processes have started")
     tarn = Program(desktop, TARN)
     time.sleep(SETTLED)
-    begin, asleep, busy = time.monotonic(), proc_reader.all_voluntary_switches(tarn.pid), processor_time(tarn.pid)
+    begin, asleep, busy = time.monotonic(), proc_reader.all_voluntary_switches(tarn.pid), cpu_time(tarn.pid)
     time.sleep(seconds)
     span = time.monotonic() - begin
     figures.add("switches per minute at rest", (proc_reader.all_voluntary_switches(tarn.pid) - asleep) * 60 / span)
-    figures.add("share of a core at rest", (processor_time(tarn.pid) - busy) / span)
+    figures.add("share of a core at rest", (cpu_time(tarn.pid) - busy) / span)
     tarn.activate()
     wait_until(tarn.is_open, "the popover is open", 5)
     measure_main_thread(tarn, figures, 30)

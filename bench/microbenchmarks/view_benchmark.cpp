@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "format/formatting.hpp"
-#include "ui/menu_bar/menu_bar_icon.hpp"
+#include "ui/menu_bar/menu_bar_label.hpp"
 #include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/application_list.hpp"
 #include "ui/symbols/symbols.hpp"
@@ -43,7 +43,7 @@ std::vector<RowContent> rows(int round) {
                     .name = QStringLiteral("Application %1").arg(i),
                     .symbol = QStringLiteral("gearshape.fill"),
                     .value = QStringLiteral("%1.%2 MB").arg(round % 1000).arg(i),
-                    .canOpen = true});
+                    .canExpand = true});
   }
   return rows;
 }

@@ -28,7 +28,7 @@
 #include "ui/menu_bar/menu_bar_item.hpp"
 #include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/popover_window.hpp"
-#include "ui/widgets/color_scheme.hpp"
+#include "ui/widgets/theme.hpp"
 
 namespace tarn {
 

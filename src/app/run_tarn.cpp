@@ -7,7 +7,7 @@
 #include <cstdio>
 
 #include "app/tarn_app.hpp"
-#include "ui/widgets/accessibility.hpp"
+#include "ui/popover/accessibility.hpp"
 
 namespace tarn {
 

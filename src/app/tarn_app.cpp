@@ -16,7 +16,7 @@
 #include <utility>
 
 #include "monitor/concurrency.hpp"
-#include "ui/menu_bar/menu_bar_icon.hpp"
+#include "ui/menu_bar/menu_bar_label.hpp"
 #include "ui/popover/popover_placement.hpp"
 
 namespace tarn {
@@ -77,7 +77,7 @@ bool isPlausibleOnItsScreen(const QPoint& point) {
 /// Where the popover opens. Some hosts report a wrong position of the click, so the pointer's is preferred.
 /// Nothing when neither is plausible.
 std::optional<QPoint> findAnchor(const std::optional<QPoint>& reported, const WindowSystemState& state) {
-  if (state.capabilities.hostKnowsItsPlace && reported) return reported;
+  if (state.capabilities.clickPositionIsExact && reported) return reported;
   if (state.capabilities.clientsPlaceWindows && state.pointer && isPlausibleOnItsScreen(*state.pointer))
     return state.pointer;
   if (reported && isPlausibleOnItsScreen(*reported)) return reported;
@@ -132,10 +132,11 @@ bool TarnApp::eventFilter(QObject* watched, QEvent* event) {
 
 void TarnApp::renderLabel() {
   if (!item_) return;
-  MenuBarLabel label = menuBarLabel(model_->presentation(), model_->snapshot(),
-                                    prefs_.showFrontmostFootprint(), model_->frontmostFootprint());
-  label.hover = hoverToTell(toldHover_, label.hover, popover_ && popover_->isVisible());
-  toldHover_ = label.hover;
+  MenuBarLabel label =
+      menuBarLabel(model_->presentation(), model_->snapshot(), prefs_.showFrontmostFootprint(),
+                   model_->frontmostFootprint(), platform_.formatters());
+  label.toolTip = throttledToolTip(sentToolTip_, label.toolTip, popover_ && popover_->isVisible());
+  sentToolTip_ = label.toolTip;
   item_->show(label);
 }
 
@@ -147,7 +148,8 @@ PopoverWindow& TarnApp::popover() {
 void TarnApp::createPopover() {
   model_->startSweeping();
   prepareForWindows();
-  auto* view = new PopoverView(model_, prefs_, platform_.makeFileIconLoader(), vendor());
+  auto* view =
+      new PopoverView(model_, prefs_, platform_.formatters(), platform_.makeFileIconLoader(), vendor());
   popover_ = std::make_unique<PopoverWindow>(view, platform_.makeCompositorPlacement());
   connect(view, &PopoverView::quitRequested, this, [this] { platform_.terminate(); });
   connect(view, &PopoverView::urlRequested, this, platform_.makeUrlOpener());

@@ -15,8 +15,8 @@
 #include "ui/menu_bar/menu_bar_item.hpp"
 #include "ui/menu_bar/menu_bar_label.hpp"
 #include "ui/popover/popover_window.hpp"
-#include "ui/widgets/color_scheme.hpp"
 #include "ui/widgets/render_scheduler.hpp"
+#include "ui/widgets/theme.hpp"
 
 namespace tarn {
 
@@ -68,7 +68,7 @@ class TarnApp : public QObject {
   std::unique_ptr<ColorSchemeWatcher> colorScheme_;
   std::unique_ptr<MenuBarItem> item_;
   RenderScheduler labelRenderer_;
-  MenuBarHover toldHover_;
+  ToolTip sentToolTip_;
   bool hasMenuBar_ = true;  ///< false after hostMissing, until a host appears
   std::unique_ptr<PopoverWindow> popover_;
   std::unique_ptr<QObject> workspaceWatch_;  ///< null where the platform has none

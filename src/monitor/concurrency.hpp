@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Task queues: how work moves between threads. State belongs to one thread; other threads send it tasks.
-//
-// Synchronization used: TaskInbox has one std::atomic list, and the queue's thread sleeps in
-// std::atomic::wait (a futex on Linux). There is no std::mutex or std::condition_variable. QtRunLoop wakes
-// the main thread by QCoreApplication::postEvent, which locks a mutex inside Qt for a short time.
+// Task queues: threads exchange tasks; each piece of state belongs to one thread. Synchronization here:
+// TaskInbox is one std::atomic list, its receiver sleeps in std::atomic::wait (a futex on Linux); QtRunLoop
+// wakes the main thread by QCoreApplication::postEvent, which locks a mutex inside Qt. Elsewhere: pressure
+// sources and signal handler use std::atomic, the Mac's process reader std::call_once. Our code has no
+// std::mutex and no std::condition_variable.
 
 #pragma once
 

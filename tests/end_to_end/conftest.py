@@ -5,6 +5,7 @@
 "pytest tests/end_to_end" replaces itself by that script, which starts pytest again with the same arguments. There
 TARN_STAGE is set."""
 
+import fcntl
 import os
 from pathlib import Path
 
@@ -107,7 +108,9 @@ def pytest_xdist_make_scheduler(config, log):
 
 
 def pytest_collection_modifyitems(items):
-    items.sort(key=lambda item: item.get_closest_marker("long") is None)
+    """Long tests first, and those last that wait until no other test runs."""
+    items.sort(key=lambda item: 0 if item.get_closest_marker("long") else
+               2 if item.get_closest_marker("machine_wide") else 1)
 
 
 @pytest.fixture(scope="session", autouse=True)
@@ -116,6 +119,16 @@ def processes():
     if not IS_STAGED:
         pytest.exit("Name the folder, so that the tests find their options: pytest tests/end_to_end", 2)
     with all_ended_afterwards():
+        programs.start_background(os.environ)
+        yield
+
+
+@pytest.fixture(scope="class", autouse=True)
+def machine_lock(request):
+    """Tests marked machine_wide affect all workers. They run while no other test runs."""
+    operation = fcntl.LOCK_EX if request.node.get_closest_marker("machine_wide") else fcntl.LOCK_SH
+    with open(stage.STAGE / "work/machine.lock", "ab") as lock:
+        fcntl.flock(lock, operation)
         yield
 
 

@@ -92,6 +92,7 @@ class TestClocks(SharedDesktop):
         self.popover.open()
 
 
+@pytest.mark.long
 @pytest.mark.release_build  # a sanitized program ends when an allocation fails
 class TestMemoryLimit(SharedDesktop):
     PROCESSES = 1500

@@ -16,7 +16,7 @@ from harness.shared_desktop import SharedDesktop
 from harness.stage import RESULTS
 from harness.texts import MEMORY_SENTENCES, STATUS_TEXTS, TINTS
 
-pytestmark = pytest.mark.slow
+pytestmark = [pytest.mark.slow, pytest.mark.timeout(1200)]
 
 PLENTY, SCARCE_FOR_SOME, SCARCE_FOR_ALL, SCARCE, EXHAUSTED = 0.8, 0.4, 0.15, 0.08, 0.03
 LOAD = 240  # seconds, at most
@@ -89,6 +89,7 @@ class TestAvailability(PressureTests):
         self.assert_shown("normal")
 
 
+@pytest.mark.machine_wide
 class TestStalls(PressureTests):
     """With tasks that stall because they wait for memory."""
 

@@ -11,13 +11,14 @@ from harness.shared_desktop import SharedDesktop
 from harness.status_item import PanelItem, popover_frame
 from harness.virtual_desktop import VirtualDesktop
 
-pytestmark = pytest.mark.slow
+pytestmark = [pytest.mark.slow, pytest.mark.timeout(900)]
 
 RESTARTS = 100
 WARM_UP = 10
 SLACK = MEGABYTE
 
 
+@pytest.mark.long
 class TestPanelRestarts(SharedDesktop):
     @pytest.fixture(scope="class")
     def desktop(self):

@@ -28,10 +28,12 @@ def soak():
     assert finished.returncode == 0, finished.stdout
 
 
+@pytest.mark.long
 def test_sweeps_and_openings_leak_nothing():
     soak()
 
 
+@pytest.mark.long
 @pytest.mark.release_build
 def test_sweeps_and_openings_of_release_build_leak_nothing():
     soak()

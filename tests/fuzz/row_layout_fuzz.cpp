@@ -6,8 +6,8 @@
 #include <QWidget>
 
 #include "fuzz/fuzz_target.hpp"
-#include "ui/popover/row_text.hpp"
-#include "ui/widgets/display_text.hpp"
+#include "ui/popover/app_row.hpp"
+#include "ui/popover/popover_content.hpp"
 #include "ui/widgets/text_label.hpp"
 
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/widgets/accessibility.hpp"
+#include "ui/popover/accessibility.hpp"
 
 #include <gtest/gtest.h>
 
@@ -14,10 +14,10 @@
 #include <string>
 #include <vector>
 
-#include "ui/widgets/controls.hpp"
-#include "ui/popover_stage.hpp"
 #include "ui/popover/popover_window.hpp"
 #include "ui/popover/tab_picker.hpp"
+#include "ui/popover_fixture.hpp"
+#include "ui/widgets/controls.hpp"
 
 namespace tarn {
 namespace {
@@ -37,14 +37,14 @@ class AccessibilityTest : public ::testing::Test {
   AccessibilityTest() {
     for (int i = 0; i < 9; ++i) {
       const auto size = static_cast<std::uint64_t>(20 - i) * megabyte;
-      stage_.add({"App" + std::to_string(i) + ".app", 100 + 10 * i, {size, megabyte}});
+      fixture_.add({"App" + std::to_string(i) + ".app", 100 + 10 * i, {size, megabyte}});
     }
-    stage_.sweep();
-    stage_.makeView();
-    window_ = std::make_unique<PopoverWindow>(stage_.view.release());
+    fixture_.sweep();
+    fixture_.makeView();
+    window_ = std::make_unique<PopoverWindow>(fixture_.view.release());
     window_->setTheme(Theme::light());
     window_->open(PopoverStyle::popup, {QPoint(400, 10)}, {});
-    PopoverStage::settle();
+    PopoverFixture::settle();
   }
 
   ~AccessibilityTest() override { window_.reset(); }
@@ -61,7 +61,7 @@ class AccessibilityTest : public ::testing::Test {
     descend(accessible(window_.get()));
   }
 
-  PopoverStage stage_;
+  PopoverFixture fixture_;
   std::unique_ptr<PopoverWindow> window_;
 };
 
@@ -102,17 +102,17 @@ TEST_F(AccessibilityTest, OpensAndClosesARowByItsPressAction) {
   ASSERT_NE(actions, nullptr);
   ASSERT_TRUE(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
   actions->doAction(QAccessibleActionInterface::pressAction());
-  PopoverStage::settle();
+  PopoverFixture::settle();
   EXPECT_EQ(linesOf(*firstRow()).size(), 2U);
   EXPECT_TRUE(button->state().expanded);
   EXPECT_FALSE(button->state().collapsed);
   actions->doAction(QAccessibleActionInterface::pressAction());
-  PopoverStage::settle();
+  PopoverFixture::settle();
   EXPECT_TRUE(linesOf(*firstRow()).empty());
   EXPECT_TRUE(button->state().collapsed);
 }
 
-TEST_F(AccessibilityTest, OffersNothingToPressOnTheSummary) {
+TEST_F(AccessibilityTest, OffersNoPressActionOnTheSummaryRow) {
   AppRow* summary = shownRows(*window_).back();
   QAccessibleInterface* button = accessible(summary->button());
   EXPECT_EQ(nameOf(button), "Everything else, 13 MB");
@@ -162,7 +162,7 @@ TEST_F(AccessibilityTest, NamesLabelsByTheirTextWithOrdinarySpaces) {
   }
 }
 
-TEST_F(AccessibilityTest, LeavesNothingFocusableWithoutAName) {
+TEST_F(AccessibilityTest, GivesEveryFocusableElementAName) {
   int focusable = 0;
   visitAll([&](const QAccessibleInterface* element) {
     if (!element->state().focusable || element->state().disabled || element->state().invisible) return;
@@ -172,7 +172,7 @@ TEST_F(AccessibilityTest, LeavesNothingFocusableWithoutAName) {
   EXPECT_GE(focusable, 8 + 1 + 3);
 }
 
-TEST_F(AccessibilityTest, KeepsGlyphsSilent) {
+TEST_F(AccessibilityTest, GivesGlyphsNoName) {
   const auto glyphs = window_->findChildren<GlyphView*>();
   EXPECT_GE(glyphs.size(), 1 + 2 * 9);
   for (GlyphView* glyph : glyphs) {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// How well everything that the popover and the panel show stands out from what it is painted on, measured on
-// the painted picture. With TARN_PRINT_CONTRAST in the environment the ratios are printed as a table.
+// Contrast of all texts, glyphs and controls with their background, measured on rendered images. Prints the
+// ratios as a table if TARN_PRINT_CONTRAST is set in the environment.
 
 #include <gtest/gtest.h>
 
@@ -13,17 +13,17 @@
 #include <string>
 #include <vector>
 
-#include "ui/widgets/controls.hpp"
-#include "ui/menu_bar/menu_bar_icon.hpp"
-#include "ui/painted_colors.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/image_analysis.hpp"
+#include "ui/menu_bar/menu_bar_label.hpp"
 #include "ui/popover/tab_picker.hpp"
+#include "ui/popover_fixture.hpp"
+#include "ui/widgets/controls.hpp"
 
 namespace tarn {
 namespace {
 
-constexpr double readable = 4.5;    ///< for text
-constexpr double noticeable = 3.0;  ///< for glyphs, for rings and boxes, and for text that may recede
+constexpr double textContrast = 4.5;     ///< WCAG 2 level AA for text
+constexpr double minimumContrast = 3.0;  ///< for glyphs, rings, boxes and tertiary text
 
 constexpr QRgb lightBar = 0xf3f3f4;
 constexpr QRgb darkBar = 0x1f1f22;
@@ -31,7 +31,7 @@ constexpr QRgb darkBar = 0x1f1f22;
 struct Line {
   std::string what;
   double least = 0;
-  std::map<bool, double> ratios;  ///< the lowest found, by whether it is dark
+  std::map<bool, double> ratios;  ///< the lowest, by whether the theme is dark
 };
 
 class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
@@ -46,15 +46,15 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
   }
 
   PaintedContrast() {
-    stage_.add({"Editor.app", 100, {90 * megabyte, 80 * megabyte}});
+    fixture_.add({"Editor.app", 100, {90 * megabyte, 80 * megabyte}});
     for (int i = 0; i < 9; ++i) {
-      stage_.add({"daemon" + std::to_string(i), 200 + i, {static_cast<std::uint64_t>(20 - i) * megabyte}});
+      fixture_.add({"daemon" + std::to_string(i), 200 + i, {static_cast<std::uint64_t>(20 - i) * megabyte}});
     }
-    stage_.extras.powerSources = {internalBattery(64, 100)};
-    stage_.sweep();
-    view_ = &stage_.showView(*GetParam());
+    fixture_.extras.powerSources = {internalBattery(64, 100)};
+    fixture_.sweep();
+    view_ = &fixture_.showView(*GetParam());
     view_->activateWindow();
-    PopoverStage::settle();
+    PopoverFixture::settle();
   }
 
   void expectAtLeast(double least, double ratio, const std::string& what) {
@@ -66,7 +66,7 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
   }
 
   QRect frame(const QWidget& widget) { return frameIn(*view_, widget); }
-  QImage picture(const QRect& part) { return enlarged(*view_, part); }
+  QImage imageOf(const QRect& part) { return enlarged(*view_, part); }
 
   void expectTexts(const QWidget& part, const std::string& where) {
     const std::map<QPalette::ColorRole, std::string> styles{
@@ -76,9 +76,9 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
     for (const QLabel* label : labelsOf(part)) {
       if (label->text().trimmed().isEmpty()) continue;
       SCOPED_TRACE(label->text().toStdString());
-      const bool recedes = label->foregroundRole() == paletteRole(TextStyle::tertiary);
+      const bool isTertiary = label->foregroundRole() == paletteRole(TextStyle::tertiary);
       const QRect text = frame(*label).adjusted(0, 2, 0, -2);  // without the ring of a row
-      expectAtLeast(recedes ? noticeable : readable, inkContrast(picture(text)),
+      expectAtLeast(isTertiary ? minimumContrast : textContrast, foregroundContrast(imageOf(text)),
                     styles.at(label->foregroundRole()) + where);
     }
   }
@@ -87,32 +87,32 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
     for (const GlyphView* glyph : part.findChildren<GlyphView*>()) {
       if (!glyph->isVisible() || glyph->symbolName().isEmpty()) continue;
       SCOPED_TRACE(glyph->symbolName().toStdString());
-      const bool recedes = glyph->color() == GlyphView::Color(TextStyle::tertiary);
-      expectAtLeast(noticeable, inkContrast(picture(frame(*glyph))),
-                    (recedes ? "chevrons" : "glyphs of rows") + where);
+      const bool isTertiary = glyph->color() == GlyphView::Color(TextStyle::tertiary);
+      expectAtLeast(minimumContrast, foregroundContrast(imageOf(frame(*glyph))),
+                    (isTertiary ? "chevrons" : "symbols of rows") + where);
     }
   }
 
   void expectControl(const QWidget& control, const std::string& what) {
     constexpr int edge = 3;  // without the control's outline
     const QRect inside = frame(control).adjusted(edge, edge, -edge, -edge);
-    expectAtLeast(readable, inkContrast(picture(inside)), what);
+    expectAtLeast(textContrast, foregroundContrast(imageOf(inside)), what);
   }
 
-  /// A ring's left side lies within `width` points from `start`, which is relative to the control.
+  /// The left side of the ring is within `width` points from `start`, which is relative to the control.
   void expectRing(const QWidget& control, int start, int width, const std::string& what) {
     const QRect around = frame(control);
     const QRect strip(around.left() + start, around.center().y() - 2, width, 4);
-    expectAtLeast(noticeable, contrastWithNeighbors(picture(strip), GetParam()->focusRing), what);
+    expectAtLeast(minimumContrast, contrastWithNeighbors(imageOf(strip), GetParam()->focusRing), what);
   }
 
   static void focus(QWidget& widget) {
     widget.setFocus(Qt::TabFocusReason);
-    PopoverStage::settle();
+    PopoverFixture::settle();
     ASSERT_TRUE(widget.hasFocus());
   }
 
-  PopoverStage stage_;
+  PopoverFixture fixture_;
   PopoverView* view_ = nullptr;
   const bool isDark_ = GetParam() == &Theme::dark();
 
@@ -123,21 +123,21 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
 TEST_P(PaintedContrast, SufficesForTheTextsOfEveryTab) {
   click(*rowNamed(*view_, "Editor")->button());
   expectTexts(*view_, "");
-  choose(*view_, "CPU");
+  selectTab(*view_, "CPU");
   expectTexts(*view_, "");
-  choose(*view_, "System");
+  selectTab(*view_, "System");
   expectTexts(*view_, "");
-  stage_.sweep();
+  fixture_.sweep();
   expectTexts(*view_, "");
 }
 
-TEST_P(PaintedContrast, SufficesForTheVerdictsGlyphInEveryTint) {
+TEST_P(PaintedContrast, SufficesForTheStatusGlyphInEveryTint) {
   auto* glyph = view_->findChild<GlyphView*>();
   const std::vector<std::pair<Tint, std::string>> tints{
       {Tint::green, "green"}, {Tint::orange, "orange"}, {Tint::red, "red"}, {Tint::secondary, "grey"}};
   for (const auto& [tint, name] : tints) {
     glyph->setSymbol(QStringLiteral("memorychip"), tint);
-    expectAtLeast(noticeable, inkContrast(picture(frame(*glyph))), "verdict's glyph, " + name);
+    expectAtLeast(minimumContrast, foregroundContrast(imageOf(frame(*glyph))), "status symbol, " + name);
   }
 }
 
@@ -147,18 +147,18 @@ TEST_P(PaintedContrast, SufficesOnRowsInEveryState) {
     expectGlyphs(*button, "");
     if (!button->isEnabled()) continue;
     const QRect corner(frame(*button).topLeft(), QSize(4, 1));
-    const QColor plain = colorsOf(picture(corner)).front().color;
+    const QColor plain = colorsOf(imageOf(corner)).front().color;
     button->setAttribute(Qt::WA_UnderMouse);
     for (const bool isDown : {false, true}) {
       button->setDown(isDown);
-      ASSERT_NE(colorsOf(picture(corner)).front().color, plain) << "it is not highlighted";
+      ASSERT_NE(colorsOf(imageOf(corner)).front().color, plain) << "not highlighted";
       expectTexts(*button, " of a row under the pointer");
       expectGlyphs(*button, " under the pointer");
     }
     button->setDown(false);
     button->setAttribute(Qt::WA_UnderMouse, false);
     focus(*button);
-    ASSERT_NE(colorsOf(picture(corner)).front().color, plain) << "it is not highlighted";
+    ASSERT_NE(colorsOf(imageOf(corner)).front().color, plain) << "not highlighted";
     expectTexts(*button, " of a row with the focus");
     expectGlyphs(*button, " with the focus");
     expectRing(*button, -8, 8, "focus ring of a row");
@@ -167,13 +167,13 @@ TEST_P(PaintedContrast, SufficesOnRowsInEveryState) {
 
 TEST_P(PaintedContrast, SufficesOnTabsInEveryState) {
   const auto segments = view_->findChildren<TabSegment*>();
-  expectControl(*segments[0], "chosen tab");
+  expectControl(*segments[0], "selected tab");
   expectControl(*segments[1], "another tab");
   segments[1]->setAttribute(Qt::WA_UnderMouse);
   expectControl(*segments[1], "another tab under the pointer");
   focus(*segments[0]);
-  expectControl(*segments[0], "chosen tab");
-  expectRing(*segments[0], -2, 8, "focus ring of the chosen tab");
+  expectControl(*segments[0], "selected tab");
+  expectRing(*segments[0], -2, 8, "focus ring of the selected tab");
 }
 
 TEST_P(PaintedContrast, SufficesOnTheCheckboxInEveryState) {
@@ -181,9 +181,9 @@ TEST_P(PaintedContrast, SufficesOnTheCheckboxInEveryState) {
   const QRect all = frame(*toggle);
   const QRect box(all.left(), all.center().y() - 6, 14, 14);
   const QRect label = all.adjusted(20, 2, -4, -2);
-  const auto expectBox = [&](const QColor& ink, const std::string& what) {
-    expectAtLeast(noticeable, contrastWithNeighbors(picture(box.adjusted(-4, -4, 2, 4)), ink), what);
-    expectAtLeast(readable, inkContrast(picture(label)), "checkbox's label");
+  const auto expectBox = [&](const QColor& color, const std::string& what) {
+    expectAtLeast(minimumContrast, contrastWithNeighbors(imageOf(box.adjusted(-4, -4, 2, 4)), color), what);
+    expectAtLeast(textContrast, foregroundContrast(imageOf(label)), "checkbox's label");
   };
   expectBox(GetParam()->tertiary, "box without a tick");
   toggle->setAttribute(Qt::WA_UnderMouse);
@@ -192,7 +192,7 @@ TEST_P(PaintedContrast, SufficesOnTheCheckboxInEveryState) {
   expectRing(*toggle, 14, 6, "focus ring of the checkbox");
   toggle->setChecked(true);
   expectBox(GetParam()->accent, "box with a tick");
-  expectAtLeast(noticeable, inkContrast(picture(box.adjusted(2, 2, -2, -2))), "tick");
+  expectAtLeast(minimumContrast, foregroundContrast(imageOf(box.adjusted(2, 2, -2, -2))), "tick");
   expectRing(*toggle, 14, 6, "focus ring of the checkbox");
 }
 
@@ -208,12 +208,12 @@ TEST_P(PaintedContrast, SufficesOnQuitInEveryState) {
 
 TEST_P(PaintedContrast, SufficesOnTheLinkInEveryState) {
   auto* link = view_->findChild<LinkButton*>();
-  expectAtLeast(readable, inkContrast(picture(frame(*link))), "link");
+  expectAtLeast(textContrast, foregroundContrast(imageOf(frame(*link))), "link");
   link->setAttribute(Qt::WA_UnderMouse);
-  expectAtLeast(readable, inkContrast(picture(frame(*link))), "link");
+  expectAtLeast(textContrast, foregroundContrast(imageOf(frame(*link))), "link");
   focus(*link);
   const QRect bottom(frame(*link).bottomLeft() - QPoint(0, 1), QSize(link->width(), 4));
-  expectAtLeast(noticeable, contrastWithNeighbors(picture(bottom), GetParam()->focusRing),
+  expectAtLeast(minimumContrast, contrastWithNeighbors(imageOf(bottom), GetParam()->focusRing),
                 "focus line of the link");
 }
 
@@ -226,7 +226,7 @@ TEST_P(PaintedContrast, SufficesForTheCircleInAPanel) {
       QImage panel(side, side, QImage::Format_RGB32);
       panel.fill(QColor(isDark_ ? darkBar : lightBar));
       QPainter(&panel).drawImage(0, 0, MenuBarIcon::image(symbol, MenuBarIcon::color(tint), side));
-      expectAtLeast(noticeable, inkContrast(panel), "circle in a panel, " + name);
+      expectAtLeast(minimumContrast, foregroundContrast(panel), "circle in a panel, " + name);
     }
   }
 }

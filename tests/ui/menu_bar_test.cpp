@@ -6,9 +6,9 @@
 #include <QImage>
 #include <set>
 
-#include "ui/contrast.hpp"
-#include "ui/menu_bar/menu_bar_icon.hpp"
+#include "ui/image_analysis.hpp"
 #include "ui/menu_bar/menu_bar_label.hpp"
+#include "ui/plain_formatters.hpp"
 
 namespace tarn {
 namespace {
@@ -16,18 +16,23 @@ namespace {
 const QColor lightBar(0xf3f3f4);
 const QColor darkBar(0x1f1f22);
 
-MenuBarLabel labelFor(MemoryPressure pressure, std::uint64_t swapUsed) {
-  return menuBarLabel({pressure, swapUsed}, std::nullopt, false, std::nullopt);
+MenuBarLabel labelFor(const StatusPresentation& status,
+                      const std::optional<MemorySnapshot>& snapshot = std::nullopt) {
+  return menuBarLabel(status, snapshot, false, std::nullopt, plainFormatters());
 }
 
-TEST(MenuBarLabel, ShowsEveryStatusAsACircleATintAndWords) {
+std::optional<QString> textFor(bool showFootprint, std::optional<std::uint64_t> footprint) {
+  return menuBarLabel({}, std::nullopt, showFootprint, footprint, plainFormatters()).text;
+}
+
+TEST(MenuBarLabel, ShowsEveryStatusAsSymbolTintAndText) {
   struct Case {
     MemoryPressure pressure;
     std::uint64_t swapUsed;
     const char* symbol;
     Tint tint;
     const char* words;
-    const char* verdict;
+    const char* status;
   };
   for (const Case& one :
        {Case{MemoryPressure::critical, 0, "circle.fill", Tint::red, "Memory pressure critical",
@@ -40,32 +45,29 @@ TEST(MenuBarLabel, ShowsEveryStatusAsACircleATintAndWords) {
              "Your Mac is coping, but has started using the disk as overflow."},
         Case{MemoryPressure::normal, 0, "circle", Tint::green, "Memory normal",
              "Your Mac has memory to spare."}}) {
-    const MenuBarLabel label = labelFor(one.pressure, one.swapUsed);
+    const MenuBarLabel label = labelFor({one.pressure, one.swapUsed});
     EXPECT_EQ(label.symbolName, one.symbol);
     EXPECT_EQ(label.tint, one.tint) << one.words;
     EXPECT_EQ(label.accessibilityText, one.words);
-    EXPECT_EQ(label.hover.verdict, one.verdict);
+    EXPECT_EQ(label.toolTip.status, one.status);
     EXPECT_FALSE(label.text.has_value());
   }
 }
 
-TEST(MenuBarLabel, ShowsAFigureOnlyWhenItIsWantedAndKnown) {
-  const auto text = [](bool wanted, std::optional<std::uint64_t> footprint) {
-    return menuBarLabel({}, std::nullopt, wanted, footprint).text;
-  };
-  EXPECT_EQ(text(false, std::nullopt), std::nullopt);
-  EXPECT_EQ(text(false, 1024), std::nullopt);
-  EXPECT_EQ(text(true, std::nullopt), std::nullopt);
-  EXPECT_EQ(text(true, 1536 * 1024), "1.5 MB");
+TEST(MenuBarLabel, ShowsAFootprintOnlyIfEnabledAndKnown) {
+  EXPECT_EQ(textFor(false, std::nullopt), std::nullopt);
+  EXPECT_EQ(textFor(false, 1024), std::nullopt);
+  EXPECT_EQ(textFor(true, std::nullopt), std::nullopt);
+  EXPECT_EQ(textFor(true, 1536 * 1024), "1.5 MB");
 }
 
-TEST(MenuBarLabel, ShowsAFootprintOfNothing) {
-  EXPECT_EQ(menuBarLabel({}, std::nullopt, true, 0).text, "0 bytes");
+TEST(MenuBarLabel, ShowsAFootprintOfZero) {
+  EXPECT_EQ(textFor(true, 0), "0 bytes");
 }
 
-TEST(MenuBarLabel, CarriesTheMemoryFiguresForATooltip) {
-  EXPECT_EQ(menuBarLabel({}, std::nullopt, false, {}).hover.detail, "");
-  EXPECT_EQ(menuBarLabel({}, MemorySnapshot{}, false, {}).hover.detail,
+TEST(MenuBarLabel, HasTheMemoryFiguresInItsToolTip) {
+  EXPECT_EQ(labelFor({}).toolTip.detail, "");
+  EXPECT_EQ(labelFor({}, MemorySnapshot{}).toolTip.detail,
             "Wired 0 bytes · Compressed 0 bytes · Cached files 0 bytes · Swap 0 bytes");
 }
 
@@ -77,7 +79,7 @@ TEST(MenuBarIcon, IsTransparentForAnUnknownName) {
   }
 }
 
-TEST(MenuBarIcon, HasTheColourAskedForAndNoOther) {
+TEST(MenuBarIcon, HasOnlyTheGivenColour) {
   for (const Tint tint : {Tint::green, Tint::orange, Tint::red}) {
     const QColor color = MenuBarIcon::color(tint);
     const QImage image = MenuBarIcon::image("circle.fill", color, 22);
@@ -94,7 +96,7 @@ TEST(MenuBarIcon, HasTheColourAskedForAndNoOther) {
   }
 }
 
-TEST(MenuBarIcon, TellsTheStatesApartByShapeToo) {
+TEST(MenuBarIcon, HasADifferentShapeForEveryStatus) {
   const auto covers = [](const char* name, int x) {
     return qAlpha(MenuBarIcon::image(name, Qt::black, 22).pixel(x, 11)) > 128;
   };
@@ -106,7 +108,7 @@ TEST(MenuBarIcon, TellsTheStatesApartByShapeToo) {
   EXPECT_TRUE(covers("circle.fill", 13));
 }
 
-TEST(MenuBarIcon, StandsOutOnALightBarAndOnADarkOne) {
+TEST(MenuBarIcon, HasEnoughContrastOnLightAndDarkBars) {
   std::set<QRgb> colours;
   for (const Tint tint : {Tint::green, Tint::orange, Tint::red, Tint::secondary}) {
     const QColor color = MenuBarIcon::color(tint);
@@ -119,45 +121,43 @@ TEST(MenuBarIcon, StandsOutOnALightBarAndOnADarkOne) {
 
 constexpr std::uint64_t megabyte = 1 << 20;
 
-MenuBarHover hoverOf(const SystemMemory& memory) {
-  return {.verdict = QStringLiteral("All is well."), .detail = QStringLiteral("Wired …"), .memory = memory};
+ToolTip toolTipOf(const SystemMemory& memory) {
+  return {.status = QStringLiteral("Memory normal."), .detail = QStringLiteral("Wired …"), .memory = memory};
 }
 
-TEST(HoverToTell, IsTheSameAgainWhileTheFiguresHardlyMove) {
-  const MenuBarHover told = hoverOf({.wired = 1000 * megabyte, .cachedFiles = 50 * megabyte});
-  MenuBarHover now = hoverOf({.wired = 1050 * megabyte, .cachedFiles = 70 * megabyte});
-  now.detail = QStringLiteral("Wired, a little more");
-  EXPECT_EQ(hoverToTell(told, now, false), told);
-  now.memory->wired += megabyte;
-  EXPECT_EQ(hoverToTell(told, now, false), now) << "more than 5 percent";
-  now = hoverOf({.wired = 1000 * megabyte, .cachedFiles = 29 * megabyte});
-  EXPECT_EQ(hoverToTell(told, now, false), now) << "less, by more than 20 MB";
-  EXPECT_EQ(hoverToTell(told, hoverOf({.wired = 1000 * megabyte, .swapUsed = 21 * megabyte}), false)
-                .memory->swapUsed,
-            21 * megabyte);
-  EXPECT_EQ(hoverToTell(told, hoverOf({.wired = 1000 * megabyte, .compressed = 21 * megabyte}), false)
-                .memory->compressed,
-            21 * megabyte);
+TEST(ThrottledToolTip, StaysTheSameWhileTheFiguresChangeLittle) {
+  const ToolTip sent = toolTipOf({.wired = 1000 * megabyte, .cachedFiles = 50 * megabyte});
+  ToolTip current = toolTipOf({.wired = 1050 * megabyte, .cachedFiles = 70 * megabyte});
+  current.detail = QStringLiteral("Wired, a little more");
+  EXPECT_EQ(throttledToolTip(sent, current, false), sent);
+  current.memory->wired += megabyte;
+  EXPECT_EQ(throttledToolTip(sent, current, false), current) << "more than 5 percent";
+  for (const SystemMemory& memory :
+       {SystemMemory{.wired = 1000 * megabyte, .cachedFiles = 29 * megabyte},
+        SystemMemory{.wired = 1000 * megabyte, .cachedFiles = 50 * megabyte, .swapUsed = 21 * megabyte},
+        SystemMemory{.wired = 1000 * megabyte, .compressed = 21 * megabyte, .cachedFiles = 50 * megabyte}}) {
+    EXPECT_EQ(throttledToolTip(sent, toolTipOf(memory), false), toolTipOf(memory)) << "more than 20 MB";
+  }
 }
 
-TEST(HoverToTell, IsNewWhenTheVerdictOrTheFootprintIs) {
-  const MenuBarHover told = hoverOf({});
-  MenuBarHover now = told;
-  now.verdict = QStringLiteral("All is lost.");
-  EXPECT_EQ(hoverToTell(told, now, false), now);
-  now = told;
-  now.text = QStringLiteral("3 MB");
-  EXPECT_EQ(hoverToTell(told, now, false), now);
-  EXPECT_EQ(hoverToTell({}, told, false), told) << "the first figures";
+TEST(ThrottledToolTip, ChangesWithTheStatusAndTheFootprint) {
+  const ToolTip sent = toolTipOf({});
+  ToolTip current = sent;
+  current.status = QStringLiteral("Memory critical.");
+  EXPECT_EQ(throttledToolTip(sent, current, false), current);
+  current = sent;
+  current.footprint = QStringLiteral("3 MB");
+  EXPECT_EQ(throttledToolTip(sent, current, false), current);
+  EXPECT_EQ(throttledToolTip({}, sent, false), sent) << "the first figures";
 }
 
-TEST(HoverToTell, WaitsWhileThePopoverIsOpenButForWhatIsSwitched) {
-  const MenuBarHover told = hoverOf({});
-  MenuBarHover now = hoverOf({.wired = 5000 * megabyte});
-  now.verdict = QStringLiteral("All is lost.");
-  EXPECT_EQ(hoverToTell(told, now, true), told);
-  now.text = QStringLiteral("3 MB");
-  EXPECT_EQ(hoverToTell(told, now, true), now);
+TEST(ThrottledToolTip, ChangesWhileThePopoverIsOpenOnlyWhenTheFootprintAppears) {
+  const ToolTip sent = toolTipOf({});
+  ToolTip current = toolTipOf({.wired = 5000 * megabyte});
+  current.status = QStringLiteral("Memory critical.");
+  EXPECT_EQ(throttledToolTip(sent, current, true), sent);
+  current.footprint = QStringLiteral("3 MB");
+  EXPECT_EQ(throttledToolTip(sent, current, true), current);
 }
 
 }  // namespace

@@ -6,8 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <set>
 #include <string>
 #include <vector>
+
+#include "ui/plain_formatters.hpp"
 
 namespace tarn {
 namespace {
@@ -48,12 +51,17 @@ std::vector<std::string> namesOf(const std::vector<RowContent>& rows) {
   return names;
 }
 
-std::string detail(PopoverTab tab, const std::optional<MemorySnapshot>& snapshot,
-                   const CPUPresentation& cpu = {}, ThermalState thermalState = ThermalState::unknown) {
-  return detailString(tab, snapshot, cpu, thermalState).toStdString();
+std::vector<RowContent> rowsOf(const MemorySnapshot& snapshot, PopoverTab tab,
+                               const std::set<std::string>& expanded) {
+  return applicationRows(snapshot, tab, expanded, plainFormatters());
 }
 
-TEST(StatusLine, SaysForMemoryWhatPressureAndSwapMean) {
+std::string detail(PopoverTab tab, const std::optional<MemorySnapshot>& snapshot,
+                   const CPUPresentation& cpu = {}, ThermalState thermalState = ThermalState::unknown) {
+  return detailString(tab, snapshot, cpu, thermalState, plainFormatters()).toStdString();
+}
+
+TEST(StatusLine, DescribesPressureAndSwapOnTheMemoryTab) {
   struct Case {
     MemoryPressure pressure;
     std::uint64_t swapUsed;
@@ -77,7 +85,7 @@ TEST(StatusLine, SaysForMemoryWhatPressureAndSwapMean) {
   }
 }
 
-TEST(StatusLine, TintsTheProcessorFromExactlyEightyFivePercentOfTheMachine) {
+TEST(StatusLine, TintsTheProcessorFrom85PercentOfAllCores) {
   const auto tintOf = [](double totalPercent, int cores) {
     const HeaderLine line = statusLine(PopoverTab::cpu, {MemoryPressure::critical, 1}, {totalPercent, cores});
     EXPECT_EQ(line.symbol, "cpu");
@@ -93,7 +101,7 @@ TEST(StatusLine, TintsTheProcessorFromExactlyEightyFivePercentOfTheMachine) {
   EXPECT_EQ(tintOf(std::numeric_limits<double>::quiet_NaN(), 4), Tint::secondary);
 }
 
-TEST(StatusLine, SaysForTheProcessorHowMuchOfTheMachineIsBusy) {
+TEST(StatusLine, DescribesTheProcessorLoadOnTheCPUTab) {
   const auto text = [](double totalPercent, int cores) {
     return statusLine(PopoverTab::cpu, {}, {totalPercent, cores}).text.toStdString();
   };
@@ -105,12 +113,12 @@ TEST(StatusLine, SaysForTheProcessorHowMuchOfTheMachineIsBusy) {
   EXPECT_EQ(text(900, 0), "Your Mac's processor is mostly idle.");
 }
 
-TEST(StatusLine, IsAlwaysTheSameForTheSystem) {
+TEST(StatusLine, IsConstantOnTheSystemTab) {
   const HeaderLine line = statusLine(PopoverTab::system, {MemoryPressure::critical, 1}, {400, 4});
   EXPECT_EQ(line, (HeaderLine{"desktopcomputer", Tint::secondary, "A few things worth knowing."}));
 }
 
-TEST(DetailString, NamesTheMemoryFiguresInOneLine) {
+TEST(DetailString, ShowsTheMemoryFiguresInOneLine) {
   MemorySnapshot snapshot;
   snapshot.system = {.totalRAM = 16 * gigabyte,
                      .wired = 1 * gigabyte,
@@ -121,7 +129,7 @@ TEST(DetailString, NamesTheMemoryFiguresInOneLine) {
             "Wired 1 GB · Compressed 0 bytes · Cached files 6.5 GB · Swap 12 MB");
 }
 
-TEST(DetailString, NamesTheProcessorShareTheCoresAndTheTemperature) {
+TEST(DetailString, ShowsProcessorShareCoresAndThermalState) {
   const auto phrase = [](ThermalState state) {
     return detail(PopoverTab::cpu, MemorySnapshot{}, {710, 8}, state);
   };
@@ -140,7 +148,7 @@ TEST(DetailString, IsASingleSpaceBeforeTheFirstSnapshot) {
   EXPECT_EQ(detail(PopoverTab::system, MemorySnapshot{}), " ");
 }
 
-TEST(FixedTexts, SayWhatTheFiguresMeanAndWhereTheyComeFrom) {
+TEST(FixedTexts, ExplainTheFiguresAndTheirSource) {
   EXPECT_EQ(explainer(PopoverTab::memory).toStdString(),
             "Cached files are free space macOS is borrowing — it gives them back instantly.");
   EXPECT_EQ(explainer(PopoverTab::cpu).toStdString(),
@@ -152,7 +160,7 @@ TEST(FixedTexts, SayWhatTheFiguresMeanAndWhereTheyComeFrom) {
 }
 
 TEST(ApplicationRows, ListsEightGroupsAndSumsUpTheOthers) {
-  const auto rows = applicationRows(snapshotOf(12), PopoverTab::memory, {});
+  const auto rows = rowsOf(snapshotOf(12), PopoverTab::memory, {});
   EXPECT_EQ(namesOf(rows), (std::vector<std::string>{"App1", "App2", "App3", "App4", "App5", "App6", "App7",
                                                      "App8", "Everything else"}));
   EXPECT_EQ(rows.back().id, "everything-else");
@@ -160,8 +168,8 @@ TEST(ApplicationRows, ListsEightGroupsAndSumsUpTheOthers) {
   EXPECT_EQ(rows.back().secondary, "42 background processes");  // 9 + 10 + 11 + 12
 }
 
-TEST(ApplicationRows, RanksByTheTabsMetricAndShowsItsFigures) {
-  const auto byCPU = applicationRows(snapshotOf(12), PopoverTab::cpu, {"/Applications/App12.app"});
+TEST(ApplicationRows, RanksAndShowsTheTabsMetric) {
+  const auto byCPU = rowsOf(snapshotOf(12), PopoverTab::cpu, {"/Applications/App12.app"});
   EXPECT_EQ(namesOf(byCPU), (std::vector<std::string>{"App12", "App11", "App10", "App9", "App8", "App7",
                                                       "App6", "App5", "Everything else"}));
   EXPECT_EQ(byCPU.front().value, "12%");
@@ -171,39 +179,37 @@ TEST(ApplicationRows, RanksByTheTabsMetricAndShowsItsFigures) {
     EXPECT_TRUE(row.value.endsWith('%'));
     for (const ProcessLine& line : row.processes) EXPECT_EQ(line.value, "1%");
   }
-  for (const RowContent& row :
-       applicationRows(snapshotOf(12), PopoverTab::memory, {"/Applications/App2.app"})) {
+  for (const RowContent& row : rowsOf(snapshotOf(12), PopoverTab::memory, {"/Applications/App2.app"})) {
     EXPECT_TRUE(row.value.endsWith("MB"));
     for (const ProcessLine& line : row.processes) EXPECT_EQ(line.value, "5.5 MB");
   }
 }
 
-TEST(ApplicationRows, HasNoSummaryOfEightGroups) {
-  EXPECT_EQ(applicationRows(snapshotOf(8), PopoverTab::memory, {}).size(), 8U);
-  EXPECT_EQ(applicationRows(snapshotOf(8), PopoverTab::cpu, {}).size(), 8U);
-  EXPECT_EQ(applicationRows(snapshotOf(9), PopoverTab::cpu, {}).size(), 9U);
-  EXPECT_TRUE(applicationRows({}, PopoverTab::memory, {}).empty());
+TEST(ApplicationRows, HasNoSummaryRowForEightGroups) {
+  EXPECT_EQ(rowsOf(snapshotOf(8), PopoverTab::memory, {}).size(), 8U);
+  EXPECT_EQ(rowsOf(snapshotOf(8), PopoverTab::cpu, {}).size(), 8U);
+  EXPECT_EQ(rowsOf(snapshotOf(9), PopoverTab::cpu, {}).size(), 9U);
+  EXPECT_TRUE(rowsOf({}, PopoverTab::memory, {}).empty());
 }
 
-TEST(ApplicationRows, CountsTheProcessesOfAGroupFromTwo) {
+TEST(ApplicationRows, ShowsTheProcessCountFromTwoProcesses) {
   MemorySnapshot snapshot;
   snapshot.groups = {group("Three", 3, 0, 3), group("Two", 2, 0, 2), group("One", 1, 0, 1)};
-  const auto rows = applicationRows(snapshot, PopoverTab::memory, {});
+  const auto rows = rowsOf(snapshot, PopoverTab::memory, {});
   ASSERT_EQ(rows.size(), 3U);
   EXPECT_EQ(rows[0].secondary, "3 background processes");
   EXPECT_EQ(rows[1].secondary, "2 background processes");
   EXPECT_FALSE(rows[2].secondary.has_value());
 }
 
-TEST(ApplicationRows, OpensRowsByGroupAndListsTheirProcessesInTheGroupsOrder) {
+TEST(ApplicationRows, ListsTheProcessesOfExpandedGroupsInTheirOrder) {
   MemorySnapshot snapshot;
   AppGroup mail = group("Mail", 3 * megabyte, 0);
   mail.processes = {{.pid = 41, .name = "Mail", .footprint = 2 * megabyte},
                     {.pid = 7, .name = "mail-sync", .footprint = 512 * kilobyte},
                     {.pid = 2147483647, .name = "mail-indexer", .footprint = 512 * kilobyte}};
   snapshot.groups = {mail, group("Files", megabyte, 0)};
-  const auto rows =
-      applicationRows(snapshot, PopoverTab::memory, {mail.id, "left long ago", "everything-else"});
+  const auto rows = rowsOf(snapshot, PopoverTab::memory, {mail.id, "left long ago", "everything-else"});
   ASSERT_EQ(rows.size(), 2U);
   EXPECT_TRUE(rows[0].isExpanded);
   EXPECT_EQ(rows[0].processes,
@@ -214,19 +220,19 @@ TEST(ApplicationRows, OpensRowsByGroupAndListsTheirProcessesInTheGroupsOrder) {
   EXPECT_TRUE(rows[1].processes.empty());
 }
 
-TEST(ApplicationRows, NeverOpensTheSummary) {
-  const auto rows = applicationRows(snapshotOf(9), PopoverTab::memory, {"everything-else"});
-  EXPECT_FALSE(rows.back().canOpen);
+TEST(ApplicationRows, NeverExpandsTheSummaryRow) {
+  const auto rows = rowsOf(snapshotOf(9), PopoverTab::memory, {"everything-else"});
+  EXPECT_FALSE(rows.back().canExpand);
   EXPECT_FALSE(rows.back().isExpanded);
   EXPECT_TRUE(rows.back().processes.empty());
-  for (std::size_t i = 0; i < 8; ++i) EXPECT_TRUE(rows[i].canOpen);
+  for (std::size_t i = 0; i < 8; ++i) EXPECT_TRUE(rows[i].canExpand);
 }
 
-TEST(ApplicationRows, NamesASymbolForWhatHasNoIcon) {
+TEST(ApplicationRows, HasASymbolForRowsWithoutABundle) {
   MemorySnapshot snapshot = snapshotOf(10);
   snapshot.groups[0].bundlePath.reset();
   snapshot.groups[0].id = "pid:100";
-  const auto rows = applicationRows(snapshot, PopoverTab::memory, {});
+  const auto rows = rowsOf(snapshot, PopoverTab::memory, {});
   EXPECT_EQ(rows[0].bundlePath, std::nullopt);
   EXPECT_EQ(rows[0].symbol, "gearshape.fill");
   EXPECT_EQ(rows[1].bundlePath, "/Applications/App2.app");
@@ -234,13 +240,48 @@ TEST(ApplicationRows, NamesASymbolForWhatHasNoIcon) {
   EXPECT_EQ(rows.back().symbol, "ellipsis.circle.fill");
 }
 
-TEST(ApplicationRows, MakesNamesFromOutsideFitToBeShown) {
+TEST(ApplicationRows, ShowsNamesThroughDisplayText) {
   MemorySnapshot snapshot;
   snapshot.groups = {group("a\nb\x1b", 2, 0)};
   snapshot.groups[0].processes[0].name = "<b>\u202Eevil";
-  const auto rows = applicationRows(snapshot, PopoverTab::memory, {snapshot.groups[0].id});
+  const auto rows = rowsOf(snapshot, PopoverTab::memory, {snapshot.groups[0].id});
   EXPECT_EQ(rows[0].name, "a\uFFFDb\uFFFD");
   EXPECT_EQ(rows[0].processes[0].name, "<b>\uFFFDevil");
+}
+
+std::string shown(const std::string& text) {
+  return displayText(text).toStdString();
+}
+
+TEST(DisplayText, LeavesOrdinaryNamesUnchanged) {
+  for (const std::string name :
+       {"Firefox", "<b>Firefox & Co.</b>", "Ångström", "電卓", "حاسبة", "👩‍💻 Work", ""}) {
+    EXPECT_EQ(shown(name), name);
+  }
+}
+
+TEST(DisplayText, ReplacesControlCharactersAndLineBreaks) {
+  EXPECT_EQ(shown("a\nb\rc\td\x1b[31m\x7f"), "a\uFFFDb\uFFFDc\uFFFDd\uFFFD[31m\uFFFD");
+  EXPECT_EQ(shown("a\u0085b\u2028c\u2029d"), "a\uFFFDb\uFFFDc\uFFFDd");
+  EXPECT_EQ(shown(std::string("a\0b", 3)), "a\uFFFDb");
+}
+
+TEST(DisplayText, ReplacesBidirectionalFormattingCharacters) {
+  for (const std::string mark : {"\u061C", "\u200E", "\u200F", "\u202A", "\u202B", "\u202C", "\u202D",
+                                 "\u202E", "\u2066", "\u2067", "\u2068", "\u2069"}) {
+    EXPECT_EQ(shown("a" + mark + "b"), "a\uFFFDb");
+  }
+}
+
+TEST(DisplayText, ReplacesInvalidUTF8) {
+  EXPECT_EQ(shown("a\xff\xfe"), "a\uFFFD\uFFFD");
+  EXPECT_EQ(shown("\xc3"), "\uFFFD");
+}
+
+TEST(DisplayText, HasBoundedLength) {
+  const QString text = displayText(std::string(std::size_t{128} * 1024, 'x'));
+  EXPECT_GE(text.size(), 100);
+  EXPECT_LE(text.size(), 1024);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Where everything in the popover lies, and in which font and colour.
+// Positions, sizes, fonts and colours in the popover.
 
 #include <gtest/gtest.h>
 
@@ -11,39 +11,39 @@
 #include <string>
 #include <vector>
 
-#include "ui/widgets/controls.hpp"
-#include "ui/popover_stage.hpp"
 #include "ui/popover/tab_picker.hpp"
+#include "ui/popover_fixture.hpp"
+#include "ui/widgets/controls.hpp"
 
 namespace tarn {
 namespace {
 
 constexpr auto editorRow = "Editor";
 
-/// Two applications of several processes, one of one, one bare process.
-void addUsualApplications(PopoverStage& stage) {
-  stage.add({"Editor.app", 100, {400 * megabyte, 100 * megabyte, 11 * megabyte}});
-  stage.add({"Mail.app", 200, {300 * megabyte, 5 * megabyte}});
-  stage.add({"Files.app", 300, {90 * megabyte}});
-  stage.add({"daemon", 400, {20 * megabyte}});
+/// Two applications with several processes, one with one, and a process without a bundle.
+void addUsualApplications(PopoverFixture& fixture) {
+  fixture.add({"Editor.app", 100, {400 * megabyte, 100 * megabyte, 11 * megabyte}});
+  fixture.add({"Mail.app", 200, {300 * megabyte, 5 * megabyte}});
+  fixture.add({"Files.app", 300, {90 * megabyte}});
+  fixture.add({"daemon", 400, {20 * megabyte}});
 }
 
-/// Enough applications for the summary row.
-void addManyApplications(PopoverStage& stage) {
+/// More than eight applications, so that there is a summary row.
+void addManyApplications(PopoverFixture& fixture) {
   for (int i = 0; i < 12; ++i) {
     const auto size = static_cast<std::uint64_t>(12 - i) * 111 * megabyte;
-    stage.add({"App" + std::to_string(i) + ".app", 1000 + 10 * i, {size, megabyte}});
+    fixture.add({"App" + std::to_string(i) + ".app", 1000 + 10 * i, {size, megabyte}});
   }
 }
 
-struct TextLook {
+struct ExpectedText {
   QString text;
   int size;
   QFont::Weight weight;
   TextStyle style;
 };
 
-void expectLook(const QWidget& view, const Theme& theme, const TextLook& look) {
+void expectText(const QWidget& view, const Theme& theme, const ExpectedText& look) {
   SCOPED_TRACE(look.text.toStdString());
   const QLabel* label = labelWithText(view, look.text);
   ASSERT_NE(label, nullptr);
@@ -54,14 +54,14 @@ void expectLook(const QWidget& view, const Theme& theme, const TextLook& look) {
 }
 
 TEST(PopoverLayout, IsAlways320PointsWide) {
-  PopoverStage stage;
-  stage.add({std::string(5000, 'W') + ".app", 100, {megabyte, megabyte}});
-  PopoverView& view = stage.showView();
+  PopoverFixture fixture;
+  fixture.add({std::string(5000, 'W') + ".app", 100, {megabyte, megabyte}});
+  PopoverView& view = fixture.showView();
   for (const int pressure : {1, 2, 4}) {
-    stage.pressureLevel = pressure;
+    fixture.pressureLevel = pressure;
     for (TabSegment* segment : view.findChildren<TabSegment*>()) {
       segment->click();
-      stage.sweep();
+      fixture.sweep();
       EXPECT_EQ(view.width(), 320);
       EXPECT_EQ(view.minimumWidth(), 320);
       EXPECT_EQ(view.maximumWidth(), 320);
@@ -69,11 +69,11 @@ TEST(PopoverLayout, IsAlways320PointsWide) {
   }
 }
 
-TEST(PopoverLayout, StacksItsBlocksTwelveApartInsideAPaddingOfFourteen) {
-  PopoverStage stage;
-  addUsualApplications(stage);
-  stage.sweep();
-  const PopoverView& view = stage.showView();
+TEST(PopoverLayout, SeparatesBlocksByTwelvePointsInsideAPaddingOfFourteen) {
+  PopoverFixture fixture;
+  addUsualApplications(fixture);
+  fixture.sweep();
+  const PopoverView& view = fixture.showView();
   const QRect status = frameIn(view, *labelWithText(view, "Your Mac has memory to spare."));
   const QRect picker = frameIn(view, *view.findChild<TabPicker*>());
   const auto rows = shownRows(view);
@@ -99,11 +99,11 @@ TEST(PopoverLayout, StacksItsBlocksTwelveApartInsideAPaddingOfFourteen) {
   EXPECT_EQ(view.height(), footer.bottom() + 1 + 14);
 }
 
-TEST(PopoverLayout, PutsDetailAndExplainerTwelveApart) {
-  PopoverStage stage;
-  addUsualApplications(stage);
-  stage.sweep();
-  const PopoverView& view = stage.showView();
+TEST(PopoverLayout, SeparatesDetailAndExplainerByTwelvePoints) {
+  PopoverFixture fixture;
+  addUsualApplications(fixture);
+  fixture.sweep();
+  const PopoverView& view = fixture.showView();
   const QLabel* explainer =
       labelWithText(view, "Cached files are free space macOS is borrowing — it gives them back instantly.");
   ASSERT_NE(explainer, nullptr);
@@ -118,10 +118,10 @@ TEST(PopoverLayout, PutsDetailAndExplainerTwelveApart) {
   EXPECT_EQ(frameIn(view, *explainer).width(), 292);
 }
 
-TEST(PopoverLayout, LevelsTheStatusGlyphWithTheFirstLineOfText) {
-  PopoverStage stage;
-  stage.pressureLevel = 2;
-  const PopoverView& view = stage.showView();
+TEST(PopoverLayout, AlignsTheStatusGlyphWithTheFirstLineOfText) {
+  PopoverFixture fixture;
+  fixture.pressureLevel = 2;
+  const PopoverView& view = fixture.showView();
   const QLabel* text =
       labelWithText(view, "Your Mac is running short on memory. Closing an app below would help.");
   ASSERT_NE(text, nullptr);
@@ -133,14 +133,14 @@ TEST(PopoverLayout, LevelsTheStatusGlyphWithTheFirstLineOfText) {
   EXPECT_EQ(textFrame.top(), 14);
   EXPECT_EQ(textFrame.left(), glyphFrame.right() + 1 + 8);
   EXPECT_LE(textFrame.right(), 305);
-  EXPECT_GE(textFrame.height(), 2 * QFontMetrics(text->font()).ascent()) << "it wraps instead of being cut";
+  EXPECT_GE(textFrame.height(), 2 * QFontMetrics(text->font()).ascent()) << "it wraps";
 }
 
-TEST(PopoverLayout, GivesRowsTheirHeightsAndTwoPointsBetweenThem) {
-  PopoverStage stage;
-  addUsualApplications(stage);
-  stage.sweep();
-  const PopoverView& view = stage.showView();
+TEST(PopoverLayout, SeparatesRowsByTwoPoints) {
+  PopoverFixture fixture;
+  addUsualApplications(fixture);
+  fixture.sweep();
+  const PopoverView& view = fixture.showView();
   const auto rows = shownRows(view);
   ASSERT_EQ(rows.size(), 4U);
   const std::vector<int> heights{33, 33, 18, 18};
@@ -155,11 +155,11 @@ TEST(PopoverLayout, GivesRowsTheirHeightsAndTwoPointsBetweenThem) {
 }
 
 TEST(PopoverLayout, AlignsIconNameFigureAndChevronOnEveryRow) {
-  PopoverStage stage;
-  addManyApplications(stage);
-  stage.add({"daemon", 4000, {5000 * megabyte}});
-  stage.sweep();
-  const PopoverView& view = stage.showView();
+  PopoverFixture fixture;
+  addManyApplications(fixture);
+  fixture.add({"daemon", 4000, {5000 * megabyte}});
+  fixture.sweep();
+  const PopoverView& view = fixture.showView();
   const auto rows = shownRows(view);
   ASSERT_EQ(rows.size(), 9U);
   for (const AppRow* row : rows) {
@@ -182,11 +182,11 @@ TEST(PopoverLayout, AlignsIconNameFigureAndChevronOnEveryRow) {
   }
 }
 
-TEST(PopoverLayout, IndentsProcessLinesUnderTheNameAndEndsThemAtTheEdge) {
-  PopoverStage stage;
-  addUsualApplications(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverLayout, IndentsProcessLinesUnderTheNameAndAlignsTheirFigures) {
+  PopoverFixture fixture;
+  addUsualApplications(fixture);
+  fixture.sweep();
+  PopoverView& view = fixture.showView();
   AppRow* row = rowNamed(view, editorRow);
   click(*row->button());
   const auto lines = linesOf(*row);
@@ -211,12 +211,12 @@ TEST(PopoverLayout, IndentsProcessLinesUnderTheNameAndEndsThemAtTheEdge) {
 
 TEST(PopoverLayout, SetsEveryTextInItsFontAndStyleInBothThemes) {
   for (const Theme* theme : {&Theme::light(), &Theme::dark()}) {
-    PopoverStage stage;
-    addUsualApplications(stage);
-    stage.sweep();
-    PopoverView& view = stage.showView(*theme);
+    PopoverFixture fixture;
+    addUsualApplications(fixture);
+    fixture.sweep();
+    PopoverView& view = fixture.showView(*theme);
     click(*rowNamed(view, editorRow)->button());
-    for (const TextLook& look : std::vector<TextLook>{
+    for (const ExpectedText& look : std::vector<ExpectedText>{
              {"Your Mac has memory to spare.", 13, QFont::Medium, TextStyle::primary},
              {"Editor", 12, QFont::Medium, TextStyle::primary},
              {"3 background processes", 10, QFont::Normal, TextStyle::secondary},
@@ -232,7 +232,7 @@ TEST(PopoverLayout, SetsEveryTextInItsFontAndStyleInBothThemes) {
               QFont::Normal, TextStyle::tertiary},
              {"Made with ❤️ by ", 10, QFont::Normal, TextStyle::tertiary},
              {" · v1.0", 10, QFont::Normal, TextStyle::tertiary}}) {
-      expectLook(view, *theme, look);
+      expectText(view, *theme, look);
     }
     EXPECT_EQ(view.findChild<CheckBox*>()->font().pixelSize(), 11);
     EXPECT_EQ(view.findChild<PillButton*>()->font().pixelSize(), 11);
@@ -240,13 +240,13 @@ TEST(PopoverLayout, SetsEveryTextInItsFontAndStyleInBothThemes) {
   }
 }
 
-TEST(PopoverLayout, CentresItsPlaceholdersInEightPointsOfPadding) {
-  PopoverStage stage;
-  PopoverView& view = stage.showView();
+TEST(PopoverLayout, CentresPlaceholdersInEightPointsOfPadding) {
+  PopoverFixture fixture;
+  PopoverView& view = fixture.showView();
   for (const char* text : {"Measuring…", "Reading…"}) {
     const QLabel* placeholder = labelWithText(view, text);
     ASSERT_NE(placeholder, nullptr) << text;
-    expectLook(view, Theme::light(), {text, 12, QFont::Normal, TextStyle::secondary});
+    expectText(view, Theme::light(), {text, 12, QFont::Normal, TextStyle::secondary});
     EXPECT_EQ(placeholder->height(), QFontMetrics(placeholder->font()).height() + 16);
     EXPECT_EQ(frameIn(view, *placeholder).left(), 14);
     EXPECT_EQ(placeholder->width(), 292);
@@ -254,30 +254,30 @@ TEST(PopoverLayout, CentresItsPlaceholdersInEightPointsOfPadding) {
     const QRect divider = dividersOf(view).front();
     EXPECT_EQ(frameIn(view, *placeholder).top(), divider.bottom() + 1 + 12) << text;
     view.findChildren<TabSegment*>().last()->click();
-    stage.settle();
+    fixture.settle();
   }
 }
 
 TEST(PopoverLayout, KeepsTheFigureInPlaceWhenItsDigitsChange) {
-  PopoverStage stage;
-  stage.add({"Editor.app", 100, {111 * megabyte + 103 * kilobyte}});
-  stage.sweep();
-  PopoverView& view = stage.showView();
+  PopoverFixture fixture;
+  fixture.add({"Editor.app", 100, {111 * megabyte + 103 * kilobyte}});
+  fixture.sweep();
+  PopoverView& view = fixture.showView();
   const auto figure = [&] { return rowNamed(view, editorRow)->button()->findChild<FigureLabel*>(); };
   ASSERT_EQ(figure()->text(), "111.1 MB");
   const QRect before = frameIn(view, *figure());
-  stage.setFootprint(100, 999 * megabyte + 922 * kilobyte);
-  stage.sweep();
+  fixture.setFootprint(100, 999 * megabyte + 922 * kilobyte);
+  fixture.sweep();
   ASSERT_EQ(figure()->text(), "999.9 MB");
   EXPECT_EQ(frameIn(view, *figure()), before);
 }
 
-TEST(PopoverLayout, CutsALongNameAndKeepsTheFigure) {
-  PopoverStage stage;
-  stage.add({std::string(100, 'W') + ".app", 100, {512 * megabyte}});
-  stage.add({"Editor.app", 200, {415 * megabyte}});
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverLayout, ElidesALongNameAndKeepsTheFigure) {
+  PopoverFixture fixture;
+  fixture.add({std::string(100, 'W') + ".app", 100, {512 * megabyte}});
+  fixture.add({"Editor.app", 200, {415 * megabyte}});
+  fixture.sweep();
+  PopoverView& view = fixture.showView();
   const auto rows = shownRows(view);
   ASSERT_EQ(rows.size(), 2U);
   const auto figureFrame = [&](const AppRow* row) {
@@ -288,9 +288,9 @@ TEST(PopoverLayout, CutsALongNameAndKeepsTheFigure) {
   EXPECT_LT(name->width(), QFontMetrics(name->font()).horizontalAdvance(name->text()));
 }
 
-TEST(PopoverLayout, CentresTheAboutLineOnOneLine) {
-  PopoverStage stage;
-  const PopoverView& view = stage.showView();
+TEST(PopoverLayout, CentresTheAboutLine) {
+  PopoverFixture fixture;
+  const PopoverView& view = fixture.showView();
   const QRect credit = frameIn(view, *labelWithText(view, "Made with ❤️ by "));
   const QRect link = frameIn(view, *view.findChild<LinkButton*>());
   const QRect version = frameIn(view, *labelWithText(view, " · v1.0"));
@@ -302,9 +302,9 @@ TEST(PopoverLayout, CentresTheAboutLineOnOneLine) {
   EXPECT_GE(credit.left(), 14);
 }
 
-TEST(PopoverLayout, PutsTheCheckboxAtTheStartAndQuitAtTheEndOfTheirLine) {
-  PopoverStage stage;
-  const PopoverView& view = stage.showView();
+TEST(PopoverLayout, PutsTheCheckboxAtTheLeftAndQuitAtTheRight) {
+  PopoverFixture fixture;
+  const PopoverView& view = fixture.showView();
   const QRect box = frameIn(view, *view.findChild<CheckBox*>());
   const QRect quit = frameIn(view, *view.findChild<PillButton*>());
   const QRect link = frameIn(view, *view.findChild<LinkButton*>());
@@ -316,7 +316,7 @@ TEST(PopoverLayout, PutsTheCheckboxAtTheStartAndQuitAtTheEndOfTheirLine) {
   EXPECT_GE(link.top(), std::max(box.bottom(), quit.bottom()) + 1 + 8);
 }
 
-TEST(PopoverLayout, ShowsNamesFromOutsideAsPlainTextInRowsOfTheUsualHeight) {
+TEST(PopoverLayout, ShowsHostileNamesAsPlainTextInRowsOfTheUsualHeight) {
   std::string combining = "a";
   for (int i = 0; i < 300; ++i) combining += "\u0301";
   const std::vector<std::string> names{"<b>bold</b><img src=x>",
@@ -327,16 +327,16 @@ TEST(PopoverLayout, ShowsNamesFromOutsideAsPlainTextInRowsOfTheUsualHeight) {
                                        std::string(std::size_t{128} * 1024, 'M'),
                                        "&amp; & co",
                                        "\u200b\u200b"};
-  PopoverStage stage;
+  PopoverFixture fixture;
   std::int32_t pid = 100;
   for (const std::string& name : names) {
     const auto size = 20 * megabyte;
-    stage.machine.processes.push_back(
+    fixture.machine.processes.push_back(
         {.pid = pid, .usage = ProcessUsage{.footprint = size}, .systemName = name});
     ++pid;
   }
-  stage.sweep();
-  PopoverView& view = stage.showView();
+  fixture.sweep();
+  PopoverView& view = fixture.showView();
   const auto rows = shownRows(view);
   ASSERT_EQ(rows.size(), names.size());
   for (AppRow* row : rows) {

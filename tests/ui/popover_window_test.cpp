@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "ui/popover/tab_picker.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 
 namespace tarn {
 namespace {
@@ -35,51 +35,52 @@ const WindowCapabilities blending{.clientsPlaceWindows = true, .blendsWindows = 
 class PopoverWindowTest : public ::testing::Test {
  protected:
   PopoverWindowTest()
-      : view_((stage_.makeView(), stage_.view.release())), window_(view_, nullptr, [this] { return now_; }) {
+      : view_((fixture_.makeView(), fixture_.view.release())),
+        window_(view_, nullptr, [this] { return now_; }) {
     window_.setTheme(Theme::light());
   }
 
   ~PopoverWindowTest() override {
     window_.close();
-    PopoverStage::settle();
+    PopoverFixture::settle();
   }
 
   void open(PopoverStyle style, const PopoverGeometry& geometry = {item},
             const WindowCapabilities& capabilities = plain) {
     window_.open(style, geometry, capabilities);
-    PopoverStage::settle();
+    PopoverFixture::settle();
   }
 
   void toggle(std::optional<QPoint> anchor = item, PopoverStyle style = PopoverStyle::popup) {
     window_.toggle(style, {anchor}, plain);
-    PopoverStage::settle();
+    PopoverFixture::settle();
   }
 
-  /// A press at a place on the screen, delivered to the window as a popup's grab does.
+  /// Presses at a screen position. The window receives the press, as a popup with a grab does.
   void press(const QPoint& onScreen) {
     QMouseEvent event(QEvent::MouseButtonPress, QPointF(window_.mapFromGlobal(onScreen)), QPointF(onScreen),
                       Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&window_, &event);
-    PopoverStage::settle();
+    PopoverFixture::settle();
   }
 
-  /// Applications that need more height than the screen has, once their rows are open.
+  /// Adds and expands applications that need more height than the screen has.
   void fillBeyondTheScreen() {
     for (int i = 0; i < 8; ++i) {
-      stage_.add(
+      fixture_.add(
           {"App" + std::to_string(i) + ".app", 1000 + 100 * i, std::vector<std::uint64_t>(20, megabyte)});
     }
-    stage_.sweep();
+    fixture_.sweep();
     for (AppRow* row : shownRows(window_)) click(*row->button());
   }
 
   std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
-  PopoverStage stage_;
+  PopoverFixture fixture_;
   PopoverView* view_;  ///< owned by the window
   PopoverWindow window_;
 };
 
-TEST_F(PopoverWindowTest, HangsBelowTheItemWithTheFocusWherePopupsTakeNoKeys) {
+TEST_F(PopoverWindowTest, IsPlacedAsAPopupWhenItIsATool) {
   open(PopoverStyle::popup);
   const QRect asPopup = window_.geometry();
   window_.close();
@@ -94,21 +95,22 @@ TEST_F(PopoverWindowTest, IsAsWideAsItsViewAndAsHighAsItsContent) {
   EXPECT_EQ(window_.height(), view_->layout()->totalHeightForWidth(320));
 }
 
-TEST_F(PopoverWindowTest, HasItsHeightFromTheStart) {
-  for (const char* name : {"One.app", "Two.app", "Three.app"}) stage_.add({name, 100, {megabyte, megabyte}});
-  stage_.sweep();
+TEST_F(PopoverWindowTest, HasItsFinalHeightWhenItIsShown) {
+  for (const char* name : {"One.app", "Two.app", "Three.app"})
+    fixture_.add({name, 100, {megabyte, megabyte}});
+  fixture_.sweep();
   for (const PopoverStyle style : {PopoverStyle::popup, PopoverStyle::tool}) {
     window_.open(style, {item}, plain);
     const int first = window_.height();
-    PopoverStage::settle();
+    PopoverFixture::settle();
     EXPECT_EQ(window_.height(), first);
     window_.close();
   }
 }
 
 TEST_F(PopoverWindowTest, GrowsAndShrinksWithItsContent) {
-  stage_.add({"Editor.app", 100, {2 * megabyte, megabyte}});
-  stage_.sweep();
+  fixture_.add({"Editor.app", 100, {2 * megabyte, megabyte}});
+  fixture_.sweep();
   open(PopoverStyle::popup);
   const int closed = window_.height();
   AppRow* row = rowNamed(window_, "Editor");
@@ -118,7 +120,7 @@ TEST_F(PopoverWindowTest, GrowsAndShrinksWithItsContent) {
   EXPECT_EQ(window_.height(), closed);
 }
 
-TEST_F(PopoverWindowTest, HangsUnderItsItemInsideTheScreen) {
+TEST_F(PopoverWindowTest, OpensBelowItsItemInsideTheScreen) {
   open(PopoverStyle::popup);
   const QRect screen = window_.screen()->availableGeometry();
   EXPECT_TRUE(screen.contains(window_.geometry()));
@@ -126,7 +128,7 @@ TEST_F(PopoverWindowTest, HangsUnderItsItemInsideTheScreen) {
   EXPECT_GT(window_.geometry().top(), item.y());
 }
 
-TEST_F(PopoverWindowTest, StandsBesideThePanelThatThePointerIsOn) {
+TEST_F(PopoverWindowTest, OpensBesideThePanelUnderThePointer) {
   open(PopoverStyle::popup, {QPoint(30, 10), QRect(0, 0, 60, 700)});
   EXPECT_EQ(window_.geometry().topLeft(), QPoint(66, 6));
   window_.close();
@@ -134,7 +136,7 @@ TEST_F(PopoverWindowTest, StandsBesideThePanelThatThePointerIsOn) {
   EXPECT_EQ(window_.geometry().left(), 6) << "another window";
 }
 
-TEST_F(PopoverWindowTest, LeavesRoomForItsShadowWhereWindowsAreBlended) {
+TEST_F(PopoverWindowTest, HasMarginsForItsShadowIfWindowsAreBlended) {
   open(PopoverStyle::popup, {item}, blending);
   EXPECT_GT(window_.width(), 320);
   EXPECT_EQ(view_->width(), 320);
@@ -146,7 +148,7 @@ TEST_F(PopoverWindowTest, LeavesRoomForItsShadowWhereWindowsAreBlended) {
   EXPECT_FALSE(window_.testAttribute(Qt::WA_TranslucentBackground));
 }
 
-TEST_F(PopoverWindowTest, CutsItsCornersOnlyWhereItHasNoFrame) {
+TEST_F(PopoverWindowTest, MasksItsCornersUnlessItIsARegularWindow) {
   for (const PopoverStyle style : {PopoverStyle::popup, PopoverStyle::tool}) {
     open(style);
     EXPECT_FALSE(window_.windowHandle()->mask().isEmpty());
@@ -158,7 +160,7 @@ TEST_F(PopoverWindowTest, CutsItsCornersOnlyWhereItHasNoFrame) {
   EXPECT_TRUE(window_.windowHandle()->mask().isEmpty());
 }
 
-TEST_F(PopoverWindowTest, ClosesOnEscapeUnlessItIsAnOrdinaryWindow) {
+TEST_F(PopoverWindowTest, ClosesOnEscapeUnlessItIsARegularWindow) {
   const QSignalSpy closings(&window_, &PopoverWindow::closed);
   open(PopoverStyle::popup);
   pressKey(window_, Qt::Key_Escape);
@@ -175,7 +177,7 @@ TEST_F(PopoverWindowTest, ClosesOnEscapeUnlessItIsAnOrdinaryWindow) {
   EXPECT_EQ(closings.count(), 3);
 }
 
-TEST_F(PopoverWindowTest, ClosesOnAPressOutsideOnly) {
+TEST_F(PopoverWindowTest, ClosesOnlyOnAPressOutside) {
   open(PopoverStyle::popup);
   press(window_.geometry().center());
   EXPECT_TRUE(window_.isVisible());
@@ -183,13 +185,13 @@ TEST_F(PopoverWindowTest, ClosesOnAPressOutsideOnly) {
   EXPECT_FALSE(window_.isVisible());
 }
 
-TEST_F(PopoverWindowTest, CountsItsShadowAsOutside) {
+TEST_F(PopoverWindowTest, ClosesOnAPressOnItsShadow) {
   open(PopoverStyle::popup, {item}, blending);
   press(window_.geometry().topLeft() + QPoint(2, 2));
   EXPECT_FALSE(window_.isVisible());
 }
 
-TEST_F(PopoverWindowTest, IsClosedByASecondClick) {
+TEST_F(PopoverWindowTest, ClosesOnASecondClick) {
   toggle();
   EXPECT_TRUE(window_.isVisible());
   toggle();
@@ -210,7 +212,7 @@ TEST_F(PopoverWindowTest, IsNotReopenedByTheReleaseOfThePressThatClosedIt) {
   EXPECT_TRUE(window_.isVisible()) << "the next click counts";
 }
 
-TEST_F(PopoverWindowTest, IsNotReopenedWhenTheHostDoesNotSayWhereTheClickWas) {
+TEST_F(PopoverWindowTest, IsNotReopenedIfTheHostReportsNoPosition) {
   toggle(std::nullopt);
   press(item);
   now_ += 399ms;
@@ -235,7 +237,7 @@ TEST_F(PopoverWindowTest, IsReopenedByAClickFarFromThePressThatClosedIt) {
   EXPECT_TRUE(window_.isVisible());
 }
 
-TEST_F(PopoverWindowTest, ScrollsTheListOnAScreenThatIsTooLowAndKeepsTheFooterVisible) {
+TEST_F(PopoverWindowTest, ScrollsTheListOnALowScreenAndKeepsTheFooterVisible) {
   open(PopoverStyle::popup);
   fillBeyondTheScreen();
   const QRect screen = window_.screen()->availableGeometry();
@@ -250,7 +252,7 @@ TEST_F(PopoverWindowTest, ScrollsTheListOnAScreenThatIsTooLowAndKeepsTheFooterVi
   EXPECT_EQ(window_.width(), 320);
   for (const AppRow* row : shownRows(window_)) {
     const QRect figure = frameIn(window_, *row->button()->findChild<FigureLabel*>());
-    EXPECT_EQ(figure.right(), 305 - 18) << "the bar stands beside the rows, not on them";
+    EXPECT_EQ(figure.right(), 305 - 18) << "the bar does not cover the rows";
     EXPECT_LE(frameIn(window_, *row).right(), frameIn(window_, *scroller->verticalScrollBar()).left());
   }
 }
@@ -269,22 +271,22 @@ TEST_F(PopoverWindowTest, ScrollsToTheRowThatGetsTheFocus) {
   EXPECT_TRUE(scroller->viewport()->rect().contains(shown)) << shown.y();
 }
 
-TEST_F(PopoverWindowTest, HandsItsThemeDownAndChangesItWhileItIsOpen) {
-  stage_.add({"Editor.app", 100, {megabyte}});
-  stage_.sweep();
+TEST_F(PopoverWindowTest, AppliesAThemeWhileItIsOpen) {
+  fixture_.add({"Editor.app", 100, {megabyte}});
+  fixture_.sweep();
   open(PopoverStyle::popup);
   for (const Theme* theme : {&Theme::dark(), &Theme::light()}) {
     window_.setTheme(*theme);
-    PopoverStage::settle();
+    PopoverFixture::settle();
     const QLabel* name = labelsOf(*rowNamed(window_, "Editor")).front();
     EXPECT_EQ(name->palette().color(name->foregroundRole()), theme->primary);
     EXPECT_EQ(window_.grab().toImage().pixelColor(160, 6), theme->background);
   }
 }
 
-TEST_F(PopoverWindowTest, RingsNothingWhenItOpens) {
-  stage_.add({"Editor.app", 100, {megabyte}});
-  stage_.sweep();
+TEST_F(PopoverWindowTest, ShowsNoFocusRingWhenItOpens) {
+  fixture_.add({"Editor.app", 100, {megabyte}});
+  fixture_.sweep();
   open(PopoverStyle::popup);
   EXPECT_TRUE(window_.hasFocus());
   pressKey(*QApplication::focusWidget(), Qt::Key_Tab);
@@ -292,7 +294,7 @@ TEST_F(PopoverWindowTest, RingsNothingWhenItOpens) {
   EXPECT_NE(qobject_cast<TabSegment*>(QApplication::focusWidget()), nullptr);
 }
 
-TEST_F(PopoverWindowTest, TellsTheModelOnceWhenItOpensAndOnceWhenItClosesHoweverItDoes) {
+TEST_F(PopoverWindowTest, NotifiesTheModelOnceHoweverItOpensAndCloses) {
   const std::vector<std::pair<PopoverStyle, std::function<void()>>> ways{
       {PopoverStyle::popup, [this] { pressKey(window_, Qt::Key_Escape); }},
       {PopoverStyle::popup, [this] { press(window_.geometry().bottomRight() + QPoint(40, 40)); }},
@@ -301,16 +303,16 @@ TEST_F(PopoverWindowTest, TellsTheModelOnceWhenItOpensAndOnceWhenItClosesHowever
       {PopoverStyle::tool, [] { QApplication::setActiveWindow(nullptr); }},
       {PopoverStyle::tool, [this] { toggle(item, PopoverStyle::tool); }},
       {PopoverStyle::regular, [this] { window_.close(); }}};
-  std::vector<double> expected = stage_.timerIntervals();
+  std::vector<double> expected = fixture_.timerIntervals();
   for (const auto& [style, close] : ways) {
     now_ += 1s;
     open(style);
     expected.push_back(3);
-    EXPECT_EQ(stage_.timerIntervals(), expected);
+    EXPECT_EQ(fixture_.timerIntervals(), expected);
     close();
-    PopoverStage::settle();
+    PopoverFixture::settle();
     expected.push_back(30);
-    EXPECT_EQ(stage_.timerIntervals(), expected);
+    EXPECT_EQ(fixture_.timerIntervals(), expected);
     EXPECT_FALSE(window_.isVisible());
   }
 }
@@ -322,7 +324,7 @@ TEST_F(PopoverWindowTest, ChangesItsStyleWhileItIsOpen) {
   EXPECT_EQ(window_.style(), PopoverStyle::popup);
   EXPECT_TRUE(window_.isVisible());
   EXPECT_EQ(window_.windowType(), Qt::Popup);
-  EXPECT_EQ(stage_.timerIntervals().back(), 3);
+  EXPECT_EQ(fixture_.timerIntervals().back(), 3);
 }
 
 }  // namespace

@@ -61,8 +61,8 @@ QRect drawnBounds(const QImage& image) {
   return bounds;
 }
 
-/// How many pixels' worth of ink the picture holds.
-double ink(const QImage& image) {
+/// The covered area in pixels.
+double coveredArea(const QImage& image) {
   double sum = 0;
   for (int y = 0; y < image.height(); ++y) {
     for (int x = 0; x < image.width(); ++x) sum += alphaAt(image, x, y) / 255.0;
@@ -82,7 +82,7 @@ int largestDifference(const QImage& one, const QImage& other) {
 
 constexpr int roundingOfCoverage = 12;  // of 255
 
-TEST(Symbols, DrawEveryNameInsideItsRectangleOnly) {
+TEST(Symbols, StayInsideTheirRectangle) {
   for (const QString& name : allNames()) {
     for (const SymbolWeight weight : {SymbolWeight::regular, SymbolWeight::semibold}) {
       for (const int size : {5, 9, 10, 13, 14, 16, 17, 18, 22, 24, 32, 96}) {
@@ -99,7 +99,7 @@ TEST(Symbols, DrawEveryNameInsideItsRectangleOnly) {
   }
 }
 
-TEST(Symbols, LeaveThePictureAloneForAnUnknownName) {
+TEST(Symbols, DrawNothingForAnUnknownName) {
   for (const QString& name : {QString(), QString("Circle"), QString("circle.filled"), QString("battery")}) {
     QImage image = transparentImage(16);
     image.fill(QColor(10, 20, 30));
@@ -110,13 +110,13 @@ TEST(Symbols, LeaveThePictureAloneForAnUnknownName) {
   }
 }
 
-TEST(Symbols, MakeATransparentPixmapForAnUnknownName) {
+TEST(Symbols, ReturnATransparentPixmapForAnUnknownName) {
   const QPixmap pixmap = symbolPixmap("no.such.symbol", 16, grey, 1);
   ASSERT_EQ(pixmap.size(), QSize(16, 16));
   EXPECT_FALSE(drawnBounds(pixmap.toImage()).isValid());
 }
 
-TEST(Symbols, UseTheColourAskedForAndNoOther) {
+TEST(Symbols, HaveOnlyTheGivenColour) {
   for (const QColor& color : {QColor(0x26, 0xa2, 0x69), QColor(0xff, 0x6a, 0x5e), QColor(Qt::white)}) {
     for (const QString& name : allNames()) {
       SCOPED_TRACE(name.toStdString());
@@ -134,7 +134,7 @@ TEST(Symbols, UseTheColourAskedForAndNoOther) {
   }
 }
 
-TEST(Symbols, NeverPaintATranslucentColourTwice) {
+TEST(Symbols, PaintATranslucentColourOnlyOnce) {
   const QColor translucent(0, 0, 0, 100);
   for (const QString& name : allNames()) {
     SCOPED_TRACE(name.toStdString());
@@ -166,7 +166,7 @@ TEST(Symbols, FillTheirPixmapAtFractionalScales) {
   }
 }
 
-TEST(Symbols, MakeNoPixmapOfASizeThatIsNone) {
+TEST(Symbols, ReturnANullPixmapForAnInvalidSize) {
   constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
   constexpr double endless = std::numeric_limits<double>::infinity();
   for (const double size : {0.0, -16.0, 0.2, 1e9, nothing, endless}) {
@@ -188,7 +188,7 @@ TEST(Symbols, DrawNothingInARectangleWithoutArea) {
   }
 }
 
-TEST(Symbols, CentreThemselvesInAnOblongRectangle) {
+TEST(Symbols, AreCentredInAnOblongRectangle) {
   QImage image = transparentImage(40);
   QPainter painter(&image);
   drawSymbol(painter, "circle.fill", QRectF(0, 12, 40, 16), grey);
@@ -198,7 +198,7 @@ TEST(Symbols, CentreThemselvesInAnOblongRectangle) {
   EXPECT_LE(bounds.height(), 16);
 }
 
-TEST(Symbols, LookTheSameWhereverTheirRectangleStarts) {
+TEST(Symbols, LookTheSameAtEveryPosition) {
   const QImage aligned = rendered("memorychip", 14);
   QImage image = transparentImage(20);
   QPainter painter(&image);
@@ -207,7 +207,7 @@ TEST(Symbols, LookTheSameWhereverTheirRectangleStarts) {
   EXPECT_EQ(largestDifference(image.copy(3, 2, 14, 14), aligned), 0);
 }
 
-TEST(Symbols, LeaveThePainterAsItWas) {
+TEST(Symbols, RestoreThePaintersState) {
   QImage image = transparentImage(16);
   QPainter painter(&image);
   painter.translate(1, 2);
@@ -220,7 +220,7 @@ TEST(Symbols, LeaveThePainterAsItWas) {
   EXPECT_EQ(painter.pen().color(), QColor(Qt::red));
 }
 
-TEST(StatusCircles, ShareTheirOuterBounds) {
+TEST(StatusCircles, HaveTheSameBounds) {
   for (const SymbolWeight weight : {SymbolWeight::regular, SymbolWeight::semibold}) {
     for (const int size : {13, 16, 22, 24, 26, 48, 64}) {
       const QRect ring = drawnBounds(rendered("circle", size, weight));
@@ -231,7 +231,7 @@ TEST(StatusCircles, ShareTheirOuterBounds) {
   }
 }
 
-TEST(StatusCircles, AreARingAHalfAndADisc) {
+TEST(StatusCircles, AreRingHalfDiscAndDisc) {
   for (const int size : {16, 22, 24, 64}) {
     SCOPED_TRACE(size);
     const int middle = size / 2;
@@ -259,7 +259,7 @@ TEST(StatusCircles, HalfIsTheDiscOnTheLeftAndTheRingOnTheRight) {
             roundingOfCoverage);
 }
 
-TEST(FilledSymbols, HaveSeeThroughHoles) {
+TEST(FilledSymbols, HaveTransparentHoles) {
   for (const int size : {18, 36, 96}) {
     SCOPED_TRACE(size);
     const int middle = size / 2;
@@ -275,7 +275,7 @@ TEST(FilledSymbols, HaveSeeThroughHoles) {
   }
 }
 
-TEST(Chevrons, AreOneShapeTurned) {
+TEST(Chevrons, AreRotationsOfOneShape) {
   for (const int size : {9, 18, 32}) {
     SCOPED_TRACE(size);
     const QImage right = rendered("chevron.right", size, SymbolWeight::semibold);
@@ -289,7 +289,7 @@ TEST(Chevrons, AreOneShapeTurned) {
   }
 }
 
-TEST(Chevrons, PointWhereTheirNamesSay) {
+TEST(Chevrons, PointInTheirDirection) {
   const QImage right = rendered("chevron.right", 32);
   EXPECT_GT(alphaAt(right, 20, 16), 200);
   EXPECT_EQ(alphaAt(right, 10, 16), 0);
@@ -301,7 +301,7 @@ TEST(Chevrons, PointWhereTheirNamesSay) {
   EXPECT_EQ(alphaAt(down, 16, 10), 0);
 }
 
-TEST(Symbols, AreTheSameOnBothSidesWhereTheyShouldBe) {
+TEST(Symbols, AreSymmetric) {
   for (const QString& name : {QString("circle"), QString("circle.fill"), QString("memorychip"),
                               QString("cpu"), QString("desktopcomputer"), QString("ellipsis.circle.fill"),
                               QString("gearshape.fill"), QString("thermometer.medium")}) {
@@ -313,7 +313,7 @@ TEST(Symbols, AreTheSameOnBothSidesWhereTheyShouldBe) {
   }
 }
 
-TEST(Symbols, HaveCrispOuterEdgesAtTextSizes) {
+TEST(Symbols, HaveSharpOuterEdgesAtTextSizes) {
   for (const QString& name :
        {QString("memorychip"), QString("desktopcomputer"), QString("internaldrive"), QString("battery.50")}) {
     for (const int size : {13, 14, 16, 18, 36}) {
@@ -324,7 +324,7 @@ TEST(Symbols, HaveCrispOuterEdgesAtTextSizes) {
   }
 }
 
-TEST(Symbols, CanTellMemoryFromProcessorAtTextSize) {
+TEST(Symbols, ShowMemoryAndProcessorDifferentlyAtTextSize) {
   const QImage memory = rendered("memorychip", 14, SymbolWeight::semibold);
   const QImage processor = rendered("cpu", 14, SymbolWeight::semibold);
   int different = 0;
@@ -338,12 +338,12 @@ TEST(Symbols, CanTellMemoryFromProcessorAtTextSize) {
   EXPECT_GT(alphaAt(processor, 7, 7), 200);
 }
 
-TEST(Batteries, HoldMoreInkTheFullerTheyAre) {
+TEST(Batteries, CoverMoreAreaTheFullerTheyAre) {
   for (const int size : {13, 14, 16, 18, 26, 36}) {
     double before = 0;
     for (const QString& name : {QString("battery.0"), QString("battery.25"), QString("battery.50"),
                                 QString("battery.75"), QString("battery.100")}) {
-      const double now = ink(rendered(name, size));
+      const double now = coveredArea(rendered(name, size));
       EXPECT_GT(now, before + 0.5) << name.toStdString() << " at " << size;
       before = now;
     }
@@ -361,9 +361,9 @@ TEST(Batteries, ShowABoltWhileCharging) {
 
 TEST(Symbols, AreHeavierWhenSemibold) {
   for (const QString& name : allNames()) {
-    // What is filled has no stroke, and a wider stroke leaves less room for the charge.
+    // Filled symbols have no stroke, and a wider stroke leaves less space for the charge.
     if (name.endsWith(".fill") || (name.startsWith("battery.") && name != "battery.0")) continue;
-    EXPECT_GT(ink(rendered(name, 32, SymbolWeight::semibold)), 1.03 * ink(rendered(name, 32)))
+    EXPECT_GT(coveredArea(rendered(name, 32, SymbolWeight::semibold)), 1.03 * coveredArea(rendered(name, 32)))
         << name.toStdString();
   }
 }

@@ -5,28 +5,37 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QFontInfo>
+#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
+#include <QStringList>
 #include <QWidget>
 #include <algorithm>
 #include <cstdint>
 #include <ios>
+#include <string>
+#include <vector>
+
+#include "ui/image_analysis.hpp"
+#include "ui/popover/popover_footer.hpp"
+#include "ui/widgets/theme.hpp"
 
 namespace tarn {
 namespace {
 
-/// A font whose one is narrower than its nine, so that figures would jump.
+/// A font whose digit one is narrower than its digit nine.
 QFont proportionalFont() {
   QFont font("Inter");
   font.setPixelSize(12);
-  EXPECT_EQ(QFontInfo(font).family(), "Inter") << "the test needs this font";
+  EXPECT_EQ(QFontInfo(font).family(), "Inter") << "this test needs the font Inter";
   const QFontMetrics metrics(font);
   EXPECT_LT(metrics.horizontalAdvance('1'), metrics.horizontalAdvance('9'));
   return font;
 }
 
-/// What the label paints in its own size, or in the width given.
+/// Renders the label in its preferred width or in the given one.
 QImage painted(TextLabel& label, const QString& text, int width = 0) {
   label.setText(text);
   label.resize(width == 0 ? label.sizeHint().width() : width, 18);
@@ -49,7 +58,7 @@ TEST(FigureLabel, IsAsWideForNarrowDigitsAsForWideOnes) {
   EXPECT_EQ(label.minimumSizeHint(), narrow);
 }
 
-TEST(FigureLabel, KeepsEveryCharacterInPlaceWhenDigitsChange) {
+TEST(FigureLabel, KeepsCharactersInPlaceWhenDigitsChange) {
   FigureLabel label(proportionalFont(), TextStyle::primary);
   const QImage narrow = painted(label, "111.1 MB");
   const QImage wide = painted(label, "999.9 MB");
@@ -68,7 +77,7 @@ TEST(FigureLabel, EndsAtItsRightEdge) {
   EXPECT_EQ(rightPart(loose, tight.width()), tight);
 }
 
-TEST(FigureLabel, GivesTheDigitsOfEveryScriptOneWidthEach) {
+TEST(FigureLabel, GivesAllDigitsOfAScriptTheSameWidth) {
   FigureLabel label(proportionalFont(), TextStyle::primary);
   const QFontMetrics metrics(label.font());
   for (const char32_t zero : {U'0', U'\u0660', U'\u0966', U'\U0001e950'}) {
@@ -84,7 +93,7 @@ TEST(FigureLabel, GivesTheDigitsOfEveryScriptOneWidthEach) {
   }
 }
 
-TEST(FigureLabel, DrawsADigitOfTwoCodeUnitsWhole) {
+TEST(FigureLabel, DrawsADigitOfTwoCodeUnits) {
   FigureLabel label(proportionalFont(), TextStyle::primary);
   const char32_t three = U'\U0001e953';  // in Adlam
   const QString digit = QString::fromUcs4(&three, 1);
@@ -103,28 +112,28 @@ TEST(FigureLabel, DrawsADigitOfTwoCodeUnitsWhole) {
   EXPECT_EQ(image, expected);
 }
 
-TEST(FigureLabel, LeavesNoRoomForMarksThatOnlyTellADirection) {
+TEST(FigureLabel, GivesDirectionMarksNoWidth) {
   FigureLabel label(proportionalFont(), TextStyle::primary);
   const QString share = QStringLiteral("\u0661\u0662\u066a");  // 12 % as Egypt writes it
   const QImage plain = painted(label, share);
   EXPECT_EQ(painted(label, share + QChar(0x061c)), plain);
 }
 
-TEST(TextLabel, CutsATextThatIsTooLongAtItsEnd) {
-  TextLabel label(systemFont(12), TextStyle::primary, Overflow::cuts);
+TEST(TextLabel, ElidesALongTextAtItsEnd) {
+  TextLabel label(systemFont(12), TextStyle::primary, Overflow::elide);
   constexpr int width = 100;
   const QString text = "The beginning of a name whose end is not shown";
-  const QString cut = QFontMetrics(label.font()).elidedText(text, Qt::ElideRight, width);
-  ASSERT_TRUE(cut.startsWith("The begin"));
-  ASSERT_TRUE(cut.endsWith(QChar(0x2026)));
-  EXPECT_EQ(painted(label, text, width), painted(label, cut, width));
+  const QString elided = QFontMetrics(label.font()).elidedText(text, Qt::ElideRight, width);
+  ASSERT_TRUE(elided.startsWith("The begin"));
+  ASSERT_TRUE(elided.endsWith(QChar(0x2026)));
+  EXPECT_EQ(painted(label, text, width), painted(label, elided, width));
 }
 
-TEST(TextLabel, ShowsATextThatFitsWhole) {
+TEST(TextLabel, ShowsAFittingTextCompletely) {
   for (const int size : {10, 11, 12, 13}) {
     for (const QString& text :
          {QString("Made with love by "), QString("Wi"), QString("2 background processes")}) {
-      TextLabel label(systemFont(size), TextStyle::primary, Overflow::cuts);
+      TextLabel label(systemFont(size), TextStyle::primary, Overflow::elide);
       const QImage tight = painted(label, text);
       const QImage roomy = painted(label, text, tight.width() + 50);
       EXPECT_EQ(roomy.copy(0, 0, tight.width(), 18), tight) << text.toStdString() << " at " << size;
@@ -132,9 +141,137 @@ TEST(TextLabel, ShowsATextThatFitsWhole) {
   }
 }
 
-TEST(TextLabel, IgnoresTheMouseSoThatWhatIsUnderItGetsTheClick) {
-  EXPECT_TRUE(TextLabel(systemFont(12), TextStyle::primary, Overflow::cuts)
+TEST(TextLabel, IgnoresTheMouse) {
+  EXPECT_TRUE(TextLabel(systemFont(12), TextStyle::primary, Overflow::elide)
                   .testAttribute(Qt::WA_TransparentForMouseEvents));
+}
+
+class TextDirection : public ::testing::TestWithParam<Qt::LayoutDirection> {
+ protected:
+  TextDirection() { QGuiApplication::setLayoutDirection(GetParam()); }
+  ~TextDirection() override { QGuiApplication::setLayoutDirection(Qt::LeftToRight); }
+};
+
+TEST_P(TextDirection, LeavesFullStopsAtTheEndOfEnglishSentences) {
+  for (const Overflow overflow : {Overflow::elide, Overflow::wrap}) {
+    TextLabel label(systemFont(13), TextStyle::primary, overflow);
+    const QImage image = paintedOnWhite(label, "Memory is short.", {280, 18});
+    EXPECT_TRUE(endsInDot(image, false, Qt::white));
+    EXPECT_FALSE(endsInDot(image, true, Qt::white));
+  }
+}
+
+TEST_P(TextDirection, WritesAnEnglishSentenceAfterAnArabicFigureFromLeftToRight) {
+  TextLabel label(systemFont(11), TextStyle::secondary, Overflow::wrap);
+  const QString share = "١١٪\u061c";  // as Egypt writes it
+  const QImage image = paintedOnWhite(label, share + " of 4 cores in use.", {280, 18});
+  EXPECT_TRUE(endsInDot(image, false, Qt::white));
+}
+
+TEST_P(TextDirection, PutsTheSeparatorOfAProcessLineNextToTheName) {
+  TextLabel label(systemFont(10), TextStyle::tertiary, Overflow::elide);
+  const QImage image = paintedOnWhite(label, "· PID 100", {100, 14});
+  const bool nameIsAtLeft = GetParam() == Qt::LeftToRight;
+  EXPECT_TRUE(endsInDot(image, nameIsAtLeft, Qt::white));
+  EXPECT_FALSE(endsInDot(image, !nameIsAtLeft, Qt::white));
+}
+
+TEST_P(TextDirection, StartsATextAtItsLeadingEdge) {
+  for (const Overflow overflow : {Overflow::elide, Overflow::wrap}) {
+    TextLabel label(systemFont(13), TextStyle::primary, overflow);
+    const QImage image = paintedOnWhite(label, "Short", {280, 18});
+    const QImage trailingHalf = image.copy(GetParam() == Qt::LeftToRight ? 140 : 0, 0, 140, 18);
+    QImage blank(trailingHalf.size(), image.format());
+    blank.fill(Qt::white);
+    EXPECT_EQ(trailingHalf, blank);
+    EXPECT_NE(image.copy(GetParam() == Qt::LeftToRight ? 0 : 140, 0, 140, 18), blank);
+  }
+}
+
+TEST_P(TextDirection, WritesFiguresFromLeftToRight) {
+  const QStringList texts{"1.234,5 MB", "١٢٣٫٤ MB", "١٢٪", "2 days, 5 hours"};
+  const auto images = [&] {
+    std::vector<QImage> painted;
+    for (const QString& text : texts) {
+      FigureLabel label(systemFont(12), TextStyle::secondary);
+      label.setText(text);
+      painted.push_back(paintedOnWhite(label, text, {label.sizeHint().width(), 18}));
+    }
+    return painted;
+  };
+  const auto inThisDirection = images();
+  QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+  EXPECT_EQ(inThisDirection, images());
+}
+
+TEST_P(TextDirection, EndsAFigureAtItsTrailingEdge) {
+  FigureLabel label(systemFont(12), TextStyle::secondary);
+  const QImage image = paintedOnWhite(label, "12 MB", {200, 18});
+  QImage blank(100, 18, image.format());
+  blank.fill(Qt::white);
+  EXPECT_EQ(image.copy(GetParam() == Qt::LeftToRight ? 0 : 100, 0, 100, 18), blank);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfReading, TextDirection, ::testing::Values(Qt::LeftToRight, Qt::RightToLeft),
+                         [](const auto& run) {
+                           return run.param == Qt::RightToLeft ? std::string("RightToLeft")
+                                                               : std::string("LeftToRight");
+                         });
+
+QImage painted(CreditLabel& label) {
+  label.setPalette(Theme::light().palette());
+  label.resize(label.sizeHint());
+  return label.grab().toImage();
+}
+
+/// Counts red pixels. No text style is red.
+int redPixels(const QImage& image) {
+  int count = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      const QColor pixel = image.pixelColor(x, y);
+      if (pixel.red() > pixel.green() + 100 && pixel.red() > pixel.blue() + 100) ++count;
+    }
+  }
+  return count;
+}
+
+TEST(CreditLabel, ShowsEmojiInColour) {
+  CreditLabel label(systemFont(10), TextStyle::tertiary);
+  label.setText(QStringLiteral("Made with \u2764\ufe0f by "));
+  EXPECT_GT(redPixels(painted(label)), 8) << "this test needs a colour emoji font";
+}
+
+TEST(CreditLabel, ShowsTextWithoutEmojiInItsTextStyle) {
+  CreditLabel label(systemFont(10), TextStyle::tertiary);
+  label.setText(QStringLiteral("Made with care by "));
+  EXPECT_EQ(redPixels(painted(label)), 0);
+}
+
+TEST(CreditLabel, IsAsWideAsItsTextAndEmojiTogether) {
+  CreditLabel label(systemFont(10), TextStyle::tertiary);
+  label.setText(QStringLiteral("Made with  by "));
+  const int text = label.sizeHint().width();
+  label.setText(QStringLiteral("Made with \u2764\ufe0f by "));
+  EXPECT_GT(label.sizeHint().width(), text + 5);
+  EXPECT_LT(label.sizeHint().width(), text + 25);
+}
+
+TEST(CreditLabel, LooksTheSameOnARightToLeftDesktop) {
+  CreditLabel label(systemFont(10), TextStyle::tertiary);
+  label.setLayoutDirection(Qt::LeftToRight);
+  label.setText(QStringLiteral("Made with \u2764\ufe0f by "));
+  const QImage image = painted(label);
+  QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+  EXPECT_EQ(painted(label), image);
+  QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+}
+
+TEST(CreditLabel, HasItsWholeTextAsAccessibleName) {
+  CreditLabel label(systemFont(10), TextStyle::tertiary);
+  label.setText(QStringLiteral("Made with \u2764\ufe0f by "));
+  const QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(&label);
+  EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("Made with \u2764\ufe0f by "));
 }
 
 }  // namespace

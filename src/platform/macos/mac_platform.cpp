@@ -127,7 +127,7 @@ WindowSystemState MacPlatform::windowSystemState() const {
   return {.capabilities = {.clientsPlaceWindows = true,
                            .blendsWindows = true,
                            .popupsTakeKeys = false,
-                           .hostKnowsItsPlace = true},
+                           .clickPositionIsExact = true},
           .pointer = QCursor::pos()};
 }
 

@@ -11,21 +11,21 @@
 
 namespace tarn {
 
-/// Tarn's place in the menu bar: shows a label there and reports what the user does with it. Main thread.
+/// Tarn's item in the menu bar: shows a label and emits what the user does with it. Main thread.
 ///
-/// The host (a panel) may come, go and come back at any time; the item follows without being told.
+/// The host, for example a panel, may appear and disappear at any time. The item follows by itself.
 class MenuBarItem : public QObject {
   Q_OBJECT
 
  public:
   using QObject::QObject;
 
-  /// Shows `label`, now and on every host that appears later. Nothing is sent when nothing changed.
+  /// Shows `label` on every present and later host. Sends nothing when `label` is unchanged.
   virtual void show(const MenuBarLabel& label) = 0;
 
  Q_SIGNALS:
-  /// The item was clicked. `position` is the host's word for where, in screen coordinates, which some hosts
-  /// get wrong; nothing when the host does not say.
+  /// The item was clicked. `position` is what the host reports, in screen coordinates. Some hosts report a
+  /// wrong position, some none.
   void activated(std::optional<QPoint> position);
 
   /// "Open" was chosen from the item's menu.
@@ -34,11 +34,11 @@ class MenuBarItem : public QObject {
   /// "Quit" was chosen from the item's menu.
   void quitRequested();
 
-  /// A host shows the item now.
+  /// A host now shows the item.
   void hostAppeared();
 
-  /// No host shows the item: none came within the grace time after the start, or the last one left and none
-  /// followed within it. Not repeated until a host has appeared in between.
+  /// No host shows the item: none appeared within the grace time after the start, or after the last one
+  /// disappeared. Emitted again only after a host has appeared.
   void hostMissing();
 };
 

@@ -3,53 +3,87 @@
 
 #include "ui/menu_bar/menu_bar_label.hpp"
 
+#include <QPainter>
 #include <algorithm>
 
-#include "format/formatting.hpp"
-#include "ui/popover/popover_content.hpp"
+#include "ui/symbols/symbols.hpp"
 
 namespace tarn {
 
 namespace {
 
-/// Whether a figure of the tooltip is as good as another one: within 5 percent, or 20 MB.
-bool isHardlyAnother(std::uint64_t told, std::uint64_t now) {
-  constexpr std::uint64_t little = std::uint64_t{20} << 20U;
-  const std::uint64_t difference = std::max(told, now) - std::min(told, now);
-  return difference <= std::max(little, told / 20);
+QString byteText(std::uint64_t byteCount, const Formatters& formatters) {
+  return QString::fromStdString(ByteFormatting::string(byteCount, formatters.bytes));
 }
 
-bool areHardlyOthers(const SystemMemory& told, const SystemMemory& now) {
-  return isHardlyAnother(told.wired, now.wired) && isHardlyAnother(told.compressed, now.compressed) &&
-         isHardlyAnother(told.cachedFiles, now.cachedFiles) && isHardlyAnother(told.swapUsed, now.swapUsed);
+/// Whether two figures differ by at most 5 percent of the first, or by at most 20 MB.
+bool isSimilar(std::uint64_t sent, std::uint64_t current) {
+  constexpr std::uint64_t tolerance = std::uint64_t{20} << 20U;
+  const std::uint64_t difference = std::max(sent, current) - std::min(sent, current);
+  return difference <= std::max(tolerance, sent / 20);
+}
+
+bool isSimilar(const SystemMemory& sent, const SystemMemory& current) {
+  return isSimilar(sent.wired, current.wired) && isSimilar(sent.compressed, current.compressed) &&
+         isSimilar(sent.cachedFiles, current.cachedFiles) && isSimilar(sent.swapUsed, current.swapUsed);
 }
 
 }  // namespace
 
 MenuBarLabel menuBarLabel(const StatusPresentation& status, const std::optional<MemorySnapshot>& snapshot,
-                          bool showFrontmostFootprint, std::optional<std::uint64_t> frontmostFootprint) {
+                          bool showFrontmostFootprint, std::optional<std::uint64_t> frontmostFootprint,
+                          const Formatters& formatters) {
   const StatusAppearance appearance = status.appearance();
   MenuBarLabel label{.symbolName = QString::fromStdString(appearance.symbolName),
                      .tint = appearance.tint,
                      .accessibilityText = QString::fromStdString(appearance.accessibilityText),
-                     .hover = {.verdict = QString::fromStdString(appearance.sentence)}};
+                     .toolTip = {.status = QString::fromStdString(appearance.sentence)}};
   if (snapshot) {
-    label.hover.detail = detailString(PopoverTab::memory, snapshot, {}, ThermalState::unknown);
-    label.hover.memory = snapshot->system;
+    label.toolTip.detail = memoryDetail(snapshot->system, formatters);
+    label.toolTip.memory = snapshot->system;
   }
   if (showFrontmostFootprint && frontmostFootprint) {
-    label.text =
-        QString::fromStdString(ByteFormatting::string(*frontmostFootprint, platformByteCountFormatter()));
-    label.hover.text = label.text;
+    label.text = byteText(*frontmostFootprint, formatters);
+    label.toolTip.footprint = label.text;
   }
   return label;
 }
 
-MenuBarHover hoverToTell(const MenuBarHover& told, const MenuBarHover& now, bool popoverIsOpen) {
-  if (popoverIsOpen && told.text.has_value() == now.text.has_value()) return told;
-  const bool saysTheSame = told.verdict == now.verdict && told.text == now.text && told.memory &&
-                           now.memory && areHardlyOthers(*told.memory, *now.memory);
-  return saysTheSame ? told : now;
+QString memoryDetail(const SystemMemory& memory, const Formatters& formatters) {
+  return QStringLiteral("Wired %1 · Compressed %2 · Cached files %3 · Swap %4")
+      .arg(byteText(memory.wired, formatters), byteText(memory.compressed, formatters),
+           byteText(memory.cachedFiles, formatters), byteText(memory.swapUsed, formatters));
+}
+
+ToolTip throttledToolTip(const ToolTip& sent, const ToolTip& current, bool popoverIsOpen) {
+  if (popoverIsOpen && sent.footprint.has_value() == current.footprint.has_value()) return sent;
+  const bool isUnchanged = sent.status == current.status && sent.footprint == current.footprint &&
+                           sent.memory && current.memory && isSimilar(*sent.memory, *current.memory);
+  return isUnchanged ? sent : current;
+}
+
+QImage MenuBarIcon::image(const QString& symbolName, const QColor& color, int pixels) {
+  // In other formats Qt's rasteriser fills paths in threads of its own.
+  QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing);
+  drawSymbol(painter, symbolName, QRectF(0, 0, pixels, pixels), color, SymbolWeight::semibold);
+  return image;
+}
+
+QColor MenuBarIcon::color(Tint tint) {
+  switch (tint) {
+    case Tint::green:
+      return {0x24, 0x9a, 0x63};
+    case Tint::orange:
+      return {0xe6, 0x61, 0x00};
+    case Tint::red:
+      return {0xe0, 0x1b, 0x24};
+    case Tint::secondary:
+      break;
+  }
+  return {0x7a, 0x7a, 0x80};
 }
 
 }  // namespace tarn

@@ -1,46 +1,66 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+// What the menu bar shows, as plain values, and how its icon is drawn.
+
 #pragma once
 
+#include <QColor>
+#include <QImage>
 #include <QString>
 #include <cstdint>
 #include <optional>
 
+#include "format/formatting.hpp"
 #include "monitor/presentation.hpp"
 #include "sampling/snapshot.hpp"
 
 namespace tarn {
 
-/// What a host tells when the pointer rests on the item, and as its title.
-struct MenuBarHover {
-  QString verdict;              ///< one sentence
-  QString detail;               ///< the memory figures behind it; empty while there are none
-  std::optional<QString> text;  ///< the frontmost application's footprint, for hosts that show it only here
+/// The item's tooltip and title.
+struct ToolTip {
+  QString status;                      ///< one sentence
+  QString detail;                      ///< the memory figures behind `status`; empty while there are none
+  std::optional<QString> footprint;    ///< the same as MenuBarLabel::text
   std::optional<SystemMemory> memory;  ///< the figures of `detail`
 
-  bool operator==(const MenuBarHover&) const = default;
+  bool operator==(const ToolTip&) const = default;
 };
 
-/// What the menu bar shows: a tinted circle and, when the user asked for it, a figure beside it.
+/// What the menu bar shows: a tinted circle and, if the user turned it on, a figure beside it.
 struct MenuBarLabel {
   QString symbolName;           ///< "circle", "circle.lefthalf.filled" or "circle.fill"
   Tint tint = Tint::green;      ///< green, orange or red
   QString accessibilityText;    ///< the status in words, for assistive technology
-  std::optional<QString> text;  ///< the frontmost application's footprint; absent: the circle alone
-  MenuBarHover hover;
+  std::optional<QString> text;  ///< the frontmost application's footprint; nothing: the circle alone
+  ToolTip toolTip;
 
   bool operator==(const MenuBarLabel&) const = default;
 };
 
-/// The label for a status: its circle, and the frontmost application's footprint (bytes) when the user asked
-/// for it and it is known.
+/// The label for a status. It has a text when `showFrontmostFootprint` is set and `frontmostFootprint`
+/// (bytes) is known.
 MenuBarLabel menuBarLabel(const StatusPresentation& status, const std::optional<MemorySnapshot>& snapshot,
-                          bool showFrontmostFootprint, std::optional<std::uint64_t> frontmostFootprint);
+                          bool showFrontmostFootprint, std::optional<std::uint64_t> frontmostFootprint,
+                          const Formatters& formatters);
 
-/// What a host that was told `told` is to be told now: that again, while nothing else would be worth its
-/// while. Each telling wakes the host, which then asks for more; and over an open popover a tooltip that
-/// changes comes up, so there it may wait, but for what the user has just switched on or off.
-MenuBarHover hoverToTell(const MenuBarHover& told, const MenuBarHover& now, bool popoverIsOpen);
+/// The memory figures in one line: "Wired … · Compressed … · Cached files … · Swap …".
+QString memoryDetail(const SystemMemory& memory, const Formatters& formatters);
+
+/// The tooltip to send to a host that has `sent`: `sent` again unless `current` differs noticeably. Each
+/// change wakes the host, which then reads several properties. While the popover is open, only a footprint
+/// that appears or disappears counts: some hosts show a tooltip when it changes, on top of the popover.
+ToolTip throttledToolTip(const ToolTip& sent, const ToolTip& current, bool popoverIsOpen);
+
+namespace MenuBarIcon {
+
+/// The symbol in one colour on a transparent square of `pixels` × `pixels`, as large as a 13-point semibold
+/// symbol in a bar of that height. Hosts do not recolour it. Transparent for an unknown symbol.
+QImage image(const QString& symbolName, const QColor& color, int pixels);
+
+/// The shade of a tint that has a contrast of at least 3:1 with light and with dark bars.
+QColor color(Tint tint);
+
+}  // namespace MenuBarIcon
 
 }  // namespace tarn

@@ -15,15 +15,15 @@ constexpr int iconSize = 32;  ///< points
 
 AppIconProvider::AppIconProvider(FileIconLoader loadFileIcon) : loadFileIcon_(std::move(loadFileIcon)) {}
 
-AppIcon AppIconProvider::icon(const RowContent& forRow, double scale) {
-  if (!forRow.bundlePath) return {{}, forRow.symbol};
-  auto cached = cache_.find(*forRow.bundlePath);
+AppIcon AppIconProvider::icon(const RowContent& row, double scale) {
+  if (!row.bundlePath) return {{}, row.symbol};
+  auto cached = cache_.find(*row.bundlePath);
   if (cached == cache_.end()) {
-    cached = cache_.emplace(*forRow.bundlePath, loadFileIcon_(*forRow.bundlePath)).first;
+    cached = cache_.emplace(*row.bundlePath, loadFileIcon_(*row.bundlePath)).first;
   }
   const QPixmap image = cached->second.pixmap(QSize(iconSize, iconSize), scale);
-  // A desktop without any icon theme still shows that this is a program.
-  return image.isNull() ? AppIcon{{}, forRow.symbol} : AppIcon{image, {}};
+  // Without any icon theme the image is null.
+  return image.isNull() ? AppIcon{{}, row.symbol} : AppIcon{image, {}};
 }
 
 }  // namespace tarn

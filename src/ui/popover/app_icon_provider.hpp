@@ -14,23 +14,23 @@
 
 namespace tarn {
 
-/// The icon of an application, or the name of the symbol that stands in for one.
+/// The icon of an application, or the name of a symbol to show instead.
 struct AppIcon {
-  QPixmap image;       ///< null where a symbol is shown
-  QString symbolName;  ///< empty where an image is shown
+  QPixmap image;       ///< null if a symbol is shown
+  QString symbolName;  ///< empty if an image is shown
 };
 
-/// Asks the system for a file's icon. Main thread; null when the system has none at all.
+/// Loads a file's icon from the system. Returns a null icon if there is none. Main thread.
 using FileIconLoader = std::function<QIcon(const std::string& path)>;
 
-/// Gives every row its icon. An application's is loaded once, the first time it is shown, and kept for good.
-/// Main thread.
+/// Returns the icon of a row. An application's icon is loaded when it is first shown, and cached for the
+/// lifetime of this object. Main thread.
 class AppIconProvider {
  public:
   explicit AppIconProvider(FileIconLoader loadFileIcon);
 
-  /// The icon for a row, for a screen of `scale` pixels per point.
-  AppIcon icon(const RowContent& forRow, double scale);
+  /// `scale` is the screen's pixels per point.
+  AppIcon icon(const RowContent& row, double scale);
 
  private:
   FileIconLoader loadFileIcon_;

@@ -13,16 +13,33 @@ namespace tarn {
 namespace {
 
 constexpr QSize chevronFrame(10, 18);
-constexpr int processIndent = rowIconFrame + rowSpacing;  ///< lines start under the group's name
+constexpr int processIndent = rowIconFrame + rowSpacing;  ///< aligns process lines with the row's name
 constexpr int stackSpacing = 2;
 
 QString chevronName(const RowContent& content, bool isRightToLeft) {
-  if (!content.canOpen) return {};
+  if (!content.canExpand) return {};
   if (content.isExpanded) return QStringLiteral("chevron.down");
   return isRightToLeft ? QStringLiteral("chevron.left") : QStringLiteral("chevron.right");
 }
 
 }  // namespace
+
+RowText::RowText()
+    : name_(new TextLabel(systemFont(12, QFont::Medium), TextStyle::primary, Overflow::elide)),
+      secondary_(new TextLabel(systemFont(10), TextStyle::secondary, Overflow::elide)) {
+  constexpr int nameHeight = 18;
+  name_->setFixedHeight(nameHeight);
+  secondary_->setFixedHeight(smallLineHeight);
+  setSpacing(1);
+  addWidget(name_);
+  addWidget(secondary_);
+}
+
+void RowText::setTexts(const QString& name, const std::optional<QString>& secondary) {
+  name_->setText(name);
+  secondary_->setText(secondary.value_or(QString()));
+  secondary_->setVisible(secondary.has_value());
+}
 
 AppIconView::AppIconView(QWidget* parent) : GlyphView(rowIconFrame, SymbolWeight::regular, parent) {
   setFixedSize(rowIconFrame, rowIconFrame);
@@ -52,9 +69,8 @@ AppRowButton::AppRowButton(QWidget* parent)
       value_(new FigureLabel(systemFont(12), TextStyle::secondary)),
       chevron_(new GlyphView(9, SymbolWeight::semibold)) {
   setAttribute(Qt::WA_Hover);
-  // Not by a click: the focus ring is for those who use the keyboard.
-  setFocusPolicy(Qt::TabFocus);
-  setAutoDefault(true);  // Return presses it, too
+  setFocusPolicy(Qt::TabFocus);  // a click shows no focus ring
+  setAutoDefault(true);          // Return clicks it
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   chevron_->setFixedSize(chevronFrame);
 
@@ -68,9 +84,9 @@ AppRowButton::AppRowButton(QWidget* parent)
 }
 
 void AppRowButton::setContent(const RowContent& content, const AppIcon& icon) {
-  canOpen_ = content.canOpen;
+  canExpand_ = content.canExpand;
   isExpanded_ = content.isExpanded;
-  setEnabled(content.canOpen);
+  setEnabled(content.canExpand);
   setAccessibleName(content.name + QStringLiteral(", ") + content.value);
   setAccessibleDescription(content.secondary.value_or(QString()));
   icon_->setIcon(icon);
@@ -113,8 +129,8 @@ void AppRowButton::paintEvent(QPaintEvent* /*event*/) {}
 
 ProcessLineView::ProcessLineView(QWidget* parent)
     : QWidget(parent),
-      name_(new TextLabel(systemFont(10), TextStyle::secondary, Overflow::cuts)),
-      pid_(new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::cuts)),
+      name_(new TextLabel(systemFont(10), TextStyle::secondary, Overflow::elide)),
+      pid_(new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::elide)),
       value_(new FigureLabel(systemFont(10), TextStyle::tertiary)) {
   setFixedHeight(smallLineHeight);
   name_->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
@@ -145,7 +161,7 @@ AppRow::AppRow(QWidget* parent)
 
 void AppRow::setContent(const RowContent& content, const AppIcon& icon) {
   if (content == content_) {
-    button_->setIcon(icon);  // the screen's scale may be another one
+    button_->setIcon(icon);  // the screen's scale may have changed
     return;
   }
   const bool expansionChanged = content.isExpanded != content_.isExpanded;
@@ -160,15 +176,7 @@ void AppRow::setContent(const RowContent& content, const AppIcon& icon) {
 }
 
 void AppRow::showProcesses(const std::vector<ProcessLine>& processes) {
-  while (lines_.size() > processes.size()) {
-    delete lines_.back();
-    lines_.pop_back();
-  }
-  while (lines_.size() < processes.size()) {
-    lines_.push_back(new ProcessLineView(this));
-    layout_->addWidget(lines_.back());
-    lines_.back()->show();
-  }
+  setWidgetCount(lines_, processes.size(), *layout_, this);
   for (std::size_t i = 0; i < processes.size(); ++i) lines_[i]->setContent(processes[i]);
 }
 

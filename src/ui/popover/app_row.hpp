@@ -6,16 +6,55 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QWidget>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "ui/popover/app_icon_provider.hpp"
-#include "ui/widgets/glyph_view.hpp"
 #include "ui/popover/popover_content.hpp"
-#include "ui/popover/row_text.hpp"
+#include "ui/widgets/controls.hpp"
 #include "ui/widgets/text_label.hpp"
 
 namespace tarn {
+
+/// Side of the icon at the start of a row, points.
+constexpr int rowIconFrame = 18;
+
+/// Space between the icon, the texts and the figure of a row, points.
+constexpr int rowSpacing = 8;
+
+/// Height of the second line of a row and of a process line, points.
+constexpr int smallLineHeight = 14;
+
+/// The texts of a row: a name and, optionally, a smaller line below it. Text that does not fit is elided.
+class RowText : public QVBoxLayout {
+  Q_OBJECT
+
+ public:
+  RowText();
+
+  void setTexts(const QString& name, const std::optional<QString>& secondary);
+
+ private:
+  TextLabel* name_;
+  TextLabel* secondary_;
+};
+
+/// Appends to or removes from `widgets`, which are the last ones in `layout`, until there are `count`. New
+/// ones are shown, and owned by `parent`.
+template <typename Widget>
+void setWidgetCount(std::vector<Widget*>& widgets, std::size_t count, QVBoxLayout& layout, QWidget* parent) {
+  while (widgets.size() > count) {
+    delete widgets.back();
+    widgets.pop_back();
+  }
+  while (widgets.size() < count) {
+    widgets.push_back(new Widget(parent));
+    layout.addWidget(widgets.back());
+    widgets.back()->show();
+  }
+}
 
 /// The icon of a row: the application's image, or a symbol.
 class AppIconView : public GlyphView {
@@ -32,7 +71,7 @@ class AppIconView : public GlyphView {
   QPixmap image_;
 };
 
-/// The clickable part of a row: icon, name, figure and chevron. Its parent paints the highlight behind it.
+/// The clickable part of a row: icon, name, figure and chevron. The list paints its highlight.
 class AppRowButton : public QPushButton {
   Q_OBJECT
 
@@ -42,8 +81,7 @@ class AppRowButton : public QPushButton {
   void setContent(const RowContent& content, const AppIcon& icon);
   void setIcon(const AppIcon& icon);
 
-  /// Whether assistive technology is told that it opens, and if so, whether it is open.
-  bool canOpen() const { return canOpen_; }
+  bool canExpand() const { return canExpand_; }
   bool isExpanded() const { return isExpanded_; }
 
   bool isHighlighted() const;
@@ -58,7 +96,7 @@ class AppRowButton : public QPushButton {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  bool canOpen_ = false;
+  bool canExpand_ = false;
   bool isExpanded_ = false;
   AppIconView* icon_;
   RowText* texts_;
@@ -66,7 +104,7 @@ class AppRowButton : public QPushButton {
   GlyphView* chevron_;
 };
 
-/// One process of an open row.
+/// One process of an expanded row.
 class ProcessLineView : public QWidget {
   Q_OBJECT
 
@@ -80,7 +118,7 @@ class ProcessLineView : public QWidget {
   FigureLabel* value_;
 };
 
-/// A row of the application list: the button and, while it is open, its process lines. Updated in place.
+/// A row of the application list: the button and, while it is expanded, its process lines. Updated in place.
 class AppRow : public QWidget {
   Q_OBJECT
 

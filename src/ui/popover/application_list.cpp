@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/widgets/focus_ring.hpp"
+#include "ui/widgets/painting.hpp"
 
 namespace tarn {
 
@@ -17,7 +17,7 @@ namespace {
 
 constexpr int spacingOfRows = 2;
 constexpr int highlightRadius = 6;
-constexpr int leastVisibleHeight = 80;  ///< of a list that has to scroll
+constexpr int minimumScrolledHeight = 80;
 
 }  // namespace
 
@@ -39,11 +39,11 @@ void ApplicationList::setRows(const std::vector<RowContent>& rows) {
   std::vector<AppRow*> arranged;
   arranged.reserve(rows.size());
   for (const RowContent& content : rows) arranged.push_back(takeRow(content.id));
-  // Groups that left the list lend their rows to those that entered it.
+  // Rows of groups that left the list are reused for groups that entered it.
   for (AppRow*& row : arranged) {
     if (row == nullptr) row = spareRow();
   }
-  // Later, since one of them may be the row whose click led here.
+  // Deleted later: this call may come from a click on one of them.
   for (AppRow* spare : rows_) {
     layout_->removeWidget(spare);
     spare->hide();
@@ -57,7 +57,7 @@ void ApplicationList::setRows(const std::vector<RowContent>& rows) {
     arranged[i]->setContent(rows[i], icons_.icon(rows[i], devicePixelRatioF()));
   }
   const bool moved = arranged != std::exchange(rows_, arranged);
-  if (moved) keepReadingOrder();
+  if (moved) updateReadingOrder();
   update();
 }
 
@@ -82,10 +82,10 @@ AppRow* ApplicationList::spareRow() {
   return row;
 }
 
-void ApplicationList::keepReadingOrder() {
+void ApplicationList::updateReadingOrder() {
   QWidget* previous = beforeRows_;
   for (AppRow* row : rows_) {
-    row->raise();  // the order among siblings is the one that assistive technology reads
+    row->raise();  // assistive technology reads siblings in their stacking order
     setTabOrder(previous, row->button());
     previous = row->button();
   }
@@ -125,7 +125,7 @@ QSize ApplicationListScroller::sizeHint() const {
 }
 
 QSize ApplicationListScroller::minimumSizeHint() const {
-  return {0, std::min(leastVisibleHeight, widget()->sizeHint().height())};
+  return {0, std::min(minimumScrolledHeight, widget()->sizeHint().height())};
 }
 
 bool ApplicationListScroller::eventFilter(QObject* watched, QEvent* event) {

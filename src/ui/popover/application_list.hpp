@@ -13,15 +13,15 @@
 
 namespace tarn {
 
-/// The rows of the application list, or "Measuring…" before the first snapshot. Rows are kept by group and
-/// moved when the ranking changes, so that hover, focus and open rows stay with their application.
+/// The rows of the application list, or "Measuring…" before the first snapshot. Each group keeps its row
+/// widget when the ranking changes, so hover and focus stay with the application.
 class ApplicationList : public QWidget {
   Q_OBJECT
 
  public:
-  /// How far the highlight of a row reaches beyond its content on both sides, in points.
+  /// Distance from a row's content to the left and right edge of its highlight, points.
   static constexpr int highlightReach = 6;
-  /// The same above and below. The list has this much margin around its rows.
+  /// The same for the upper and lower edge. The list has these margins around its rows.
   static constexpr int highlightRise = 1;
 
   explicit ApplicationList(AppIconProvider& icons, QWidget* parent = nullptr);
@@ -38,16 +38,16 @@ class ApplicationList : public QWidget {
  private:
   AppRow* takeRow(const std::string& groupID);
   AppRow* spareRow();
-  void keepReadingOrder();
+  void updateReadingOrder();
 
   AppIconProvider& icons_;
   QVBoxLayout* layout_;
   TextLabel* placeholder_;
-  QWidget* beforeRows_;        ///< never shown; where the rows begin in the tab order
-  std::vector<AppRow*> rows_;  ///< as shown; owned by the list
+  QWidget* beforeRows_;        ///< never shown; precedes the rows in the tab order
+  std::vector<AppRow*> rows_;  ///< in the order shown; owned by the list
 };
 
-/// Shows the list at its full height while there is room, and scrolls it when there is not.
+/// Shows the list at its full height, or scrolls it if the screen is too low.
 class ApplicationListScroller : public QScrollArea {
   Q_OBJECT
 

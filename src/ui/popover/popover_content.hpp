@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What the popover says, as plain records computed from published state. Widgets only lay these out.
+// What the popover shows, as plain values computed from the view model's state. Widgets only lay them out.
 
 #pragma once
 
@@ -10,14 +10,19 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "extras/system_extras.hpp"
 #include "extras/thermal.hpp"
+#include "format/formatting.hpp"
 #include "monitor/presentation.hpp"
 #include "sampling/snapshot.hpp"
-#include "ui/popover/popover_tab.hpp"
 
 namespace tarn {
+
+/// The popover's tabs, in the order in which they are shown.
+enum class PopoverTab { memory, cpu, system };
 
 /// A glyph and the sentence beside it.
 struct HeaderLine {
@@ -28,7 +33,7 @@ struct HeaderLine {
   bool operator==(const HeaderLine&) const = default;
 };
 
-/// One process of an open row.
+/// One process of an expanded row.
 struct ProcessLine {
   std::int32_t pid = 0;
   QString name;
@@ -42,33 +47,57 @@ struct ProcessLine {
 struct RowContent {
   std::string id;  ///< the group's
   QString name;
-  std::optional<std::string> bundlePath;  ///< whose icon is shown
-  QString symbol;                         ///< shown where there is no bundle
+  std::optional<std::string> bundlePath;  ///< of the bundle whose icon is shown
+  QString symbol;                         ///< shown when there is no bundle
   std::optional<QString> secondary;       ///< the line under the name
   QString value;
-  bool canOpen = false;
+  bool canExpand = false;
   bool isExpanded = false;
-  std::vector<ProcessLine> processes;  ///< only while expanded
+  std::vector<ProcessLine> processes;  ///< empty unless expanded
 
   bool operator==(const RowContent&) const = default;
 };
 
-/// The verdict of a tab.
+/// One row of the System tab.
+struct ExtrasRow {
+  QString symbol;
+  QString label;
+  QString value;
+  std::optional<QString> secondary;  ///< the line under the label
+
+  bool operator==(const ExtrasRow&) const = default;
+};
+
+/// Text from outside (UTF-8, possibly invalid) made safe to show: control characters and characters that
+/// change the direction of the text around them become U+FFFD, and the length is limited.
+QString displayText(std::string_view utf8);
+
+/// The status line of a tab.
 HeaderLine statusLine(PopoverTab tab, const StatusPresentation& status, const CPUPresentation& cpu);
 
-/// The figures under the list; a single space, which keeps the line's height, while there are none.
+/// The figures under the list. A single space, which keeps the line's height, while there are none.
 QString detailString(PopoverTab tab, const std::optional<MemorySnapshot>& snapshot,
-                     const CPUPresentation& cpu, ThermalState thermalState);
+                     const CPUPresentation& cpu, ThermalState thermalState, const Formatters& formatters);
 
-/// What the tab's figures mean.
+/// Explains the figures of the memory or CPU tab.
 QString explainer(PopoverTab tab);
 
-/// Where the System tab's facts come from.
+/// Says where the System tab's figures come from.
 QString systemFootnote();
 
-/// The eight heaviest groups by the tab's metric, then, if there are more, one row that sums up the others
-/// and cannot be opened. `expanded` holds the ids of the open rows.
+/// The eight largest groups by the tab's metric. If there are more, one row sums up the others; it cannot be
+/// expanded. `expanded` holds the ids of the expanded rows.
 std::vector<RowContent> applicationRows(const MemorySnapshot& snapshot, PopoverTab tab,
-                                        const std::set<std::string>& expanded);
+                                        const std::set<std::string>& expanded, const Formatters& formatters);
+
+/// Storage, battery, temperature and uptime, in this order. Unknown ones are left out.
+std::vector<ExtrasRow> systemRows(const SystemExtras& extras, ThermalState thermalState,
+                                  const Formatters& formatters);
+
+/// Charge cycles and health, as far as they are known.
+std::optional<QString> batterySecondary(const BatteryInfo& battery);
+
+/// The temperature in whole degrees Celsius. Without a reading, the thermal state in words.
+QString temperatureValue(const std::optional<double>& celsius, ThermalState thermalState);
 
 }  // namespace tarn

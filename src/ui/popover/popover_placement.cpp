@@ -5,14 +5,21 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <utility>
 
 namespace tarn {
 
 namespace {
 
 constexpr int gap = 6;          ///< between the popover and the panel or screen edge
-constexpr int panelDepth = 72;  ///< no deeper panel is believed in
-constexpr int itemReach = 14;   ///< from an item's middle to its edge, where the panel reserves no space
+constexpr int panelDepth = 72;  ///< a larger window is not taken for a panel
+constexpr int itemReach = 14;   ///< from an item's centre to its edge, for panels that reserve no space
+
+// A compositor knows a window some milliseconds after Qt has shown it, and draws the next frame up to 16 ms
+// later. The window is to be in its place by then.
+constexpr std::chrono::milliseconds locateInterval{4};
+constexpr int locateAttempts = 75;
 
 enum class Edge { top, bottom, left, right };
 constexpr std::array edges = {Edge::top, Edge::bottom, Edge::left, Edge::right};
@@ -37,16 +44,16 @@ Edge nearer(Edge one, Edge other, const QPoint& point, const QRect& area) {
 
 /// The edge whose panel an item at `point` is in.
 Edge panelEdge(const QPoint& point, const ScreenArea& screen) {
-  // Space that is reserved there tells it.
+  // The point lies in space that a panel reserves.
   for (const Edge edge : edges) {
     if (distance(edge, point, screen.available) < 0) return edge;
   }
-  // The last item of a panel is as near to the corner's other edge as to its own, give or take its margins.
-  // Horizontal panels are the likelier ones.
+  // The last item of a panel is about as near to the other edge of the corner as to the panel's own edge.
+  // Horizontal panels are more common.
   const Edge horizontal = nearer(Edge::top, Edge::bottom, point, screen.whole);
   const Edge vertical = nearer(Edge::left, Edge::right, point, screen.whole);
-  const int lead = distance(vertical, point, screen.whole) + itemReach;
-  return distance(horizontal, point, screen.whole) <= lead ? horizontal : vertical;
+  const int limit = distance(vertical, point, screen.whole) + itemReach;
+  return distance(horizontal, point, screen.whole) <= limit ? horizontal : vertical;
 }
 
 int clamped(int value, int lowest, int highest) {
@@ -57,25 +64,25 @@ int clamped(int value, int lowest, int highest) {
 
 ScreenArea besidePanel(const ScreenArea& screen, const QRect& panel) {
   const QRect strip = panel & screen.whole;
-  ScreenArea left = screen;
-  if (strip.isEmpty() || std::min(strip.width(), strip.height()) > panelDepth) return left;
+  ScreenArea rest = screen;
+  if (strip.isEmpty() || std::min(strip.width(), strip.height()) > panelDepth) return rest;
   const bool isHorizontal = strip.width() >= strip.height();
   switch (isHorizontal ? nearer(Edge::top, Edge::bottom, strip.center(), screen.whole)
                        : nearer(Edge::left, Edge::right, strip.center(), screen.whole)) {
     case Edge::top:
-      left.available.setTop(std::max(left.available.top(), strip.bottom() + 1));
+      rest.available.setTop(std::max(rest.available.top(), strip.bottom() + 1));
       break;
     case Edge::bottom:
-      left.available.setBottom(std::min(left.available.bottom(), strip.top() - 1));
+      rest.available.setBottom(std::min(rest.available.bottom(), strip.top() - 1));
       break;
     case Edge::left:
-      left.available.setLeft(std::max(left.available.left(), strip.right() + 1));
+      rest.available.setLeft(std::max(rest.available.left(), strip.right() + 1));
       break;
     case Edge::right:
-      left.available.setRight(std::min(left.available.right(), strip.left() - 1));
+      rest.available.setRight(std::min(rest.available.right(), strip.left() - 1));
       break;
   }
-  return left;
+  return rest;
 }
 
 bool isPlausibleAnchor(const QPoint& position, const ScreenArea& screen) {
@@ -110,6 +117,34 @@ QRect popoverFrame(const std::optional<QPoint>& anchor, const QSize& size, const
 
 int popoverHeightLimit(const ScreenArea& screen) {
   return std::max(0, screen.available.height() - 2 * gap);
+}
+
+CompositorConnection::CompositorConnection(std::unique_ptr<CompositorPlacement> placement,
+                                           std::function<void()> located)
+    : placement_(std::move(placement)), located_(std::move(located)) {
+  timer_.setSingleShot(true);
+  QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { locate(); });
+}
+
+void CompositorConnection::startLocating() {
+  place_.reset();
+  requestedCorner_.reset();
+  if (!placement_ || !isEnabled_) return;
+  attemptsLeft_ = locateAttempts;
+  timer_.start(locateInterval);
+}
+
+void CompositorConnection::locate() {
+  place_ = placement_->locate();
+  if (place_) {
+    located_();
+  } else if (--attemptsLeft_ > 0) {
+    timer_.start(locateInterval);
+  }
+}
+
+void CompositorConnection::moveTo(QPoint corner) {
+  if (std::exchange(requestedCorner_, corner) != corner) placement_->moveTo(corner);
 }
 
 }  // namespace tarn

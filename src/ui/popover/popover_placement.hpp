@@ -6,11 +6,14 @@
 #include <QPoint>
 #include <QRect>
 #include <QSize>
+#include <QTimer>
+#include <functional>
+#include <memory>
 #include <optional>
 
 namespace tarn {
 
-/// Where a popover goes. All rectangles are in screen coordinates.
+/// A screen, in screen coordinates.
 struct ScreenArea {
   QRect whole;
   QRect available;  ///< without panels
@@ -35,21 +38,54 @@ class CompositorPlacement {
   virtual void moveTo(const QPoint& corner) = 0;
 };
 
-/// What is left of a screen beside a panel of which only the window is known: panels do not always reserve
-/// their space, and window systems do not always tell it. A window that can be none leaves the screen as it
-/// is.
+/// The screen without the panel whose window is `panel`, for panels that reserve no space or whose reserved
+/// space the window system does not report. Returns `screen` unchanged when the window cannot be a panel.
 ScreenArea besidePanel(const ScreenArea& screen, const QRect& panel);
 
-/// Whether a position that a host sent for a click can be one: on the screen, and near an edge, where panels
-/// are.
+/// Whether the position of a click, as a host reports it, can be right: on the screen and near an edge, where
+/// panels are.
 bool isPlausibleAnchor(const QPoint& position, const ScreenArea& screen);
 
-/// The frame of a popover of `size` beside the menu-bar item at `anchor`: next to the screen edge that the
-/// anchor is nearest to, centred on it along that edge, wholly inside the available area. Without an anchor
-/// it is the top trailing corner.
+/// The frame of a popover of `size` beside the menu-bar item at `anchor`: next to the screen edge nearest to
+/// the anchor, centred on the anchor along that edge, and inside the available area. Without an anchor it is
+/// in the top right corner.
 QRect popoverFrame(const std::optional<QPoint>& anchor, const QSize& size, const ScreenArea& screen);
 
-/// The most height that a popover may take there.
+/// The largest height of a popover on the screen.
 int popoverHeightLimit(const ScreenArea& screen);
+
+/// Finds and moves an open window through a compositor. Main thread.
+class CompositorConnection {
+ public:
+  /// Calls `located` whenever the compositor has reported the pointer's place. `placement` may be null.
+  CompositorConnection(std::unique_ptr<CompositorPlacement> placement, std::function<void()> located);
+
+  /// While disabled, the compositor is not asked.
+  void setEnabled(bool isEnabled) { isEnabled_ = isEnabled; }
+
+  /// Call when the window was shown. Asks the compositor every 4 ms until it knows the window, up to 75
+  /// times.
+  void startLocating();
+
+  /// Call when the window was closed.
+  void stopLocating() { timer_.stop(); }
+
+  /// Nothing until the compositor has reported it.
+  const std::optional<CompositorPlace>& place() const { return place_; }
+
+  /// Moves the window's upper left corner there, unless that was the last request.
+  void moveTo(QPoint corner);
+
+ private:
+  void locate();
+
+  std::unique_ptr<CompositorPlacement> placement_;
+  bool isEnabled_ = true;
+  std::optional<CompositorPlace> place_;
+  std::optional<QPoint> requestedCorner_;
+  QTimer timer_;
+  int attemptsLeft_ = 0;
+  std::function<void()> located_;
+};
 
 }  // namespace tarn

@@ -19,7 +19,7 @@ constexpr int stackSpacing = 12;
 constexpr int headerSpacing = 8;
 constexpr int headerGlyph = 14;
 
-/// The same text, kept from breaking anywhere but after a separator.
+/// The same text with no-break spaces, so that lines break after separators only.
 QString breakingAfterSeparators(QString text) {
   text.replace(u' ', QChar(QChar::Nbsp));
   return text.replace(QStringLiteral("\u00a0·\u00a0"), QStringLiteral("\u00a0· "));
@@ -34,15 +34,17 @@ QVBoxLayout* makeStack(QWidget* widget) {
 
 }  // namespace
 
-PopoverView::PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& prefs,
-                         FileIconLoader loadFileIcon, const Vendor& vendor, QWidget* parent)
+PopoverView::PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& preferences,
+                         const Formatters& formatters, FileIconLoader loadFileIcon, const Vendor& vendor,
+                         QWidget* parent)
     : QWidget(parent),
       model_(std::move(model)),
-      prefs_(prefs),
+      preferences_(preferences),
+      formatters_(formatters),
       icons_(std::move(loadFileIcon)),
       renderer_([this] { render(); }),
       tabPicker_(new TabPicker),
-      footer_(new PopoverFooter(prefs, vendor)) {
+      footer_(new PopoverFooter(preferences, vendor)) {
   setFixedWidth(popoverWidth);
   auto* stack = makeStack(this);
   stack->setContentsMargins(0, padding, 0, padding);
@@ -56,7 +58,7 @@ PopoverView::PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& p
   addInset(stack, footer_);
 
   tabPicker_->setTab(tab_);
-  connect(tabPicker_, &TabPicker::tabChosen, this, &PopoverView::chooseTab);
+  connect(tabPicker_, &TabPicker::tabSelected, this, &PopoverView::selectTab);
   connect(applicationList_, &ApplicationList::toggled, this, &PopoverView::toggle);
   connect(footer_, &PopoverFooter::quitRequested, this, &PopoverView::quitRequested);
   connect(footer_, &PopoverFooter::urlRequested, this, &PopoverView::urlRequested);
@@ -64,18 +66,18 @@ PopoverView::PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& p
     if (isVisible()) renderer_.schedule();
   };
   connect(model_.get(), &MonitorViewModel::willChange, this, renderSoon);
-  connect(&prefs_, &Preferences::willChange, this, renderSoon);
+  connect(&preferences_, &Preferences::willChange, this, renderSoon);
   render();
 }
 
 QLayout* PopoverView::makeStatusLine() {
   statusGlyph_ = new GlyphView(headerGlyph, SymbolWeight::semibold);
   statusGlyph_->setFixedSize(headerGlyph, headerGlyph);
-  statusText_ = new TextLabel(systemFont(13, QFont::Medium), TextStyle::primary, Overflow::wraps);
+  statusText_ = new TextLabel(systemFont(13, QFont::Medium), TextStyle::primary, Overflow::wrap);
   auto* line = new QHBoxLayout;
   line->setContentsMargins(0, 0, 0, 0);
   line->setSpacing(headerSpacing);
-  // One point lower, so that the glyph sits level with the first line of text.
+  // The glyph is one point lower, level with the first line of text.
   auto* glyphColumn = new QVBoxLayout;
   glyphColumn->setContentsMargins(0, 1, 0, 0);
   glyphColumn->addWidget(statusGlyph_);
@@ -88,13 +90,13 @@ QLayout* PopoverView::makeStatusLine() {
 QWidget* PopoverView::makeApplicationSection() {
   auto* section = new QWidget;
   auto* stack = makeStack(section);
-  // The list brings some of the space around its rows itself.
+  // The list has margins around its rows.
   auto* list = new QVBoxLayout;
   list->setSpacing(stackSpacing - ApplicationList::highlightRise);
   applicationList_ = new ApplicationList(icons_);
   auto* scroller = new ApplicationListScroller(applicationList_);
-  // Wider than the text beside it: the highlight of a row reaches into the padding, and the scroll bar, where
-  // one is needed, takes the rest of it on the trailing side.
+  // The list is wider than the other widgets: a row's highlight extends into the padding. A scroll bar takes
+  // the rest of the padding on the trailing side.
   auto* wide = new QHBoxLayout;
   wide->setContentsMargins(0, 0, 0, 0);
   wide->addSpacing(padding - ApplicationList::highlightReach);
@@ -105,8 +107,8 @@ QWidget* PopoverView::makeApplicationSection() {
   addInset(list, new Divider);
   stack->addLayout(list, 1);
 
-  detailLine_ = new TextLabel(systemFont(11), TextStyle::secondary, Overflow::wraps);
-  explainer_ = new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::wraps);
+  detailLine_ = new TextLabel(systemFont(11), TextStyle::secondary, Overflow::wrap);
+  explainer_ = new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::wrap);
   addInset(stack, detailLine_);
   addInset(stack, explainer_);
   return section;
@@ -115,7 +117,7 @@ QWidget* PopoverView::makeApplicationSection() {
 QWidget* PopoverView::makeSystemSection() {
   auto* section = new QWidget;
   auto* stack = makeStack(section);
-  auto* footnote = new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::wraps);
+  auto* footnote = new TextLabel(systemFont(10), TextStyle::tertiary, Overflow::wrap);
   footnote->setText(systemFootnote());
   addInset(stack, new Divider);
   addInset(stack, systemPanel_ = new SystemPanel);
@@ -136,7 +138,7 @@ void PopoverView::toggle(const std::string& id) {
   render();
 }
 
-void PopoverView::chooseTab(PopoverTab tab) {
+void PopoverView::selectTab(PopoverTab tab) {
   tab_ = tab;
   render();
 }
@@ -172,16 +174,18 @@ void PopoverView::renderStatusLine() {
 }
 
 void PopoverView::renderApplications() {
-  if (model_->snapshot()) applicationList_->setRows(applicationRows(*model_->snapshot(), tab_, expanded_));
+  if (model_->snapshot())
+    applicationList_->setRows(applicationRows(*model_->snapshot(), tab_, expanded_, formatters_));
   const QString detail =
-      detailString(tab_, model_->snapshot(), model_->cpuPresentation(), model_->thermalState());
+      detailString(tab_, model_->snapshot(), model_->cpuPresentation(), model_->thermalState(), formatters_);
   detailLine_->setText(breakingAfterSeparators(detail));
   detailLine_->setAccessibleName(detail);
   explainer_->setText(explainer(tab_));
 }
 
 void PopoverView::renderSystem() {
-  if (model_->extras()) systemPanel_->setRows(systemRows(*model_->extras(), model_->thermalState()));
+  if (model_->extras())
+    systemPanel_->setRows(systemRows(*model_->extras(), model_->thermalState(), formatters_));
 }
 
 }  // namespace tarn

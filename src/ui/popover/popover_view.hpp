@@ -13,29 +13,30 @@
 #include "monitor/preferences.hpp"
 #include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/application_list.hpp"
+#include "ui/popover/popover_content.hpp"
 #include "ui/popover/popover_footer.hpp"
-#include "ui/popover/popover_tab.hpp"
 #include "ui/popover/system_panel.hpp"
 #include "ui/popover/tab_picker.hpp"
-#include "ui/widgets/glyph_view.hpp"
+#include "ui/widgets/controls.hpp"
 #include "ui/widgets/render_scheduler.hpp"
 #include "ui/widgets/text_label.hpp"
 
 namespace tarn {
 
-/// The root view of the popover: verdict, tab picker, the tab's content, footer. 320 points wide, as high as
-/// its content. The chosen tab and the open rows last as long as the view.
+/// The root view of the popover: status line, tab picker, the tab's content, footer. 320 points wide, as high
+/// as its content. It keeps the selected tab and the expanded rows while it is hidden.
 ///
-/// Coming on screen and leaving it are passed on to the view model. While it is hidden it renders nothing.
+/// It calls the view model's popoverOpened() and popoverClosed() when it is shown and hidden. While it is
+/// hidden it renders nothing.
 class PopoverView : public QWidget {
   Q_OBJECT
 
  public:
-  /// `prefs` outlives the view.
-  PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& prefs, FileIconLoader loadFileIcon,
-              const Vendor& vendor, QWidget* parent = nullptr);
+  /// `preferences` and the formatters outlive the view.
+  PopoverView(std::shared_ptr<MonitorViewModel> model, Preferences& preferences, const Formatters& formatters,
+              FileIconLoader loadFileIcon, const Vendor& vendor, QWidget* parent = nullptr);
 
-  /// Opens a closed row and closes an open one.
+  /// Expands or collapses a row.
   void toggle(const std::string& id);
 
   PopoverTab tab() const { return tab_; }
@@ -56,14 +57,15 @@ class PopoverView : public QWidget {
   QWidget* makeSystemSection();
   void addInset(QVBoxLayout* stack, QWidget* widget);
 
-  void chooseTab(PopoverTab tab);
+  void selectTab(PopoverTab tab);
   void render();
   void renderStatusLine();
   void renderApplications();
   void renderSystem();
 
   std::shared_ptr<MonitorViewModel> model_;
-  Preferences& prefs_;
+  Preferences& preferences_;
+  Formatters formatters_;
   AppIconProvider icons_;
   std::set<std::string> expanded_;
   PopoverTab tab_ = PopoverTab::memory;

@@ -14,17 +14,18 @@
 #include <QWindow>
 #include <utility>
 
-#include "ui/widgets/rounded_frame.hpp"
+#include "ui/widgets/painting.hpp"
 
 namespace tarn {
 
 namespace {
 
 constexpr int cornerRadius = 12;
-constexpr int shadowReach = 28;  ///< points around the content that the shadow fades out in
-constexpr int shadowDrop = 6;    ///< how far below the content the shadow lies
-constexpr std::chrono::milliseconds reopenGuard{400};  ///< in which a click's release follows its press
-constexpr int itemReach = 48;                          ///< a press this close to the click was the same click
+constexpr int shadowReach = 28;  ///< width of the shadow around the content, points
+constexpr int shadowDrop = 6;    ///< offset of the shadow below the content, points
+/// A click this soon after a press outside, and this near to it, is the release of that press.
+constexpr std::chrono::milliseconds sameClickTime{400};
+constexpr int sameClickDistance = 48;
 
 Qt::WindowFlags flagsFor(PopoverStyle style) {
   switch (style) {
@@ -38,7 +39,7 @@ Qt::WindowFlags flagsFor(PopoverStyle style) {
   return Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
 }
 
-/// The window's outline where nothing blends it: the same shape as is painted, pixel for pixel.
+/// The window's shape where it is not blended: exactly the pixels that are painted.
 QBitmap roundedMask(const QSize& size) {
   QBitmap mask(size);
   mask.clear();
@@ -49,7 +50,7 @@ QBitmap roundedMask(const QSize& size) {
   return mask;
 }
 
-/// Thin layers that add up to a soft shadow, densest at the content's edge.
+/// Draws thin translucent layers that add up to a shadow, darkest at the content's edge.
 void paintShadow(QPainter& painter, const QRectF& content) {
   constexpr int layers = 14;
   painter.setRenderHint(QPainter::Antialiasing);
@@ -94,10 +95,10 @@ void PopoverWindow::toggle(PopoverStyle style, const PopoverGeometry& geometry,
     close();
     return;
   }
-  // A person's click closes the popover with its press and would reopen it with its release.
+  // The press of a click on the item closes the popover. Its release must not open the popover again.
   const bool isNear = style_ == PopoverStyle::tool || !geometry.anchor ||
-                      (*geometry.anchor - lastPress_).manhattanLength() < itemReach;
-  const bool sameClick = isNear && closedByPress_ && clock_() - *closedByPress_ < reopenGuard;
+                      (*geometry.anchor - lastPress_).manhattanLength() < sameClickDistance;
+  const bool sameClick = isNear && closedByPress_ && clock_() - *closedByPress_ < sameClickTime;
   closedByPress_.reset();
   if (sameClick) return;
   open(style, geometry, capabilities);
@@ -107,7 +108,7 @@ void PopoverWindow::toggle(PopoverStyle style, const PopoverGeometry& geometry,
 void PopoverWindow::applyStyle(PopoverStyle style, const WindowCapabilities& capabilities) {
   const bool blended = capabilities.blendsWindows && style != PopoverStyle::regular;
   if (blended != blended_ || style != style_ || !testAttribute(Qt::WA_WState_Created)) {
-    destroy();  // flags and translucency belong to the native window, which is made anew
+    destroy();  // flags and translucency belong to the native window: it is created again
     setWindowFlags(flagsFor(style));
     setAttribute(Qt::WA_TranslucentBackground, blended);
   }
@@ -135,9 +136,9 @@ ScreenArea PopoverWindow::screenArea() const {
   return isInPanel ? besidePanel(area, *panel) : area;
 }
 
-/// The content's height is asked for before the window is first drawn, and depends on fonts and layouts that
-/// the toolkit would see to later.
-void PopoverWindow::settleContent() {
+/// Applies fonts and layouts now. The content's height depends on them, and Qt applies them after the window
+/// is shown.
+void PopoverWindow::updateContentLayout() {
   for (const QWidget* widget : view_->findChildren<QWidget*>()) widget->ensurePolished();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
 }
@@ -155,7 +156,7 @@ void PopoverWindow::place(const QSize& size) {
   if (isPlaced_) {
     setGeometry(popoverFrame(geometry_.anchor, size, screenArea()).marginsAdded(margins));
   } else {
-    // Compositors that tile let a window float from the start if it can have only one size.
+    // Tiling compositors let a window of fixed size float.
     if (style_ == PopoverStyle::tool) {
       setFixedSize(size.grownBy(margins));
     } else {
@@ -165,7 +166,7 @@ void PopoverWindow::place(const QSize& size) {
     }
     moveByCompositor(size);
   }
-  cutCorners();
+  updateMask();
 }
 
 void PopoverWindow::moveByCompositor(const QSize& size) {
@@ -176,12 +177,12 @@ void PopoverWindow::moveByCompositor(const QSize& size) {
   compositor_.moveTo(frame.marginsAdded(layout()->contentsMargins()).topLeft());
 }
 
-/// Where nothing blends the corners, the window itself is cut. The toolkit's own mask of a widget would also
-/// be what everything is clipped to that is painted in it, which costs time and memory.
-void PopoverWindow::cutCorners() {
+/// Sets the mask of the native window where its corners are not blended. QWidget::setMask() would also clip
+/// all painting to the mask, which costs time and memory.
+void PopoverWindow::updateMask() {
   if (windowHandle() == nullptr) return;
-  const bool isCut = style_ != PopoverStyle::regular && !blended_;
-  windowHandle()->setMask(isCut ? QRegion(roundedMask(size())) : QRegion());
+  const bool isMasked = style_ != PopoverStyle::regular && !blended_;
+  windowHandle()->setMask(isMasked ? QRegion(roundedMask(size())) : QRegion());
 }
 
 bool PopoverWindow::event(QEvent* event) {
@@ -192,10 +193,10 @@ bool PopoverWindow::event(QEvent* event) {
 
 void PopoverWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
-  compositor_.seek();
-  settleContent();
+  compositor_.startLocating();
+  updateContentLayout();
   fitToContent();
-  // Nothing is ringed until somebody uses the keyboard; Tab then goes to the first control.
+  // No control has the focus at first. Tab moves it to the first control.
   setFocus(Qt::OtherFocusReason);
 }
 
@@ -203,13 +204,13 @@ void PopoverWindow::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
   const bool lostFocus = event->type() == QEvent::ActivationChange && !isActiveWindow();
   if (!lostFocus || style_ != PopoverStyle::tool || !isVisible()) return;
-  closedByPress_ = clock_();  // perhaps: the click on the item took the focus
+  closedByPress_ = clock_();  // the press may have been on the item
   close();
 }
 
 void PopoverWindow::closeEvent(QCloseEvent* event) {
   QWidget::closeEvent(event);
-  compositor_.leave();
+  compositor_.stopLocating();
   Q_EMIT closed();
 }
 

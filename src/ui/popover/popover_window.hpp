@@ -10,7 +10,6 @@
 #include <memory>
 #include <optional>
 
-#include "ui/popover/compositor_seat.hpp"
 #include "ui/popover/popover_placement.hpp"
 #include "ui/popover/popover_view.hpp"
 #include "ui/widgets/theme.hpp"
@@ -20,17 +19,17 @@ namespace tarn {
 /// How the popover's window behaves.
 enum class PopoverStyle {
   popup,    ///< any press outside closes it, and the focus stays where it was
-  tool,     ///< takes the focus, and closes when it loses it
-  regular,  ///< an ordinary small window that stays, for when there is no menu bar
+  tool,     ///< takes the focus, and closes when it loses the focus
+  regular,  ///< an ordinary window that stays open, when there is no menu bar
 };
 
 /// What the window system supports. A compositor may start or stop at any time, so this is read before each
 /// opening.
 struct WindowCapabilities {
-  bool clientsPlaceWindows = true;  ///< X11 and macOS: yes, Wayland: no
-  bool blendsWindows = false;       ///< a compositor shows translucent windows
-  bool popupsTakeKeys = true;       ///< if not, the popover is a window that takes the focus
-  bool hostKnowsItsPlace = false;   ///< the host reports the exact position of a click on the item
+  bool clientsPlaceWindows = true;    ///< X11 and macOS: yes, Wayland: no
+  bool blendsWindows = false;         ///< a compositor shows translucent windows
+  bool popupsTakeKeys = true;         ///< if not, the popover is a window that takes the focus
+  bool clickPositionIsExact = false;  ///< the host reports the exact position of a click on the item
 };
 
 /// Where a popover opens, in screen coordinates.
@@ -39,8 +38,8 @@ struct PopoverGeometry {
   std::optional<QRect> windowUnderPointer = {};  ///< the panel, when the item was clicked and X11 reports it
 };
 
-/// The window around the popover's view: soft corners and a shadow where the window system blends windows,
-/// soft corners and a hairline elsewhere. Main thread.
+/// The window around the popover's view. It has rounded corners, a border, and a shadow if the window system
+/// blends windows. Main thread.
 class PopoverWindow : public QWidget {
   Q_OBJECT
 
@@ -56,14 +55,14 @@ class PopoverWindow : public QWidget {
   /// Shows the popover beside the item; without an anchor, in the screen's corner.
   void open(PopoverStyle style, const PopoverGeometry& geometry, const WindowCapabilities& capabilities);
 
-  /// What a click on the item means: opens, or closes what is open. A click whose press already closed the
-  /// popover does not open it again.
+  /// Handles a click on the item: opens or closes the popover. A click whose press already closed the popover
+  /// does not open it again.
   void toggle(PopoverStyle style, const PopoverGeometry& geometry, const WindowCapabilities& capabilities);
 
   PopoverStyle style() const { return style_; }
 
  Q_SIGNALS:
-  /// The window was closed, by the user or from here.
+  /// The window was closed, by the user or by this program.
   void closed();
 
  protected:
@@ -78,10 +77,10 @@ class PopoverWindow : public QWidget {
  private:
   void applyStyle(PopoverStyle style, const WindowCapabilities& capabilities);
   void moveByCompositor(const QSize& size);
-  void settleContent();
+  void updateContentLayout();
   void fitToContent();
   void place(const QSize& size);
-  void cutCorners();
+  void updateMask();
   QRect contentFrame() const;
   ScreenArea screenArea() const;
 
@@ -89,12 +88,12 @@ class PopoverWindow : public QWidget {
   PopoverStyle style_ = PopoverStyle::popup;
   PopoverGeometry geometry_;
   bool blended_ = false;
-  bool isPlaced_ = true;  ///< beside the item
-  CompositorSeat compositor_;
-  bool isAtPointer_ = false;  ///< it was opened by a click
+  bool isPlaced_ = true;  ///< by this program, beside the item
+  CompositorConnection compositor_;
+  bool isAtPointer_ = false;  ///< a click opened it
   Clock clock_;
-  QPoint lastPress_;  ///< where that press was, in screen coordinates
-  /// When a press outside closed the popover; absent unless that is how it was closed last.
+  QPoint lastPress_;  ///< position of the press outside that closed the popover last, in screen coordinates
+  /// When a press outside closed the popover. Nothing if it was closed in another way.
   std::optional<std::chrono::steady_clock::time_point> closedByPress_;
 };
 

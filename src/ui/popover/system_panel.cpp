@@ -10,7 +10,7 @@ namespace tarn {
 namespace {
 
 constexpr int rowPadding = 1;  ///< above and below each row
-constexpr int glyphSize = 16;  ///< as large as its text, with the air that the grid has around it
+constexpr int glyphSize = 16;  ///< as high as the text, with the margin of the symbol's grid
 constexpr int spacingOfRows = 8;
 
 }  // namespace
@@ -30,7 +30,7 @@ ExtrasRowView::ExtrasRowView(QWidget* parent)
 }
 
 void ExtrasRowView::setContent(const ExtrasRow& content) {
-  icon_->setSymbol(content.icon, TextStyle::secondary);
+  icon_->setSymbol(content.symbol, TextStyle::secondary);
   texts_->setTexts(content.label, content.secondary);
   value_->setText(content.value);
   value_->updateGeometry();
@@ -47,15 +47,7 @@ SystemPanel::SystemPanel(QWidget* parent)
 
 void SystemPanel::setRows(const std::vector<ExtrasRow>& rows) {
   placeholder_->hide();
-  while (rows_.size() > rows.size()) {
-    delete rows_.back();
-    rows_.pop_back();
-  }
-  while (rows_.size() < rows.size()) {
-    rows_.push_back(new ExtrasRowView(this));
-    layout_->addWidget(rows_.back());
-    rows_.back()->show();
-  }
+  setWidgetCount(rows_, rows.size(), *layout_, this);
   for (std::size_t i = 0; i < rows.size(); ++i) rows_[i]->setContent(rows[i]);
 }
 

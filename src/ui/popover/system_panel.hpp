@@ -7,14 +7,14 @@
 #include <QWidget>
 #include <vector>
 
-#include "ui/widgets/glyph_view.hpp"
-#include "ui/popover/row_text.hpp"
-#include "ui/popover/system_content.hpp"
+#include "ui/popover/app_row.hpp"
+#include "ui/popover/popover_content.hpp"
+#include "ui/widgets/controls.hpp"
 #include "ui/widgets/text_label.hpp"
 
 namespace tarn {
 
-/// One fact: glyph, texts and figure.
+/// One row of the System tab: glyph, texts and figure.
 class ExtrasRowView : public QWidget {
   Q_OBJECT
 
@@ -29,7 +29,7 @@ class ExtrasRowView : public QWidget {
   FigureLabel* value_;
 };
 
-/// The facts of the System tab, one below the other; a placeholder until the first of them are known.
+/// The rows of the System tab, or "Reading…" until the first figures are known.
 class SystemPanel : public QWidget {
   Q_OBJECT
 

@@ -6,7 +6,7 @@
 #include <QHBoxLayout>
 #include <QPainter>
 
-#include "ui/widgets/focus_ring.hpp"
+#include "ui/widgets/painting.hpp"
 #include "ui/widgets/theme.hpp"
 
 namespace tarn {
@@ -22,7 +22,7 @@ constexpr int segmentRadius = 5;
 
 TabSegment::TabSegment(const QString& label, QWidget* parent) : QRadioButton(label, parent) {
   setAttribute(Qt::WA_Hover);
-  setFocusPolicy(Qt::NoFocus);  // until it is chosen
+  setFocusPolicy(Qt::NoFocus);  // until it is selected
   setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding);
 }
 
@@ -41,7 +41,7 @@ void TabSegment::paintEvent(QPaintEvent* /*event*/) {
   const QRectF frame = rect();
   painter.setPen(Qt::NoPen);
   if (isChecked()) {
-    // A soft edge below lifts the chosen segment off the picker.
+    // A shadow below the selected segment.
     painter.setBrush(QColor(0, 0, 0, 36));
     painter.drawRoundedRect(frame.adjusted(0, 1, 0, 0), segmentRadius, segmentRadius);
     painter.setBrush(theme.controlSelected);
@@ -71,9 +71,9 @@ TabPicker::TabPicker(QWidget* parent) : QWidget(parent), segments_(new QButtonGr
   add(PopoverTab::cpu, QStringLiteral("CPU"));
   add(PopoverTab::system, QStringLiteral("System"));
   connect(segments_, &QButtonGroup::idToggled, this, [this](int id, bool checked) {
-    // The toolkit would have Tab enter the segment that had the focus last, chosen or not.
+    // Otherwise Qt moves the focus to the segment that had it last, selected or not.
     segments_->button(id)->setFocusPolicy(checked ? Qt::TabFocus : Qt::NoFocus);
-    if (checked) Q_EMIT tabChosen(static_cast<PopoverTab>(id));
+    if (checked) Q_EMIT tabSelected(static_cast<PopoverTab>(id));
   });
 }
 

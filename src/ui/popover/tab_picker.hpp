@@ -7,7 +7,7 @@
 #include <QRadioButton>
 #include <QWidget>
 
-#include "ui/popover/popover_tab.hpp"
+#include "ui/popover/popover_content.hpp"
 
 namespace tarn {
 
@@ -24,7 +24,7 @@ class TabSegment : public QRadioButton {
   void paintEvent(QPaintEvent* event) override;
 };
 
-/// The segmented control that chooses the popover's tab; the arrow keys move the choice.
+/// The segmented control that selects the popover's tab. The arrow keys move the selection.
 class TabPicker : public QWidget {
   Q_OBJECT
 
@@ -34,7 +34,7 @@ class TabPicker : public QWidget {
   void setTab(PopoverTab tab);
 
  Q_SIGNALS:
-  void tabChosen(PopoverTab tab);
+  void tabSelected(PopoverTab tab);
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -15,10 +15,10 @@ namespace {
 constexpr double regularStroke = 1.3;
 constexpr double semiboldStroke = 1.6;
 
-/// Fine enough that curves stay smooth when the grid is drawn many times its size.
+/// Grid units. Small enough for smooth curves when the symbol is drawn at many times the size of the grid.
 constexpr double curveTolerance = 0.02;
 
-/// Twice the area inside `outline`; negative when it turns anticlockwise as seen on the screen.
+/// Twice the area of `outline`. Negative if it is counterclockwise on the screen.
 double signedArea(const QPolygonF& outline) {
   double sum = 0;
   for (qsizetype index = 0; index < outline.size(); ++index) {
@@ -79,9 +79,9 @@ QRectF SymbolSketch::snappedBox(const QRectF& box) const {
           QPointF(snapped(box.right()), snapped(box.bottom()))};
 }
 
-// Filled outlines and those that a stroker makes turn clockwise, holes the other way: the winding rule then
-// joins what overlaps and leaves the holes open, which costs far less than joining and cutting the paths
-// themselves.
+// Filled outlines and QPainterPathStroker's outlines are clockwise, holes are counterclockwise. The winding
+// fill rule then unites overlapping areas and leaves holes open. QPainterPath::united() and subtracted() are
+// much slower.
 
 void SymbolSketch::stroke(const QPainterPath& path, double width) {
   QPainterPathStroker stroker;

@@ -13,10 +13,10 @@
 
 namespace tarn {
 
-/// Collects one symbol's area from round-ended strokes, filled areas and holes.
+/// Collects the area of one symbol from strokes with round ends, filled areas and holes.
 ///
-/// Lengths are units of the 16-unit grid, with the origin in the middle and y downwards. The sketch knows how
-/// many pixels the symbol will cover, so that straight edges can be put on pixel boundaries.
+/// Lengths are in units of the 16-unit grid. The origin is in the centre and y points down. The sketch knows
+/// the symbol's size in pixels, so that straight edges can be aligned to pixel boundaries.
 class SymbolSketch {
  public:
   /// The side of the grid.
@@ -25,22 +25,22 @@ class SymbolSketch {
   /// A sketch for a square of `pixels` pixels, at least 1.
   SymbolSketch(int pixels, SymbolWeight weight);
 
-  /// The stroke width of the weight asked for.
+  /// The stroke width of the symbol's weight.
   double strokeWidth() const { return strokeWidth_; }
 
-  /// The position of the pixel boundary nearest to `position`. Positions that mirror each other stay so.
+  /// The position of the pixel boundary nearest to `position`. snapped(-x) is -snapped(x).
   double snapped(double position) const;
 
   /// `length` rounded to a whole number of pixels.
   double wholePixels(double length) const;
 
-  /// Strokes with round ends and joins; without a width, in the symbol's own.
+  /// Strokes with round ends and joins. The default width is strokeWidth().
   void stroke(const QPainterPath& path, double width);
   void stroke(const QPainterPath& path) { stroke(path, strokeWidth_); }
   void strokeLine(std::initializer_list<QPointF> points, double width);
   void strokeLine(std::initializer_list<QPointF> points) { strokeLine(points, strokeWidth_); }
 
-  /// Strokes a rounded box, and a ring around the origin, whose outer edges are the snapped ones given.
+  /// Strokes a rounded box, or a ring around the origin. The outer edges are the given ones, snapped.
   void strokeBox(const QRectF& outer, double radius);
   void strokeRing(double outerRadius);
 
@@ -52,18 +52,18 @@ class SymbolSketch {
   /// Fills the polygon of `corners`; each corner is cut back by up to `rounding` and replaced by a curve.
   void fillPolygon(const QPolygonF& corners, double rounding);
 
-  /// Makes a see-through hole in a filled area. What lies in the hole may be covered once, not twice.
+  /// Cuts a transparent hole into a filled area, which must not overlap another one there.
   void cutDisc(const QPointF& centre, double radius);
 
-  /// `box` with each edge on a pixel boundary.
+  /// `box` with every edge moved to the nearest pixel boundary.
   QRectF snappedBox(const QRectF& box) const;
 
-  /// Everything sketched so far, to be filled by its own rule.
+  /// The area collected so far. Fill it with its own fill rule.
   const QPainterPath& area() const { return area_; }
 
  private:
   double pixelsPerUnit_;
-  double firstBoundary_;  ///< distance in pixels from the middle to the nearest pixel boundary: 0 or one half
+  double firstBoundary_;  ///< distance from the centre to the nearest pixel boundary, 0 or 0.5 pixels
   double strokeWidth_;
   QPainterPath area_;
 };

@@ -7,9 +7,7 @@
 #include <QPainter>
 #include <QStyle>
 
-#include "ui/widgets/focus_ring.hpp"
-#include "ui/symbols/symbols.hpp"
-#include "ui/widgets/theme.hpp"
+#include "ui/widgets/painting.hpp"
 
 namespace tarn {
 
@@ -18,7 +16,7 @@ namespace {
 constexpr int boxSize = 14;
 constexpr int boxGap = 6;
 constexpr double boxRadius = 3.5;
-constexpr int labelReach = 4;  ///< of the focus ring beyond the label, in the gap and at the end
+constexpr int labelReach = 4;  ///< distance from the label to its focus ring, on both sides
 constexpr double labelRingRadius = 4;
 constexpr int pillPadding = 10;
 constexpr int pillHeight = 18;
@@ -29,6 +27,27 @@ QSize textSize(const QWidget& widget, const QString& text) {
 }
 
 }  // namespace
+
+GlyphView::GlyphView(double size, SymbolWeight weight, QWidget* parent)
+    : QWidget(parent), size_(size), weight_(weight) {
+  setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void GlyphView::setSymbol(const QString& name, Color color) {
+  if (name == name_ && color == color_) return;
+  name_ = name;
+  color_ = color;
+  update();
+}
+
+void GlyphView::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const QRectF frame((width() - size_) / 2, (height() - size_) / 2, size_, size_);
+  const Theme& theme = themeOf(*this);
+  drawSymbol(painter, name_, frame, std::visit([&](auto color) { return theme.color(color); }, color_),
+             weight_);
+}
 
 Divider::Divider(QWidget* parent) : QWidget(parent) {
   setFixedHeight(1);
@@ -72,7 +91,7 @@ void CheckBox::paintEvent(QPaintEvent* /*event*/) {
   }
   const QRect label =
       QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(boxSize + boxGap, 0, -labelReach, 0));
-  // Around the label: around the box it would hardly show beside the colour of a tick.
+  // The ring is around the label: around a checked box its contrast with the accent colour is too low.
   if (hasFocus())
     drawFocusRing(painter, label.adjusted(-labelReach, 0, labelReach, 0), labelRingRadius, theme);
   painter.setPen(theme.primary);
@@ -82,7 +101,7 @@ void CheckBox::paintEvent(QPaintEvent* /*event*/) {
 PillButton::PillButton(const QString& label, QWidget* parent) : QPushButton(label, parent) {
   setAttribute(Qt::WA_Hover);
   setFocusPolicy(Qt::TabFocus);
-  setAutoDefault(true);  // Return presses it, too
+  setAutoDefault(true);  // Return clicks it
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
@@ -107,7 +126,7 @@ LinkButton::LinkButton(const QString& label, QWidget* parent) : QPushButton(labe
   setCursor(Qt::PointingHandCursor);
   setAttribute(Qt::WA_Hover);
   setFocusPolicy(Qt::TabFocus);
-  setAutoDefault(true);  // Return presses it, too
+  setAutoDefault(true);  // Return clicks it
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 

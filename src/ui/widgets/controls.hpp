@@ -1,17 +1,48 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The popover's small controls, drawn in the theme's colours.
+// Small widgets in the theme's colours.
 
 #pragma once
 
 #include <QCheckBox>
 #include <QPushButton>
+#include <QString>
 #include <QWidget>
+#include <variant>
+
+#include "ui/symbols/symbols.hpp"
+#include "ui/widgets/theme.hpp"
 
 namespace tarn {
 
-/// A hairline across the popover.
+/// A symbol in a colour of the theme, centred in the view's frame. It is decorative: the text beside it says
+/// the same.
+class GlyphView : public QWidget {
+  Q_OBJECT
+
+ public:
+  using Color = std::variant<TextStyle, Tint>;
+
+  /// `size` is that of the symbol, in points. The caller sets the size of the view.
+  GlyphView(double size, SymbolWeight weight, QWidget* parent = nullptr);
+
+  void setSymbol(const QString& name, Color color);
+
+  const QString& symbolName() const { return name_; }
+  Color color() const { return color_; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  double size_;
+  SymbolWeight weight_;
+  QString name_;
+  Color color_ = TextStyle::secondary;
+};
+
+/// A horizontal line, one point high.
 class Divider : public QWidget {
   Q_OBJECT
 
@@ -35,7 +66,7 @@ class CheckBox : public QCheckBox {
   void paintEvent(QPaintEvent* event) override;
 };
 
-/// A push button with round ends.
+/// A push button with rounded corners.
 class PillButton : public QPushButton {
   Q_OBJECT
 
@@ -47,7 +78,7 @@ class PillButton : public QPushButton {
   void paintEvent(QPaintEvent* event) override;
 };
 
-/// Text that leads to a web page when it is clicked.
+/// A button that looks like a link.
 class LinkButton : public QPushButton {
   Q_OBJECT
 

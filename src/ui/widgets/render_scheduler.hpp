@@ -11,8 +11,8 @@
 
 namespace tarn {
 
-/// Renders once for any number of changes that are announced in one turn of the run loop, after they
-/// happened: observers are told before a value changes, so they must not read it right away. Main thread.
+/// Renders once per turn of the event loop, however many changes were announced. The signals that announce a
+/// change are emitted before the value changes, so rendering has to wait. Main thread.
 class RenderScheduler : public QObject {
  public:
   explicit RenderScheduler(std::function<void()> render) : render_(std::move(render)) {}
@@ -29,7 +29,7 @@ class RenderScheduler : public QObject {
 
   bool event(QEvent* event) override {
     if (event->type() != QEvent::UpdateRequest) return QObject::event(event);
-    // Somebody may have rendered meanwhile.
+    // renderNow() may have been called since.
     if (scheduled_) renderNow();
     return true;
   }

@@ -14,18 +14,18 @@ namespace tarn {
 
 namespace {
 
-/// Width that the text needs; a fraction of a pixel too little would cut it.
+/// The width of the text, rounded up: in a narrower label it would be elided.
 int widthOf(const QString& text, const QFont& font) {
   return static_cast<int>(std::ceil(QFontMetricsF(font).horizontalAdvance(text)));
 }
 
 int advanceOf(const QString& character, const QFontMetrics& metrics) {
-  // A single code unit needs no shaping.
+  // For a single QChar Qt reads the advance without shaping the text.
   return character.size() == 1 ? metrics.horizontalAdvance(character.front())
                                : metrics.horizontalAdvance(character);
 }
 
-bool isWrittenToTheLeft(char32_t letter) {
+bool isRightToLeftLetter(char32_t letter) {
   const QChar::Direction direction = QChar::direction(letter);
   return direction == QChar::DirR || direction == QChar::DirAL;
 }
@@ -44,7 +44,7 @@ int widestDigit(char32_t zero, const QFontMetrics& metrics) {
   return widest;
 }
 
-int sumOfWidths(const auto& cells) {
+int totalWidth(const auto& cells) {
   int width = 0;
   for (const auto& cell : cells) width += cell.width;
   return width;
@@ -58,27 +58,28 @@ TextLabel::TextLabel(const QFont& font, TextStyle style, Overflow overflow, QWid
   setTextInteractionFlags(Qt::NoTextInteraction);
   setFont(font);
   setForegroundRole(paletteRole(style));
-  setWordWrap(overflow == Overflow::wraps);
+  setWordWrap(overflow == Overflow::wrap);
   setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
   setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
 QSize TextLabel::sizeHint() const {
-  if (overflow_ == Overflow::wraps) return QLabel::sizeHint();
+  if (overflow_ == Overflow::wrap) return QLabel::sizeHint();
   return {widthOf(text(), font()), QFontMetrics(font()).height()};
 }
 
 QSize TextLabel::minimumSizeHint() const {
-  if (overflow_ == Overflow::wraps) return QLabel::minimumSizeHint();
+  if (overflow_ == Overflow::wrap) return QLabel::minimumSizeHint();
   return {0, QFontMetrics(font()).height()};
 }
 
 Qt::LayoutDirection TextLabel::textDirection() const {
-  // What begins with a separator continues what stands before it.
+  // A text that begins with a separator continues the label before it.
   if (text().startsWith(u'·')) return layoutDirection();
-  // The first letter decides: the marks around the figures of some locales would turn an English sentence.
+  // The first letter decides. Direction marks around the figures of some locales do not: they would reverse
+  // an English sentence.
   for (const char32_t code : text().toUcs4()) {
-    if (QChar::isLetter(code)) return isWrittenToTheLeft(code) ? Qt::RightToLeft : Qt::LeftToRight;
+    if (QChar::isLetter(code)) return isRightToLeftLetter(code) ? Qt::RightToLeft : Qt::LeftToRight;
   }
   return Qt::LeftToRight;
 }
@@ -87,19 +88,19 @@ void TextLabel::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setPen(palette().color(foregroundRole()));
   painter.setLayoutDirection(textDirection());
-  const auto place =
+  const auto flags =
       static_cast<int>(QStyle::visualAlignment(layoutDirection(), alignment()) | Qt::AlignAbsolute);
-  if (overflow_ == Overflow::wraps) {
-    painter.drawText(rect(), place | Qt::TextWordWrap, text());
+  if (overflow_ == Overflow::wrap) {
+    painter.drawText(rect(), flags | Qt::TextWordWrap, text());
   } else {
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
-    painter.drawText(rect(), place | Qt::TextSingleLine, shown);
+    painter.drawText(rect(), flags | Qt::TextSingleLine, shown);
   }
 }
 
 TextLabel* makePlaceholder(const QString& text) {
   constexpr int padding = 8;
-  auto* label = new TextLabel(systemFont(12), TextStyle::secondary, Overflow::cuts);
+  auto* label = new TextLabel(systemFont(12), TextStyle::secondary, Overflow::elide);
   label->setText(text);
   label->setAlignment(Qt::AlignCenter);
   label->setFixedHeight(label->sizeHint().height() + 2 * padding);
@@ -107,7 +108,7 @@ TextLabel* makePlaceholder(const QString& text) {
 }
 
 FigureLabel::FigureLabel(const QFont& font, TextStyle style, QWidget* parent)
-    : TextLabel(font, style, Overflow::cuts, parent) {
+    : TextLabel(font, style, Overflow::elide, parent) {
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
@@ -117,7 +118,7 @@ std::vector<FigureLabel::Cell> FigureLabel::cells() const {
   std::optional<char32_t> measuredZero;
   int digitWidth = 0;
   for (const char32_t code : text().toUcs4()) {
-    if (QChar::category(code) == QChar::Other_Format) continue;  // tells a direction and has no width
+    if (QChar::category(code) == QChar::Other_Format) continue;  // a direction mark: has no width
     Cell& cell = cells.emplace_back();
     cell.character = QString::fromUcs4(&code, 1);
     cell.advance = cell.width = advanceOf(cell.character, metrics);
@@ -131,7 +132,7 @@ std::vector<FigureLabel::Cell> FigureLabel::cells() const {
 }
 
 QSize FigureLabel::sizeHint() const {
-  return {sumOfWidths(cells()), QFontMetrics(font()).height()};
+  return {totalWidth(cells()), QFontMetrics(font()).height()};
 }
 
 void FigureLabel::paintEvent(QPaintEvent* /*event*/) {
@@ -139,7 +140,7 @@ void FigureLabel::paintEvent(QPaintEvent* /*event*/) {
   painter.setPen(palette().color(foregroundRole()));
   painter.setLayoutDirection(Qt::LeftToRight);
   const std::vector<Cell> shown = cells();
-  int x = isRightToLeft() ? 0 : width() - sumOfWidths(shown);
+  int x = isRightToLeft() ? 0 : width() - totalWidth(shown);
   for (const Cell& cell : shown) {
     painter.drawText(QRect(x + (cell.width - cell.advance) / 2, 0, cell.advance + 1, height()),
                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,

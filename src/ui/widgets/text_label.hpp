@@ -11,14 +11,14 @@
 
 namespace tarn {
 
-/// How a label treats text that is wider than it.
+/// What a label does with text that is wider than the label.
 enum class Overflow {
-  wraps,  ///< onto as many lines as it needs
-  cuts,   ///< one line, with an ellipsis at its end
+  wrap,   ///< break it into lines
+  elide,  ///< show one line that ends in an ellipsis
 };
 
-/// Plain text in one of the text styles. It lies at the leading edge, and runs in the direction of its own
-/// language.
+/// Plain text in one of the text styles, aligned to the leading edge. The writing direction is that of the
+/// text, not of the desktop.
 class TextLabel : public QLabel {
   Q_OBJECT
 
@@ -37,12 +37,12 @@ class TextLabel : public QLabel {
   Overflow overflow_;
 };
 
-/// What stands where figures will be once they are known: centred, with 8 points above and below. The caller
-/// owns it until it has a parent.
+/// A label that is shown until figures are known: centred, with 8 points above and below. The caller owns it
+/// until it has a parent.
 TextLabel* makePlaceholder(const QString& text);
 
-/// A figure whose digits all have the same width, so that it does not jump when it changes; always written
-/// from left to right.
+/// A figure whose digits all have the same width, so that nothing moves when it changes. Always written from
+/// left to right.
 class FigureLabel : public TextLabel {
   Q_OBJECT
 
@@ -56,11 +56,11 @@ class FigureLabel : public TextLabel {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  /// A character and the room that it has, in which it is centred.
+  /// A character, centred in a cell.
   struct Cell {
     QString character;
-    int advance = 0;
-    int width = 0;
+    int advance = 0;  ///< of the character
+    int width = 0;    ///< of the cell
   };
 
   std::vector<Cell> cells() const;

@@ -5,13 +5,34 @@
 
 #include <QColor>
 #include <QFont>
+#include <QObject>
 #include <QPalette>
+#include <optional>
 
 #include "monitor/presentation.hpp"
 
 class QWidget;
 
 namespace tarn {
+
+/// Dark text on a light background, or light text on a dark one.
+enum class ColorScheme { light, dark };
+
+/// The colour scheme that the user chose in the desktop's settings, where Qt's palette does not follow them.
+/// Main thread.
+class ColorSchemeWatcher : public QObject {
+  Q_OBJECT
+
+ public:
+  using QObject::QObject;
+
+  /// Nothing when the user has no preference, or none is known (yet): the palette decides then.
+  virtual std::optional<ColorScheme> preference() const = 0;
+
+ Q_SIGNALS:
+  /// preference() has changed.
+  void changed();
+};
 
 /// Three steps of contrast for text and glyphs.
 enum class TextStyle { primary, secondary, tertiary };
@@ -28,8 +49,8 @@ struct Theme {
   QColor control;          ///< behind buttons and the tab picker
   QColor controlHover;     ///< behind a button under the pointer
   QColor controlSelected;  ///< behind the selected tab
-  QColor accent;           ///< a ticked box
-  QColor focusRing;        ///< stands out on every background and fill above
+  QColor accent;           ///< a checked box
+  QColor focusRing;        ///< has a contrast of 3:1 or more with every background and fill above
   QColor green;
   QColor orange;
   QColor red;
@@ -40,17 +61,17 @@ struct Theme {
   QColor color(TextStyle style) const;
   QColor color(Tint tint) const;
 
-  /// The palette that carries this theme down a tree of widgets.
+  /// A palette with these colours. Child widgets inherit it.
   QPalette palette() const;
 };
 
-/// The theme that a widget is in, by the palette it inherited.
+/// The theme of a widget: light or dark by the palette that it inherited.
 const Theme& themeOf(const QWidget& widget);
 
-/// The palette role through which a text style reaches a label.
+/// The palette role that holds the colour of a text style.
 QPalette::ColorRole paletteRole(TextStyle style);
 
-/// The desktop's interface font at `size` points, which are logical pixels.
+/// The desktop's interface font. `size` is in points, that is in device-independent pixels.
 QFont systemFont(int size, QFont::Weight weight = QFont::Normal);
 
 }  // namespace tarn

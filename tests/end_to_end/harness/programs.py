@@ -14,6 +14,8 @@ from harness.status_item import PanelItem
 
 HOG_MEGABYTES = 300
 FOREIGN_MEGABYTES = 200
+BACKGROUND_PROCESSES = 10
+BACKGROUND_MEGABYTES = 16
 
 # Where there are no process namespaces, another run of these tests may be visible: names are unique for each run.
 HOG = f"Hog {os.getpid()}"
@@ -78,6 +80,15 @@ def start_hog(desktop, name=HOG, child=None):
 def start_burner(desktop, name=BURNER):
     """Starts an application of one process that keeps a core busy."""
     return desktop.start("burner", [application(name, "burn_core")])
+
+
+def start_background(environment):
+    """Starts idle processes, so that even in an empty PID namespace the list of applications is full and stable."""
+    folder = WORK / "background"
+    folder.mkdir(exist_ok=True)
+    for number in range(BACKGROUND_PROCESSES):
+        program = shutil.copy2(BIN / "hold_memory", folder / f"background-{number}")
+        start([program, BACKGROUND_MEGABYTES + number], environment, WORK / "background.log")
 
 
 def foreign_process(desktop):

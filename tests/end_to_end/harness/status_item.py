@@ -69,10 +69,8 @@ class PanelItem(RegisteredItem):
 
     def colours(self):
         """The colours of the item's pixels, as (red, green, blue) triples of 0 to 255."""
-        left, top, width, height = status_area(self._desktop)
-        pixels = self._desktop.run("import", "-silent", "-window", "root", "-crop",
-                                   f"{width}x{height}+{left}+{top}", "-depth", "8", "txt:-")
-        return [tuple(bytes.fromhex(code[:6])) for code in re.findall(r"#([0-9A-F]{6,8})\b", pixels)]
+        image = self._desktop.image_of(status_area(self._desktop))
+        return [colour for line in range(image.height) for colour in image.row(line)]
 
     def _is_drawn(self):
         return status_area(self._desktop) and any(max(colour) - min(colour) > 60 for colour in self.colours())

@@ -8,8 +8,8 @@ import subprocess
 
 from harness.desktop import PRESS_SECONDS, WALLPAPER, Desktop, desktop_settings
 from harness.hosts import XFCE
-from harness.image import Image
 from harness.processes import wait_until
+from harness.x11_screen import X11Screen
 
 SIZE = (1280, 800)
 # The dummy video driver with several monitors, without the machine's own input devices.
@@ -51,6 +51,7 @@ class VirtualDesktop(Desktop):
         super().__init__(host, scheme, panel, accessible)
         self.size = size
         self._monitors = monitors
+        self._screen = None
 
     def _start(self):
         self._make_environment("x11")
@@ -58,6 +59,7 @@ class VirtualDesktop(Desktop):
         self.environment["DISPLAY"] = self._start_display()
         if self._monitors > 1:
             self._arrange_monitors()
+        self._screen = X11Screen(self.environment["DISPLAY"])
         self._start_session_bus()
         # These start side by side.
         self.start("window-manager", ["xfwm4", "--compositor=off"])
@@ -158,16 +160,14 @@ class VirtualDesktop(Desktop):
 
     def image_of(self, area):
         """The pixels of an area of the screen (left, top, width, height)."""
-        return Image.from_ppm(self.run_for_bytes(*self._screenshot_command(area), "-depth", "8", "ppm:-"))
+        return self._screen.image_of(area)
 
     def take_screenshot(self, path, area=None):
         """Saves the screen, or an area of it (left, top, width, height), as a PNG."""
-        self.run(*self._screenshot_command(area), path)
+        left, top, width, height = area or (0, 0, *self.size)
+        self.run("import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{left}+{top}", "+repage", path)
 
-    @staticmethod
-    def _screenshot_command(area):
-        command = ["import", "-silent", "-window", "root"]
-        if area:
-            left, top, width, height = area
-            command += ["-crop", f"{width}x{height}+{left}+{top}", "+repage"]
-        return command
+    def stop(self):
+        if self._screen:
+            self._screen.close()
+        super().stop()

@@ -16,7 +16,7 @@
 #include <optional>
 
 #include "platform/linux/dbus/session_bus.hpp"
-#include "ui/widgets/color_scheme.hpp"
+#include "ui/widgets/theme.hpp"
 
 namespace tarn {
 

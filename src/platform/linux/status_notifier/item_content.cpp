@@ -12,7 +12,7 @@
 #include <cmath>
 
 #include "platform/linux/status_notifier/notifier_types.hpp"
-#include "ui/menu_bar/menu_bar_icon.hpp"
+#include "ui/menu_bar/menu_bar_label.hpp"
 
 namespace tarn {
 namespace {
@@ -52,13 +52,14 @@ QImage labelledIcon(const MenuBarLabel& label, int pixels) {
 
 QString itemTitle(const MenuBarLabel& label) {
   const QString name = QStringLiteral("Tarn");
-  return label.hover.text ? QStringLiteral("%1 — %2").arg(name, *label.hover.text) : name;
+  return label.toolTip.footprint ? QStringLiteral("%1 — %2").arg(name, *label.toolTip.footprint) : name;
 }
 
 QString itemToolTipText(const MenuBarLabel& label) {
   QStringList lines;
-  if (!label.hover.detail.isEmpty()) lines << label.hover.detail;
-  if (label.hover.text) lines << QStringLiteral("Frontmost application: %1").arg(*label.hover.text);
+  if (!label.toolTip.detail.isEmpty()) lines << label.toolTip.detail;
+  if (label.toolTip.footprint)
+    lines << QStringLiteral("Frontmost application: %1").arg(*label.toolTip.footprint);
   return lines.join(u'\n');
 }
 
@@ -74,7 +75,7 @@ QVariant itemIconPixmaps(const MenuBarLabel& label, HostKind kind) {
 // The StatusNotifierItem specification describes all of these, except for two extensions: IconAccessibleDesc
 // (a text for assistive technology) and XAyatanaLabel (a text beside the icon), both from AppIndicator.
 QVariantMap itemProperties(const MenuBarLabel& label, HostKind kind, const QVariant& iconPixmaps) {
-  const NotifierToolTip toolTip{QString(), {}, label.hover.verdict, itemToolTipText(label).toHtmlEscaped()};
+  const NotifierToolTip toolTip{QString(), {}, label.toolTip.status, itemToolTipText(label).toHtmlEscaped()};
   QVariantMap properties{
       {QStringLiteral("Category"), QStringLiteral("SystemServices")},
       {QStringLiteral("Id"), QStringLiteral("tarn")},

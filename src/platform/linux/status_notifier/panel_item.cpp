@@ -39,7 +39,7 @@ class XembedItem {
     QIcon icon;
     for (const int pixels : panelIconSizes) icon.addPixmap(QPixmap::fromImage(circleIcon(label, pixels)));
     icon_.setIcon(icon);
-    QStringList lines{label.hover.verdict};
+    QStringList lines{label.toolTip.status};
     const QString more = itemToolTipText(label);
     if (!more.isEmpty()) lines << more;
     icon_.setToolTip(lines.join(u'\n'));

@@ -25,9 +25,9 @@ StatusColor colorOf(Tint tint) {
   return StatusColor::green;
 }
 
-QString toolTip(const MenuBarHover& hover) {
-  QStringList lines{hover.verdict};
-  if (!hover.detail.isEmpty()) lines += hover.detail;
+QString textOf(const ToolTip& toolTip) {
+  QStringList lines{toolTip.status};
+  if (!toolTip.detail.isEmpty()) lines += toolTip.detail;
   return lines.join(QLatin1Char('\n'));
 }
 
@@ -37,7 +37,7 @@ StatusItemContent statusItemContent(const MenuBarLabel& label) {
   StatusItemContent content{.symbolName = label.symbolName.toStdString(),
                             .color = colorOf(label.tint),
                             .accessibilityLabel = label.accessibilityText.toStdString(),
-                            .toolTip = toolTip(label.hover).toStdString()};
+                            .toolTip = textOf(label.toolTip).toStdString()};
   if (label.text) content.title = label.text->toStdString();
   return content;
 }

@@ -16,7 +16,7 @@
 #include "platform/linux/dbus/portals.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
 #include "support/event_loop.hpp"
-#include "ui/widgets/color_scheme.hpp"
+#include "ui/widgets/theme.hpp"
 
 namespace tarn {
 namespace {

@@ -84,13 +84,13 @@ enum class Outcome {
 /// Runs `work` and fails its `number`-th allocation, and all after it if `isLasting`.
 template <typename Work>
 Outcome failAllocation(std::size_t number, bool isLasting, Work work) {
-  const FailingAllocation refusal(number, isLasting);
+  const FailingAllocation failure(number, isLasting);
   try {
     work();
   } catch (const std::bad_alloc&) {
     return Outcome::thrown;
   }
-  return refusal.happened() ? Outcome::complete : Outcome::notReached;
+  return failure.happened() ? Outcome::complete : Outcome::notReached;
 }
 
 /// Runs `trial` for the first allocation, the second, and so on, until there is none of that number. Returns
@@ -222,17 +222,17 @@ class OutOfMemoryTriggers final : public PsiTriggers {
 
   bool arm() override { return true; }
   Wake wait(std::chrono::milliseconds /*timeout*/) override {
-    refusal_.reset();
+    failure_.reset();
     if (++waits_ > 3) return {.cancelled = true};
     atWait_(waits_);
-    if (waits_ == 2) refusal_.emplace(1, true);
+    if (waits_ == 2) failure_.emplace(1, true);
     return {.some = true};
   }
   void cancel() override {}
 
  private:
   std::function<void(int)> atWait_;
-  std::optional<FailingAllocation> refusal_;
+  std::optional<FailingAllocation> failure_;
   int waits_ = 0;
 };
 

@@ -117,7 +117,7 @@ TEST_F(StatusNotifierItemTest, TitleAndToolTipHaveTheText) {
 
 TEST_F(StatusNotifierItemTest, EscapesMarkupInTheToolTip) {
   MenuBarLabel label = ordinaryLabel();
-  label.hover.detail = QStringLiteral("<b>1 & 2</b>");
+  label.toolTip.detail = QStringLiteral("<b>1 & 2</b>");
   item_.show(label);
   EXPECT_EQ(qdbus_cast<NotifierToolTip>(property("ToolTip")).text,
             QStringLiteral("&lt;b&gt;1 &amp; 2&lt;/b&gt;"));
@@ -131,7 +131,7 @@ TEST_F(StatusNotifierItemTest, SendsNoSignalWhenNothingChanged) {
 
 TEST_F(StatusNotifierItemTest, SendsSignalsOnlyForChangedProperties) {
   MenuBarLabel label = ordinaryLabel();
-  label.hover.detail = QStringLiteral("7 GB of 16 GB used");
+  label.toolTip.detail = QStringLiteral("7 GB of 16 GB used");
   item_.show(label);
   const QList<QDBusMessage> signal = client_.takeSignals();
   ASSERT_EQ(signal.size(), 2);
@@ -152,7 +152,7 @@ TEST_F(StatusNotifierItemTest, SendsSignalsOnlyForChangedProperties) {
             (QStringList{QStringLiteral("NewIconAccessibleDesc"), QStringLiteral("PropertiesChanged")}));
 
   label.text = QStringLiteral("1 MB");
-  label.hover.text = label.text;
+  label.toolTip.footprint = label.text;
   item_.show(label);
   EXPECT_EQ(client_.takeSignalNames(), (QStringList{QStringLiteral("NewTitle"), QStringLiteral("NewToolTip"),
                                                     QStringLiteral("PropertiesChanged")}));

@@ -20,7 +20,7 @@ inline MenuBarLabel ordinaryLabel() {
 inline MenuBarLabel labelWithText(const QString& text) {
   MenuBarLabel label = ordinaryLabel();
   label.text = text;
-  label.hover.text = text;
+  label.toolTip.footprint = text;
   return label;
 }
 

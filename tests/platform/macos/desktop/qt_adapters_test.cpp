@@ -36,7 +36,7 @@ class MenuBarStatusItemTest : public ::testing::Test {
   MenuBarStatusItemTest() {
     label_.symbolName = QStringLiteral("circle");
     label_.accessibilityText = QStringLiteral("Memory normal");
-    label_.hover.verdict = QStringLiteral("Your Mac has memory to spare.");
+    label_.toolTip.status = QStringLiteral("Your Mac has memory to spare.");
   }
 
   Shown shown_;
@@ -60,7 +60,7 @@ TEST_F(MenuBarStatusItemTest, ShowsTheSymbolAndAnAccessibilityLabelWithoutATitle
 
 TEST_F(MenuBarStatusItemTest, ShowsTheTitleAndTheDetailInTheToolTip) {
   label_.text = QStringLiteral("1.5 GB");
-  label_.hover.detail = QStringLiteral("Wired 1 GB");
+  label_.toolTip.detail = QStringLiteral("Wired 1 GB");
   item_.show(label_);
   EXPECT_EQ(shown_.contents.back().title, "1.5 GB");
   EXPECT_EQ(shown_.contents.back().toolTip, "Your Mac has memory to spare.\nWired 1 GB");

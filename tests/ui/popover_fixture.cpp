@@ -1,17 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 
 #include <QApplication>
-#include <QEvent>
-#include <QKeyEvent>
 #include <QLayout>
-#include <QMouseEvent>
 #include <QPixmap>
+#include <QTest>
 #include <algorithm>
 #include <utility>
 
+#include "ui/plain_formatters.hpp"
 #include "ui/widgets/controls.hpp"
 
 namespace tarn {
@@ -24,17 +23,36 @@ QIcon plainIcon() {
   return pixmap;
 }
 
+/// The visible descendants of a widget in the order of their creation.
+template <typename Widget>
+std::vector<Widget*> visibleChildren(const QWidget& parent) {
+  std::vector<Widget*> visible;
+  for (Widget* child : parent.findChildren<Widget*>()) {
+    if (child->isVisible()) visible.push_back(child);
+  }
+  return visible;
+}
+
+/// The visible descendants of a widget from top to bottom. They have the same parent.
+template <typename Widget>
+std::vector<Widget*> visibleColumn(const QWidget& parent) {
+  std::vector<Widget*> column = visibleChildren<Widget>(parent);
+  std::sort(column.begin(), column.end(),
+            [](const Widget* one, const Widget* other) { return one->y() < other->y(); });
+  return column;
+}
+
 }  // namespace
 
-PopoverStage::PopoverStage()
+PopoverFixture::PopoverFixture()
     : preferences(std::make_unique<Preferences>(folder.filePath(QStringLiteral("preferences.ini")))) {}
 
-PopoverStage::~PopoverStage() {
+PopoverFixture::~PopoverFixture() {
   view.reset();
   if (model) finishSweep();
 }
 
-void PopoverStage::add(const StagedApplication& application) {
+void PopoverFixture::add(const FakeApplication& application) {
   const bool isBundle = application.name.ends_with(".app");
   std::int32_t pid = application.firstPID;
   for (const std::uint64_t footprint : application.footprints) {
@@ -47,11 +65,11 @@ void PopoverStage::add(const StagedApplication& application) {
   }
 }
 
-void PopoverStage::setFootprint(std::int32_t pid, std::uint64_t footprint) {
+void PopoverFixture::setFootprint(std::int32_t pid, std::uint64_t footprint) {
   machine.process(pid).usage->footprint = footprint;
 }
 
-void PopoverStage::start() {
+void PopoverFixture::start() {
   model =
       MonitorViewModel::create({.mainLoop = loop,
                                 .makeQueue = [this](const std::string& label) { return queues.make(label); },
@@ -63,12 +81,12 @@ void PopoverStage::start() {
                                 .activeProcessorCount = [this] { return cores; }});
 }
 
-void PopoverStage::finishSweep() {
+void PopoverFixture::finishSweep() {
   queues["com.tarn.sampler"].runAll();
   loop.tasks.runAll();
 }
 
-void PopoverStage::sweep() {
+void PopoverFixture::sweep() {
   if (model) {
     finishSweep();
     loop.advance(loop.timers.back()->interval);
@@ -80,33 +98,33 @@ void PopoverStage::sweep() {
   settle();
 }
 
-std::vector<double> PopoverStage::timerIntervals() const {
+std::vector<double> PopoverFixture::timerIntervals() const {
   std::vector<double> intervals;
   for (const auto& timer : loop.timers) intervals.push_back(timer->interval);
   return intervals;
 }
 
-PopoverView& PopoverStage::makeView() {
+PopoverView& PopoverFixture::makeView() {
   if (!model) start();
   const auto loadIcon = [this](const std::string& path) {
     loadedIcons.push_back(path);
     return plainIcon();
   };
   view = std::make_unique<PopoverView>(
-      model, *preferences, loadIcon,
+      model, *preferences, plainFormatters(), loadIcon,
       Vendor{QStringLiteral("tarn.example"), QStringLiteral("https://tarn.example")});
   return *view;
 }
 
-PopoverView& PopoverStage::showView(const Theme& theme) {
+PopoverView& PopoverFixture::showView(const Theme& theme) {
   makeView().setPalette(theme.palette());
   view->show();
   settle();
   return *view;
 }
 
-void PopoverStage::settle() {
-  // A change deep in the tree climbs to the window one layout per turn.
+void PopoverFixture::settle() {
+  // A layout change deep in the widget tree reaches the window one level per turn.
   constexpr int turns = 10;
   for (int turn = 0; turn < turns; ++turn) {
     QCoreApplication::processEvents();
@@ -122,13 +140,7 @@ QRect frameIn(const QWidget& ancestor, const QWidget& widget) {
 }
 
 std::vector<AppRow*> shownRows(const QWidget& view) {
-  std::vector<AppRow*> rows;
-  for (AppRow* row : view.findChildren<AppRow*>()) {
-    if (row->isVisible()) rows.push_back(row);
-  }
-  std::sort(rows.begin(), rows.end(),
-            [](const AppRow* one, const AppRow* other) { return one->y() < other->y(); });
-  return rows;
+  return visibleColumn<AppRow>(view);
 }
 
 AppRow* rowNamed(const QWidget& view, const QString& name) {
@@ -139,18 +151,12 @@ AppRow* rowNamed(const QWidget& view, const QString& name) {
 }
 
 std::vector<QLabel*> labelsOf(const QWidget& widget) {
-  std::vector<QLabel*> labels;
-  for (QLabel* label : widget.findChildren<QLabel*>()) {
-    if (label->isVisible()) labels.push_back(label);
-  }
-  return labels;
+  return visibleChildren<QLabel>(widget);
 }
 
 std::vector<QRect> dividersOf(const QWidget& view) {
   std::vector<QRect> frames;
-  for (const Divider* divider : view.findChildren<Divider*>()) {
-    if (divider->isVisible()) frames.push_back(frameIn(view, *divider));
-  }
+  for (const Divider* divider : visibleChildren<Divider>(view)) frames.push_back(frameIn(view, *divider));
   std::sort(frames.begin(), frames.end(),
             [](const QRect& one, const QRect& other) { return one.y() < other.y(); });
   return frames;
@@ -164,45 +170,35 @@ QLabel* labelWithText(const QWidget& widget, const QString& text) {
 }
 
 std::vector<ProcessLineView*> linesOf(const AppRow& row) {
-  std::vector<ProcessLineView*> lines;
-  for (ProcessLineView* line : row.findChildren<ProcessLineView*>()) {
-    if (line->isVisible()) lines.push_back(line);
-  }
-  std::sort(lines.begin(), lines.end(),
-            [](const auto* one, const auto* other) { return one->y() < other->y(); });
-  return lines;
+  return visibleColumn<ProcessLineView>(row);
 }
 
 void click(QWidget& widget) {
-  const QPointF position = QRectF(widget.rect()).center();
-  const QPointF global = widget.mapToGlobal(position);
-  QMouseEvent press(QEvent::MouseButtonPress, position, global, Qt::LeftButton, Qt::LeftButton,
-                    Qt::NoModifier);
-  QCoreApplication::sendEvent(&widget, &press);
-  QMouseEvent release(QEvent::MouseButtonRelease, position, global, Qt::LeftButton, Qt::NoButton,
-                      Qt::NoModifier);
-  QCoreApplication::sendEvent(&widget, &release);
-  PopoverStage::settle();
+  QTest::mouseClick(&widget, Qt::LeftButton);
+  PopoverFixture::settle();
 }
 
 void pressKey(QWidget& widget, Qt::Key key) {
-  QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-  QCoreApplication::sendEvent(&widget, &press);
-  QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier);
-  QCoreApplication::sendEvent(&widget, &release);
-  PopoverStage::settle();
+  QTest::keyClick(&widget, key);
+  PopoverFixture::settle();
 }
 
-void addThree(PopoverStage& stage) {
-  stage.add({"Editor.app", 100, {400 * megabyte, 100 * megabyte}});
-  stage.add({"Mail.app", 200, {300 * megabyte, 5 * megabyte}});
-  stage.add({"Files.app", 300, {90 * megabyte}});
+void addThree(PopoverFixture& fixture) {
+  fixture.add({"Editor.app", 100, {400 * megabyte, 100 * megabyte}});
+  fixture.add({"Mail.app", 200, {300 * megabyte, 5 * megabyte}});
+  fixture.add({"Files.app", 300, {90 * megabyte}});
 }
 
-void addMany(PopoverStage& stage, int count) {
+PopoverView& showThree(PopoverFixture& fixture) {
+  addThree(fixture);
+  fixture.sweep();
+  return fixture.showView();
+}
+
+void addMany(PopoverFixture& fixture, int count) {
   for (int i = 0; i < count; ++i) {
     const auto size = static_cast<std::uint64_t>(count - i) * 10 * megabyte;
-    stage.add({"App" + std::to_string(i) + ".app", 1000 + i, {size}});
+    fixture.add({"App" + std::to_string(i) + ".app", 1000 + i, {size}});
   }
 }
 
@@ -212,11 +208,11 @@ std::vector<QString> namesOf(const QWidget& view) {
   return names;
 }
 
-void choose(const QWidget& view, const QString& tab) {
+void selectTab(const QWidget& view, const QString& tab) {
   for (TabSegment* segment : view.findChildren<TabSegment*>()) {
     if (segment->text() == tab) segment->click();
   }
-  PopoverStage::settle();
+  PopoverFixture::settle();
 }
 
 }  // namespace tarn

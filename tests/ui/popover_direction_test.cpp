@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The popover where the desktop reads from right to left, and names of any script in it.
+// The popover on right-to-left desktops, and names of any script.
 
 #include <gtest/gtest.h>
 
@@ -13,42 +13,42 @@
 #include <string>
 #include <vector>
 
-#include "ui/painted_text.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/image_analysis.hpp"
+#include "ui/popover_fixture.hpp"
 
 namespace tarn {
 namespace {
 
 const QStringList tabs{"Memory", "CPU", "System"};
 
-class Direction : public ::testing::TestWithParam<Qt::LayoutDirection> {
+class PopoverDirection : public ::testing::TestWithParam<Qt::LayoutDirection> {
  protected:
-  Direction() { QGuiApplication::setLayoutDirection(GetParam()); }
-  ~Direction() override { QGuiApplication::setLayoutDirection(Qt::LeftToRight); }
+  PopoverDirection() { QGuiApplication::setLayoutDirection(GetParam()); }
+  ~PopoverDirection() override { QGuiApplication::setLayoutDirection(Qt::LeftToRight); }
 };
 
-/// A popover with an open row and all the facts of the System tab.
+/// A popover with an expanded row and all rows of the System tab.
 class Popover {
  public:
   explicit Popover(Qt::LayoutDirection direction) {
     QGuiApplication::setLayoutDirection(direction);
-    addMany(stage_, 12);
-    stage_.add({"Editor.app", 100, {400 * megabyte, 100 * megabyte}});
-    stage_.extras.powerSources = {internalBattery(64, 100)};
-    stage_.sweep();
-    view_ = &stage_.showView();
+    addMany(fixture_, 12);
+    fixture_.add({"Editor.app", 100, {400 * megabyte, 100 * megabyte}});
+    fixture_.extras.powerSources = {internalBattery(64, 100)};
+    fixture_.sweep();
+    view_ = &fixture_.showView();
     click(*rowNamed(*view_, "Editor")->button());
   }
   ~Popover() { QGuiApplication::setLayoutDirection(Qt::LeftToRight); }
 
   QWidget& show(const QString& tab) {
-    choose(*view_, tab);
-    stage_.sweep();
+    selectTab(*view_, tab);
+    fixture_.sweep();
     return *view_;
   }
 
  private:
-  PopoverStage stage_;
+  PopoverFixture fixture_;
   PopoverView* view_ = nullptr;
 };
 
@@ -60,22 +60,22 @@ std::vector<QWidget*> shownWidgets(const QWidget& view) {
   return shown;
 }
 
-/// What there is to see or to press, without the groups that it is in.
-std::vector<QWidget*> shownPieces(const QWidget& view) {
-  std::vector<QWidget*> pieces = shownWidgets(view);
-  std::erase_if(pieces, [](const QWidget* widget) {
+/// The visible texts, glyphs and controls, without their containers.
+std::vector<QWidget*> shownLeafWidgets(const QWidget& view) {
+  std::vector<QWidget*> widgets = shownWidgets(view);
+  std::erase_if(widgets, [](const QWidget* widget) {
     const auto* label = qobject_cast<const QLabel*>(widget);
     if (label != nullptr) return label->text().trimmed().isEmpty();
     const bool isControl =
         qobject_cast<const QAbstractButton*>(widget) != nullptr && widget->layout() == nullptr;
     return !isControl && qobject_cast<const GlyphView*>(widget) == nullptr;
   });
-  return pieces;
+  return widgets;
 }
 
 struct Frames {
-  std::vector<QRect> mirrored;  ///< of what follows the desktop's direction
-  std::vector<QRect> kept;      ///< of what always runs from left to right
+  std::vector<QRect> mirrored;  ///< of widgets that follow the desktop's direction
+  std::vector<QRect> kept;      ///< of widgets that are always left to right
 };
 
 Frames framesOf(const QWidget& view, const std::vector<QWidget*>& widgets, const std::vector<bool>& isKept) {
@@ -86,7 +86,7 @@ Frames framesOf(const QWidget& view, const std::vector<QWidget*>& widgets, const
   return frames;
 }
 
-TEST(RightToLeft, MirrorsEveryPartButTheAboutLine) {
+TEST(RightToLeft, MirrorsAllWidgetsExceptTheAboutLine) {
   for (const QString& tab : tabs) {
     SCOPED_TRACE(tab.toStdString());
     std::vector<bool> isKept;
@@ -108,11 +108,11 @@ TEST(RightToLeft, MirrorsEveryPartButTheAboutLine) {
     const Frames plain = framesOf(view, widgets, isKept);
     EXPECT_EQ(mirrored.mirrored, plain.mirrored);
     EXPECT_EQ(mirrored.kept, plain.kept);
-    EXPECT_EQ(plain.kept.size(), 4U) << "the line, and its three pieces";
+    EXPECT_EQ(plain.kept.size(), 4U) << "the about line and its three widgets";
   }
 }
 
-TEST(RightToLeft, PointsTheChevronsOfClosedRowsToTheLeft) {
+TEST(RightToLeft, PointsChevronsOfCollapsedRowsToTheLeft) {
   Popover popover(Qt::RightToLeft);
   const QWidget& view = popover.show("Memory");
   const auto chevron = [&](const char* name) {
@@ -122,20 +122,20 @@ TEST(RightToLeft, PointsTheChevronsOfClosedRowsToTheLeft) {
   EXPECT_EQ(chevron("Editor"), "chevron.down");
 }
 
-TEST_P(Direction, KeepsThePiecesApartAndInside) {
+TEST_P(PopoverDirection, KeepsWidgetsApartAndInsideThePadding) {
   Popover popover(GetParam());
   for (const QString& tab : tabs) {
     const QWidget& view = popover.show(tab);
-    const auto pieces = shownPieces(view);
-    ASSERT_GT(pieces.size(), 10U);
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
+    const auto widgets = shownLeafWidgets(view);
+    ASSERT_GT(widgets.size(), 10U);
+    for (std::size_t i = 0; i < widgets.size(); ++i) {
       SCOPED_TRACE(tab.toStdString() + " " + std::to_string(i));
-      const QRect frame = frameIn(view, *pieces[i]);
+      const QRect frame = frameIn(view, *widgets[i]);
       EXPECT_TRUE(view.rect().adjusted(14, 14, -14, -14).contains(frame));
-      const auto* figure = qobject_cast<const FigureLabel*>(pieces[i]);
+      const auto* figure = qobject_cast<const FigureLabel*>(widgets[i]);
       EXPECT_TRUE(figure == nullptr || frame.width() >= figure->sizeHint().width());
       for (std::size_t j = 0; j < i; ++j) {
-        EXPECT_FALSE(frame.intersects(frameIn(view, *pieces[j]))) << j;
+        EXPECT_FALSE(frame.intersects(frameIn(view, *widgets[j]))) << j;
       }
     }
   }
@@ -146,27 +146,27 @@ struct LongName {
   bool endsAtLeft = false;
 };
 
-TEST_P(Direction, CutsLongNamesOfAnyScriptAtTheirEnd) {
+TEST_P(PopoverDirection, ElidesLongNamesOfAnyScriptAtTheirEnd) {
   const std::vector<LongName> names{{QString("Wonderful ").repeated(20)},
                                     {QString("漢字").repeated(60)},
                                     {QString("a\u0301\u0302\u0303\u0304\u0305").repeated(40)},
                                     {QString("שלוםעולם").repeated(25), true},
                                     {QString("مرحبا ").repeated(30), true}};
-  PopoverStage stage;
+  PopoverFixture fixture;
   std::int32_t pid = 100;
   for (const LongName& name : names) {
-    stage.machine.processes.push_back(
+    fixture.machine.processes.push_back(
         {.pid = pid,
          .usage = ProcessUsage{.footprint = static_cast<std::uint64_t>(900 - pid) * megabyte},
          .systemName = name.text.toStdString()});
     ++pid;
   }
-  stage.sweep();
-  PopoverView& view = stage.showView();
+  fixture.sweep();
+  PopoverView& view = fixture.showView();
   const auto rows = shownRows(view);
   ASSERT_EQ(rows.size(), names.size());
   for (AppRow* row : rows) click(*row->button());
-  const QImage picture = view.grab().toImage();
+  const QImage image = view.grab().toImage();
   for (std::size_t i = 0; i < rows.size(); ++i) {
     SCOPED_TRACE(names[i].text.left(8).toStdString());
     const auto at = [&](const QWidget& widget) {
@@ -179,8 +179,7 @@ TEST_P(Direction, CutsLongNamesOfAnyScriptAtTheirEnd) {
     EXPECT_EQ(figure->size(), figure->sizeHint());
     EXPECT_EQ(at(*name).left(), 14 + 26);
     EXPECT_EQ(at(*name).right() + 1 + 8, at(*figure).left());
-    EXPECT_TRUE(
-        endsInDot(picture.copy(frameIn(view, *name)), names[i].endsAtLeft, Theme::light().background));
+    EXPECT_TRUE(endsInDot(image.copy(frameIn(view, *name)), names[i].endsAtLeft, Theme::light().background));
     ASSERT_EQ(linesOf(*rows[i]).size(), 1U);
     const ProcessLineView* line = linesOf(*rows[i]).front();
     const auto labels = labelsOf(*line);
@@ -192,7 +191,7 @@ TEST_P(Direction, CutsLongNamesOfAnyScriptAtTheirEnd) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(OfReading, Direction, ::testing::Values(Qt::LeftToRight, Qt::RightToLeft),
+INSTANTIATE_TEST_SUITE_P(OfReading, PopoverDirection, ::testing::Values(Qt::LeftToRight, Qt::RightToLeft),
                          [](const auto& run) {
                            return run.param == Qt::RightToLeft ? std::string("RightToLeft")
                                                                : std::string("LeftToRight");

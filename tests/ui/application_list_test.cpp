@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What the rows of the list do when figures change and when they are used.
+// The rows of the application list: their icons, and their behaviour when figures change and when they are
+// used.
 
 #include <gtest/gtest.h>
 
@@ -12,9 +13,10 @@
 #include <string>
 #include <vector>
 
-#include "ui/widgets/controls.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/tab_picker.hpp"
+#include "ui/popover_fixture.hpp"
+#include "ui/widgets/controls.hpp"
 
 namespace tarn {
 namespace {
@@ -26,7 +28,7 @@ GlyphView* chevronOf(const AppRow& row) {
 /// Everything that Tab stops at, in its order, starting from the tab picker.
 std::vector<QWidget*> tabStops(PopoverView& view) {
   view.activateWindow();
-  PopoverStage::settle();
+  PopoverFixture::settle();
   std::vector<QWidget*> stops;
   QWidget* first = view.findChild<TabSegment*>();
   for (QWidget* next = first; stops.empty() || next != first; next = next->nextInFocusChain()) {
@@ -48,11 +50,9 @@ std::vector<QWidget*> expectedTabStops(const PopoverView& view) {
   return stops;
 }
 
-TEST(PopoverRows, OpenAndCloseWithAClick) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverRows, ExpandAndCollapseWithAClick) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
   AppRow* row = rowNamed(view, "Editor");
   EXPECT_EQ(chevronOf(*row)->symbolName(), "chevron.right");
   click(*row->button());
@@ -64,11 +64,9 @@ TEST(PopoverRows, OpenAndCloseWithAClick) {
   EXPECT_EQ(chevronOf(*row)->symbolName(), "chevron.right");
 }
 
-TEST(PopoverRows, OpenAnywhereInTheirRectangle) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverRows, AreClickableInTheirWholeRectangle) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
   AppRow* row = rowNamed(view, "Editor");
   const QRect frame = frameIn(view, *row->button());
   for (int x = frame.left(); x <= frame.right(); x += 4) {
@@ -78,11 +76,9 @@ TEST(PopoverRows, OpenAnywhereInTheirRectangle) {
   }
 }
 
-TEST(PopoverRows, OpenWithSpaceAndReturn) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverRows, ExpandWithSpaceAndReturn) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
   AppRow* row = rowNamed(view, "Editor");
   pressKey(*row->button(), Qt::Key_Space);
   EXPECT_EQ(linesOf(*row).size(), 2U);
@@ -92,60 +88,52 @@ TEST(PopoverRows, OpenWithSpaceAndReturn) {
   EXPECT_EQ(linesOf(*row).size(), 2U);
 }
 
-TEST(PopoverRows, StayOpenWhenTheRankingChanges) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverRows, StayExpandedWhenTheRankingChanges) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
   click(*rowNamed(view, "Files")->button());
-  stage.setFootprint(300, 2000 * megabyte);
-  stage.sweep();
+  fixture.setFootprint(300, 2000 * megabyte);
+  fixture.sweep();
   EXPECT_EQ(namesOf(view), (std::vector<QString>{"Files", "Editor", "Mail"}));
   EXPECT_EQ(linesOf(*rowNamed(view, "Files")).size(), 1U);
   EXPECT_EQ(linesOf(*rowNamed(view, "Editor")).size(), 0U);
 }
 
-TEST(PopoverRows, StayOpenOverTabs) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverRows, StayExpandedWhenTheTabChanges) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
   click(*rowNamed(view, "Mail")->button());
-  for (const char* tab : {"CPU", "System", "Memory"}) choose(view, tab);
+  for (const char* tab : {"CPU", "System", "Memory"}) selectTab(view, tab);
   EXPECT_EQ(linesOf(*rowNamed(view, "Mail")).size(), 2U);
   EXPECT_EQ(linesOf(*rowNamed(view, "Editor")).size(), 0U);
 }
 
-TEST(PopoverRows, OpenAgainWhenTheirApplicationReturns) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverRows, ExpandAgainWhenTheirApplicationReturns) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
   click(*rowNamed(view, "Mail")->button());
-  stage.machine.end(200);
-  stage.machine.end(201);
-  stage.sweep();
+  fixture.machine.end(200);
+  fixture.machine.end(201);
+  fixture.sweep();
   EXPECT_EQ(namesOf(view), (std::vector<QString>{"Editor", "Files"}));
   EXPECT_EQ(linesOf(*rowNamed(view, "Files")).size(), 0U);
-  stage.add({"Mail.app", 900, {310 * megabyte}});
-  stage.sweep();
+  fixture.add({"Mail.app", 900, {310 * megabyte}});
+  fixture.sweep();
   EXPECT_EQ(linesOf(*rowNamed(view, "Mail")).size(), 1U);
 }
 
 TEST(PopoverRows, KeepTheirWidgetsWhenTheRankingChanges) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
   AppRow* editor = rowNamed(view, "Editor");
   AppRow* mail = rowNamed(view, "Mail");
   AppRow* files = rowNamed(view, "Files");
   view.activateWindow();
   mail->button()->setFocus(Qt::TabFocusReason);
-  stage.settle();
+  fixture.settle();
   ASSERT_TRUE(mail->button()->hasFocus());
-  stage.setFootprint(300, 2000 * megabyte);
-  stage.sweep();
+  fixture.setFootprint(300, 2000 * megabyte);
+  fixture.sweep();
   EXPECT_EQ(shownRows(view), (std::vector<AppRow*>{files, editor, mail}));
   EXPECT_EQ(rowNamed(view, "Files"), files);
   EXPECT_EQ(rowNamed(view, "Editor"), editor);
@@ -153,26 +141,26 @@ TEST(PopoverRows, KeepTheirWidgetsWhenTheRankingChanges) {
   EXPECT_TRUE(mail->button()->hasFocus());
 }
 
-TEST(PopoverRows, AreReadAndTabbedThroughInTheirRanking) {
-  PopoverStage stage;
-  PopoverView& view = stage.showView();
-  stage.finishSweep();
-  stage.settle();
+TEST(PopoverRows, AreReadAndFocusedInTheirRanking) {
+  PopoverFixture fixture;
+  PopoverView& view = fixture.showView();
+  fixture.finishSweep();
+  fixture.settle();
   EXPECT_EQ(tabStops(view), expectedTabStops(view));
-  addThree(stage);
-  stage.sweep();
+  addThree(fixture);
+  fixture.sweep();
   EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "rows that came late";
-  stage.setFootprint(300, 2000 * megabyte);
-  stage.sweep();
+  fixture.setFootprint(300, 2000 * megabyte);
+  fixture.sweep();
   EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "another ranking";
-  stage.add({"Big.app", 500, {9000 * megabyte}});
-  stage.sweep();
+  fixture.add({"Big.app", 500, {9000 * megabyte}});
+  fixture.sweep();
   ASSERT_EQ(namesOf(view).front(), "Big");
   EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "a new first row";
-  choose(view, "CPU");
-  stage.machine.end(500);
-  stage.sweep();
-  choose(view, "Memory");
+  selectTab(view, "CPU");
+  fixture.machine.end(500);
+  fixture.sweep();
+  selectTab(view, "Memory");
   EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "one row less";
   std::vector<AppRow*> children;
   for (QObject* child : shownRows(view).front()->parentWidget()->children()) {
@@ -182,29 +170,27 @@ TEST(PopoverRows, AreReadAndTabbedThroughInTheirRanking) {
   EXPECT_EQ(children, shownRows(view));
 }
 
-TEST(PopoverRows, OfAnApplicationThatIsGoneMayStillBeClicked) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverRows, CanBeClickedAfterTheirApplicationEnded) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
   AppRow* files = rowNamed(view, "Files");
-  stage.finishSweep();
-  stage.settle();
-  stage.machine.end(300);
-  stage.loop.advance(3);
-  stage.loop.tasks.runAll();
-  stage.finishSweep();  // published, and not rendered yet
+  fixture.finishSweep();
+  fixture.settle();
+  fixture.machine.end(300);
+  fixture.loop.advance(3);
+  fixture.loop.tasks.runAll();
+  fixture.finishSweep();  // published, and not rendered yet
   ASSERT_EQ(shownRows(view).size(), 3U);
   QMetaObject::invokeMethod(files->button(), "click");
-  stage.settle();
+  fixture.settle();
   EXPECT_EQ(namesOf(view), (std::vector<QString>{"Editor", "Mail"}));
 }
 
-TEST(PopoverSummaryRow, CannotBeOpened) {
-  PopoverStage stage;
-  addMany(stage, 12);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverSummaryRow, CannotBeExpanded) {
+  PopoverFixture fixture;
+  addMany(fixture, 12);
+  fixture.sweep();
+  PopoverView& view = fixture.showView();
   ASSERT_EQ(shownRows(view).size(), 9U);
   AppRow* summary = shownRows(view).back();
   EXPECT_EQ(labelsOf(*summary->button()).front()->text(), "Everything else");
@@ -220,47 +206,106 @@ TEST(PopoverSummaryRow, CannotBeOpened) {
 }
 
 TEST(PopoverRows, AreNeverMoreThanNine) {
-  PopoverStage stage;
-  addMany(stage, 200);
-  stage.sweep();
-  PopoverView& view = stage.showView();
-  choose(view, "CPU");
-  choose(view, "Memory");
+  PopoverFixture fixture;
+  addMany(fixture, 200);
+  fixture.sweep();
+  PopoverView& view = fixture.showView();
+  selectTab(view, "CPU");
+  selectTab(view, "Memory");
   EXPECT_EQ(view.findChildren<AppRow*>().size(), 9);
 }
 
 TEST(PopoverRows, LoadAnIconOncePerApplication) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.add({"daemon", 400, {megabyte}});
-  stage.sweep();
-  PopoverView& view = stage.showView();
-  for (int i = 0; i < 3; ++i) stage.sweep();
-  EXPECT_EQ(stage.loadedIcons, (std::vector<std::string>{"/Applications/Editor.app", "/Applications/Mail.app",
-                                                         "/Applications/Files.app"}));
+  PopoverFixture fixture;
+  addThree(fixture);
+  fixture.add({"daemon", 400, {megabyte}});
+  fixture.sweep();
+  PopoverView& view = fixture.showView();
+  for (int i = 0; i < 3; ++i) fixture.sweep();
+  EXPECT_EQ(fixture.loadedIcons,
+            (std::vector<std::string>{"/Applications/Editor.app", "/Applications/Mail.app",
+                                      "/Applications/Files.app"}));
   EXPECT_EQ(rowNamed(view, "daemon")->button()->findChild<AppIconView*>()->symbolName(), "gearshape.fill");
 }
 
-TEST(PopoverRows, AreHighlightedOnlyWhileFocusedOrPointedAt) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
+TEST(PopoverRows, AreHighlightedOnlyWithFocusOrPointer) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
   view.activateWindow();
-  stage.settle();
+  fixture.settle();
   AppRow* row = rowNamed(view, "Mail");
   const QRect frame = frameIn(view, *row->button());
   const QPoint probe(frame.left() - 4, frame.center().y());
   EXPECT_FALSE(row->button()->isHighlighted());
   const QColor before = view.grab().toImage().pixelColor(probe);
   row->button()->setFocus(Qt::TabFocusReason);
-  stage.settle();
+  fixture.settle();
   EXPECT_TRUE(row->button()->isHighlighted());
   EXPECT_NE(view.grab().toImage().pixelColor(probe), before) << "the highlight reaches beyond the content";
   EXPECT_EQ(frameIn(view, *row->button()), frame);
   view.findChild<PillButton*>()->setFocus(Qt::TabFocusReason);
-  stage.settle();
+  fixture.settle();
   EXPECT_EQ(view.grab().toImage().pixelColor(probe), before);
+}
+
+RowContent applicationRow(const std::string& path) {
+  return {.id = path, .bundlePath = path, .symbol = "gearshape.fill"};
+}
+
+QIcon blueIcon() {
+  QPixmap pixmap(64, 64);
+  pixmap.fill(QColor(Qt::blue));
+  return pixmap;
+}
+
+TEST(AppIconProvider, LoadsEachApplicationsIconOnce) {
+  std::vector<std::string> loaded;
+  AppIconProvider provider([&](const std::string& path) {
+    loaded.push_back(path);
+    return blueIcon();
+  });
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_FALSE(provider.icon(applicationRow("/Applications/A.app"), 1).image.isNull());
+    EXPECT_FALSE(provider.icon(applicationRow("/Applications/B.app"), 2).image.isNull());
+  }
+  EXPECT_EQ(loaded, (std::vector<std::string>{"/Applications/A.app", "/Applications/B.app"}));
+}
+
+TEST(AppIconProvider, AsksOnceForAMissingIcon) {
+  int asked = 0;
+  AppIconProvider provider([&](const std::string&) {
+    ++asked;
+    return QIcon();
+  });
+  for (int i = 0; i < 3; ++i) {
+    const AppIcon icon = provider.icon(applicationRow("/Applications/Gone.app"), 1);
+    EXPECT_TRUE(icon.image.isNull());
+    EXPECT_EQ(icon.symbolName, "gearshape.fill");
+  }
+  EXPECT_EQ(asked, 1);
+}
+
+TEST(AppIconProvider, ReturnsAnImageOf32PointsAtTheScreensScale) {
+  AppIconProvider provider([](const std::string&) { return blueIcon(); });
+  const AppIcon plain = provider.icon(applicationRow("/Applications/A.app"), 1);
+  EXPECT_EQ(plain.image.deviceIndependentSize(), QSizeF(32, 32));
+  EXPECT_TRUE(plain.symbolName.isEmpty());
+  const AppIcon doubled = provider.icon(applicationRow("/Applications/A.app"), 2);
+  EXPECT_EQ(doubled.image.deviceIndependentSize(), QSizeF(32, 32));
+  EXPECT_EQ(doubled.image.size(), QSize(64, 64));
+}
+
+TEST(AppIconProvider, ReturnsASymbolForARowWithoutABundle) {
+  AppIconProvider provider([](const std::string& path) -> QIcon {
+    ADD_FAILURE() << "asked for " << path;
+    return {};
+  });
+  const AppIcon gear = provider.icon({.id = "pid:12", .symbol = "gearshape.fill"}, 1);
+  EXPECT_TRUE(gear.image.isNull());
+  EXPECT_EQ(gear.symbolName, "gearshape.fill");
+  const AppIcon ellipsis = provider.icon({.id = "everything-else", .symbol = "ellipsis.circle.fill"}, 1);
+  EXPECT_TRUE(ellipsis.image.isNull());
+  EXPECT_EQ(ellipsis.symbolName, "ellipsis.circle.fill");
 }
 
 }  // namespace

@@ -25,45 +25,44 @@
 
 namespace tarn {
 
-/// One application of the fake machine, with all its processes.
-struct StagedApplication {
+/// An application of the fake machine.
+struct FakeApplication {
   std::string name;
   std::int32_t firstPID = 0;
-  std::vector<std::uint64_t> footprints;  ///< of its processes, bytes
+  std::vector<std::uint64_t> footprints;  ///< of its processes, in bytes
 };
 
-/// A popover's view with a real view model over a fake machine.
-class PopoverStage {
+/// A popover view with a real view model and a fake machine.
+class PopoverFixture {
  public:
-  PopoverStage();
-  ~PopoverStage();
+  PopoverFixture();
+  ~PopoverFixture();
 
-  /// Adds an application, or a bare process when the name has no ".app".
-  void add(const StagedApplication& application);
+  /// Adds an application, or processes without a bundle if the name does not end in ".app".
+  void add(const FakeApplication& application);
 
   /// Changes the footprint of one process.
   void setFootprint(std::int32_t pid, std::uint64_t footprint);
 
-  /// Ends the sweep in flight, if there is one, and publishes what it found; nothing is rendered yet.
+  /// Finishes the running sweep, if any, and publishes its snapshot. Renders nothing.
   void finishSweep();
 
-  /// Runs one sweep to its end and renders what it published.
+  /// Runs one sweep and renders its snapshot.
   void sweep();
 
   /// The intervals of all timers so far, in seconds.
   std::vector<double> timerIntervals() const;
 
-  /// Makes the view; `sweep` before it is the machine that it finds.
+  /// Makes the view. It shows the snapshot of the last sweep(), if any.
   PopoverView& makeView();
 
-  /// Makes the view, shows it in the light theme and settles its layout.
+  /// Makes the view, shows it and updates its layout.
   PopoverView& showView(const Theme& theme = Theme::light());
 
-  /// Lets layouts, queued renderings and paintings happen, and gives a view that is a window of its own the
-  /// height that it asks for.
+  /// Runs pending layouts, renderings and paints, and resizes a top-level view to its preferred height.
   static void settle();
 
-  /// Makes the view model, whose first sweep waits to be published.
+  /// Makes the view model. Its first sweep is not finished.
   void start();
 
   FakeMachine machine;
@@ -80,17 +79,19 @@ class PopoverStage {
   std::unique_ptr<PopoverView> view;
 };
 
-/// Where `widget` lies in `ancestor`.
+/// The frame of `widget` in the coordinates of `ancestor`.
 QRect frameIn(const QWidget& ancestor, const QWidget& widget);
 
-/// The visible rows in the order in which they lie on the screen.
+/// The visible rows from top to bottom.
 std::vector<AppRow*> shownRows(const QWidget& view);
 
-/// The row of the application or process with that name; null when it is not shown.
+/// The row with that name; null if it is not shown.
 AppRow* rowNamed(const QWidget& view, const QString& name);
 
-/// The visible labels of a widget in the order in which they were made, and those with that text.
+/// The visible labels of a widget in the order of their creation.
 std::vector<QLabel*> labelsOf(const QWidget& widget);
+
+/// The first visible label with that text; null if there is none.
 QLabel* labelWithText(const QWidget& widget, const QString& text);
 
 /// The frames of the visible dividers, from top to bottom.
@@ -99,7 +100,7 @@ std::vector<QRect> dividersOf(const QWidget& view);
 /// The visible process lines of a row, from top to bottom.
 std::vector<ProcessLineView*> linesOf(const AppRow& row);
 
-/// Clicks in the middle of a widget.
+/// Clicks the centre of a widget.
 void click(QWidget& widget);
 
 /// Presses and releases a key on a widget.
@@ -108,17 +109,19 @@ void pressKey(QWidget& widget, Qt::Key key);
 constexpr std::uint64_t kilobyte = 1024;
 constexpr std::uint64_t megabyte = 1024 * kilobyte;
 
-/// Three applications: "Editor" and "Mail" with two processes each, then "Files" with one; pids from 100,
-/// 200, 300.
-void addThree(PopoverStage& stage);
+/// Adds "Editor" and "Mail" with two processes each and "Files" with one. Their pids start at 100, 200, 300.
+void addThree(PopoverFixture& fixture);
 
-/// Applications "App0" and so on with one process each, the heaviest first; pids from 1000.
-void addMany(PopoverStage& stage, int count);
+/// Adds the three applications, runs a sweep and shows the view.
+PopoverView& showThree(PopoverFixture& fixture);
+
+/// Adds applications "App0", "App1" and so on with one process each, the largest first; pids from 1000.
+void addMany(PopoverFixture& fixture, int count);
 
 /// The names in the list, from top to bottom.
 std::vector<QString> namesOf(const QWidget& view);
 
-/// Chooses the tab with this label.
-void choose(const QWidget& view, const QString& tab);
+/// Clicks the tab with this label.
+void selectTab(const QWidget& view, const QString& tab);
 
 }  // namespace tarn

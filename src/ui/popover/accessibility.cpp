@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/widgets/accessibility.hpp"
+#include "ui/popover/accessibility.hpp"
 
 #include <QAccessible>
 #include <QAccessibleObject>
@@ -10,15 +10,15 @@
 #include <QWidgetList>
 
 #include "ui/popover/app_row.hpp"
-#include "ui/widgets/controls.hpp"
 #include "ui/popover/popover_window.hpp"
 #include "ui/popover/tab_picker.hpp"
+#include "ui/widgets/controls.hpp"
 
 namespace tarn {
 
 namespace {
 
-/// A push button that is expanded or collapsed.
+/// A push button that can be expanded or collapsed.
 class RowAccessible : public QAccessibleWidget {
  public:
   explicit RowAccessible(AppRowButton* button)
@@ -28,9 +28,9 @@ class RowAccessible : public QAccessibleWidget {
 
   QAccessible::State state() const override {
     QAccessible::State state = QAccessibleWidget::state();
-    state.expandable = button_->canOpen();
-    state.expanded = button_->canOpen() && button_->isExpanded();
-    state.collapsed = button_->canOpen() && !button_->isExpanded();
+    state.expandable = button_->canExpand();
+    state.expanded = button_->canExpand() && button_->isExpanded();
+    state.collapsed = button_->canExpand() && !button_->isExpanded();
     return state;
   }
 
@@ -52,13 +52,13 @@ class RowAccessible : public QAccessibleWidget {
   AppRowButton* button_;
 };
 
-/// The tabs as one named group.
+/// The tabs, as a named group.
 class TabPickerAccessible : public QAccessibleWidget {
  public:
   explicit TabPickerAccessible(TabPicker* picker) : QAccessibleWidget(picker, QAccessible::Grouping) {}
 };
 
-/// The popover, which the toolkit takes for a mere container because it is a popup.
+/// The popover. Qt reports a popup as a plain container.
 class PopoverAccessible : public QAccessibleWidget {
  public:
   explicit PopoverAccessible(PopoverWindow* window) : QAccessibleWidget(window, QAccessible::Dialog) {}
@@ -79,7 +79,7 @@ class LinkAccessible : public QAccessibleWidget {
   LinkButton* link_;
 };
 
-/// The application as assistive technology sees it, popups included.
+/// The application with all its visible windows. Qt leaves out popups.
 class ApplicationAccessible : public QAccessibleObject {
  public:
   explicit ApplicationAccessible(QApplication* application) : QAccessibleObject(application) {}

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What the popover does when figures change and when it is used.
+// The popover's behaviour when figures change and when it is used.
 
 #include <gtest/gtest.h>
 
@@ -13,27 +13,27 @@
 #include <vector>
 
 #include "ui/popover/tab_picker.hpp"
-#include "ui/popover_stage.hpp"
+#include "ui/popover_fixture.hpp"
 #include "ui/widgets/controls.hpp"
 
 namespace tarn {
 namespace {
 
-TEST(Popover, MeasuresUntilTheFirstSnapshotAndListsApplicationsThen) {
-  PopoverStage stage;
-  addThree(stage);
-  PopoverView& view = stage.showView();
+TEST(Popover, ShowsMeasuringUntilTheFirstSnapshot) {
+  PopoverFixture fixture;
+  addThree(fixture);
+  PopoverView& view = fixture.showView();
   EXPECT_NE(labelWithText(view, "Measuring…"), nullptr);
   EXPECT_TRUE(shownRows(view).empty());
-  stage.finishSweep();
-  stage.settle();
+  fixture.finishSweep();
+  fixture.settle();
   EXPECT_EQ(labelWithText(view, "Measuring…"), nullptr);
   EXPECT_EQ(namesOf(view), (std::vector<QString>{"Editor", "Mail", "Files"}));
 }
 
-TEST(Popover, KeepsTheHeightOfTheDetailLineWhileNothingIsMeasured) {
-  PopoverStage stage;
-  const PopoverView& view = stage.showView();
+TEST(Popover, KeepsTheHeightOfTheDetailLineBeforeTheFirstSnapshot) {
+  PopoverFixture fixture;
+  const PopoverView& view = fixture.showView();
   const auto labels = labelsOf(view);
   const auto blank = std::find_if(labels.begin(), labels.end(),
                                   [](const QLabel* label) { return label->text().trimmed().isEmpty(); });
@@ -44,18 +44,16 @@ TEST(Popover, KeepsTheHeightOfTheDetailLineWhileNothingIsMeasured) {
 }
 
 TEST(Popover, StartsOnTheMemoryTab) {
-  PopoverStage stage;
-  const PopoverView& view = stage.showView();
+  PopoverFixture fixture;
+  const PopoverView& view = fixture.showView();
   EXPECT_EQ(view.tab(), PopoverTab::memory);
   EXPECT_TRUE(view.findChildren<TabSegment*>().first()->isChecked());
 }
 
-TEST(Popover, ShowsOnTheSystemTabNeitherListNorDetailNorExplainer) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
-  choose(view, "System");
+TEST(Popover, HidesListDetailAndExplainerOnTheSystemTab) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
+  selectTab(view, "System");
   EXPECT_EQ(view.tab(), PopoverTab::system);
   EXPECT_TRUE(shownRows(view).empty());
   const QString footnote =
@@ -67,17 +65,15 @@ TEST(Popover, ShowsOnTheSystemTabNeitherListNorDetailNorExplainer) {
   EXPECT_EQ(texts, (std::vector<QString>{"A few things worth knowing.", "Reading…", footnote,
                                          "Made with ❤️ by ", " · v1.0"}));
   EXPECT_EQ(view.findChild<GlyphView*>()->symbolName(), "desktopcomputer");
-  choose(view, "Memory");
+  selectTab(view, "Memory");
   EXPECT_EQ(shownRows(view).size(), 3U);
   EXPECT_EQ(labelWithText(view, "Reading…"), nullptr);
 }
 
 TEST(Popover, ShowsProcessorSharesOnTheCPUTab) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
-  choose(view, "CPU");
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
+  selectTab(view, "CPU");
   EXPECT_EQ(view.findChild<GlyphView*>()->symbolName(), "cpu");
   EXPECT_NE(labelWithText(view, "Your Mac's processor is mostly idle."), nullptr);
   EXPECT_NE(
@@ -88,102 +84,98 @@ TEST(Popover, ShowsProcessorSharesOnTheCPUTab) {
   for (const FigureLabel* figure : row->findChildren<FigureLabel*>()) EXPECT_EQ(figure->text(), "0%");
 }
 
-TEST(Popover, TintsItsGlyphByTheVerdict) {
-  PopoverStage stage;
-  stage.machine.memory.swapUsed = 1;
-  PopoverView& view = stage.showView();
+TEST(Popover, TintsItsGlyphByTheStatus) {
+  PopoverFixture fixture;
+  fixture.machine.memory.swapUsed = 1;
+  PopoverView& view = fixture.showView();
   const GlyphView* glyph = view.findChild<GlyphView*>();
   EXPECT_EQ(glyph->color(), GlyphView::Color(Tint::green));
-  stage.sweep();
+  fixture.sweep();
   EXPECT_EQ(glyph->color(), GlyphView::Color(Tint::orange));
-  choose(view, "CPU");
+  selectTab(view, "CPU");
   EXPECT_EQ(glyph->color(), GlyphView::Color(Tint::secondary));
 }
 
-TEST(PopoverVisibility, TellsTheViewModelOnceWhenItOpensAndOnceWhenItCloses) {
-  PopoverStage stage;
-  stage.sweep();
-  PopoverView& view = stage.makeView();
+TEST(PopoverVisibility, NotifiesTheViewModelOncePerOpeningAndClosing) {
+  PopoverFixture fixture;
+  fixture.sweep();
+  PopoverView& view = fixture.makeView();
   const auto sweeps = [&] {
-    stage.finishSweep();
-    return stage.machine.callsOf("allPIDs");
+    fixture.finishSweep();
+    return fixture.machine.callsOf("allPIDs");
   };
-  EXPECT_EQ(stage.timerIntervals(), std::vector<double>{30});
+  EXPECT_EQ(fixture.timerIntervals(), std::vector<double>{30});
   ASSERT_EQ(sweeps(), 1);
   view.show();
-  stage.settle();
-  EXPECT_EQ(stage.timerIntervals(), (std::vector<double>{30, 3}));
+  fixture.settle();
+  EXPECT_EQ(fixture.timerIntervals(), (std::vector<double>{30, 3}));
   EXPECT_EQ(sweeps(), 2);
   view.hide();
-  stage.settle();
-  EXPECT_EQ(stage.timerIntervals(), (std::vector<double>{30, 3, 30}));
+  fixture.settle();
+  EXPECT_EQ(fixture.timerIntervals(), (std::vector<double>{30, 3, 30}));
   EXPECT_EQ(sweeps(), 2);
   view.show();
-  stage.settle();
-  EXPECT_EQ(stage.timerIntervals(), (std::vector<double>{30, 3, 30, 3}));
+  fixture.settle();
+  EXPECT_EQ(fixture.timerIntervals(), (std::vector<double>{30, 3, 30, 3}));
   EXPECT_EQ(sweeps(), 3);
 }
 
-TEST(PopoverVisibility, RendersNothingWhileItIsHiddenAndCatchesUpWhenItIsShown) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
-  stage.finishSweep();
+TEST(PopoverVisibility, RendersNothingWhileHiddenAndUpdatesWhenShown) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
+  fixture.finishSweep();
   view.hide();
-  stage.settle();
-  stage.add({"Big.app", 500, {9000 * megabyte}});
-  stage.sweep();
+  fixture.settle();
+  fixture.add({"Big.app", 500, {9000 * megabyte}});
+  fixture.sweep();
   EXPECT_EQ(view.findChildren<AppRow*>().size(), 3);
   view.show();
   EXPECT_EQ(namesOf(view), (std::vector<QString>{"Big", "Editor", "Mail", "Files"}));
 }
 
-TEST(PopoverVisibility, KeepsTabAndOpenRowsWhileItIsHidden) {
-  PopoverStage stage;
-  addThree(stage);
-  stage.sweep();
-  PopoverView& view = stage.showView();
-  choose(view, "CPU");
+TEST(PopoverVisibility, KeepsTabAndExpandedRowsWhileItIsHidden) {
+  PopoverFixture fixture;
+  PopoverView& view = showThree(fixture);
+  selectTab(view, "CPU");
   click(*rowNamed(view, "Mail")->button());
   view.hide();
-  stage.settle();
+  fixture.settle();
   view.show();
-  stage.settle();
+  fixture.settle();
   EXPECT_EQ(view.tab(), PopoverTab::cpu);
   EXPECT_EQ(linesOf(*rowNamed(view, "Mail")).size(), 2U);
 }
 
-TEST(PopoverFooter, FlipsThePreferenceAtOnce) {
-  PopoverStage stage;
-  PopoverView& view = stage.showView();
+TEST(PopoverFooter, ChangesThePreferenceAtOnce) {
+  PopoverFixture fixture;
+  PopoverView& view = fixture.showView();
   auto* box = view.findChild<CheckBox*>();
   EXPECT_FALSE(box->isChecked());
   click(*box);
-  EXPECT_TRUE(stage.preferences->showFrontmostFootprint());
+  EXPECT_TRUE(fixture.preferences->showFrontmostFootprint());
   EXPECT_TRUE(box->isChecked());
   pressKey(*box, Qt::Key_Space);
-  EXPECT_FALSE(stage.preferences->showFrontmostFootprint());
+  EXPECT_FALSE(fixture.preferences->showFrontmostFootprint());
   EXPECT_FALSE(box->isChecked());
 }
 
-TEST(PopoverFooter, FollowsAPreferenceThatWasChangedElsewhere) {
-  PopoverStage stage;
-  PopoverView& view = stage.showView();
+TEST(PopoverFooter, ShowsAPreferenceThatChangedElsewhere) {
+  PopoverFixture fixture;
+  PopoverView& view = fixture.showView();
   auto* box = view.findChild<CheckBox*>();
-  stage.preferences->setShowFrontmostFootprint(true);
-  stage.settle();
+  fixture.preferences->setShowFrontmostFootprint(true);
+  fixture.settle();
   EXPECT_TRUE(box->isChecked());
-  Preferences otherProcess(stage.folder.filePath("preferences.ini"));
+  Preferences otherProcess(fixture.folder.filePath("preferences.ini"));
   otherProcess.setShowFrontmostFootprint(false);
-  stage.sweep();
+  fixture.sweep();
   EXPECT_FALSE(box->isChecked());
   EXPECT_FALSE(otherProcess.showFrontmostFootprint()) << "showing it is not changing it";
 }
 
-TEST(PopoverFooter, AsksToQuit) {
-  PopoverStage stage;
-  PopoverView& view = stage.showView();
+TEST(PopoverFooter, EmitsQuitRequestedWhenQuitIsPressed) {
+  PopoverFixture fixture;
+  PopoverView& view = fixture.showView();
   const QSignalSpy quits(&view, &PopoverView::quitRequested);
   auto* quit = view.findChild<PillButton*>();
   click(*quit);
@@ -193,24 +185,24 @@ TEST(PopoverFooter, AsksToQuit) {
   EXPECT_EQ(quits.count(), 3);
 }
 
-TEST(PopoverFooter, NamesTheVersion) {
+TEST(PopoverFooter, ShowsTheVersion) {
   QCoreApplication::setApplicationVersion("2.3");
   {
-    PopoverStage stage;
-    EXPECT_NE(labelWithText(stage.showView(), " · v2.3"), nullptr);
+    PopoverFixture fixture;
+    EXPECT_NE(labelWithText(fixture.showView(), " · v2.3"), nullptr);
   }
   QCoreApplication::setApplicationVersion("");
-  PopoverStage stage;
-  EXPECT_NE(labelWithText(stage.showView(), " · v1.0"), nullptr);
+  PopoverFixture fixture;
+  EXPECT_NE(labelWithText(fixture.showView(), " · v1.0"), nullptr);
 }
 
 TEST(PopoverTabs, MoveWithTheArrowKeys) {
-  PopoverStage stage;
-  PopoverView& view = stage.showView();
+  PopoverFixture fixture;
+  PopoverView& view = fixture.showView();
   view.activateWindow();
   const auto segments = view.findChildren<TabSegment*>();
   segments[0]->setFocus(Qt::TabFocusReason);
-  stage.settle();
+  fixture.settle();
   pressKey(*segments[0], Qt::Key_Right);
   EXPECT_EQ(view.tab(), PopoverTab::cpu);
   EXPECT_TRUE(segments[1]->hasFocus());
@@ -220,18 +212,18 @@ TEST(PopoverTabs, MoveWithTheArrowKeys) {
   EXPECT_EQ(view.tab(), PopoverTab::cpu);
 }
 
-TEST(PopoverLink, AsksForTheMakersPageOncePerClick) {
-  PopoverStage stage;
-  PopoverView& view = stage.showView();
+TEST(PopoverLink, EmitsUrlRequestedOncePerClick) {
+  PopoverFixture fixture;
+  PopoverView& view = fixture.showView();
   const QSignalSpy requests(&view, &PopoverView::urlRequested);
   click(*view.findChild<LinkButton*>());
   EXPECT_EQ(requests.size(), 1);
   EXPECT_EQ(requests.value(0), QVariantList{QStringLiteral("https://tarn.example")});
 }
 
-TEST(PopoverTabs, AreEnteredAtTheChosenOneHoweverItWasChosen) {
-  PopoverStage stage;
-  PopoverView& view = stage.showView();
+TEST(PopoverTabs, GetTheFocusAtTheSelectedOne) {
+  PopoverFixture fixture;
+  PopoverView& view = fixture.showView();
   view.activateWindow();
   const auto segments = view.findChildren<TabSegment*>();
   const auto enter = [&] {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "ui/widgets/rounded_frame.hpp"
+#include "ui/widgets/painting.hpp"
 
 #include <QPainterPath>
 #include <array>
@@ -10,10 +10,12 @@ namespace tarn {
 
 namespace {
 
+constexpr double focusRingWeight = 2;
+
 struct Corner {
   QRect square;
   QPoint centre;
-  int startAngle;  // degrees, counterclockwise from three o'clock
+  int startAngle;  ///< degrees, counterclockwise from three o'clock
 };
 
 std::array<Corner, 4> cornersOf(const QRect& frame, int radius) {
@@ -59,6 +61,17 @@ void paintRoundedFrame(QPainter& painter, const QRect& frame, int radius, const 
   for (const Corner& corner : cornersOf(frame, radius)) {
     if (corner.square.intersects(damaged)) paintCorner(painter, corner, radius, colors);
   }
+}
+
+void drawFocusRing(QPainter& painter, const QRectF& frame, double radius, const Theme& theme) {
+  constexpr double inset = focusRingWeight / 2;
+  painter.setPen(QPen(theme.focusRing, focusRingWeight));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRoundedRect(frame.adjusted(inset, inset, -inset, -inset), radius - inset, radius - inset);
+}
+
+void drawFocusLine(QPainter& painter, const QRectF& frame, const Theme& theme) {
+  painter.fillRect(frame.adjusted(0, frame.height() - focusRingWeight, 0, 0), theme.focusRing);
 }
 
 }  // namespace tarn
