@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "format/formatting.hpp"
+#include "platform/icu/icu_formatters.hpp"
 #include "ui/menu_bar/menu_bar_label.hpp"
 #include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/application_list.hpp"
@@ -23,14 +24,14 @@ namespace {
 void formatBytes(benchmark::State& state) {
   std::uint64_t bytes = 1'234'567;
   while (state.KeepRunning())
-    benchmark::DoNotOptimize(ByteFormatting::string(bytes += 7919, platformByteCountFormatter()));
+    benchmark::DoNotOptimize(ByteFormatting::string(bytes += 7919, icuFormatters().bytes));
 }
 BENCHMARK(formatBytes);
 
 void formatShare(benchmark::State& state) {
   double share = 0;
   while (state.KeepRunning())
-    benchmark::DoNotOptimize(CPUFormatting::string(share += 0.37, platformPercentFormatter()));
+    benchmark::DoNotOptimize(CPUFormatting::string(share += 0.37, icuFormatters().percents));
 }
 BENCHMARK(formatShare);
 

@@ -36,11 +36,6 @@ struct Formatters {
   const PercentFormatter& percents;
 };
 
-/// The running system's formatters for the user's locale. Made at the first call, which may come from any
-/// thread, and kept until the process ends. Each platform folder defines them.
-const ByteCountFormatter& platformByteCountFormatter();
-const PercentFormatter& platformPercentFormatter();
-
 namespace ByteFormatting {
 
 /// A byte count such as "16 GB". A count above the largest std::int64_t is clamped to it.

@@ -124,12 +124,4 @@ Formatters icuFormatters() {
   return {bytes, percents};
 }
 
-const ByteCountFormatter& platformByteCountFormatter() {
-  return icuFormatters().bytes;
-}
-
-const PercentFormatter& platformPercentFormatter() {
-  return icuFormatters().percents;
-}
-
 }  // namespace tarn

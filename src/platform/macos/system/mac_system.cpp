@@ -80,15 +80,3 @@ int clampedProcessorCount() {
 }
 
 }  // namespace tarn::macos
-
-namespace tarn {
-
-const ByteCountFormatter& platformByteCountFormatter() {
-  return macos::systemFormatters().bytes;
-}
-
-const PercentFormatter& platformPercentFormatter() {
-  return macos::systemFormatters().percents;
-}
-
-}  // namespace tarn
