@@ -25,7 +25,6 @@
 #include "platform/linux/file_icon.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
 #include "platform/linux/status_notifier/panel_item.hpp"
-#include "platform/linux/sysfs/cores_online.hpp"
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "platform/linux/termination_signals.hpp"
 #include "platform/linux/wayland/compositor_frontmost.hpp"

@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-#include "extras/system_extras.hpp"
+#include "extras/extras_reader.hpp"
 #include "extras/thermal.hpp"
 #include "format/formatting.hpp"
 #include "monitor/presentation.hpp"

@@ -3,10 +3,15 @@
 
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <chrono>
 #include <memory>
 
+#include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/kernel_clocks.hpp"
+#include "platform/linux/procfs/text_scan.hpp"
 #include "platform/linux/sysfs/power_supplies.hpp"
 #include "platform/linux/sysfs/root_volume.hpp"
 #include "platform/linux/sysfs/temperature_sensors.hpp"
@@ -55,6 +60,11 @@ ExtrasPort linuxExtrasPort(const LinuxRoots& roots) {
           .temperatures = [readers] { return readers->temperatures(); },
           .uptime = uptimeSeconds,
           .thermalState = [readers] { return readers->thermalState(); }};
+}
+
+int countCoresOnline(const LinuxRoots& roots) {
+  if (const auto count = countCpuList(readFile(roots.sys + "/devices/system/cpu/online"))) return *count;
+  return static_cast<int>(std::max(1L, ::sysconf(_SC_NPROCESSORS_ONLN)));
 }
 
 }  // namespace tarn

@@ -13,4 +13,9 @@ namespace tarn {
 /// their values are read again each time.
 ExtrasPort linuxExtrasPort(const LinuxRoots& roots);
 
+/// Number of online logical processors, at least 1. It does not depend on the CPU affinity of this process.
+/// Reads /sys/devices/system/cpu/online (Documentation/admin-guide/cputopology.rst); without it uses
+/// sysconf(3).
+int countCoresOnline(const LinuxRoots& roots);
+
 }  // namespace tarn

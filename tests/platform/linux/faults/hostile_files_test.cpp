@@ -27,7 +27,6 @@
 #include "platform/linux/procfs/namespaced_pid.hpp"
 #include "platform/linux/psi/psi_file.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
-#include "platform/linux/sysfs/cores_online.hpp"
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "sampling/memory_sampler.hpp"
 #include "support/allocation_count.hpp"

@@ -1,13 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/sysfs/cores_online.hpp"
-
 #include <gmock/gmock.h>
 #include <sched.h>
 #include <unistd.h>
 
 #include "platform/linux/procfs/text_scan.hpp"
+#include "platform/linux/sysfs/linux_extras_port.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {
