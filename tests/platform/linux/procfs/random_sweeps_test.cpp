@@ -99,7 +99,8 @@ class RandomKernel {
       case 10:
         return reusePid();
       case 11:
-        return toggleSwap();
+        if (number(0, 9) == 0) toggleSwap();
+        return;
       case 12:
         return forAnyProcess([this](Process& process) { changeMemoryOfSleeper(process); });
       case 13:
@@ -318,7 +319,7 @@ class RandomSweeps : public testing::TestWithParam<std::uint32_t> {
   RandomSweeps() { std::printf("seed %u\n", GetParam()); }
 
   void compareSweep() {
-    for (const std::int32_t pid : kernel_.takeChangedSleepers()) mayLag_[pid] = sweep_ + 9;
+    for (const std::int32_t pid : kernel_.takeChangedSleepers()) mayLag_.try_emplace(pid, sweep_ + 9);
     ++sweep_;
     const std::vector<std::int32_t> pids = reader_.allPIDs();
     ASSERT_EQ(pids.size(), kernel_.processes().size());
