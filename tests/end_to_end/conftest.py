@@ -90,8 +90,8 @@ def distribute(config):
 
 @pytest.hookimpl(optionalhook=True)
 def pytest_xdist_auto_num_workers():
-    """The number of workers for "-n auto". The tests wait most of the time."""
-    return 2 * os.cpu_count()
+    """The number of workers for "-n auto". The tests wait most of the time, but each desktop takes memory."""
+    return min(2 * os.cpu_count(), 8)
 
 
 @pytest.hookimpl(optionalhook=True)
