@@ -38,7 +38,8 @@ struct Formatters {
 
 namespace ByteFormatting {
 
-/// A byte count such as "16 GB". A count above the largest std::int64_t is clamped to it.
+/// A byte count such as "16 GB"; `formatter` chooses unit and digits. A count above the largest std::int64_t
+/// is clamped to it.
 std::string string(std::uint64_t byteCount, const ByteCountFormatter& formatter);
 
 }  // namespace ByteFormatting

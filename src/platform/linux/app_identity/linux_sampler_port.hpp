@@ -42,7 +42,7 @@ SamplerPort makeLinuxSamplerPort(const LinuxRoots& roots,
 
 /// The data directories of the XDG Base Directory Specification, highest precedence first: $XDG_DATA_HOME,
 /// then $XDG_DATA_DIRS, then the directories to which Flatpak and snapd export desktop files. Relative paths
-/// are ignored, as the specification requires.
+/// are ignored, as that document requires.
 std::vector<std::string> dataDirectories(const Environment& environment);
 
 /// The directories of $PATH, then the usual ones, which the PATH of a session may lack.

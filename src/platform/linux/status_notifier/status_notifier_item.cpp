@@ -105,7 +105,7 @@ void StatusNotifierItem::update(const QVariant& iconPixmaps) {
   const QVariantMap before = std::exchange(properties_, itemProperties(label_, kind_, iconPixmaps));
   const QVariantMap changed = changedProperties(before, properties_);
   if (changed.isEmpty()) return;
-  // Panels that cache properties update them from this signal; the specification's own signals, which make
+  // Panels that cache properties update them from this signal; StatusNotifierItem's own signals, which make
   // panels redraw, have to come later.
   object_.sendPropertiesChanged(changed);
   if (changed.contains(QStringLiteral("Title"))) object_.sendSignal(QStringLiteral("NewTitle"));
