@@ -30,9 +30,8 @@
 #include "platform/linux/wayland/compositor_frontmost.hpp"
 #include "platform/linux/wayland/compositor_ipc.hpp"
 #include "platform/linux/wayland/compositor_placement.hpp"
-#include "platform/linux/x11/x11_click.hpp"
+#include "platform/linux/x11/x11_qt_connection.hpp"
 #include "platform/linux/x11/x11_session.hpp"
-#include "platform/linux/x11/x11_workspace_watch.hpp"
 
 namespace tarn {
 
