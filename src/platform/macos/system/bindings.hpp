@@ -8,7 +8,7 @@
 #include "platform/macos/readers/dispatch_pressure_source.hpp"
 #include "platform/macos/readers/framework_objects.hpp"
 #include "platform/macos/readers/kernel.hpp"
-#include "platform/macos/readers/mac_power.hpp"
+#include "platform/macos/readers/mac_extras.hpp"
 
 namespace tarn::macos {
 
