@@ -13,7 +13,6 @@
 
 #include "platform/macos/readers/kernel_readers.hpp"
 #include "platform/macos/readers/mac_extras.hpp"
-#include "platform/macos/system/bindings.hpp"
 #include "platform/macos/system/foundation.hpp"
 
 namespace tarn::macos {
