@@ -14,7 +14,7 @@
 #include "format/formatting.hpp"
 #include "platform/icu/icu_formatters.hpp"
 #include "ui/menu_bar/menu_bar_label.hpp"
-#include "ui/popover/app_icon_provider.hpp"
+#include "ui/popover/app_row.hpp"
 #include "ui/popover/application_list.hpp"
 #include "ui/symbols/symbols.hpp"
 

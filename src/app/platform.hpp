@@ -26,7 +26,7 @@
 #include "monitor/presentation.hpp"
 #include "sampling/process_source.hpp"
 #include "ui/menu_bar/menu_bar_item.hpp"
-#include "ui/popover/app_icon_provider.hpp"
+#include "ui/popover/popover_content.hpp"
 #include "ui/popover/popover_window.hpp"
 #include "ui/widgets/theme.hpp"
 

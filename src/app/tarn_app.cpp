@@ -17,6 +17,7 @@
 
 #include "monitor/concurrency.hpp"
 #include "ui/menu_bar/menu_bar_label.hpp"
+#include "ui/popover/accessibility.hpp"
 #include "ui/popover/popover_placement.hpp"
 
 namespace tarn {
@@ -86,6 +87,16 @@ std::optional<QPoint> findAnchor(const std::optional<QPoint>& reported, const Wi
 
 bool isDark(const QPalette& palette) {
   return palette.color(QPalette::Window).lightness() < 128;
+}
+
+void describeProgram(const Platform& platform) {
+  QCoreApplication::setApplicationName(QStringLiteral("tarn"));
+  // On macOS QSettings combines the two names into "com.tarn.tarn", the bundle's identifier.
+  QCoreApplication::setOrganizationName(QStringLiteral("tarn"));
+  QCoreApplication::setApplicationVersion(platform.version().value_or(QString()));
+  QGuiApplication::setApplicationDisplayName(QStringLiteral("Tarn"));
+  QGuiApplication::setDesktopFileName(QStringLiteral(TARN_APPLICATION_ID));
+  QApplication::setQuitOnLastWindowClosed(false);
 }
 
 }  // namespace
@@ -220,6 +231,28 @@ void TarnApp::hideRegularWindow() {
   if (!isRegularWindow()) return;
   popover_->hide();  // close() would end the program
   labelRenderer_.schedule();
+}
+
+int runTarn(int argc, char* argv[], Platform& platform) {
+  platform.limitAllocatorArenas();
+  describeProgram(platform);
+  if (const auto problem = platform.displayProblem()) {
+    std::fprintf(stderr, "tarn: %s; Tarn needs one to show itself.\n", qPrintable(*problem));
+    return 1;
+  }
+  const QApplication application(argc, argv);
+  const auto terminationSignals = platform.watchTerminationSignals();
+  installAccessibility();
+
+  TarnApp* running = nullptr;
+  const auto instance = platform.makeSingleInstance();
+  const auto launchedAgain = [&running] {
+    if (running != nullptr) running->openPopover();
+  };
+  if (!instance->claim(launchedAgain)) return 0;
+  TarnApp tarn(platform);
+  running = &tarn;
+  return QApplication::exec();
 }
 
 }  // namespace tarn

@@ -74,4 +74,8 @@ class TarnApp : public QObject {
   std::unique_ptr<QObject> workspaceWatch_;  ///< null where the platform has none
 };
 
+/// Runs Tarn until it quits and returns the exit status for main(). The main() of each platform calls it
+/// once, on the main thread. `platform` must outlive the call.
+int runTarn(int argc, char* argv[], Platform& platform);
+
 }  // namespace tarn

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "ui/popover/app_icon_provider.hpp"
+#include "ui/popover/app_row.hpp"
 #include "ui/popover/tab_picker.hpp"
 #include "ui/popover_fixture.hpp"
 #include "ui/widgets/controls.hpp"

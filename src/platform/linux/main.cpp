@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "app/run_tarn.hpp"
+#include "app/tarn_app.hpp"
 #include "platform/linux/linux_platform.hpp"
 
 int main(int argc, char* argv[]) {

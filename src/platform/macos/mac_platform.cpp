@@ -13,7 +13,6 @@
 #include "platform/macos/desktop/qt_adapters.hpp"
 #include "platform/macos/readers/dispatch_pressure_source.hpp"
 #include "platform/macos/readers/kernel_readers.hpp"
-#include "platform/macos/system/bindings.hpp"
 #include "platform/macos/system/foundation.hpp"
 #include "platform/macos/system/mac_system.hpp"
 

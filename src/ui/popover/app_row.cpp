@@ -7,11 +7,13 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <utility>
 
 namespace tarn {
 
 namespace {
 
+constexpr int iconSize = 32;  ///< points
 constexpr QSize chevronFrame(10, 18);
 constexpr int processIndent = rowIconFrame + rowSpacing;  ///< aligns process lines with the row's name
 constexpr int stackSpacing = 2;
@@ -23,6 +25,19 @@ QString chevronName(const RowContent& content, bool isRightToLeft) {
 }
 
 }  // namespace
+
+AppIconProvider::AppIconProvider(FileIconLoader loadFileIcon) : loadFileIcon_(std::move(loadFileIcon)) {}
+
+AppIcon AppIconProvider::icon(const RowContent& row, double scale) {
+  if (!row.bundlePath) return {{}, row.symbol};
+  auto cached = cache_.find(*row.bundlePath);
+  if (cached == cache_.end()) {
+    cached = cache_.emplace(*row.bundlePath, loadFileIcon_(*row.bundlePath)).first;
+  }
+  const QPixmap image = cached->second.pixmap(QSize(iconSize, iconSize), scale);
+  // Without any icon theme the image is null.
+  return image.isNull() ? AppIcon{{}, row.symbol} : AppIcon{image, {}};
+}
 
 RowText::RowText()
     : name_(new TextLabel(systemFont(12, QFont::Medium), TextStyle::primary, Overflow::elide)),

@@ -3,15 +3,18 @@
 
 #pragma once
 
+#include <QIcon>
+#include <QPixmap>
 #include <QPushButton>
+#include <QString>
 #include <QVBoxLayout>
 #include <QWidget>
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
-#include "ui/popover/app_icon_provider.hpp"
 #include "ui/popover/popover_content.hpp"
 #include "ui/widgets/controls.hpp"
 #include "ui/widgets/text_label.hpp"
@@ -26,6 +29,26 @@ constexpr int rowSpacing = 8;
 
 /// Height of the second line of a row and of a process line, points.
 constexpr int smallLineHeight = 14;
+
+/// The icon of an application, or the name of a symbol to show instead.
+struct AppIcon {
+  QPixmap image;       ///< null if a symbol is shown
+  QString symbolName;  ///< empty if an image is shown
+};
+
+/// Returns the icon of a row. An application's icon is loaded when it is first shown, and cached for the
+/// lifetime of this object. Main thread.
+class AppIconProvider {
+ public:
+  explicit AppIconProvider(FileIconLoader loadFileIcon);
+
+  /// `scale` is the screen's pixels per point.
+  AppIcon icon(const RowContent& row, double scale);
+
+ private:
+  FileIconLoader loadFileIcon_;
+  std::unordered_map<std::string, QIcon> cache_;  ///< by bundle path; never pruned
+};
 
 /// The texts of a row: a name and, optionally, a smaller line below it. Text that does not fit is elided.
 class RowText : public QVBoxLayout {

@@ -5,8 +5,10 @@
 
 #pragma once
 
+#include <QIcon>
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -20,6 +22,9 @@
 #include "sampling/snapshot.hpp"
 
 namespace tarn {
+
+/// Loads a file's icon from the system. Returns a null icon if there is none. Main thread.
+using FileIconLoader = std::function<QIcon(const std::string& path)>;
 
 /// The popover's tabs, in the order in which they are shown.
 enum class PopoverTab { memory, cpu, system };

@@ -11,7 +11,7 @@
 
 #include "monitor/monitor_view_model.hpp"
 #include "monitor/preferences.hpp"
-#include "ui/popover/app_icon_provider.hpp"
+#include "ui/popover/app_row.hpp"
 #include "ui/popover/application_list.hpp"
 #include "ui/popover/popover_content.hpp"
 #include "ui/popover/popover_footer.hpp"

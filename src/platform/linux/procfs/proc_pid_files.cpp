@@ -4,7 +4,10 @@
 #include "platform/linux/procfs/proc_pid_files.hpp"
 
 #include <array>
+#include <filesystem>
+#include <system_error>
 
+#include "platform/linux/procfs/file_reading.hpp"
 #include "platform/linux/procfs/text_scan.hpp"
 
 namespace tarn {
@@ -26,6 +29,10 @@ std::string_view valueOf(std::string_view text, std::string_view label) {
     if (line.starts_with(label)) return line.substr(label.size());
   }
   return {};
+}
+
+bool isUserProcessOf(std::string_view status, std::uint32_t owner) {
+  return parseRealOwner(status) == owner && hasMemory(status);
 }
 
 }  // namespace
@@ -107,6 +114,24 @@ std::string_view completedName(std::string_view kernelName, std::string_view com
   std::string_view word = component.substr(0, component.find_first_of(" \t\n", kernelName.size()));
   if (word.size() > kernelName.size() && word.ends_with(':')) word.remove_suffix(1);
   return word;
+}
+
+std::optional<std::int32_t> resolveNamespacedPid(const std::string& proc, std::int32_t declared,
+                                                 std::uint32_t owner,
+                                                 std::chrono::steady_clock::time_point deadline) {
+  std::optional<std::int32_t> found;
+  std::error_code error;
+  std::filesystem::directory_iterator entry(proc, error);
+  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    if (std::chrono::steady_clock::now() >= deadline) return std::nullopt;
+    const auto pid = parseWholeNumber<std::int32_t>(entry->path().filename().string());
+    if (!pid) continue;
+    const std::string status = readFile(entry->path().string() + "/status");
+    if (parseInnermostPid(status) != declared || !isUserProcessOf(status, owner)) continue;
+    if (found) return std::nullopt;
+    found = pid;
+  }
+  return error ? std::nullopt : found;
 }
 
 }  // namespace tarn

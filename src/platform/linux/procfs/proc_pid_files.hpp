@@ -1,12 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Parsers of the files below /proc/PID and of /proc/stat. They do not allocate and accept any bytes.
+// Parsers of the files below /proc/PID and of /proc/stat, and a search that uses them. The parsers do not
+// allocate and accept any bytes.
 
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace tarn {
@@ -75,5 +78,13 @@ std::optional<std::uint64_t> parseBootTime(std::string_view systemStat);
 /// `/proc/PID/cmdline`: arguments, each terminated by a zero byte (man 5 proc_pid_cmdline). Pass an empty
 /// text when its first argument is cut off.
 std::string_view completedName(std::string_view kernelName, std::string_view commandLine);
+
+/// Finds the process that calls itself `declared`, for example in the window property _NET_WM_PID. A
+/// sandboxed process declares its pid in its own pid namespace; the result is its pid in ours. Only user
+/// processes of the user `owner` are considered. Returns nothing when no process or more than one matches,
+/// and when `deadline` passes. `proc` is the path of a procfs. Any thread.
+std::optional<std::int32_t> resolveNamespacedPid(const std::string& proc, std::int32_t declared,
+                                                 std::uint32_t owner,
+                                                 std::chrono::steady_clock::time_point deadline);
 
 }  // namespace tarn

@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/linux/status_notifier/item_content.hpp"
 #include "platform/linux/status_notifier/notifier_types.hpp"
+#include "platform/linux/status_notifier/status_notifier_item.hpp"
 
 namespace tarn {
 namespace {

@@ -11,7 +11,7 @@
 #include <QSystemTrayIcon>
 #include <utility>
 
-#include "platform/linux/status_notifier/item_content.hpp"
+#include "platform/linux/status_notifier/status_notifier_item.hpp"
 
 namespace tarn {
 

@@ -14,8 +14,7 @@
 #include "platform/linux/procfs/text_scan.hpp"
 #include "platform/linux/sysfs/power_supplies.hpp"
 #include "platform/linux/sysfs/root_volume.hpp"
-#include "platform/linux/sysfs/temperature_sensors.hpp"
-#include "platform/linux/sysfs/thermal_state.hpp"
+#include "platform/linux/sysfs/thermal.hpp"
 
 namespace tarn {
 

@@ -15,7 +15,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/linux/procfs/namespaced_pid.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "platform/linux/x11/xcb_reply.hpp"
 
 namespace tarn {

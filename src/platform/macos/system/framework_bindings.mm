@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "platform/macos/system/bindings.hpp"
+#include "platform/macos/system/mac_system.hpp"
 
 namespace tarn::macos {
 

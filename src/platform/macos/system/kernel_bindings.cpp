@@ -11,7 +11,7 @@
 #include <sys/resource.h>
 #include <sys/sysctl.h>
 
-#include "platform/macos/system/bindings.hpp"
+#include "platform/macos/system/mac_system.hpp"
 
 namespace tarn::macos {
 

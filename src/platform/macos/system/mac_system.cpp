@@ -11,9 +11,8 @@
 #include <memory>
 #include <utility>
 
-#include "platform/macos/readers/event_system_sensors.hpp"
 #include "platform/macos/readers/kernel_readers.hpp"
-#include "platform/macos/system/bindings.hpp"
+#include "platform/macos/readers/mac_extras.hpp"
 #include "platform/macos/system/foundation.hpp"
 
 namespace tarn::macos {

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The parts of MacPlatform that need neither Qt nor AppKit.
+// The parts of MacPlatform that need neither Qt nor AppKit, and the running system's functions for the
+// readers.
 
 #pragma once
 
@@ -9,9 +10,19 @@
 
 #include "extras/ports.hpp"
 #include "format/formatting.hpp"
+#include "platform/macos/readers/dispatch_pressure_source.hpp"
+#include "platform/macos/readers/framework_objects.hpp"
+#include "platform/macos/readers/kernel.hpp"
+#include "platform/macos/readers/mac_extras.hpp"
 #include "sampling/process_source.hpp"
 
 namespace tarn::macos {
+
+// The running system's functions. They live until the process ends. Any thread.
+const KernelFunctions& kernelFunctions();
+const DispatchFunctions& dispatchFunctions();
+const ObjectFunctions& objectFunctions();
+const PowerFunctions& powerFunctions();
 
 SamplerPort makeMacSamplerPort();
 ExtrasPort makeMacExtrasPort();

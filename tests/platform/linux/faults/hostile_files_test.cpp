@@ -24,7 +24,7 @@
 #include "platform/linux/app_identity/application_information.hpp"
 #include "platform/linux/faults/machine_fixture.hpp"
 #include "platform/linux/procfs/file_reading.hpp"
-#include "platform/linux/procfs/namespaced_pid.hpp"
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "platform/linux/psi/psi_file.hpp"
 #include "platform/linux/psi/psi_pressure_source.hpp"
 #include "platform/linux/sysfs/linux_extras_port.hpp"

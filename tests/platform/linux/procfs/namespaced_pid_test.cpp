@@ -1,11 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/procfs/namespaced_pid.hpp"
-
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "platform/linux/procfs/proc_pid_files.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {

@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/status_notifier/item_content.hpp"
-
 #include <gtest/gtest.h>
 
+#include "platform/linux/status_notifier/status_notifier_item.hpp"
 #include "platform/linux/status_notifier/test_label.hpp"
 
 namespace tarn {

@@ -15,7 +15,6 @@
 
 #include "platform/linux/dbus/bus_client.hpp"
 #include "platform/linux/dbus/private_bus.hpp"
-#include "platform/linux/status_notifier/item_content.hpp"
 #include "platform/linux/status_notifier/notifier_types.hpp"
 #include "platform/linux/status_notifier/test_label.hpp"
 #include "support/event_loop.hpp"

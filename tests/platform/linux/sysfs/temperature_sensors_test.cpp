@@ -1,11 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/sysfs/temperature_sensors.hpp"
-
 #include <gmock/gmock.h>
 
 #include "platform/linux/sysfs/machine_tree.hpp"
+#include "platform/linux/sysfs/thermal.hpp"
 
 namespace tarn {
 namespace {

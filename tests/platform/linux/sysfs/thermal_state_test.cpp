@@ -1,11 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/sysfs/thermal_state.hpp"
-
 #include <gtest/gtest.h>
 
 #include "platform/linux/sysfs/linux_extras_port.hpp"
+#include "platform/linux/sysfs/thermal.hpp"
 #include "support/temporary_tree.hpp"
 
 namespace tarn {

@@ -1,8 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/linux/x11/x11_workspace_watch.hpp"
-
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
@@ -10,6 +8,7 @@
 #include <memory>
 
 #include "platform/linux/x11/private_x_server.hpp"
+#include "platform/linux/x11/x11_qt_connection.hpp"
 #include "platform/linux/x11/x11_test_client.hpp"
 
 namespace tarn {

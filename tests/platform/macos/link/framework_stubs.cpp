@@ -3,8 +3,8 @@
 
 // Stubs of the Objective-C++ files, whose frameworks exist on a Mac only.
 
-#include "platform/macos/system/bindings.hpp"
 #include "platform/macos/system/foundation.hpp"
+#include "platform/macos/system/mac_system.hpp"
 
 namespace tarn::macos {
 

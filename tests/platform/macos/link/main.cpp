@@ -5,7 +5,6 @@
 
 #include "extras/extras_reader.hpp"
 #include "platform/macos/readers/kernel_readers.hpp"
-#include "platform/macos/system/bindings.hpp"
 #include "platform/macos/system/mac_system.hpp"
 #include "sampling/memory_sampler.hpp"
 

@@ -1,8 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/macos/readers/event_system_sensors.hpp"
-
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 
@@ -12,6 +10,7 @@
 
 #include "extras/thermal.hpp"
 #include "platform/macos/readers/fake_event_system.hpp"
+#include "platform/macos/readers/mac_extras.hpp"
 
 namespace tarn::macos {
 namespace {

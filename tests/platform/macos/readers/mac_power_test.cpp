@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-#include "platform/macos/readers/mac_power.hpp"
-
 #include <gmock/gmock.h>
 
 #include "extras/battery.hpp"
 #include "platform/macos/readers/fake_objects.hpp"
+#include "platform/macos/readers/mac_extras.hpp"
 
 namespace tarn::macos {
 namespace {

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Temperatures, read through IOKit's HID event system. Its functions are exported but not declared in the
-// public headers, so they are looked up by name.
+// Temperatures, power sources and the battery controller, read through IOKit. Temperatures come from its HID
+// event system, whose functions are exported but not declared in the public headers, so they are looked up by
+// name.
 
 #pragma once
 
@@ -10,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "extras/ports.hpp"
 #include "platform/macos/readers/framework_objects.hpp"
 
 namespace tarn::macos {
@@ -49,5 +51,23 @@ class EventSystemSensors {
   EventSystemFunctions events_;
   ObjectFunctions objects_;
 };
+
+/// An io_registry_entry_t; 0 for none.
+using RegistryEntry = std::uint32_t;
+
+/// IOKit's functions for power sources and for the battery controller in the I/O Registry.
+struct PowerFunctions {
+  ObjectRef (*copyPowerSourcesInfo)();                                    ///< caller releases; may be null
+  ObjectRef (*copyPowerSourcesList)(ObjectRef info);                      ///< caller releases; may be null
+  ObjectRef (*powerSourceDescription)(ObjectRef info, ObjectRef source);  ///< owned by `info`; may be null
+  /// The first service of a class; the caller releases it. 0 when there is none.
+  RegistryEntry (*matchingService)(const char* className);
+  /// KERN_SUCCESS is 0. The caller releases `*properties`.
+  std::int32_t (*createProperties)(RegistryEntry service, ObjectRef* properties);
+  void (*releaseService)(RegistryEntry service);
+};
+
+/// Power sources and battery controller. Each call reads the system and releases what it obtained.
+PowerPort macPowerPort(const PowerFunctions& power, const ObjectFunctions& objects);
 
 }  // namespace tarn::macos

@@ -1,14 +1,20 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
+// What is asked of the X server through Qt's own connection: the state at a click, and changes of the
+// workspace.
+
 #pragma once
 
+#include <xcb/xcb.h>
+
+#include <QAbstractNativeEventFilter>
+#include <QObject>
 #include <QPoint>
 #include <QRect>
+#include <functional>
 #include <optional>
 #include <vector>
-
-struct xcb_connection_t;
 
 namespace tarn {
 
@@ -33,5 +39,19 @@ std::vector<ScreenScale> screenScales();
 /// reply is awaited. Blocks without timeout, as Qt itself does on its connection, for which this is meant.
 /// What the server does not answer stays absent. Main thread.
 X11ClickState queryX11ClickState(xcb_connection_t* connection, const std::vector<ScreenScale>& screens);
+
+/// Calls a function when the user switches to another workspace: when the window manager changes
+/// _NET_CURRENT_DESKTOP on the root window (Extended Window Manager Hints). Main thread.
+class X11WorkspaceWatch final : public QObject, private QAbstractNativeEventFilter {
+ public:
+  /// `connection` is Qt's own, which selects property changes of the root window. One blocking round trip.
+  X11WorkspaceWatch(xcb_connection_t* connection, std::function<void()> switched);
+
+ private:
+  bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
+
+  std::function<void()> switched_;
+  xcb_atom_t currentDesktop_;
+};
 
 }  // namespace tarn
