@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""The performance goals: figures with their maximum values. A "÷" in a name means a ratio of two costs."""
+"""The performance goals: maximum values of measured figures. A "÷" in a name means a ratio of two costs."""
 
 from dataclasses import dataclass
 
@@ -24,7 +24,7 @@ SWEEP = (
     Goal("sweep ÷ refresh of htop", 0.30),
     Goal("sweep ÷ refresh of btop", 0.65),
     Goal("sweep ÷ ps -eo pid,ppid,uid,rss,cputimes,comm", 0.35),
-    Goal("growth over 10,000 sweeps among 50 that come and go, KB", 256, "{:.0f}"),
+    Goal("growth over 10,000 sweeps, 50 new processes per sweep, KB", 256, "{:.0f}"),
     Goal("index of 500 desktop files, ms", 60, "{:.1f}"),
     Goal("index of 500 desktop files, KB", 400, "{:.0f}"),
 )
@@ -35,11 +35,11 @@ DESKTOP = (
     Goal("footprint closed again ÷ bare tray program", 2.0),
     Goal("footprint open ÷ mate-system-monitor", 0.5),
     Goal("footprint open ÷ lxtask", 2.0),
-    Goal("start to item ÷ bare tray program", 1.3),
-    Goal("voluntary switches per minute at rest", 14, "{:.1f}"),
-    Goal("share of a core at rest, 300 processes", 0.0003, "{:.5f}"),
+    Goal("start until the item is shown ÷ bare tray program", 1.3),
+    Goal("voluntary switches per minute, idle", 14, "{:.1f}"),
+    Goal("share of a core, idle, 300 processes", 0.0003, "{:.5f}"),
     Goal("main thread per snapshot, popover open, ms", 4, "{:.2f}"),
-    Goal("longest main thread for a snapshot, ms", 16, "{:.2f}"),
+    Goal("main thread per snapshot, longest, ms", 16, "{:.2f}"),
     Goal("click to first frame, ms", 60, "{:.1f}"),
-    Goal("colours that the first frame lacks, share", 0.2),
+    Goal("share of the colours missing in the first frame", 0.2),
 )

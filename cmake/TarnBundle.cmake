@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# Builds the program as an application bundle that contains Qt once it is installed, and a disk image of the bundle.
+# Builds the program as an application bundle, and a disk image of it. The installation copies Qt into the bundle.
 
 set_target_properties(tarn PROPERTIES
   OUTPUT_NAME Tarn
@@ -11,7 +11,7 @@ install(TARGETS tarn BUNDLE DESTINATION .)
 find_package(Qt6 REQUIRED COMPONENTS Core)
 set(script_argument OUTPUT_SCRIPT)
 if(Qt6_VERSION VERSION_LESS 6.5)
-  set(script_argument FILENAME_VARIABLE)  # its name before Qt 6.5
+  set(script_argument FILENAME_VARIABLE)  # the name of this argument before Qt 6.5
 endif()
 qt_generate_deploy_app_script(TARGET tarn ${script_argument} deploy_script)
 install(SCRIPT "${deploy_script}")

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# How every target of Tarn is compiled.
+# The compiler and linker options of all targets, and functions that define targets.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -11,7 +11,8 @@ if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
 
-# The cache must hit in every clone, whatever its folder is called, and with precompiled headers.
+# ccache: clones in different folders share results (CCACHE_BASEDIR, CCACHE_NOHASHDIR). It caches files that use a
+# precompiled header only with pch_defines and time_macros (manual of ccache, "Precompiled headers").
 find_program(TARN_CCACHE ccache)
 if(TARN_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER
@@ -24,7 +25,7 @@ target_include_directories(tarn_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
 target_compile_options(tarn_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
   -Wold-style-cast -Wcast-qual -Wformat=2
-  # Records are built with designated initialisers; the other fields have their defaults.
+  # Designated initialisers may leave out fields, which then have their defaults.
   -Wno-missing-field-initializers)
 if(TARN_WARNINGS_AS_ERRORS)
   target_compile_options(tarn_options INTERFACE -Werror)
@@ -37,7 +38,7 @@ if(TARN_SANITIZE)
 endif()
 
 if(TARN_PRECOMPILE_HEADERS)
-  # GCC refuses a precompiled header that was built with another setting; Qt's targets ask for this one.
+  # Qt's targets set -fPIC. GCC does not use a precompiled header that was built without it.
   add_compile_options(-fPIC)
 endif()
 
@@ -48,8 +49,8 @@ if(TARN_FAST_LINKER)
   endif()
 endif()
 
-# tarn_precompile(TARGET HEADER): compiles a target with one of the precompiled headers of cmake/pch, which is built
-# once for all targets. Only test builds use them: the release build shows that each file includes what it needs.
+# tarn_precompile(TARGET HEADER): compiles a target with the precompiled header cmake/pch/HEADER.hpp, which is built
+# once for all targets. The release build does not use it, and so fails if a file does not include what it needs.
 function(tarn_precompile target header)
   if(NOT TARN_PRECOMPILE_HEADERS)
     return()
@@ -70,8 +71,8 @@ function(tarn_precompile target header)
   target_precompile_headers(${target} REUSE_FROM tarn_pch_${header})
 endfunction()
 
-# tarn_module(NAME SOURCES ... USES ...): one static library per folder of src/; USES names the libraries that it
-# builds on.
+# tarn_module(NAME SOURCES ... USES ...): defines the static library of a folder of src/. USES names the libraries that
+# it links.
 function(tarn_module name)
   cmake_parse_arguments(MODULE "" "" "SOURCES;USES" ${ARGN})
   add_library(${name} STATIC ${MODULE_SOURCES})

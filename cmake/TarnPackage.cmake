@@ -3,36 +3,36 @@
 # Installs the desktop entry, D-Bus service, systemd unit, metainfo, manual page and icon, and builds the Debian package.
 
 include(GNUInstallDirs)
-set(from "${PROJECT_SOURCE_DIR}/packaging/linux")
-set(to "${PROJECT_BINARY_DIR}/packaging/linux")
+set(input_folder "${PROJECT_SOURCE_DIR}/packaging/linux")
+set(output_folder "${PROJECT_BINARY_DIR}/packaging/linux")
 set(share "${CMAKE_INSTALL_DATAROOTDIR}")
 
 install(TARGETS tarn RUNTIME)
 
-# install_configured(FILE DESTINATION NAME): installs FILE.in of packaging/linux, configured, as NAME.
+# install_configured(FILE DESTINATION NAME): configures packaging/linux/FILE.in and installs the result as NAME.
 function(install_configured file destination name)
-  configure_file("${from}/${file}.in" "${to}/${file}" @ONLY)
-  install(FILES "${to}/${file}" DESTINATION "${destination}" RENAME "${name}")
+  configure_file("${input_folder}/${file}.in" "${output_folder}/${file}" @ONLY)
+  install(FILES "${output_folder}/${file}" DESTINATION "${destination}" RENAME "${name}")
 endfunction()
 
 install_configured(tarn.desktop "${share}/applications" "${TARN_APPLICATION_ID}.desktop")
 install_configured(tarn.metainfo.xml "${share}/metainfo" "${TARN_APPLICATION_ID}.metainfo.xml")
 install_configured(tarn.1 "${CMAKE_INSTALL_MANDIR}/man1" tarn.1)
 install_configured(copyright "${share}/doc/tarn" copyright)
-install(FILES "${from}/tarn.svg" DESTINATION "${share}/icons/hicolor/scalable/apps"
+install(FILES "${input_folder}/tarn.svg" DESTINATION "${share}/icons/hicolor/scalable/apps"
   RENAME "${TARN_APPLICATION_ID}.svg")
 
-# These contain the program's absolute path, which is known only at installation.
+# Configured at installation: these files contain the program's absolute path, which is not known earlier.
 install(CODE "
   cmake_path(APPEND TARN_PROGRAM \"\${CMAKE_INSTALL_PREFIX}\" \"${CMAKE_INSTALL_BINDIR}\" tarn)
   set(TARN_APPLICATION_ID \"${TARN_APPLICATION_ID}\")
   foreach(file tarn.dbus.service tarn.service)
-    configure_file(\"${from}/\${file}.in\" \"${to}/\${file}\" @ONLY)
+    configure_file(\"${input_folder}/\${file}.in\" \"${output_folder}/\${file}\" @ONLY)
   endforeach()")
-install(FILES "${to}/tarn.dbus.service" DESTINATION "${share}/dbus-1/services"
+install(FILES "${output_folder}/tarn.dbus.service" DESTINATION "${share}/dbus-1/services"
   RENAME "${TARN_APPLICATION_ID}.service")
-# systemd reads this folder whatever CMAKE_INSTALL_LIBDIR is.
-install(FILES "${to}/tarn.service" DESTINATION lib/systemd/user)
+# systemd reads lib/systemd/user, also where CMAKE_INSTALL_LIBDIR is not lib.
+install(FILES "${output_folder}/tarn.service" DESTINATION lib/systemd/user)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tarn)
@@ -47,7 +47,7 @@ set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_PRE_BUILD_SCRIPTS "${from}/debian/documents.cmake")
+set(CPACK_PRE_BUILD_SCRIPTS "${input_folder}/debian/documents.cmake")
 set(CPACK_VERBATIM_VARIABLES ON)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -56,7 +56,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://${TARN_VENDOR_ADDRESS}")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# SVG icons, Wayland desktops, and the heart in the about line.
+# For the heart emoji in the about line, SVG icons, and Wayland.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-noto-color-emoji, libqt6svg6, qt6-wayland")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "\

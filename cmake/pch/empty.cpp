@@ -1,3 +1,3 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
-// A library needs a source; this one carries a precompiled header.
+// The source file of the libraries tarn_pch_*, which only build a precompiled header. CMake requires a source.

@@ -1,9 +1,9 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Runs pytest on a stage: as an ordinary user, in namespaces of its own, see scripts/on_virtual_desktop.sh.
+"""Runs pytest as an ordinary user, in separate namespaces, with copies of the programs in a temporary folder ("stage").
 
-"pytest tests/end_to_end" replaces itself by that script, which starts pytest again with the same arguments. There
-TARN_STAGE is set."""
+"pytest tests/end_to_end" executes scripts/on_virtual_desktop.sh in its place. The script creates the stage, sets
+TARN_STAGE, and starts pytest again with the same arguments."""
 
 import fcntl
 import os
@@ -16,7 +16,7 @@ from harness.processes import all_ended_afterwards
 
 REPOSITORY = Path(__file__).parents[2]
 SCRIPT = REPOSITORY / "scripts/on_virtual_desktop.sh"
-IS_STAGED = "TARN_STAGE" in os.environ
+HAS_STAGE = "TARN_STAGE" in os.environ
 BUILT_TARN = "build/{}/src/app/tarn"
 
 
@@ -32,15 +32,15 @@ def pytest_addoption(parser):
 
 @pytest.hookimpl(tryfirst=True)
 def pytest_cmdline_main(config):
-    if IS_STAGED:
+    if HAS_STAGE:
         distribute(config)
     elif not (config.option.collectonly or config.option.help or config.option.version or config.option.markers
               or config.option.showfixtures or config.option.show_fixtures_per_test):
-        enter_stage(config)
+        execute_script(config)
 
 
-def enter_stage(config):
-    """Replaces this process by the script, which starts pytest on the stage."""
+def execute_script(config):
+    """Replaces this process by the script."""
     folder = Path.cwd()
     if not folder.is_relative_to(REPOSITORY):
         raise pytest.UsageError(f"start pytest in {REPOSITORY} or below it")
@@ -52,31 +52,31 @@ def enter_stage(config):
     command += ["--results", REPOSITORY / "build/end_to_end", "--directory", folder.relative_to(REPOSITORY),
                 "--workers" if getattr(config.option, "numprocesses", None) else "--isolated",
                 "-m", "pytest", "-o", "cache_dir=results/cache",
-                *(staged_argument(word, folder) for word in config.invocation_params.args)]
+                *(relative_argument(argument, folder) for argument in config.invocation_params.args)]
     config.pluginmanager.getplugin("capturemanager").suspend(in_=True)
-    os.execv(SCRIPT, [str(word) for word in command])
+    os.execv(SCRIPT, [str(argument) for argument in command])
 
 
 def find_program(config, option, *presets):
-    """The path that an option gives, else the first built program; None if there is none."""
-    if given := getattr(config.option, option):
-        if not Path(given).is_file():
-            raise pytest.UsageError(f"there is no program {given}")
-        return Path(given).resolve()
+    """The path in `option`, else that of the first preset in `presets` that was built; None if there is none."""
+    if path_option := getattr(config.option, option):
+        if not Path(path_option).is_file():
+            raise pytest.UsageError(f"there is no program {path_option}")
+        return Path(path_option).resolve()
     built = [path for preset in presets if (path := REPOSITORY / BUILT_TARN.format(preset)).is_file()]
     if not built and option == "tarn":
         raise pytest.UsageError("build Tarn first, for example: cmake --preset asan && cmake --build --preset asan")
     return next(iter(built), None)
 
 
-def staged_argument(word, folder):
-    """A path in the repository as a relative one, which is the same on the stage."""
-    word = str(word)
-    return os.path.relpath(word, folder) if word.startswith(f"{REPOSITORY}/tests/") else word
+def relative_argument(argument, folder):
+    """Makes a path below tests relative to `folder`: relative paths are the same on the stage."""
+    text = str(argument)
+    return os.path.relpath(text, folder) if text.startswith(f"{REPOSITORY}/tests/") else text
 
 
 def distribute(config):
-    """With -n, starts the workers in namespaces of their own."""
+    """Starts the workers of option -n, each in separate namespaces."""
     count = getattr(config.option, "numprocesses", None)
     if not count:
         return
@@ -108,16 +108,16 @@ def pytest_xdist_make_scheduler(config, log):
 
 
 def pytest_collection_modifyitems(items):
-    """Long tests first, and those last that wait until no other test runs."""
+    """Sorts the tests: "long" first, "machine_wide" last, because these wait until no other test runs."""
     items.sort(key=lambda item: 0 if item.get_closest_marker("long") else
                2 if item.get_closest_marker("machine_wide") else 1)
 
 
 @pytest.fixture(scope="session", autouse=True)
 def processes():
-    """No process outlives the tests."""
-    if not IS_STAGED:
-        pytest.exit("Name the folder, so that the tests find their options: pytest tests/end_to_end", 2)
+    """Ends all processes that the tests have started."""
+    if not HAS_STAGE:
+        pytest.exit("pytest must be started with the folder as argument: pytest tests/end_to_end", 2)
     with all_ended_afterwards():
         programs.start_background(os.environ)
         yield
@@ -140,5 +140,5 @@ def program(request):
     elif stage.RELEASE_TARN.exists():
         programs.choose_program(stage.RELEASE_TARN)
     else:
-        pytest.skip("NOT TESTED: there is no program without sanitizers; build the release preset, or name it by "
-                    "--release-tarn")
+        pytest.skip("NOT TESTED: there is no program without sanitizers; build the release preset, or pass "
+                    "its path with --release-tarn")

@@ -59,7 +59,7 @@ class Tour:
 
 
 def show_machine(desktop, machine):
-    tarn = Tarn(desktop, fake_machine.with_classes(fake_machine.lay_out(machine)))
+    tarn = Tarn(desktop, fake_machine.with_classes(fake_machine.write_files(machine)))
     tarn.popover.choose_tab("System")
     tarn.popover.wait_for(lambda content: "Uptime" in content.texts, "the System tab shows values")
     desktop.move_pointer((SIZE[0] // 4, SIZE[1] - 60))

@@ -47,7 +47,7 @@ class HostTests:
     @pytest.fixture(scope="class")
     def tarn(self, desktop, programs):
         strip = edge_strip((0, 0, *desktop.size), "top")
-        return Tarn(desktop, find_item=lambda on, pid: VisibleItem(on, strip))
+        return Tarn(desktop, find_item=lambda *_: VisibleItem(desktop, strip))
 
     @pytest.fixture(autouse=True)
     def closed_popover(self, shared):
@@ -243,7 +243,7 @@ class TestTwoOutputs(SharedDesktop):
     @pytest.fixture(scope="class")
     def tarn(self, desktop):
         strip = edge_strip((0, 0, *OUTPUT_SIZE), "top")
-        return Tarn(desktop, find_item=lambda on, pid: VisibleItem(on, strip))
+        return Tarn(desktop, find_item=lambda *_: VisibleItem(desktop, strip))
 
     def test_the_popover_opens_where_the_item_was_clicked(self):
         for number in (1, 0, 1):

@@ -9,7 +9,7 @@ import pytest
 
 from harness import hosts
 from harness.programs import Tarn
-from harness.status_item import PANEL_REACH, VisibleItem, edge_strip, lies_within, popover_frame, right_and_bottom
+from harness.status_item import MAX_PANEL_DEPTH, VisibleItem, edge_strip, lies_within, popover_frame, right_and_bottom
 from harness.texts import DETAIL
 from harness.virtual_desktop import SIZE, VirtualDesktop, monitor_name
 
@@ -44,10 +44,10 @@ def gap_to_edge(frame, area, edge):
 @contextlib.contextmanager
 def running(host, screen, scale=1, size=None, monitors=1):
     """A desktop with this panel at an edge of `screen` (left, top, width, height), and Tarn on it."""
-    strip = edge_strip(screen, host.edge, PANEL_REACH * scale)
+    strip = edge_strip(screen, host.edge, MAX_PANEL_DEPTH * scale)
     with VirtualDesktop(host=host, size=size or screen[2:], monitors=monitors) as desktop:
         yield desktop, Tarn(desktop, environment={"QT_SCALE_FACTOR": str(scale)},
-                            find_item=lambda on, pid: VisibleItem(on, strip))
+                            find_item=lambda *_: VisibleItem(desktop, strip))
 
 
 def assert_is_beside_the_item(desktop, tarn, edge, screen, scale=1):

@@ -72,7 +72,7 @@ def test_when_the_x_server_ends_it_prints_an_error_and_ends(is_open):
 def test_when_the_wayland_compositor_ends_it_prints_an_error_and_ends(is_open):
     with WaylandDesktop() as desktop:
         strip = edge_strip((0, 0, *desktop.size), "top")
-        tarn = Tarn(desktop, environment=WITHOUT_LEAK_CHECK, find_item=lambda on, pid: VisibleItem(on, strip))
+        tarn = Tarn(desktop, environment=WITHOUT_LEAK_CHECK, find_item=lambda *_: VisibleItem(desktop, strip))
         tarn.item.position()
         if is_open:
             tarn.popover.open()

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# CPack runs this over the staged files before it builds the package: adds the Debian changelog, and compresses it and
-# the manual page without a time stamp, so that builds are reproducible.
+# CPack runs this script before it builds the package from CPACK_TEMPORARY_DIRECTORY. It adds the Debian changelog, and
+# compresses the changelog and the manual page without a time stamp, so that builds are reproducible.
 
 set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
 execute_process(COMMAND date --utc --rfc-email "--date=${CPACK_TARN_RELEASE_DATE} 12:00"

@@ -29,9 +29,9 @@ class Case:
     name: str
     command: tuple
     group: str
-    least: int = 1  # number of processes after the start
-    never_rests: bool = False  # it starts short-lived processes continuously
-    is_orphan: bool = False  # the process that starts it ends
+    minimum: int = 1  # number of processes after the start
+    keeps_starting: bool = False  # it starts short-lived processes continuously
+    is_orphan: bool = False  # its parent process ends
     variables: dict = field(default_factory=dict, compare=False)
 
 
@@ -42,7 +42,7 @@ INSTALLED = (
                       "--disable-component-update", "--disable-sync", "about:blank"), SHARED + "chromium.desktop", 4),
     Case("LibreOffice", ("libreoffice", "--norestore", "--nologo"), SHARED + "libreoffice-startcenter.desktop", 2),
     Case("terminal", ("xterm", "-e", "bash", "-c", f"sleep 1000 & {COMPILE}"), SHARED + "debian-xterm.desktop", 3,
-         never_rests=True),
+         keeps_starting=True),
     Case("second terminal", ("xterm", "-e", "sleep", "1000"), SHARED + "debian-xterm.desktop", 2),
     # After the terminal has ended, only the executable identifies it.
     Case("orphan of a terminal", ("xterm", "-e", "sh", "-c", "setsid mousepad & sleep 5"),
@@ -55,8 +55,8 @@ INSTALLED = (
 
 def needed_libraries(tools):
     """The paths of the shared libraries of programs and of the dynamic linker."""
-    answer = subprocess.run(["ldd", *tools], stdout=subprocess.PIPE, text=True, check=True, timeout=30).stdout
-    return {word for word in answer.split() if word.startswith("/") and not word.endswith(":")}
+    output = subprocess.run(["ldd", *tools], stdout=subprocess.PIPE, text=True, check=True, timeout=30).stdout
+    return {word for word in output.split() if word.startswith("/") and not word.endswith(":")}
 
 
 def write_platform(folder):

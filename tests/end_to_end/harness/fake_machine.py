@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Files of another machine in the place of files below /proc and /sys, for a program that is started with a prefix."""
+"""Replaces files below /proc and /sys by those of another machine, for a program that starts with a command prefix."""
 
 import os
 import re
@@ -15,7 +15,7 @@ NO_SWAPS = "Filename\t\t\t\tType\t\tSize\t\tUsed\t\tPriority\n"
 WIDTH = 12  # digits with leading spaces: every version of the file has the same size
 
 
-def lay_out(name):
+def write_files(name):
     """Writes the files of a machine in tests/fixtures to a new folder. Returns its sys/class."""
     root = Path(tempfile.mkdtemp(prefix=f"{name}.", dir=WORK))
     classes = root / "sys/class"
@@ -26,8 +26,8 @@ def lay_out(name):
 
 
 def bind_mounts(*places):
-    """The command prefix for a program that finds one file or folder in the place of another. `places` are pairs of
-    source and target."""
+    """The command prefix for a program that sees `source` at the path `target`, for each (source, target) in `places`.
+    Both are files, or both are folders."""
     return PROGRAMS / "with_bind_mounts.py", *(path for place in places for path in place), "--"
 
 
@@ -37,8 +37,8 @@ def with_classes(classes):
 
 
 class FakeMemory:
-    """Files in the place of /proc/meminfo and /proc/swaps: a machine without swap, of whose memory a test sets the
-    available share. The other figures are real. `places` is for `bind_mounts`."""
+    """Replacements of /proc/meminfo and /proc/swaps: no swap, and a share of available memory that the test sets. The
+    other figures are those of the real machine. `places` is for `bind_mounts`."""
 
     def __init__(self, share):
         folder = Path(tempfile.mkdtemp(prefix="memory.", dir=WORK))

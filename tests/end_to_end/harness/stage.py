@@ -1,13 +1,13 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""The folder ("stage") that scripts/on_virtual_desktop.sh prepares: programs to run and room for files.
+"""The folder ("stage") that scripts/on_virtual_desktop.sh prepares: programs, tests, and output folders.
 
-The programs and the tests themselves are read-only. Every pytest worker writes to a folder of its own."""
+The programs and the tests are read-only. Each pytest worker writes to a separate folder."""
 
 import os
 from pathlib import Path
 
-# Only collecting tests works without a stage.
+# Without a stage pytest can collect the tests, but not run them.
 STAGE = Path(os.environ.get("TARN_STAGE", "/nonexistent"))
 BIN = STAGE / "bin"
 TARN = BIN / "tarn"  # the program under test: the sanitized one, if it was built

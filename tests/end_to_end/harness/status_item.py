@@ -7,7 +7,7 @@ import re
 from harness.processes import wait_until
 
 INTERFACE = "org.kde.StatusNotifierItem"
-PANEL_REACH = 40  # pixels; no panel of the tests is deeper
+MAX_PANEL_DEPTH = 40  # pixels; the tests have no deeper panel
 STATUS_AREA = re.compile(r'\("wrapper-2\.0" "Wrapper-2\.0"\)\s+(\d+)x(\d+)\S+\s+\+(\d+)\+(\d+)$', re.MULTILINE)
 CIRCLE_SIZES = range(10, 64)  # pixels
 POPOVER_WIDTH = 320
@@ -19,7 +19,7 @@ def status_area(desktop):
     for match in STATUS_AREA.finditer(desktop.run("xwininfo", "-root", "-tree")):
         width, height, left, top = map(int, match.groups())
         # Tooltips are windows of the same class, but lie outside of the panel.
-        if width >= 16 and top + height <= PANEL_REACH:
+        if width >= 16 and top + height <= MAX_PANEL_DEPTH:
             return left, top, width, height
     return None
 
@@ -80,7 +80,7 @@ class PanelItem(RegisteredItem):
         return wait_until(lambda: status_area_centre(self._desktop), "the panel shows Tarn's item")
 
 
-def edge_strip(area, edge, depth=PANEL_REACH):
+def edge_strip(area, edge, depth=MAX_PANEL_DEPTH):
     """The part of `area` (left, top, width, height) along one of its edges."""
     left, top, width, height = area
     return {"top": (left, top, width, depth), "bottom": (left, top + height - depth, width, depth),
@@ -88,8 +88,8 @@ def edge_strip(area, edge, depth=PANEL_REACH):
 
 
 class VisibleItem:
-    """The circle in an area `strip` (left, top, width, height) of the screen, whatever the panel there. The panel shows
-    nothing else in the circle's colours."""
+    """The circle in an area `strip` (left, top, width, height) of the screen, in any panel. Nothing else
+    there has the circle's colours."""
 
     def __init__(self, desktop, strip):
         self._desktop = desktop
