@@ -50,7 +50,7 @@ class SingleInstance {
 /// What the window system reports for one user action.
 struct WindowSystemState {
   WindowCapabilities capabilities = {};
-  std::optional<QPoint> pointer = {};            ///< screen coordinates; nothing where clients may not ask
+  std::optional<QPoint> pointer = {};            ///< screen coordinates; nullopt where clients may not ask
   std::optional<QRect> windowUnderPointer = {};  ///< the panel, when its item was clicked and X11 reports it
 };
 

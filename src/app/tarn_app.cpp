@@ -76,7 +76,7 @@ bool isPlausibleOnItsScreen(const QPoint& point) {
 }
 
 /// Where the popover opens. Some hosts report a wrong position of the click, so the pointer's is preferred.
-/// Nothing when neither is plausible.
+/// nullopt when neither is plausible.
 std::optional<QPoint> findAnchor(const std::optional<QPoint>& reported, const WindowSystemState& state) {
   if (state.capabilities.clickPositionIsExact && reported) return reported;
   if (state.capabilities.clientsPlaceWindows && state.pointer && isPlausibleOnItsScreen(*state.pointer))

@@ -38,7 +38,7 @@ class RepeatingTimer {
  public:
   virtual ~RepeatingTimer() = default;
 
-  /// Stops it for good; idempotent.
+  /// Stops the timer permanently; idempotent.
   virtual void invalidate() = 0;
 };
 

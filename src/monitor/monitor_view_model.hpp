@@ -25,7 +25,7 @@ struct MonitorPorts {
   std::function<std::unique_ptr<TaskQueue>(const std::string& label)> makeQueue;
   SamplerPort sampler;
   ExtrasPort extras;
-  /// Returns the present pressure level as the kernel's own number; nothing when it cannot be read.
+  /// Returns the present pressure level as the kernel's own number; nullopt when it cannot be read.
   std::function<std::optional<std::int32_t>()> pressureLevel;
   std::unique_ptr<PressureSource> pressureSource;
   FrontmostApplicationSource frontmostApplication;
@@ -70,7 +70,7 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
   void popoverClosed();
 
  Q_SIGNALS:
-  /// A published value is about to change; observers read it on their next turn.
+  /// A published value is about to change; observers read it in the next event-loop iteration.
   void willChange();
 
  private:

@@ -28,7 +28,7 @@ class Preferences final : public QObject {
   void setShowFrontmostFootprint(bool show);
 
  Q_SIGNALS:
-  /// The setting is about to change; observers read it on their next turn.
+  /// The setting is about to change; observers read it in the next event-loop iteration.
   void willChange();
 
  private:

@@ -40,7 +40,7 @@ struct CPUPresentation {
   double totalPercent = 0;  ///< sum over all groups, percent of one core
   int coreCount = 0;        ///< active cores
 
-  /// Returns the fraction of the machine in use: 1.0 when every core is busy. Nothing without cores.
+  /// Returns the fraction of the machine in use: 1.0 when every core is busy. nullopt without cores.
   std::optional<double> load() const;
 
   /// Returns the verdict.
@@ -62,7 +62,7 @@ struct FrontmostApplication {
 /// contains its process; null when there is none.
 const AppGroup* groupOf(const FrontmostApplication& application, const MemorySnapshot& snapshot);
 
-/// Returns the frontmost application; nothing when there is none or the system does not report it. Main
+/// Returns the frontmost application; nullopt when there is none or the system does not report it. Main
 /// thread; returns within 50 ms.
 using FrontmostApplicationSource = std::function<std::optional<FrontmostApplication>()>;
 

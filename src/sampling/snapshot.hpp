@@ -19,7 +19,7 @@ namespace tarn {
 /// The kernel's memory-pressure levels; the raw values are the kernel's own level numbers.
 enum class MemoryPressure : std::int32_t { normal = 1, warning = 2, critical = 4 };
 
-/// The level with this raw value; nothing for any other number (0, 3, 5 and above, negatives).
+/// The level with this raw value; nullopt for any other number (0, 3, 5 and above, negatives).
 std::optional<MemoryPressure> memoryPressureFromRawValue(std::int32_t rawValue);
 
 /// What a reading of the kernel's level means: 4 is critical, 2 is warning; every other number and a

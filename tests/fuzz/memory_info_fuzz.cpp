@@ -8,10 +8,10 @@ FUZZ_TARGET(memory_info, text) {
   using tarn::MemoryPressure;
   const tarn::MemoryInfo memory = tarn::parseMemoryInfo(text);
   const bool known = memory.total.value_or(0) > 0 && memory.available;
-  const auto calm = tarn::pressureLevel(MemoryPressure::normal, memory);
-  const auto stalled = tarn::pressureLevel(MemoryPressure::critical, memory);
-  tarn::require(calm.has_value() == known && stalled.has_value() == known);
+  const auto withoutStalls = tarn::pressureLevel(MemoryPressure::normal, memory);
+  const auto withStalls = tarn::pressureLevel(MemoryPressure::critical, memory);
+  tarn::require(withoutStalls.has_value() == known && withStalls.has_value() == known);
   if (!known) return;
-  tarn::require(*calm <= *stalled);
-  if (*memory.available >= *memory.total) tarn::require(*stalled == MemoryPressure::normal);
+  tarn::require(*withoutStalls <= *withStalls);
+  if (*memory.available >= *memory.total) tarn::require(*withStalls == MemoryPressure::normal);
 }

@@ -151,19 +151,19 @@ TEST_F(ViewModelThreads, SweepWhilePressureIsReportedAndThePopoverOpensAndCloses
 }
 
 TEST_F(ViewModelThreads, KeepTheMainThreadFreeWhileASensorBlocks) {
-  std::atomic<bool> asked = false;
+  std::atomic<bool> isRequested = false;
   std::atomic<bool> answers = false;
   extras_.onCall = [&](const std::string& operation) {
     if (operation != "temperatures") return;
-    asked = true;
-    asked.notify_one();
+    isRequested = true;
+    isRequested.notify_one();
     answers.wait(false);
   };
   auto model = create();
   serveUntil([&model] { return model->snapshot().has_value(); });
   const std::uint64_t before = model->presentation().swapUsed;
   model->popoverOpened();
-  asked.wait(false);
+  isRequested.wait(false);
 
   bool served = false;
   mainLoop_.async([&served] { served = true; });

@@ -272,9 +272,9 @@ TEST(AppIconProvider, LoadsEachApplicationsIconOnce) {
 }
 
 TEST(AppIconProvider, AsksOnceForAMissingIcon) {
-  int asked = 0;
+  int requests = 0;
   AppIconProvider provider([&](const std::string&) {
-    ++asked;
+    ++requests;
     return QIcon();
   });
   for (int i = 0; i < 3; ++i) {
@@ -282,7 +282,7 @@ TEST(AppIconProvider, AsksOnceForAMissingIcon) {
     EXPECT_TRUE(icon.image.isNull());
     EXPECT_EQ(icon.symbolName, "gearshape.fill");
   }
-  EXPECT_EQ(asked, 1);
+  EXPECT_EQ(requests, 1);
 }
 
 TEST(AppIconProvider, ReturnsAnImageOf32PointsAtTheScreensScale) {
@@ -297,7 +297,7 @@ TEST(AppIconProvider, ReturnsAnImageOf32PointsAtTheScreensScale) {
 
 TEST(AppIconProvider, ReturnsASymbolForARowWithoutABundle) {
   AppIconProvider provider([](const std::string& path) -> QIcon {
-    ADD_FAILURE() << "asked for " << path;
+    ADD_FAILURE() << "requested " << path;
     return {};
   });
   const AppIcon gear = provider.icon({.id = "pid:12", .symbol = "gearshape.fill"}, 1);

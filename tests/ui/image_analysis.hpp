@@ -110,8 +110,8 @@ inline bool endsInDot(const QImage& image, bool atLeft, const QColor& background
       if (image.pixelColor(x, y) != background) text |= QRect(x, y, 1, 1);
     }
   }
-  constexpr int reach = 2;
-  const int start = atLeft ? text.left() : text.right() + 1 - reach;
+  constexpr int columns = 2;
+  const int start = atLeft ? text.left() : text.right() + 1 - columns;
   int height = 0;
   for (int y = text.top(); y <= text.bottom(); ++y) {
     const bool isDrawn =

@@ -191,10 +191,10 @@ TEST_P(PopoverDirection, ElidesLongNamesOfAnyScriptAtTheirEnd) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(OfReading, PopoverDirection, ::testing::Values(Qt::LeftToRight, Qt::RightToLeft),
-                         [](const auto& run) {
-                           return run.param == Qt::RightToLeft ? std::string("RightToLeft")
-                                                               : std::string("LeftToRight");
+INSTANTIATE_TEST_SUITE_P(LayoutDirections, PopoverDirection,
+                         ::testing::Values(Qt::LeftToRight, Qt::RightToLeft), [](const auto& test) {
+                           return test.param == Qt::RightToLeft ? std::string("RightToLeft")
+                                                                : std::string("LeftToRight");
                          });
 
 }  // namespace

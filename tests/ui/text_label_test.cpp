@@ -35,7 +35,7 @@ QFont proportionalFont() {
   return font;
 }
 
-/// Renders the label in its preferred width or in the given one.
+/// Renders the label. `width` 0: in its preferred width.
 QImage painted(TextLabel& label, const QString& text, int width = 0) {
   label.setText(text);
   label.resize(width == 0 ? label.sizeHint().width() : width, 18);
@@ -72,9 +72,9 @@ TEST(FigureLabel, KeepsCharactersInPlaceWhenDigitsChange) {
 
 TEST(FigureLabel, EndsAtItsRightEdge) {
   FigureLabel label(proportionalFont(), TextStyle::primary);
-  const QImage tight = painted(label, "12.5 MB");
-  const QImage loose = painted(label, "12.5 MB", tight.width() + 40);
-  EXPECT_EQ(rightPart(loose, tight.width()), tight);
+  const QImage fitted = painted(label, "12.5 MB");
+  const QImage widened = painted(label, "12.5 MB", fitted.width() + 40);
+  EXPECT_EQ(rightPart(widened, fitted.width()), fitted);
 }
 
 TEST(FigureLabel, GivesAllDigitsOfAScriptTheSameWidth) {
@@ -114,7 +114,7 @@ TEST(FigureLabel, DrawsADigitOfTwoCodeUnits) {
 
 TEST(FigureLabel, GivesDirectionMarksNoWidth) {
   FigureLabel label(proportionalFont(), TextStyle::primary);
-  const QString share = QStringLiteral("\u0661\u0662\u066a");  // 12 % as Egypt writes it
+  const QString share = QStringLiteral("\u0661\u0662\u066a");  // 12 % in the locale ar_EG
   const QImage plain = painted(label, share);
   EXPECT_EQ(painted(label, share + QChar(0x061c)), plain);
 }
@@ -134,9 +134,9 @@ TEST(TextLabel, ShowsAFittingTextCompletely) {
     for (const QString& text :
          {QString("Made with love by "), QString("Wi"), QString("2 background processes")}) {
       TextLabel label(systemFont(size), TextStyle::primary, Overflow::elide);
-      const QImage tight = painted(label, text);
-      const QImage roomy = painted(label, text, tight.width() + 50);
-      EXPECT_EQ(roomy.copy(0, 0, tight.width(), 18), tight) << text.toStdString() << " at " << size;
+      const QImage fitted = painted(label, text);
+      const QImage widened = painted(label, text, fitted.width() + 50);
+      EXPECT_EQ(widened.copy(0, 0, fitted.width(), 18), fitted) << text.toStdString() << " at " << size;
     }
   }
 }
@@ -163,7 +163,7 @@ TEST_P(TextDirection, LeavesFullStopsAtTheEndOfEnglishSentences) {
 
 TEST_P(TextDirection, WritesAnEnglishSentenceAfterAnArabicFigureFromLeftToRight) {
   TextLabel label(systemFont(11), TextStyle::secondary, Overflow::wrap);
-  const QString share = "١١٪\u061c";  // as Egypt writes it
+  const QString share = "١١٪\u061c";  // 11 % in the locale ar_EG
   const QImage image = paintedOnWhite(label, share + " of 4 cores in use.", {280, 18});
   EXPECT_TRUE(endsInDot(image, false, Qt::white));
 }
@@ -212,10 +212,10 @@ TEST_P(TextDirection, EndsAFigureAtItsTrailingEdge) {
   EXPECT_EQ(image.copy(GetParam() == Qt::LeftToRight ? 0 : 100, 0, 100, 18), blank);
 }
 
-INSTANTIATE_TEST_SUITE_P(OfReading, TextDirection, ::testing::Values(Qt::LeftToRight, Qt::RightToLeft),
-                         [](const auto& run) {
-                           return run.param == Qt::RightToLeft ? std::string("RightToLeft")
-                                                               : std::string("LeftToRight");
+INSTANTIATE_TEST_SUITE_P(LayoutDirections, TextDirection, ::testing::Values(Qt::LeftToRight, Qt::RightToLeft),
+                         [](const auto& test) {
+                           return test.param == Qt::RightToLeft ? std::string("RightToLeft")
+                                                                : std::string("LeftToRight");
                          });
 
 QImage painted(CreditLabel& label) {
@@ -244,7 +244,7 @@ TEST(CreditLabel, ShowsEmojiInColour) {
 
 TEST(CreditLabel, ShowsTextWithoutEmojiInItsTextStyle) {
   CreditLabel label(systemFont(10), TextStyle::tertiary);
-  label.setText(QStringLiteral("Made with care by "));
+  label.setText(QStringLiteral("Made by "));
   EXPECT_EQ(redPixels(painted(label)), 0);
 }
 

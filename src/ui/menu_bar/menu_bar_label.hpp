@@ -32,7 +32,7 @@ struct MenuBarLabel {
   QString symbolName;           ///< "circle", "circle.lefthalf.filled" or "circle.fill"
   Tint tint = Tint::green;      ///< green, orange or red
   QString accessibilityText;    ///< the status in words, for assistive technology
-  std::optional<QString> text;  ///< the frontmost application's footprint; nothing: the circle alone
+  std::optional<QString> text;  ///< the frontmost application's footprint; nullopt: the circle alone
   ToolTip toolTip;
 
   bool operator==(const MenuBarLabel&) const = default;

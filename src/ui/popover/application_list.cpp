@@ -29,7 +29,8 @@ ApplicationList::ApplicationList(AppIconProvider& icons, QWidget* parent)
       beforeRows_(new QWidget(this)) {
   beforeRows_->hide();
   beforeRows_->setFocusPolicy(Qt::TabFocus);
-  layout_->setContentsMargins(highlightReach, highlightRise, highlightReach, highlightRise);
+  layout_->setContentsMargins(highlightHorizontalMargin, highlightVerticalMargin, highlightHorizontalMargin,
+                              highlightVerticalMargin);
   layout_->setSpacing(spacingOfRows);
   layout_->addWidget(placeholder_);
 }
@@ -99,7 +100,8 @@ void ApplicationList::paintEvent(QPaintEvent* /*event*/) {
     const AppRowButton* button = row->button();
     if (!button->isHighlighted()) continue;
     const QRectF content(button->mapTo(this, QPoint(0, 0)), button->size());
-    const QRectF frame = content.adjusted(-highlightReach, -highlightRise, highlightReach, highlightRise);
+    const QRectF frame = content.adjusted(-highlightHorizontalMargin, -highlightVerticalMargin,
+                                          highlightHorizontalMargin, highlightVerticalMargin);
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.highlight);
     painter.drawRoundedRect(frame, highlightRadius, highlightRadius);

@@ -12,9 +12,9 @@ namespace tarn {
 
 namespace {
 
-constexpr int gap = 6;          ///< between the popover and the panel or screen edge
-constexpr int panelDepth = 72;  ///< a larger window is not taken for a panel
-constexpr int itemReach = 14;   ///< from an item's centre to its edge, for panels that reserve no space
+constexpr int gap = 6;            ///< between the popover and the panel or screen edge
+constexpr int panelDepth = 72;    ///< a larger window is not taken for a panel
+constexpr int itemHalfSize = 14;  ///< from an item's centre to its edge, for panels that reserve no space
 
 // A compositor knows a window some milliseconds after Qt has shown it, and draws the next frame up to 16 ms
 // later. The window is to be in its place by then.
@@ -52,7 +52,7 @@ Edge panelEdge(const QPoint& point, const ScreenArea& screen) {
   // Horizontal panels are more common.
   const Edge horizontal = nearer(Edge::top, Edge::bottom, point, screen.whole);
   const Edge vertical = nearer(Edge::left, Edge::right, point, screen.whole);
-  const int limit = distance(vertical, point, screen.whole) + itemReach;
+  const int limit = distance(vertical, point, screen.whole) + itemHalfSize;
   return distance(horizontal, point, screen.whole) <= limit ? horizontal : vertical;
 }
 
@@ -95,19 +95,19 @@ QRect popoverFrame(const std::optional<QPoint>& anchor, const QSize& size, const
   const QRect free = screen.available.adjusted(gap, gap, -gap, -gap);
   const QPoint at = anchor.value_or(QPoint(screen.available.right(), screen.available.top()));
   QPoint origin(at.x() - size.width() / 2, at.y() - size.height() / 2);
-  const int reach = anchor ? itemReach + gap : 0;
+  const int offset = anchor ? itemHalfSize + gap : 0;
   switch (panelEdge(at, screen)) {
     case Edge::top:
-      origin.setY(std::max(free.top(), at.y() + reach));
+      origin.setY(std::max(free.top(), at.y() + offset));
       break;
     case Edge::bottom:
-      origin.setY(std::min(free.bottom(), at.y() - reach) - size.height() + 1);
+      origin.setY(std::min(free.bottom(), at.y() - offset) - size.height() + 1);
       break;
     case Edge::left:
-      origin.setX(std::max(free.left(), at.x() + reach));
+      origin.setX(std::max(free.left(), at.x() + offset));
       break;
     case Edge::right:
-      origin.setX(std::min(free.right(), at.x() - reach) - size.width() + 1);
+      origin.setX(std::min(free.right(), at.x() - offset) - size.width() + 1);
       break;
   }
   origin.setX(clamped(origin.x(), free.left(), free.right() - size.width() + 1));

@@ -31,7 +31,7 @@ class CompositorPlacement {
  public:
   virtual ~CompositorPlacement() = default;
 
-  /// Where the pointer is; nothing while the compositor does not list the window. May move the window there.
+  /// Where the pointer is; nullopt while the compositor does not list the window. May move the window there.
   virtual std::optional<CompositorPlace> locate() = 0;
 
   /// Moves the window's upper left corner.
@@ -70,7 +70,7 @@ class CompositorConnection {
   /// Call when the window was closed.
   void stopLocating() { timer_.stop(); }
 
-  /// Nothing until the compositor has reported it.
+  /// nullopt until the compositor has reported it.
   const std::optional<CompositorPlace>& place() const { return place_; }
 
   /// Moves the window's upper left corner there, unless that was the last request.

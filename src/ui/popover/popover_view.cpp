@@ -92,15 +92,15 @@ QWidget* PopoverView::makeApplicationSection() {
   auto* stack = makeStack(section);
   // The list has margins around its rows.
   auto* list = new QVBoxLayout;
-  list->setSpacing(stackSpacing - ApplicationList::highlightRise);
+  list->setSpacing(stackSpacing - ApplicationList::highlightVerticalMargin);
   applicationList_ = new ApplicationList(icons_);
   auto* scroller = new ApplicationListScroller(applicationList_);
   // The list is wider than the other widgets: a row's highlight extends into the padding. A scroll bar takes
   // the rest of the padding on the trailing side.
   auto* wide = new QHBoxLayout;
   wide->setContentsMargins(0, 0, 0, 0);
-  wide->addSpacing(padding - ApplicationList::highlightReach);
-  applicationList_->setFixedWidth(popoverWidth - 2 * (padding - ApplicationList::highlightReach));
+  wide->addSpacing(padding - ApplicationList::highlightHorizontalMargin);
+  applicationList_->setFixedWidth(popoverWidth - 2 * (padding - ApplicationList::highlightHorizontalMargin));
   wide->addWidget(scroller);
   addInset(list, new Divider);
   list->addLayout(wide, 1);

@@ -21,7 +21,7 @@ namespace tarn {
 namespace {
 
 constexpr int cornerRadius = 12;
-constexpr int shadowReach = 28;  ///< width of the shadow around the content, points
+constexpr int shadowWidth = 28;  ///< width of the shadow around the content, points
 constexpr int shadowDrop = 6;    ///< offset of the shadow below the content, points
 /// A click this soon after a press outside, and this near to it, is the release of that press.
 constexpr std::chrono::milliseconds sameClickTime{400};
@@ -56,10 +56,10 @@ void paintShadow(QPainter& painter, const QRectF& content) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
   for (int layer = layers; layer >= 1; --layer) {
-    const double reach = static_cast<double>(layer) * (shadowReach - shadowDrop) / layers;
+    const double spread = static_cast<double>(layer) * (shadowWidth - shadowDrop) / layers;
     painter.setBrush(QColor(0, 0, 0, (layers - layer) / 2 + 1));
-    painter.drawRoundedRect(content.adjusted(-reach, shadowDrop - reach, reach, shadowDrop + reach),
-                            cornerRadius + reach, cornerRadius + reach);
+    painter.drawRoundedRect(content.adjusted(-spread, shadowDrop - spread, spread, shadowDrop + spread),
+                            cornerRadius + spread, cornerRadius + spread);
   }
 }
 
@@ -117,7 +117,7 @@ void PopoverWindow::applyStyle(PopoverStyle style, const WindowCapabilities& cap
   blended_ = blended;
   isPlaced_ = capabilities.clientsPlaceWindows && style != PopoverStyle::regular;
   compositor_.setEnabled(style != PopoverStyle::regular);
-  const int margin = blended ? shadowReach : 0;
+  const int margin = blended ? shadowWidth : 0;
   layout()->setContentsMargins(margin, margin, margin, margin);
 }
 

@@ -34,7 +34,7 @@ struct WindowCapabilities {
 
 /// Where a popover opens, in screen coordinates.
 struct PopoverGeometry {
-  std::optional<QPoint> anchor = {};             ///< the menu-bar item; nothing: the screen's corner
+  std::optional<QPoint> anchor = {};             ///< the menu-bar item; nullopt: the screen's corner
   std::optional<QRect> windowUnderPointer = {};  ///< the panel, when the item was clicked and X11 reports it
 };
 
@@ -93,7 +93,7 @@ class PopoverWindow : public QWidget {
   bool isAtPointer_ = false;  ///< a click opened it
   Clock clock_;
   QPoint lastPress_;  ///< position of the press outside that closed the popover last, in screen coordinates
-  /// When a press outside closed the popover. Nothing if it was closed in another way.
+  /// When a press outside closed the popover. nullopt if it was closed in another way.
   std::optional<std::chrono::steady_clock::time_point> closedByPress_;
 };
 

@@ -16,7 +16,7 @@ namespace {
 constexpr int boxSize = 14;
 constexpr int boxGap = 6;
 constexpr double boxRadius = 3.5;
-constexpr int labelReach = 4;  ///< distance from the label to its focus ring, on both sides
+constexpr int labelMargin = 4;  ///< from the label to its focus ring, left and right
 constexpr double labelRingRadius = 4;
 constexpr int pillPadding = 10;
 constexpr int pillHeight = 18;
@@ -65,7 +65,7 @@ CheckBox::CheckBox(const QString& label, QWidget* parent) : QCheckBox(label, par
 
 QSize CheckBox::sizeHint() const {
   const QSize label = textSize(*this, text());
-  return {boxSize + boxGap + label.width() + labelReach, qMax(boxSize, label.height() + labelReach)};
+  return {boxSize + boxGap + label.width() + labelMargin, qMax(boxSize, label.height() + labelMargin)};
 }
 
 bool CheckBox::hitButton(const QPoint& position) const {
@@ -90,10 +90,10 @@ void CheckBox::paintEvent(QPaintEvent* /*event*/) {
     painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), boxRadius - 0.5, boxRadius - 0.5);
   }
   const QRect label =
-      QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(boxSize + boxGap, 0, -labelReach, 0));
+      QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(boxSize + boxGap, 0, -labelMargin, 0));
   // The ring is around the label: around a checked box its contrast with the accent colour is too low.
   if (hasFocus())
-    drawFocusRing(painter, label.adjusted(-labelReach, 0, labelReach, 0), labelRingRadius, theme);
+    drawFocusRing(painter, label.adjusted(-labelMargin, 0, labelMargin, 0), labelRingRadius, theme);
   painter.setPen(theme.primary);
   painter.drawText(label, Qt::AlignCenter, text());
 }
@@ -101,7 +101,7 @@ void CheckBox::paintEvent(QPaintEvent* /*event*/) {
 PillButton::PillButton(const QString& label, QWidget* parent) : QPushButton(label, parent) {
   setAttribute(Qt::WA_Hover);
   setFocusPolicy(Qt::TabFocus);
-  setAutoDefault(true);  // Return clicks it
+  setAutoDefault(true);  // the Return key clicks it
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
@@ -126,7 +126,7 @@ LinkButton::LinkButton(const QString& label, QWidget* parent) : QPushButton(labe
   setCursor(Qt::PointingHandCursor);
   setAttribute(Qt::WA_Hover);
   setFocusPolicy(Qt::TabFocus);
-  setAutoDefault(true);  // Return clicks it
+  setAutoDefault(true);  // the Return key clicks it
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 

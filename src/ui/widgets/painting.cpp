@@ -33,8 +33,8 @@ std::array<Corner, 4> cornersOf(const QRect& frame, int radius) {
 void paintCorner(QPainter& painter, const Corner& corner, int radius, const FrameColors& colors) {
   constexpr int quarter = 90;
   QPainterPath pie(corner.centre);
-  const QPointF reach(radius, radius);
-  pie.arcTo(QRectF(corner.centre - reach, corner.centre + reach), corner.startAngle, quarter);
+  const QPointF radiusOffset(radius, radius);
+  pie.arcTo(QRectF(corner.centre - radiusOffset, corner.centre + radiusOffset), corner.startAngle, quarter);
   painter.fillPath(pie, colors.background);
   const QPointF line(radius - 0.5, radius - 0.5);
   constexpr int unitsPerDegree = 16;

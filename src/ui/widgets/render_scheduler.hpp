@@ -11,8 +11,8 @@
 
 namespace tarn {
 
-/// Renders once per turn of the event loop, however many changes were announced. The signals that announce a
-/// change are emitted before the value changes, so rendering has to wait. Main thread.
+/// Calls `render` once for all `schedule` calls of one event-loop iteration. It runs in the next iteration,
+/// because the signals that call `schedule` are emitted before the value changes. Main thread.
 class RenderScheduler : public QObject {
  public:
   explicit RenderScheduler(std::function<void()> render) : render_(std::move(render)) {}
@@ -29,7 +29,7 @@ class RenderScheduler : public QObject {
 
   bool event(QEvent* event) override {
     if (event->type() != QEvent::UpdateRequest) return QObject::event(event);
-    // renderNow() may have been called since.
+    // renderNow() may have been called after the event was posted.
     if (scheduled_) renderNow();
     return true;
   }

@@ -18,15 +18,15 @@ namespace tarn {
 /// Dark text on a light background, or light text on a dark one.
 enum class ColorScheme { light, dark };
 
-/// The colour scheme that the user chose in the desktop's settings, where Qt's palette does not follow them.
-/// Main thread.
+/// The colour scheme in the desktop's settings, for desktops whose settings do not change Qt's palette. Main
+/// thread.
 class ColorSchemeWatcher : public QObject {
   Q_OBJECT
 
  public:
   using QObject::QObject;
 
-  /// Nothing when the user has no preference, or none is known (yet): the palette decides then.
+  /// nullopt when the user has no preference or it is unknown. The caller then uses the palette.
   virtual std::optional<ColorScheme> preference() const = 0;
 
  Q_SIGNALS:
@@ -34,10 +34,10 @@ class ColorSchemeWatcher : public QObject {
   void changed();
 };
 
-/// Three steps of contrast for text and glyphs.
+/// Contrast of text and glyphs with the background, highest first.
 enum class TextStyle { primary, secondary, tertiary };
 
-/// The colours of one appearance, light or dark.
+/// The colours of the light or the dark colour scheme.
 struct Theme {
   QColor background;
   QColor border;  ///< hairline around the popover
@@ -45,11 +45,11 @@ struct Theme {
   QColor secondary;
   QColor tertiary;
   QColor divider;
-  QColor highlight;        ///< behind a row under the pointer or with the focus
-  QColor control;          ///< behind buttons and the tab picker
-  QColor controlHover;     ///< behind a button under the pointer
-  QColor controlSelected;  ///< behind the selected tab
-  QColor accent;           ///< a checked box
+  QColor highlight;        ///< background of a row that is hovered or has the focus
+  QColor control;          ///< background of buttons and the tab picker
+  QColor controlHover;     ///< background of a hovered button
+  QColor controlSelected;  ///< background of the selected tab
+  QColor accent;           ///< background of a checked box
   QColor focusRing;        ///< has a contrast of 3:1 or more with every background and fill above
   QColor green;
   QColor orange;
@@ -65,13 +65,13 @@ struct Theme {
   QPalette palette() const;
 };
 
-/// The theme of a widget: light or dark by the palette that it inherited.
+/// The theme of a widget: light or dark, decided by the brightness of the palette that it inherited.
 const Theme& themeOf(const QWidget& widget);
 
 /// The palette role that holds the colour of a text style.
 QPalette::ColorRole paletteRole(TextStyle style);
 
-/// The desktop's interface font. `size` is in points, that is in device-independent pixels.
+/// The desktop's interface font. `size` is in device-independent pixels.
 QFont systemFont(int size, QFont::Weight weight = QFont::Normal);
 
 }  // namespace tarn

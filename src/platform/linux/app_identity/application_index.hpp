@@ -72,7 +72,8 @@ class ApplicationIndex {
   /// The application with the name of the D-Bus service that this executable implements.
   const std::string* byServiceExecutable(const std::string& path) const;
 
-  /// The application that owns a directory which contains `path`; the innermost directory decides.
+  /// The application whose private directory (such as /usr/lib/NAME or /opt/NAME) contains `path`; the
+  /// innermost one decides.
   const std::string* byPrivateDirectory(std::string_view path) const;
 
   /// Number of applications.

@@ -30,7 +30,7 @@ class PropertyListScanner {
     return true;
   }
 
-  /// Consumes a string, with or without quotes. Nothing if there is none.
+  /// Consumes a string, with or without quotes. nullopt if there is none.
   std::optional<std::string> takeString() {
     if (take('"')) return takeQuoted();
     std::string text;

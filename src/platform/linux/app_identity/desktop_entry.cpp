@@ -97,7 +97,7 @@ bool isShell(std::string_view name) {
   return std::find(shells.begin(), shells.end(), name) != shells.end();
 }
 
-/// The words of the command in `sh -c COMMAND`. Nothing for any other command line.
+/// The words of the command in `sh -c COMMAND`. nullopt for any other command line.
 std::optional<Words> shellCommand(const Words& words) {
   constexpr std::size_t minWords = 3;
   if (words.size() < minWords || !isShell(lastPathComponent(words[0])) || words[1] != "-c")

@@ -22,7 +22,7 @@ struct DesktopEntry {
   bool operator==(const DesktopEntry&) const = default;
 };
 
-/// Reads a desktop file. Nothing for a file that is not regular, too large, not a valid key file, not of
+/// Reads a desktop file. nullopt for a file that is not regular, too large, not a valid key file, not of
 /// "Type=Application", or marked as deleted (Hidden). Never blocks.
 std::optional<DesktopEntry> readDesktopEntry(const std::string& path);
 
@@ -32,7 +32,7 @@ struct DesktopAppearance {
   std::string icon;  ///< Icon: a name in the icon theme, or an absolute path
 };
 
-/// Nothing in the same cases as `readDesktopEntry`. Never blocks.
+/// nullopt in the same cases as `readDesktopEntry`. Never blocks.
 std::optional<DesktopAppearance> readDesktopAppearance(const std::string& path);
 
 /// The program that an Exec key starts, and its arguments.
@@ -44,7 +44,7 @@ struct ExecCommand {
 };
 
 /// Parses the value of an Exec key. `env`, variable assignments and `sh -c` are skipped: the command is the
-/// program that they start. Nothing for a value that is empty, quoted wrongly, or longer than 4096 bytes.
+/// program that they start. nullopt for a value that is empty, quoted wrongly, or longer than 4096 bytes.
 std::optional<ExecCommand> parseExecKey(const std::string& exec);
 
 /// Whether a program of this name runs other programs or scripts, so that its path does not identify an

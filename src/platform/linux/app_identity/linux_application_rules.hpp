@@ -31,7 +31,7 @@ namespace tarn {
 class LinuxApplicationRules final : public ApplicationRules {
  public:
   /// Identifies an execution of a program: the number differs between processes, and changes when a process
-  /// executes another program. Nothing for a process that does not exist or has no program (kernel threads).
+  /// executes another program. nullopt for a process that does not exist or has no program (kernel threads).
   using ExecId = std::function<std::optional<std::uint64_t>(std::int32_t pid)>;
   using Clock = std::function<std::chrono::steady_clock::time_point()>;
 

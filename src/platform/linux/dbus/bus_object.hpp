@@ -21,7 +21,7 @@ namespace tarn {
 struct BusMethod {
   QString signature;  ///< of the arguments; a call with another signature is rejected before `call`
 
-  /// Returns the arguments of the reply, or nothing when the values of the arguments are invalid.
+  /// Returns the arguments of the reply, or nullopt when the values of the arguments are invalid.
   std::function<std::optional<QVariantList>(const QVariantList& arguments)> call;
 };
 

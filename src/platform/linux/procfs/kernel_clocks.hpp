@@ -11,7 +11,7 @@
 namespace tarn {
 
 /// Returns the CPU time that a process has used since it started, in nanoseconds, over all its threads;
-/// nothing when its clock cannot be read.
+/// nullopt when its clock cannot be read.
 using ProcessClock = std::function<std::optional<std::uint64_t>(std::int32_t pid)>;
 
 /// The CPU clocks of the running kernel; one system call for each reading. They take pids of this process's

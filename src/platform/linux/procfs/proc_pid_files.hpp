@@ -31,7 +31,7 @@ struct ProcessStat {
   std::uint64_t startTicks = 0;   ///< (22) starttime, clock ticks since boot
 };
 
-/// Returns nothing when the text is cut off, or when a number is malformed or out of its type's range.
+/// Returns nullopt when the text is cut off, or when a number is malformed or out of its type's range.
 std::optional<ProcessStat> parseProcessStat(std::string_view text);
 
 /// The target of `/proc/PID/exe` without " (deleted)", which the kernel appends when the file was unlinked
@@ -45,7 +45,7 @@ struct ProcessPages {
   std::uint64_t shared = 0;    ///< (3) of these, file-backed and shared memory pages
 };
 
-/// Returns nothing when the text is cut off or a number is malformed.
+/// Returns nullopt when the text is cut off or a number is malformed.
 std::optional<ProcessPages> parseProcessPages(std::string_view text);
 
 // `/proc/PID/status` (man 5 proc_pid_status), lines of "Key:\tvalue":

@@ -36,7 +36,7 @@ class ProcfsReader final : public ProcScan {
   /// else from the coarser clock ticks in `stat`.
   explicit ProcfsReader(const LinuxRoots& roots);
 
-  /// As above with another clock. `stat` is used where the clock returns nothing.
+  /// As above with another clock. `stat` is used where the clock returns nullopt.
   ProcfsReader(LinuxRoots roots, ProcessClock clock);
 
   /// Also reads `/proc/swaps`, once per sweep.
@@ -47,7 +47,7 @@ class ProcfsReader final : public ProcScan {
   std::optional<ProcessUsage> usage(std::int32_t pid) override;
   SharedText processName(std::int32_t pid) override;
 
-  // One system call, or one file, for each of the following. They return nothing when the process is gone and
+  // One system call, or one file, for each of the following. They return nullopt when the process is gone or
   // when the file cannot be read or parsed.
 
   /// CPU time by the process clock, nanoseconds.
@@ -60,16 +60,16 @@ class ProcfsReader final : public ProcScan {
   std::optional<std::uint32_t> readOwner(std::int32_t pid);
 
   /// Anonymous memory, bytes: resident minus shared pages in `statm`, and VmSwap in `status` if swap is in
-  /// use. Nothing when that is more than any machine holds.
+  /// use. nullopt when that is more than any machine holds.
   std::optional<std::uint64_t> readFootprint(std::int32_t pid);
 
   /// The name for display of a user process: `kernelName` completed from `cmdline`.
   std::string readFullName(std::int32_t pid, const std::string& kernelName);
 
-  /// Seconds since the epoch; nothing when that exceeds 64 bits.
+  /// Seconds since the epoch; nullopt when that exceeds 64 bits.
   std::optional<std::uint64_t> startSeconds(const ProcessStat& stat) const;
 
-  /// CPU time by the clock ticks in `stat`, nanoseconds; nothing when that exceeds 64 bits.
+  /// CPU time by the clock ticks in `stat`, nanoseconds; nullopt when that exceeds 64 bits.
   std::optional<std::uint64_t> tickTime(const ProcessStat& stat) const;
 
   /// Whether any swap was in use when the latest sweep began.

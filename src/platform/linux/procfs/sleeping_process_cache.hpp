@@ -60,7 +60,7 @@ class SleepingProcessCache final : public ProcScan {
   SharedText processName(std::int32_t pid) override;
 
   /// A number for the program that a process executes: no other process has it, and it changes when the
-  /// process executes another program (when its kernel name changes). Nothing for kernel threads and for
+  /// process executes another program (when its kernel name changes). nullopt for kernel threads and for
   /// processes without an entry in this sweep. No system call.
   std::optional<std::uint64_t> execId(std::int32_t pid) const;
 
@@ -71,13 +71,13 @@ class SleepingProcessCache final : public ProcScan {
   struct Entry {
     std::string kernelName;
     std::uint64_t startTicks = 0;
-    std::optional<std::uint64_t> execId;  // nothing for a kernel thread
+    std::optional<std::uint64_t> execId;  // nullopt for a kernel thread
     BsdInfo info;
     bool isZombie = false;
     std::optional<std::uint64_t> clock;        // nanoseconds, read before everything else in this entry
-    std::optional<ProcessUsage> usage;         // nothing if `statm` could not be read
-    std::optional<std::uint64_t> parentStart;  // start ticks; nothing if the parent is not listed or a zombie
-    std::optional<SharedText> fullName;        // nothing until it is first asked for
+    std::optional<ProcessUsage> usage;         // nullopt if `statm` could not be read
+    std::optional<std::uint64_t> parentStart;  // start ticks; nullopt if the parent is not listed or a zombie
+    std::optional<SharedText> fullName;        // nullopt until it is first requested
     std::uint64_t sweep = 0;                   // in which it was last reused or read; 0 while it is not valid
     bool wasRead = false;                      // in that sweep
   };

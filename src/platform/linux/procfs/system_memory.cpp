@@ -49,7 +49,7 @@ bool isZramDevice(std::string_view path) {
 
 using Amount = std::optional<std::uint64_t>;
 
-/// The sum of the known amounts; nothing when it exceeds 64 bits.
+/// The sum of the known amounts; nullopt when it exceeds 64 bits.
 Amount sumOf(std::initializer_list<Amount> amounts) {
   std::uint64_t sum = 0;
   for (const Amount& amount : amounts) {

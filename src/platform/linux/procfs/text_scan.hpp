@@ -13,7 +13,7 @@
 
 namespace tarn {
 
-/// Parses all of `text` as a number. Returns nothing for other text and for numbers out of the type's range.
+/// Parses all of `text` as a number. Returns nullopt for other text and for numbers out of the type's range.
 template <typename Number>
 std::optional<Number> parseWholeNumber(std::string_view text, int base = 10) {
   Number number{};
@@ -23,7 +23,7 @@ std::optional<Number> parseWholeNumber(std::string_view text, int base = 10) {
   return number;
 }
 
-/// Parses all of `text` as a decimal number not below 0, such as "12.34". Returns nothing for other text.
+/// Parses all of `text` as a decimal number not below 0, such as "12.34". Returns nullopt for other text.
 std::optional<double> parseDecimal(std::string_view text);
 
 /// Removes the first word from `rest` and returns it; empty when none is left. Words are separated by blanks,
@@ -34,14 +34,14 @@ std::string_view takeWord(std::string_view& rest);
 std::string_view takeLine(std::string_view& rest);
 
 /// Parses "NUMBER kB" or "NUMBER" at the beginning of `text`, a number of KiB, and returns bytes. Returns
-/// nothing for another unit or no number, and when the bytes exceed 64 bits.
+/// nullopt for another unit or no number, and when the bytes exceed 64 bits.
 std::optional<std::uint64_t> parseKibibytes(std::string_view text);
 
 /// Returns `text` with its escape sequences replaced. An escape sequence is `beginning` and then `digits`
 /// digits to `base`, the code of one byte: "\040" in /proc/mounts, "\x20" in the database of udev. Allocates.
 std::string withoutEscapes(std::string_view text, std::string_view beginning, std::size_t digits, int base);
 
-/// Counts the CPUs in a list such as "0-3,5" (Documentation/admin-guide/cputopology.rst). Returns nothing for
+/// Counts the CPUs in a list such as "0-3,5" (Documentation/admin-guide/cputopology.rst). Returns nullopt for
 /// other text and for more than a million.
 std::optional<int> countCpuList(std::string_view text);
 

@@ -34,7 +34,7 @@ MemoryPressure stallLevel(const PsiStats& stats);
 
 /// Returns the level for stalls of `stalls` (from `stallLevel`) and available memory. Stalls count only while
 /// little memory is available: a container at its own limit does not change the level of a machine with
-/// memory to spare. Returns nothing when `MemTotal` or `MemAvailable` is unknown. No swap is no free swap.
+/// memory to spare. Returns nullopt when `MemTotal` or `MemAvailable` is unknown. No swap is no free swap.
 std::optional<MemoryPressure> pressureLevel(MemoryPressure stalls, const MemoryInfo& memory);
 
 /// Returns the level by a single reading. Without `stats` the available memory alone decides.

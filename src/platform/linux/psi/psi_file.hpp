@@ -33,10 +33,10 @@ struct PsiStats {
   Line full;
 };
 
-/// Returns nothing unless the text has both lines and their fields are numbers.
+/// Returns nullopt unless the text has both lines and their fields are numbers.
 std::optional<PsiStats> parsePsiStats(std::string_view text);
 
-/// Reads /proc/pressure/memory. Returns nothing where the kernel has no PSI. Throws std::bad_alloc.
+/// Reads /proc/pressure/memory. Returns nullopt where the kernel has no PSI. Throws std::bad_alloc.
 std::optional<PsiStats> readMemoryPsi(const LinuxRoots& roots);
 
 }  // namespace tarn

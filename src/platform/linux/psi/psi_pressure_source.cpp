@@ -86,7 +86,7 @@ class KernelPsiTriggers final : public PsiTriggers {
   }
 
  private:
-  // Made here and not in arm(), which must not allocate: nothing on its thread catches std::bad_alloc.
+  // Made here and not in arm(), which must not allocate: no function on its thread catches std::bad_alloc.
   std::string path_;
   std::string someTrigger_ = psiTrigger(MemoryPressure::warning);
   std::string fullTrigger_ = psiTrigger(MemoryPressure::critical);
@@ -178,8 +178,8 @@ void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyC
   }
 }
 
-/// What the source shares with its task on the queue. Whoever changes the state from `waiting` first decides
-/// whether the watch runs: the task when it begins, or the destructor.
+/// What the source shares with its task on the queue. The task, when it begins, or the destructor
+/// changes the state from `waiting`. The first of the two decides whether the watch runs.
 struct PsiPressureSource::Watch {
   enum class State { waiting, running, ended };
 

@@ -24,7 +24,7 @@ struct PanelItemDesktop {
   QDBusConnection bus;
   ProgramNameSource programName;
 
-  /// Whether an XEmbed tray exists (System Tray Protocol, freedesktop.org); nothing while that is unknown. An
+  /// Whether an XEmbed tray exists (System Tray Protocol, freedesktop.org); nullopt while that is unknown. An
   /// empty function where there can be none.
   std::function<std::optional<bool>()> hasXembedTray;
 

@@ -22,10 +22,10 @@ FrontmostApplicationSource swayFrontmostApplication(std::string socket);
 /// The same for Hyprland.
 FrontmostApplicationSource hyprlandFrontmostApplication(std::string socket);
 
-/// The pid of the focused window in a reply to sway's GET_TREE; nothing when no window is focused.
+/// The pid of the focused window in a reply to sway's GET_TREE; nullopt when no window is focused.
 std::optional<std::int32_t> focusedProcessInTree(std::string_view json);
 
-/// The pid in a reply to Hyprland's "activewindow"; nothing when there is none.
+/// The pid in a reply to Hyprland's "activewindow"; nullopt when there is none.
 std::optional<std::int32_t> processOfWindow(std::string_view json);
 
 }  // namespace tarn

@@ -49,7 +49,7 @@ class RequestSocket {
     return socket_.valid();
   }
 
-  /// Exactly `count` bytes; nothing when fewer arrive.
+  /// Exactly `count` bytes; nullopt when fewer arrive.
   std::optional<std::string> receive(std::size_t count) {
     std::string bytes;
     while (bytes.size() < count) {
@@ -58,7 +58,7 @@ class RequestSocket {
     return bytes;
   }
 
-  /// Everything until the other side closes the connection; nothing when that is more than `limit` bytes.
+  /// Everything until the other side closes the connection; nullopt when that is more than `limit` bytes.
   std::optional<std::string> receiveAll(std::size_t limit) {
     std::string bytes;
     while (bytes.size() <= limit) {
@@ -78,7 +78,7 @@ class RequestSocket {
     return socket_.valid() && left > 0 && ::poll(&waiting, 1, static_cast<int>(left)) > 0;
   }
 
-  /// Appends at most `limit` bytes and returns their number; 0 at the end of the stream, nothing on failure.
+  /// Appends at most `limit` bytes and returns their number; 0 at the end of the stream, nullopt on failure.
   std::optional<std::size_t> receiveSome(std::string& bytes, std::size_t limit) {
     std::array<char, 16384> buffer{};
     while (waitFor(POLLIN)) {

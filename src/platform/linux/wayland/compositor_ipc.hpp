@@ -19,7 +19,7 @@ constexpr std::chrono::milliseconds compositorTimeout{50};
 /// Message types of sway-ipc.
 enum class SwayMessage : std::uint32_t { runCommand = 0, getTree = 4 };
 
-/// Sends a message to sway and returns the payload of its reply, which is JSON; nothing when that does not
+/// Sends a message to sway and returns the payload of its reply, which is JSON; nullopt when that does not
 /// arrive in time or is malformed.
 std::optional<std::string> requestSway(const std::string& socket, SwayMessage type,
                                        std::string_view payload = {});

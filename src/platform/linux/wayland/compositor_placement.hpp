@@ -24,10 +24,10 @@ std::unique_ptr<CompositorPlacement> swayPlacement(std::string socket);
 std::unique_ptr<CompositorPlacement> hyprlandPlacement(std::string socket);
 
 /// Parses a reply to sway's GET_TREE after sway has centered the floating window of `pid` on the pointer.
-/// Nothing when there is no such window.
+/// nullopt when there is no such window.
 std::optional<CompositorPlace> placeInSwayTree(std::string_view json, std::int32_t pid);
 
-/// Parses the replies to Hyprland's "cursorpos" and "monitors". Nothing when the pointer is on no monitor.
+/// Parses the replies to Hyprland's "cursorpos" and "monitors". nullopt when the pointer is on no monitor.
 std::optional<CompositorPlace> placeOnHyprland(std::string_view pointer, std::string_view monitors);
 
 }  // namespace tarn

@@ -28,7 +28,7 @@ struct ScreenScale {
 /// What the X server reports when the item is clicked. Positions are in Qt's screen coordinates.
 struct X11ClickState {
   bool hasCompositor = false;               ///< translucent windows are blended with what lies below them
-  std::optional<QPoint> pointer;            ///< nothing when the pointer is on none of the screens
+  std::optional<QPoint> pointer;            ///< nullopt when the pointer is on none of the screens
   std::optional<QRect> windowUnderPointer;  ///< the child of the root window that the pointer is on, if any
 };
 

@@ -32,12 +32,12 @@ class X11Session {
   X11Session& operator=(const X11Session&) = delete;
 
   /// The pid of the process that owns the active window (_NET_ACTIVE_WINDOW): from the X-Resource extension,
-  /// else from _NET_WM_PID if WM_CLIENT_MACHINE names this machine. Nothing when there is no active window,
+  /// else from _NET_WM_PID if WM_CLIENT_MACHINE names this machine. nullopt when there is no active window,
   /// or no reply in time.
   std::optional<std::int32_t> activeProcess(Clock::time_point deadline);
 
   /// Whether an XEmbed tray exists: some client owns the selection _NET_SYSTEM_TRAY_Sn (System Tray
-  /// Protocol). Nothing when there is no reply in time.
+  /// Protocol). nullopt when there is no reply in time.
   std::optional<bool> hasXembedTray(Clock::time_point deadline);
 
  private:

@@ -14,13 +14,13 @@ namespace {
 
 class ApplicationIndexTest : public ::testing::Test {
  protected:
-  void add(const std::string& id, const std::string& exec, const std::string& more = "") const {
-    addTo("usr/share", id, exec, more);
+  void add(const std::string& id, const std::string& exec, const std::string& otherKeys = "") const {
+    addTo("usr/share", id, exec, otherKeys);
   }
   void addTo(const std::string& data, const std::string& id, const std::string& exec,
-             const std::string& more = "") const {
+             const std::string& otherKeys = "") const {
     tree_.write(data + "/applications/" + id + ".desktop",
-                "[Desktop Entry]\nType=Application\nName=" + id + "\nExec=" + exec + '\n' + more);
+                "[Desktop Entry]\nType=Application\nName=" + id + "\nExec=" + exec + '\n' + otherKeys);
   }
   void addProgram(const std::string& path) const { tree_.write(path, ""); }
 
@@ -58,7 +58,7 @@ TEST_F(ApplicationIndexTest, ResolvesSymbolicLinksOfPrograms) {
   add("office", "office");
   EXPECT_EQ(byExecutable("/usr/lib/office/program/main"), "office");
   EXPECT_EQ(byDirectory("/usr/lib/office/program/helper.bin"), "office");
-  EXPECT_EQ(byDirectory("/usr/lib/office/share/other"), "office") << "by the name of the link";
+  EXPECT_EQ(byDirectory("/usr/lib/office/share/other"), "office") << "the directory has the name of the link";
 }
 
 TEST_F(ApplicationIndexTest, PrefersTheEntryWithTheFewestArguments) {
@@ -79,23 +79,23 @@ TEST_F(ApplicationIndexTest, PrefersEntriesOfTheUser) {
   EXPECT_EQ(byExecutable("/usr/bin/editor"), "") << "the system's file of the same id is hidden";
 }
 
-TEST_F(ApplicationIndexTest, IgnoresExecutablesOfUnlistedTerminalAndHiddenEntries) {
+TEST_F(ApplicationIndexTest, IgnoresExecutablesOfNoDisplayTerminalAndHiddenEntries) {
   for (const auto* program : {"a", "b", "c"}) addProgram(std::string("usr/bin/") + program);
   add("a", "a", "NoDisplay=true\n");
   add("b", "b", "Terminal=true\n");
   add("c", "c", "Hidden=true\n");
   for (const auto* program : {"a", "b", "c"}) EXPECT_EQ(byExecutable(std::string("/usr/bin/") + program), "");
-  EXPECT_EQ(idOf(index_.byId("a")), "a") << "the id is still found";
+  EXPECT_EQ(idOf(index_.byId("a")), "a") << "byId finds the entry";
   EXPECT_EQ(idOf(index_.byId("b")), "b");
   EXPECT_EQ(index_.byId("c"), nullptr);
 }
 
 TEST_F(ApplicationIndexTest, UsesTheScriptOfAnInterpreterAndIgnoresLaunchers) {
   for (const auto* program : {"python3", "flatpak", "viewer"}) addProgram(std::string("usr/bin/") + program);
-  tree_.link("usr/bin/sneaky", "python3");
+  tree_.link("usr/bin/interpreter-link", "python3");
   add("viewer", "python3 /usr/bin/viewer");
   add("org.sandboxed.App", "flatpak run org.sandboxed.App");
-  add("sneaky", "sneaky");
+  add("interpreter-link", "interpreter-link");
   EXPECT_EQ(byExecutable("/usr/bin/viewer"), "viewer");
   EXPECT_EQ(byExecutable("/usr/bin/python3"), "");
   EXPECT_EQ(byExecutable("/usr/bin/flatpak"), "");
@@ -142,20 +142,20 @@ TEST_F(ApplicationIndexTest, IsRebuiltOnlyWhenADirectoryChanges) {
   EXPECT_TRUE(index_.refresh());
   EXPECT_FALSE(index_.refresh());
   EXPECT_EQ(index_.size(), 1U);
-  addTo("home/a/.local/share", "late", "editor --late");
+  addTo("home/a/.local/share", "added", "editor --added");
   EXPECT_TRUE(index_.refresh()) << "a new directory";
   EXPECT_EQ(index_.size(), 2U);
   tree_.remove("usr/share/applications/editor.desktop");
   EXPECT_TRUE(index_.refresh());
-  EXPECT_EQ(byExecutable("/usr/bin/editor"), "late");
+  EXPECT_EQ(byExecutable("/usr/bin/editor"), "added");
 }
 
-TEST_F(ApplicationIndexTest, ToleratesMaliciousFiles) {
+TEST_F(ApplicationIndexTest, ToleratesInvalidFiles) {
   addProgram("usr/bin/editor");
   add("editor", "editor");
-  std::string words = "editor";
-  for (int i = 0; i < 10'000; ++i) words += " x";
-  add("words", words);
+  std::string manyArguments = "editor";
+  for (int i = 0; i < 10'000; ++i) manyArguments += " x";
+  add("many-arguments", manyArguments);
   add("huge", "editor", std::string(50 << 20, '#'));
   add("zeros", std::string("editor\0--zero", 13));
   add("markup", "editor --markup", "Name=<b>x</b>\x1b[31m\n");
@@ -183,12 +183,13 @@ TEST_F(ApplicationIndexTest, VisitsEachDirectoryOnceInSymbolicLinkCycles) {
   EXPECT_EQ(index_.byId("a0-editor"), nullptr);
 }
 
-TEST_F(ApplicationIndexTest, LimitsTheDirectoriesThatALinkLeadsTo) {
+TEST_F(ApplicationIndexTest, LimitsTheNumberOfDirectoriesBelowALink) {
   addProgram("usr/bin/editor");
   add("editor", "editor");
-  for (int folder = 0; folder < 2'000; ++folder) tree_.write("much/" + std::to_string(folder) + "/x", "");
+  for (int folder = 0; folder < 2'000; ++folder)
+    tree_.write("many-folders/" + std::to_string(folder) + "/x", "");
   // The user's data directory comes first; reaching its limit does not affect the next one.
-  tree_.link("home/a/.local/share/applications/z", tree_.at("much").string());
+  tree_.link("home/a/.local/share/applications/z", tree_.at("many-folders").string());
   index_.refresh();
   EXPECT_EQ(byExecutable("/usr/bin/editor"), "editor");
   EXPECT_LE(index_.watchedDirectoryCount(), 600U);

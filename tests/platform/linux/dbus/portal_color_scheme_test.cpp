@@ -28,11 +28,13 @@ const QString settings = QStringLiteral("org.freedesktop.portal.Settings");
 const QString appearance = QStringLiteral("org.freedesktop.appearance");
 const QString colorScheme = QStringLiteral("color-scheme");
 
+/// `value` in a D-Bus variant.
 QVariant wrapped(const QVariant& value) {
   return QVariant::fromValue(QDBusVariant(value));
 }
 
-/// A portal with this one setting. Without `reply` it never replies.
+/// A portal with the setting color-scheme only. Without `reply` it never replies. PortalColorScheme calls
+/// Read twice: at its start, and when it learns the owner of the portal's name.
 class FakePortal final : public test::FakeService {
  public:
   FakePortal(QDBusConnection connection, std::optional<QVariant> reply)
@@ -44,17 +46,17 @@ class FakePortal final : public test::FakeService {
     sendChange(connection(), value, key);
   }
 
-  static void sendChange(const QDBusConnection& from, const QVariant& value, const QString& key) {
+  static void sendChange(const QDBusConnection& sender, const QVariant& value, const QString& key) {
     QDBusMessage signal = QDBusMessage::createSignal(portalPath, settings, QStringLiteral("SettingChanged"));
     signal.setArguments({appearance, key, wrapped(value)});
-    from.send(signal);
+    sender.send(signal);
   }
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
     ++calls_;
-    const bool known =
+    const bool isColorSchemeRead =
         message.member() == u"Read" && message.arguments() == QVariantList{appearance, colorScheme};
-    if (!known) {
+    if (!isColorSchemeRead) {
       connection.send(message.createErrorReply(QDBusError::UnknownMethod, QStringLiteral("No")));
     } else if (reply_) {
       connection.send(message.createReply(*reply_));
@@ -71,7 +73,7 @@ class FakePortal final : public test::FakeService {
 
 class PortalColorSchemeTest : public testing::Test {
  protected:
-  bool becomes(std::optional<ColorScheme> scheme) {
+  bool preferenceBecomes(std::optional<ColorScheme> scheme) {
     return eventually([&] { return scheme_->preference() == scheme; });
   }
 
@@ -94,21 +96,21 @@ TEST_F(PortalColorSchemeTest, ReadsThePreference) {
   const FakePortal portal(bus_.connection(), wrapped(wrapped(1U)));
   start();
   EXPECT_EQ(scheme_->preference(), std::nullopt);
-  EXPECT_TRUE(becomes(ColorScheme::dark));
+  EXPECT_TRUE(preferenceBecomes(ColorScheme::dark));
   EXPECT_EQ(changed_->size(), 1);
 }
 
 TEST_F(PortalColorSchemeTest, FollowsChanges) {
   FakePortal portal(bus_.connection(), wrapped(wrapped(2U)));
   start();
-  ASSERT_TRUE(becomes(ColorScheme::light));
+  ASSERT_TRUE(preferenceBecomes(ColorScheme::light));
   ASSERT_TRUE(eventually([&] { return portal.calls() >= 2; }));
   portal.change(1U);
-  ASSERT_TRUE(becomes(ColorScheme::dark));
+  ASSERT_TRUE(preferenceBecomes(ColorScheme::dark));
   portal.change(1U);
   portal.change(2U, QStringLiteral("accent-color"));
   portal.change(0U);
-  ASSERT_TRUE(becomes(std::nullopt));
+  ASSERT_TRUE(preferenceBecomes(std::nullopt));
   EXPECT_EQ(changed_->size(), 3);
 }
 
@@ -116,18 +118,18 @@ TEST_F(PortalColorSchemeTest, ReadsFromAPortalThatStartsLater) {
   start();
   drainMessages();
   const FakePortal portal(bus_.connection(), wrapped(wrapped(1U)));
-  EXPECT_TRUE(becomes(ColorScheme::dark));
+  EXPECT_TRUE(preferenceBecomes(ColorScheme::dark));
 }
 
 TEST_F(PortalColorSchemeTest, KeepsThePreferenceOfAPortalThatStopped) {
   auto portal = std::make_unique<FakePortal>(bus_.connection(), wrapped(wrapped(1U)));
   start();
-  ASSERT_TRUE(becomes(ColorScheme::dark));
+  ASSERT_TRUE(preferenceBecomes(ColorScheme::dark));
   portal.reset();
   drainMessages();
   EXPECT_EQ(scheme_->preference(), ColorScheme::dark);
   portal = std::make_unique<FakePortal>(bus_.connection(), wrapped(2U));
-  EXPECT_TRUE(becomes(ColorScheme::light));
+  EXPECT_TRUE(preferenceBecomes(ColorScheme::light));
 }
 
 TEST_F(PortalColorSchemeTest, TreatsUnknownAndMalformedValuesAsNoPreference) {
@@ -155,13 +157,13 @@ TEST_F(PortalColorSchemeTest, DoesNotBlockWhenThePortalNeverReplies) {
   EXPECT_EQ(scheme_->preference(), std::nullopt);
   ASSERT_TRUE(eventually([&] { return portal.calls() >= 2; }));
   portal.change(1U);
-  EXPECT_TRUE(becomes(ColorScheme::dark));
+  EXPECT_TRUE(preferenceBecomes(ColorScheme::dark));
 }
 
 TEST_F(PortalColorSchemeTest, IgnoresSignalsOfOtherSenders) {
   const FakePortal portal(bus_.connection(), wrapped(wrapped(2U)));
   start();
-  ASSERT_TRUE(becomes(ColorScheme::light));
+  ASSERT_TRUE(preferenceBecomes(ColorScheme::light));
   const QDBusConnection other = bus_.connection();
   FakePortal::sendChange(other, 1U, colorScheme);
   test::BusClient(other, connection_.baseService()).takeSignals();

@@ -47,9 +47,9 @@ class SleepingProcessCacheTest : public testing::Test {
     process_.writeTo(tree_);
   }
 
-  std::optional<std::uint64_t> readClock(std::int32_t asked) {
-    ++clockReadings_[asked];
-    return clocks_[asked];
+  std::optional<std::uint64_t> readClock(std::int32_t clockPid) {
+    ++clockReadings_[clockPid];
+    return clocks_[clockPid];
   }
 
   TemporaryTree tree_;
@@ -58,7 +58,7 @@ class SleepingProcessCacheTest : public testing::Test {
   std::map<std::int32_t, std::optional<std::uint64_t>> clocks_{{parentPid, 1000}, {pid, 5000}};
   std::map<std::int32_t, int> clockReadings_;
   SleepingProcessCache cache_{
-      ProcfsReader(tree_.roots(), [this](std::int32_t asked) { return readClock(asked); })};
+      ProcfsReader(tree_.roots(), [this](std::int32_t clockPid) { return readClock(clockPid); })};
   std::optional<BsdInfo> info_;
   std::optional<ProcessUsage> usage_;
 };
@@ -105,9 +105,9 @@ TEST_F(SleepingProcessCacheTest, ReadsAgainAfterASweepInWhichMemoryWasUnreadable
 TEST_F(SleepingProcessCacheTest, ReadsTheClockBeforeTheFiles) {
   // The process runs after its clock was read: what was read of it belongs to the clock of the next sweep.
   int reading = 0;
-  SleepingProcessCache cache(ProcfsReader(tree_.roots(), [&](std::int32_t asked) {
-    const std::uint64_t clock = asked == pid && ++reading > 1 ? 2 : 1;
-    if (asked == pid && reading == 1) changeMemory();
+  SleepingProcessCache cache(ProcfsReader(tree_.roots(), [&](std::int32_t clockPid) {
+    const std::uint64_t clock = clockPid == pid && ++reading > 1 ? 2 : 1;
+    if (clockPid == pid && reading == 1) changeMemory();
     return std::optional(clock);
   }));
   cache.allPIDs();
@@ -120,8 +120,8 @@ TEST_F(SleepingProcessCacheTest, ReadsTheClockBeforeTheFiles) {
 
 TEST_F(SleepingProcessCacheTest, ReadsTheClockAgainIfThePidWasReusedAfterItWasRead) {
   std::uint64_t clock = 7000;
-  SleepingProcessCache cache(ProcfsReader(tree_.roots(), [&](std::int32_t asked) {
-    const std::uint64_t read = asked == pid ? clock : 1;
+  SleepingProcessCache cache(ProcfsReader(tree_.roots(), [&](std::int32_t clockPid) {
+    const std::uint64_t read = clockPid == pid ? clock : 1;
     if (read == 7001) {
       process_.startTicks += 1000;
       process_.writeTo(tree_);
