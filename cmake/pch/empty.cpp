@@ -1,3 +1,4 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
-// The source file of the libraries tarn_pch_*, which only build a precompiled header. CMake requires a source.
+// The source file of the libraries tarn_pch_*, which only build a precompiled header. CMake requires a
+// source.
