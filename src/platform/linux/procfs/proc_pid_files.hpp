@@ -55,7 +55,7 @@ std::optional<ProcessPages> parseProcessPages(std::string_view text);
 /// The first number of "Uid:".
 std::optional<std::uint32_t> parseRealOwner(std::string_view status);
 
-/// The last number of "NSpid:": the pid by which the process knows itself.
+/// The last number of "NSpid:": the pid of the process in its own pid namespace.
 std::optional<std::int32_t> parseInnermostPid(std::string_view status);
 
 /// Whether there is a "VmSize:" line. Kernel threads and zombies have none.
