@@ -4,7 +4,8 @@
 
 FAULT is no-replies, error-replies, wrong-types (of the values in replies), large-replies (10 MB), name-changes (it
 acquires and releases its name 200 times, then works correctly) or signal-flood (it sends 20,000 signals with
-unexpected arguments, then works correctly). It prints "ready" after that, "asked METHOD" for each call, and "item NAME" for each registered item."""
+unexpected arguments, then works correctly). It prints "ready" after that, "asked METHOD" for each call, and
+"item NAME" for each registered item."""
 
 import itertools
 import sys
