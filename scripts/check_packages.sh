@@ -122,7 +122,7 @@ run_lintian() {
   [ -z "$output" ] || say "$output"
 }
 
-# in_namespaces [UNSHARE OPTION...] COMMAND...: runs a command in mount and pid namespaces of its own, so that its
+# in_namespaces [UNSHARE OPTION...] COMMAND...: runs a command in separate mount and pid namespaces, so that its
 # processes and mounts end with it.
 in_namespaces() {
   local status=0

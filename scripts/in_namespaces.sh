@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# in_namespaces.sh USER CGROUP MEMORY_HOLDER COMMAND...: runs COMMAND in PID and mount namespaces of its own, so that it
+# in_namespaces.sh USER CGROUP MEMORY_HOLDER COMMAND...: runs COMMAND in separate PID and mount namespaces, so that it
 # sees no processes but its own, and all of them end with it.
 # Root gets more: COMMAND runs as USER beside a process of root (its pid is TARN_FOREIGN_PID) that runs MEMORY_HOLDER.
 # If the kernel permits, TARN_SESSION is set: the namespace has what a systemd user instance and installed applications

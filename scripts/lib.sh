@@ -6,7 +6,7 @@
 # shellcheck disable=SC2034
 repository="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
-# Prints each argument on a line of its own.
+# Prints each argument on a separate line.
 say() {
   printf '%s\n' "$@"
 }

@@ -32,7 +32,8 @@
 
 namespace tarn {
 
-/// Opens a URL in the user's browser. Returns at once. Main thread. Does nothing when there is no browser.
+/// Opens a URL in the user's browser. Returns immediately. Main thread. Does nothing when there is no
+/// browser.
 using UrlOpener = std::function<void(const QString& url)>;
 
 /// Keeps one Tarn process per session: a second process asks the first one to open its popover, and exits.
@@ -70,7 +71,8 @@ class Platform {
 
   // Before QApplication exists. No other thread runs yet.
 
-  /// Limits how much memory the allocator keeps for later. The first call of the program. Neutral: nothing.
+  /// Limits how much memory the allocator keeps for later. The first call of the program. Neutral: does
+  /// nothing.
   virtual void limitAllocatorArenas() = 0;
 
   /// This program's version, as its package states it. Neutral: nullopt.
@@ -94,7 +96,7 @@ class Platform {
   /// QCoreApplication::quit().
   virtual void terminate() = 0;
 
-  /// Returns free heap memory to the system. Called after large objects were freed. Neutral: nothing.
+  /// Returns free heap memory to the system. Called after large objects were freed. Neutral: does nothing.
   virtual void releaseFreeHeap() = 0;
 
   // The monitor. Each make... function is called once.
@@ -115,12 +117,12 @@ class Platform {
   /// The application that has the keyboard focus. Neutral: a source that returns nullopt.
   virtual FrontmostApplicationSource makeFrontmostApplicationSource() = 0;
 
-  /// Number of processor cores online, whatever subset of them this process may use. Neutral: 1, which is
+  /// Number of processor cores online, including those that this process may not use. Neutral: 1, which is
   /// also the minimum. Any thread.
   virtual int activeProcessorCount() const = 0;
 
-  /// Names the calling thread in tools that list threads; the system may truncate the name. Neutral: nothing.
-  /// Any thread.
+  /// Names the calling thread in tools that list threads; the system may truncate the name. Neutral: does
+  /// nothing. Any thread.
   virtual void setCurrentThreadName(const std::string& name) const = 0;
 
   /// Number formatters of the user's locale, created at their first use. They may be used on any thread and
@@ -150,7 +152,7 @@ class Platform {
   virtual std::unique_ptr<CompositorPlacement> makeCompositorPlacement() = 0;
 
   /// Calls `switched` each time the user changes to another workspace, until the returned object is
-  /// destroyed. Neutral: null, where that is unknown or where it closes the popover anyway.
+  /// destroyed. Neutral: null, where that is unknown or where the popover closes without this.
   virtual std::unique_ptr<QObject> watchWorkspaces(std::function<void()> switched) = 0;
 };
 

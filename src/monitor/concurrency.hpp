@@ -110,7 +110,7 @@ class TaskInbox {
 class SerialQueue final : public TaskQueue {
  public:
   enum class Start {
-    active,    ///< runs tasks at once
+    active,    ///< runs tasks immediately
     inactive,  ///< keeps tasks, and has no thread, until `activate`
   };
 

@@ -24,7 +24,7 @@ class Preferences final : public QObject {
   /// each call, so changes by other processes take effect.
   bool showFrontmostFootprint();
 
-  /// Writes to the store at once.
+  /// Writes to the store immediately.
   void setShowFrontmostFootprint(bool show);
 
  Q_SIGNALS:

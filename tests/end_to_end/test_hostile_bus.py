@@ -25,7 +25,7 @@ MENU_INTERFACE = "com.canonical.dbusmenu"
 PROPERTIES = "org.freedesktop.DBus.Properties"
 OPEN = 1  # id of the menu entry
 LARGEST = 2**31 - 1
-BAD_REPLIES = ("silent", "refusing", "nonsense", "huge")
+BAD_REPLIES = ("no-replies", "error-replies", "wrong-types", "large-replies")
 MAX_REPLY_TIME = 10  # seconds: the machine may be busy, and the program sanitized
 MANY = 100_000
 SLACK = 4 * proc_reader.MEGABYTE
@@ -45,10 +45,10 @@ class ItemOnTheBus(RegisteredItem):
 class HostileService:
     """A program that owns the name of a "watcher" or a "portal"; see hostile_service.py."""
 
-    def __init__(self, desktop, kind, manner):
-        self._desktop, self._log = desktop, f"{kind}-{manner}-{time.monotonic_ns()}"
-        self._process = desktop.start(self._log, ["python3", PROGRAMS / "hostile_service.py", kind, manner])
-        wait_until(lambda: "ready" in self.output(), f"the {manner} {kind} is ready", timeout=60)
+    def __init__(self, desktop, kind, fault):
+        self._desktop, self._log = desktop, f"{kind}-{fault}-{time.monotonic_ns()}"
+        self._process = desktop.start(self._log, ["python3", PROGRAMS / "hostile_service.py", kind, fault])
+        wait_until(lambda: "ready" in self.output(), f"the {fault} {kind} is ready", timeout=60)
 
     def output(self):
         return self._desktop.log(self._log).splitlines()
@@ -74,9 +74,9 @@ def title_in_time(item):
     return title
 
 
-@pytest.mark.parametrize("manner", BAD_REPLIES)
-def test_it_shows_a_window_beside_a_watcher_without_valid_replies(manner):
-    with VirtualDesktop(panel=False) as desktop, HostileService(desktop, "watcher", manner) as watcher:
+@pytest.mark.parametrize("fault", BAD_REPLIES)
+def test_it_shows_a_window_when_a_watcher_sends_no_valid_replies(fault):
+    with VirtualDesktop(panel=False) as desktop, HostileService(desktop, "watcher", fault) as watcher:
         tarn = Tarn(desktop, find_item=ItemOnTheBus)
         tarn.popover.wait_for(lambda content: content.rows, "it has a window of its own", timeout=40)
         assert "asked RegisterStatusNotifierItem" in watcher.output()
@@ -90,11 +90,11 @@ def test_it_shows_a_window_beside_a_watcher_without_valid_replies(manner):
         assert tarn.process.wait(timeout=20) == 0, desktop.log("tarn")
 
 
-@pytest.mark.parametrize("manner", (*BAD_REPLIES, "flapping", "shouting"))
-def test_it_is_in_the_panel_beside_a_portal_without_valid_replies(manner):
+@pytest.mark.parametrize("fault", (*BAD_REPLIES, "name-changes", "signal-flood"))
+def test_it_is_in_the_panel_when_a_portal_sends_no_valid_replies(fault):
     with VirtualDesktop() as desktop:
         desktop.stop_portal()
-        with HostileService(desktop, "portal", manner) as portal:
+        with HostileService(desktop, "portal", fault) as portal:
             tarn = Tarn(desktop)
             tarn.popover.open()
             assert "asked Read" in portal.output()
@@ -142,22 +142,22 @@ class TestHostileCallers(SharedDesktop):
         self.assert_uses_no_more(before)
         self.assert_alive()
 
-    def output_of_watcher(self, manner):
-        with HostileService(self.desktop, "watcher", manner) as watcher:
+    def output_of_watcher(self, fault):
+        with HostileService(self.desktop, "watcher", fault) as watcher:
             assert title_in_time(self.tarn.item)
             self.assert_one_click_is_one_opening()
             return watcher.output()
 
     def test_a_watcher_that_comes_and_goes_gets_the_item(self):
         def fault():
-            items = [line for line in self.output_of_watcher("flapping") if line.startswith("item ")]
+            items = [line for line in self.output_of_watcher("name-changes") if line.startswith("item ")]
             assert len(set(items)) == 1, "always the same item"
 
         self.check_leaks(fault)
 
     def test_a_watcher_that_floods_signals_gets_one_registration(self):
         def fault():
-            output = self.output_of_watcher("shouting")
+            output = self.output_of_watcher("signal-flood")
             assert len([line for line in output if line.startswith("item ")]) == 1
 
         self.check_leaks(fault)

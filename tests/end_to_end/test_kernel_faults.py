@@ -59,8 +59,8 @@ class TestClocks(SharedDesktop):
         average = 100 * proc_reader.processor_seconds(self.burner.pid) / (time.monotonic() - self.started)
         return row and parse_percent(row.value) > min(20, average / 2)
 
-    def assert_goes_on(self, watch):
-        """Sweeps go on at their interval, and every processor share is possible."""
+    def assert_sweeps_continue(self, watch):
+        """Sweeps continue at their interval, and every processor share is between 0 and the possible maximum."""
         since = time.monotonic()
         sweeps = watch.wait_for_sweeps(4, since, timeout=40)
         assert sweeps[3].time - sweeps[1].time >= 2 * OPEN_INTERVAL - 1, "sweeps follow each other too fast"
@@ -77,7 +77,7 @@ class TestClocks(SharedDesktop):
                     (-HOURS, HOURS, 0),  # the time was set back
                     (0, 0, HOURS)):  # CLOCK_MONOTONIC jumped
                 self.shift(*shifts)
-                self.assert_goes_on(watch)
+                self.assert_sweeps_continue(watch)
         self.popover.wait_for(self.shows_load, "the load shows again", 40)
 
     def test_while_it_is_closed(self):

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // What a fuzz target needs. Each NAME_fuzz.cpp defines one target with FUZZ_TARGET. A fuzz build (TARN_FUZZ)
-// links each target with fuzzer_main.cpp and libFuzzer into a program of its own. Other builds link all
+// links each target with fuzzer_main.cpp and libFuzzer into a separate program. Other builds link all
 // targets with replay_main.cpp into one program, which runs them over their corpora.
 
 #pragma once

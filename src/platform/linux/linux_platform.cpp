@@ -132,7 +132,7 @@ class SessionSingleInstance final : public SingleInstance {
 }  // namespace
 
 void LinuxPlatform::limitAllocatorArenas() {
-  // mallopt(3): by default each thread gets an arena of its own, and the top of the heap is trimmed late. Few
+  // mallopt(3): by default each thread gets its own arena, and the top of the heap is trimmed late. Few
   // of Tarn's threads allocate, and rarely.
   constexpr int trimThreshold = 64 << 10;  // bytes
   constexpr int topPad = 16 << 10;         // bytes

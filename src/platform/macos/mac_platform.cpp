@@ -30,7 +30,7 @@ class PaletteColorScheme final : public ColorSchemeWatcher {
 class BundleInstance final : public SingleInstance {
  public:
   bool claim(std::function<void()> launchedAgain) override {
-    // Deferred to the event loop: Qt installs a handler of its own for the same event while it starts.
+    // Deferred to the event loop: Qt installs its own handler for the same event while it starts.
     QTimer::singleShot(0, &timerContext_, [this, launchedAgain = std::move(launchedAgain)] {
       reopening_ = watchReopening(launchedAgain);
     });

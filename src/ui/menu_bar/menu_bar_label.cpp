@@ -63,7 +63,7 @@ ToolTip throttledToolTip(const ToolTip& sent, const ToolTip& current, bool popov
 }
 
 QImage MenuBarIcon::image(const QString& symbolName, const QColor& color, int pixels) {
-  // In other formats Qt's rasteriser fills paths in threads of its own.
+  // In other formats Qt's rasteriser fills paths in its own threads.
   QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);

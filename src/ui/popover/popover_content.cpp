@@ -94,7 +94,7 @@ ExtrasRow temperatureRow(const std::optional<double>& celsius, ThermalState ther
   return row;
 }
 
-/// Bytes. More than any row can show; limits the layout time of a hostile name.
+/// Bytes. More than a row can show; limits the layout time of a long process name.
 constexpr std::size_t longestText = 512;
 
 /// Control characters, line and paragraph separators, and the bidirectional formatting characters of UAX #9.

@@ -13,11 +13,11 @@ namespace tarn {
 namespace {
 
 constexpr int gap = 6;            ///< between the popover and the panel or screen edge
-constexpr int panelDepth = 72;    ///< a larger window is not taken for a panel
+constexpr int panelDepth = 72;    ///< the largest depth of a window that counts as a panel
 constexpr int itemHalfSize = 14;  ///< from an item's centre to its edge, for panels that reserve no space
 
-// A compositor knows a window some milliseconds after Qt has shown it, and draws the next frame up to 16 ms
-// later. The window is to be in its place by then.
+// A compositor lists a window some milliseconds after Qt has shown it, and draws the next frame up to 16 ms
+// later. The window must be moved before that frame.
 constexpr std::chrono::milliseconds locateInterval{4};
 constexpr int locateAttempts = 75;
 

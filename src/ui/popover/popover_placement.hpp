@@ -60,10 +60,10 @@ class CompositorConnection {
   /// Calls `located` whenever the compositor has reported the pointer's place. `placement` may be null.
   CompositorConnection(std::unique_ptr<CompositorPlacement> placement, std::function<void()> located);
 
-  /// While disabled, the compositor is not asked.
+  /// While disabled, no requests are sent to the compositor.
   void setEnabled(bool isEnabled) { isEnabled_ = isEnabled; }
 
-  /// Call when the window was shown. Asks the compositor every 4 ms until it knows the window, up to 75
+  /// Call when the window was shown. Asks the compositor every 4 ms until it lists the window, up to 75
   /// times.
   void startLocating();
 

@@ -15,8 +15,8 @@ namespace tarn {
 
 /// Collects the area of one symbol from strokes with round ends, filled areas and holes.
 ///
-/// Lengths are in units of the 16-unit grid. The origin is in the centre and y points down. The sketch knows
-/// the symbol's size in pixels, so that straight edges can be aligned to pixel boundaries.
+/// Lengths are in units of the 16-unit grid. The origin is in the centre and y points down. The
+/// symbol's size in pixels is used to align straight edges to pixel boundaries.
 class SymbolSketch {
  public:
   /// The side of the grid.

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""System calls by which a program reaches outside of its process, refused ones included, read with strace."""
+"""System calls of a program that access other processes, files or sockets, also those that fail, read with strace."""
 
 import re
 from dataclasses import dataclass

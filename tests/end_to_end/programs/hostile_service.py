@@ -1,11 +1,11 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""hostile_service.py watcher|portal MANNER: a program that owns the bus name of a service and behaves badly.
+"""hostile_service.py watcher|portal FAULT: owns the bus name of a service and sends invalid or too many messages.
 
-silent: it never replies. refusing: every reply is an error. nonsense: replies have unexpected types. huge: replies have
-10 MB. flapping: it acquires and releases its name 200 times, then behaves well. shouting: it sends 20,000 signals with
-unexpected arguments, then behaves well. proper: it behaves well. It prints "ready" after that, "asked METHOD" for each
-call, and "item NAME" for each registered item."""
+FAULT is no-replies, error-replies, wrong-types (of the values in replies), large-replies (10 MB), name-changes (it
+acquires and releases its name 200 times, then works correctly) or signal-flood (it sends 20,000 signals with
+unexpected arguments, then works correctly). It prints "ready" after that, "asked METHOD" for each call, and
+"item NAME" for each registered item."""
 
 import itertools
 import sys
@@ -18,35 +18,38 @@ SERVICES = {"watcher": ("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher
 BUS = ("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus")
 APPEARANCE = ("org.freedesktop.appearance", "color-scheme")
 DARK = 1
-FLAPS = 200
-SHOUTS = 20_000
-HUGE = 10_000_000
-ABSURD = (GLib.Variant("()", ()), GLib.Variant("(s)", ("x" * 1_000,)), GLib.Variant("(ssv)", (*APPEARANCE,
-          GLib.Variant("as", ["dark"] * 20))), GLib.Variant("(ssv)", (*APPEARANCE, GLib.Variant("x", -1))),
-          GLib.Variant("(ai)", (list(range(200)),)))
+NAME_CHANGES = 200
+SIGNALS = 20_000
+LARGE_REPLY_BYTES = 10_000_000
+UNEXPECTED_ARGUMENTS = (
+    GLib.Variant("()", ()),
+    GLib.Variant("(s)", ("x" * 1_000,)),
+    GLib.Variant("(ssv)", (*APPEARANCE, GLib.Variant("as", ["dark"] * 20))),
+    GLib.Variant("(ssv)", (*APPEARANCE, GLib.Variant("x", -1))),
+    GLib.Variant("(ai)", (list(range(200)),)))
 
 
 class HostileService:
-    def __init__(self, kind, manner):
+    def __init__(self, kind, fault):
         self._name, self._path, self._interface = SERVICES[kind]
-        self._manner = manner
+        self._fault = fault
         self._connection = Gio.bus_get_sync(Gio.BusType.SESSION, None)
         self._connection.add_filter(self._filter)
 
     def run(self):
-        if self._manner == "flapping":
-            for _ in range(FLAPS):
+        if self._fault == "name-changes":
+            for _ in range(NAME_CHANGES):
                 self._request_name()
                 self._call_bus("ReleaseName", GLib.Variant("(s)", (self._name,)))
         self._request_name()
-        if self._manner == "shouting":
-            self._shout()
+        if self._fault == "signal-flood":
+            self._send_signals()
         self._print("ready")
         GLib.MainLoop().run()
 
-    def _shout(self):
+    def _send_signals(self):
         names = ("StatusNotifierHostRegistered", "StatusNotifierHostUnregistered", "SettingChanged")
-        for name, arguments, _ in zip(itertools.cycle(names), itertools.cycle(ABSURD), range(SHOUTS)):
+        for name, arguments, _ in zip(itertools.cycle(names), itertools.cycle(UNEXPECTED_ARGUMENTS), range(SIGNALS)):
             self._connection.emit_signal(None, self._path, self._interface, name, arguments)
         self._connection.flush_sync(None)
 
@@ -70,9 +73,9 @@ class HostileService:
         return None
 
     def _reply(self, message):
-        if self._manner == "silent":
+        if self._fault == "no-replies":
             return None
-        if self._manner == "refusing":
+        if self._fault == "error-replies":
             return message.new_method_error_literal("org.freedesktop.DBus.Error.AccessDenied", "No")
         reply = message.new_method_reply()
         body = self._body(message)
@@ -81,10 +84,10 @@ class HostileService:
         return reply
 
     def _body(self, message):
-        if self._manner == "nonsense":
+        if self._fault == "wrong-types":
             return GLib.Variant("(v)", (GLib.Variant("s", "true"),))
-        if self._manner == "huge":
-            return GLib.Variant("(v)", (GLib.Variant("as", ["x" * 990] * (HUGE // 1_000)),))
+        if self._fault == "large-replies":
+            return GLib.Variant("(v)", (GLib.Variant("as", ["x" * 990] * (LARGE_REPLY_BYTES // 1_000)),))
         if message.get_member() == "Get":
             return GLib.Variant("(v)", (GLib.Variant("b", True),))
         if message.get_member() == "Read":

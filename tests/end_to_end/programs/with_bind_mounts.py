@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""with_bind_mounts.py SOURCE TARGET... -- PROGRAM [ARGUMENT...]: bind-mounts each SOURCE on its TARGET in a mount
-namespace of its own and runs PROGRAM there. Needs no privileges, but unprivileged user namespaces."""
+"""with_bind_mounts.py SOURCE TARGET... -- PROGRAM [ARGUMENT...]: bind-mounts each SOURCE on its TARGET in a separate
+mount namespace and runs PROGRAM there. Needs no privileges, but unprivileged user namespaces."""
 
 import ctypes
 import os

@@ -19,7 +19,7 @@ class BusSingleInstance {
  public:
   explicit BusSingleInstance(QDBusConnection bus);
 
-  /// Returns whether this process is to go on: it owns the name, or there is no bus, or the owner did not
+  /// Returns whether this process must continue: it owns the name, or there is no bus, or the owner did not
   /// answer within 2 s. Otherwise the owner was activated before this returns. Blocks for that reply only.
   /// `launchedAgain` is called each time another launch or the desktop activates this process. Call once.
   bool claim(std::function<void()> launchedAgain);

@@ -18,7 +18,7 @@ inline constexpr QLatin1String busService("org.freedesktop.DBus");
 inline constexpr QLatin1String busPath("/org/freedesktop/DBus");
 
 /// The address of the session bus: DBUS_SESSION_BUS_ADDRESS, else "bus" in XDG_RUNTIME_DIR. Empty when
-/// neither is set, and for "autolaunch:", which would make each connection attempt start a bus of its own.
+/// neither is set, and for "autolaunch:", which would make each connection attempt start a new bus.
 QString sessionBusAddress();
 
 /// A connection to the session bus that is replaced when the bus is restarted: while it is lost, the same
@@ -31,7 +31,7 @@ class SessionBus final : public QObject {
   /// Starts with `connection`, which may be disconnected. An empty `address` disables reconnecting.
   SessionBus(QDBusConnection connection, QString address, QObject* parent = nullptr);
 
-  /// Others who hold the connection can go on using it.
+  /// Other owners of the connection can continue to use it.
   ~SessionBus() override;
   Q_DISABLE_COPY_MOVE(SessionBus)
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Reads small files and lists directories of procfs, sysfs and /etc. No function here blocks: a FIFO or a
-// device in the place of a regular file reads as empty.
+// device instead of a regular file reads as empty.
 
 #pragma once
 

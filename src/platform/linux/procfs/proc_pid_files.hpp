@@ -58,7 +58,7 @@ std::optional<ProcessPages> parseProcessPages(std::string_view text);
 /// The first number of "Uid:".
 std::optional<std::uint32_t> parseRealOwner(std::string_view status);
 
-/// The last number of "NSpid:": the pid by which the process knows itself.
+/// The last number of "NSpid:": the pid of the process in its own pid namespace.
 std::optional<std::int32_t> parseInnermostPid(std::string_view status);
 
 /// Whether there is a "VmSize:" line. Kernel threads and zombies have none.
@@ -80,9 +80,9 @@ std::optional<std::uint64_t> parseBootTime(std::string_view systemStat);
 std::string_view completedName(std::string_view kernelName, std::string_view commandLine);
 
 /// Finds the process that calls itself `declared`, for example in the window property _NET_WM_PID. A
-/// sandboxed process declares its pid in its own pid namespace; the result is its pid in ours. Only user
-/// processes of the user `owner` are considered. Returns nullopt when no process or more than one matches,
-/// and when `deadline` passes. `proc` is the path of a procfs. Any thread.
+/// sandboxed process declares its pid in its own pid namespace; the result is its pid in the namespace of
+/// Tarn. Only user processes of the user `owner` are considered. Returns nullopt when no process or more than
+/// one matches, and when `deadline` passes. `proc` is the path of a procfs. Any thread.
 std::optional<std::int32_t> resolveNamespacedPid(const std::string& proc, std::int32_t declared,
                                                  std::uint32_t owner,
                                                  std::chrono::steady_clock::time_point deadline);

@@ -47,8 +47,8 @@ class ProcfsReader final : public ProcScan {
   std::optional<ProcessUsage> usage(std::int32_t pid) override;
   SharedText processName(std::int32_t pid) override;
 
-  // One system call, or one file, for each of the following. They return nullopt when the process is gone or
-  // when the file cannot be read or parsed.
+  // One system call, or one file, for each of the following. They return nullopt when the process has ended
+  // or when the file cannot be read or parsed.
 
   /// CPU time by the process clock, nanoseconds.
   std::optional<std::uint64_t> readClock(std::int32_t pid) const { return clock_(pid); }

@@ -76,7 +76,7 @@ void SleepingProcessCache::checkParent(std::int32_t pid) {
   if (entry != nullptr && entry->wasRead) entry->parentStart = startOfParent(entry->info.ppid);
 }
 
-/// Reads a process. Leaves no valid entry if it is gone or its files cannot be read.
+/// Reads a process. Leaves no valid entry if it has ended or its files cannot be read.
 void SleepingProcessCache::read(std::int32_t pid, std::optional<std::uint64_t> clock) {
   Entry* const before = entries_.find(pid);
   if (before != nullptr) before->sweep = 0;

@@ -22,8 +22,8 @@ namespace tarn {
 ///
 /// `allPIDs` begins a sweep and reads all that has changed. Until the next sweep, `bsdInfo`, `usage` and
 /// `execId` only look up what was read. `path` reads its link at each call; `processName` reads `cmdline`
-/// once for each program. A process that has no entry (it is gone, or its files cannot be read) is looked up
-/// with the plain reader.
+/// once for each program. A process without an entry (it has ended, or its files cannot be read) is read
+/// through `ProcfsReader`.
 ///
 /// What an entry holds: parent, owner, start time, kernel name, usage, and the CPU clock, which is always
 /// read before the files. So a process that runs while its files are read has another clock in the next
@@ -45,8 +45,9 @@ namespace tarn {
 /// only a different start time makes them another process.
 ///
 /// An entry that was not reused or read in a sweep counts as absent from then on, and is pruned when the next
-/// sweep begins. Not listed, gone or unreadable: all the same. An entry is completed before it is marked as
-/// part of the sweep, so a sweep that was left by std::bad_alloc leaves no incomplete entries behind.
+/// sweep begins. That applies to processes that are not listed, have ended or cannot be read. An entry is
+/// completed before it is marked as part of the sweep, so a sweep that was left by std::bad_alloc leaves no
+/// incomplete entries behind.
 ///
 /// Not thread-safe.
 class SleepingProcessCache final : public ProcScan {

@@ -25,7 +25,7 @@ std::chrono::microseconds stallThreshold(MemoryPressure level);
 /// threshold and window in microseconds.
 std::string psiTrigger(MemoryPressure level);
 
-/// Returns the level that the stalls between two readings stand for, whatever memory is available: normal
+/// Returns the level of the stalls between two readings. It does not depend on the available memory. normal
 /// when neither line reached its threshold, when no time passed, and when a total went backwards.
 MemoryPressure stallLevel(const PsiStats& before, const PsiStats& after, std::chrono::nanoseconds elapsed);
 
@@ -40,7 +40,7 @@ std::optional<MemoryPressure> pressureLevel(MemoryPressure stalls, const MemoryI
 /// Returns the level by a single reading. Without `stats` the available memory alone decides.
 std::optional<MemoryPressure> pressureLevel(const std::optional<PsiStats>& stats, const MemoryInfo& memory);
 
-/// The level over time. It rises at once. It falls when it was not found for 15 seconds and the 10-second
+/// The level over time. It rises immediately. It falls when it was not found for 15 seconds and the 10-second
 /// average of the "some" line is below 5 percent.
 class PressureHysteresis {
  public:

@@ -34,7 +34,7 @@ constexpr std::chrono::seconds checkInterval{15};  // of the available memory, w
 constexpr std::chrono::seconds pollInterval{2};    // without triggers
 
 /// Opens the file and registers a trigger on it. The trigger lives as long as the file is open; each trigger
-/// needs a file descriptor of its own.
+/// needs a separate file descriptor.
 FileDescriptor openTrigger(const std::string& path, const std::string& trigger) {
   FileDescriptor file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
   if (!file.valid()) return {};

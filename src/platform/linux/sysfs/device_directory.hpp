@@ -62,7 +62,7 @@ class DeviceClass {
   explicit DeviceClass(std::string path) : path_(std::move(path)) {}
 
   /// Lists the directory. Returns true when a device was added or removed since the last call, and at every
-  /// call before `markComplete`. The caller then has to discard what it knows of the devices.
+  /// call before `markComplete`. The caller must then discard its cached data of the devices.
   bool hasChanged();
 
   /// Declares that all devices of the last listing could be read. Not to be called while a driver that was

@@ -16,8 +16,7 @@ namespace tarn {
 
 /// Number of a block device.
 struct DeviceNumber {
-  unsigned major =
-      0;  ///< 0 for file systems without a device number of their own, such as Btrfs and overlayfs
+  unsigned major = 0;  ///< 0 for file systems without their own device number, such as Btrfs and overlayfs
   unsigned minor = 0;
 
   bool operator==(const DeviceNumber&) const = default;

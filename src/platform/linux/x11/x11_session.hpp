@@ -17,7 +17,7 @@ struct xcb_connection_t;
 
 namespace tarn {
 
-/// Queries on an X11 connection of its own, so that a timeout leaves Qt's connection undisturbed. No query
+/// Queries on a separate X11 connection, so that a timeout does not affect Qt's connection. No query
 /// waits longer than its deadline, except for connecting: xcb_connect() blocks as it does in every program.
 /// The first query connects; after a broken connection each query tries once to connect again. After a
 /// timeout queries fail at once until the late reply has arrived. Main thread.

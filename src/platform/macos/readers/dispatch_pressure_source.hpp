@@ -22,7 +22,7 @@ struct DispatchFunctions {
   void (*release)(void* object);
 };
 
-/// The kernel's memory pressure events, through a dispatch source on a dispatch queue of its own.
+/// The kernel's memory pressure events, through a dispatch source on a separate dispatch queue.
 class DispatchPressureSource final : public PressureSource {
  public:
   explicit DispatchPressureSource(const DispatchFunctions& dispatch) : dispatch_(dispatch) {}

@@ -32,7 +32,7 @@ class MacProcScan final : public ProcScan {
   /// The CPU time wraps around where it exceeds 64 bits.
   std::optional<ProcessUsage> usage(std::int32_t pid) override;
 
-  /// Always empty: a process whose path is refused has no other name.
+  /// Always empty: a process whose path cannot be read has no other name.
   SharedText processName(std::int32_t pid) override;
 
  private:

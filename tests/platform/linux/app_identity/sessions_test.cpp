@@ -38,7 +38,7 @@ class Session {
 
   const std::map<std::int32_t, std::string>& expectedApplications() const { return expectedApplications_; }
 
-  /// The application of each process in one sweep; "none" for a process that forms a group of its own.
+  /// The application of each process in one sweep; "none" for a process that is a group by itself.
   std::map<std::int32_t, std::string> sampledApplications() const {
     const auto environment = [](const char* variable) -> std::string {
       const std::string_view name = variable;

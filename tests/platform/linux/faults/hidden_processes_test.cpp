@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // procfs that hides the processes of other users (hidepid, see proc(5)), and kernels without usable PSI, as
-// an unprivileged user sees them. The test mounts them in namespaces of its own; it needs root.
+// an unprivileged user sees them. The test mounts them in separate namespaces; it needs root.
 
 #include <gmock/gmock.h>
 #include <grp.h>
@@ -158,7 +158,7 @@ TEST_P(HiddenProcesses, AreAbsentAndTheUsersOwnArePresent) {
 
 INSTANTIATE_TEST_SUITE_P(HidePid, HiddenProcesses, testing::Values("0", "1", "2"));
 
-/// Runs the one task of a pressure source on a thread of its own.
+/// Runs the one task of a pressure source on a separate thread.
 class ThreadQueue final : public TaskQueue {
  public:
   ~ThreadQueue() override {

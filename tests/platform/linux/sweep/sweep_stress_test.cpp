@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Stress test: sweeps while real processes start and exit all the time, and while pids are reused. It needs a
-// pid namespace of its own, where it can choose pids. TARN_STRESS_SWEEPS sets the number of sweeps (default:
+// separate pid namespace, where it can choose pids. TARN_STRESS_SWEEPS sets the number of sweeps (default:
 // 40).
 //
 // The tests sleep: they measure CPU time that processes use in real time, and the kernel gives start times in
