@@ -89,11 +89,11 @@ unit_tests() {
   return "$status"
 }
 
-# end_to_end_tests LABELS: runs the end-to-end tests with these CTest labels (a regular expression) and counts them.
+# end_to_end_tests CTEST OPTION...: runs the selected end-to-end tests and counts them.
 end_to_end_tests() {
   local status=0 log
   log="$(mktemp "$results/pytest.XXXXXX")"
-  ctest --preset end-to-end --label-regex "$1" --verbose | tee "$log" || status=$?
+  ctest --preset end-to-end "$@" --verbose | tee "$log" || status=$?
   # The closing line of each pytest: "= 3 failed, 40 passed, 1 skipped in 12.34s =".
   awk '/=+ .* in [0-9.]+s/ {
     for (i = 2; i <= NF; i++) {
@@ -109,7 +109,10 @@ check_texts() {
   scripts/check_modules.py
   scripts/check_text.sh
 }
-build_asan() { scripts/build.sh asan; }
+# The program and what its end-to-end tests need.
+build_program() { scripts/build.sh asan tarn list_groups lay_out_machine; }
+# At low priority, because end-to-end tests run beside it.
+build_asan() { nice scripts/build.sh asan; }
 unit_tests_asan() { unit_tests asan; }
 # Without --all only the tests of code that threads share.
 unit_tests_tsan() {
@@ -123,10 +126,10 @@ unit_tests_tsan() {
 }
 unit_tests_unsupported() { scripts/build.sh unsupported && unit_tests unsupported; }
 check_macos() { scripts/check_macos.sh; }
-end_to_end_desktop() { end_to_end_tests '^desktop$'; }
+end_to_end_desktop() { end_to_end_tests --label-regex '^desktop$' --label-exclude '^release$'; }
 build_release() { scripts/build.sh release; }
-end_to_end_release() { end_to_end_tests '^release$'; }
-end_to_end_all() { end_to_end_tests '^(hosts|faults|slow|unit|applications)$'; }
+end_to_end_release() { end_to_end_tests --label-regex '^release$'; }
+end_to_end_all() { end_to_end_tests --label-regex '^(hosts|faults|slow|unit|applications)$'; }
 check_packages() { scripts/check_packages.sh; }
 # Only that they build and run: ./bench.sh checks their figures.
 benchmarks() {
@@ -143,13 +146,14 @@ check_tidy() { chrt --idle 0 scripts/check_tidy.py; }
 scripts/install_packages.sh build run desktop test \
   ${all:+hosts faults session applications bench packages lint}
 stage "format, module dependencies, spelling" check_texts
-stage "build with AddressSanitizer and UBSan" build_asan
+stage "build the program with AddressSanitizer and UBSan" build_program
 # These tests wait most of the time.
 start "end-to-end tests, sanitized" end_to_end_desktop
+stage "build the unit tests with AddressSanitizer and UBSan" build_asan
+finish "end-to-end tests, sanitized" end_to_end_desktop
 stage "unit tests, AddressSanitizer and UBSan" unit_tests_asan
 stage "unit tests, ThreadSanitizer" unit_tests_tsan
 stage "macOS port compiles" check_macos
-finish "end-to-end tests, sanitized" end_to_end_desktop
 if [ -n "$all" ]; then
   stage "release build" build_release
   stage "end-to-end tests of figures and timing, release" end_to_end_release
