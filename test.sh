@@ -110,7 +110,7 @@ check_texts() {
   scripts/check_text.sh
 }
 # The program and what its end-to-end tests need.
-build_program() { scripts/build.sh asan tarn list_groups lay_out_machine; }
+build_program() { scripts/build.sh asan tarn list_groups; }
 # At low priority, because end-to-end tests run beside it.
 build_asan() { nice scripts/build.sh asan; }
 unit_tests_asan() { unit_tests asan; }
@@ -125,7 +125,7 @@ unit_tests_tsan() {
   fi
 }
 unit_tests_unsupported() { scripts/build.sh unsupported && unit_tests unsupported; }
-check_macos() { scripts/check_macos.sh; }
+check_macos() { nice scripts/check_macos.sh; }
 end_to_end_desktop() { end_to_end_tests --label-regex '^desktop$' --label-exclude '^release$'; }
 build_release() { scripts/build.sh release; }
 end_to_end_release() { end_to_end_tests --label-regex '^release$'; }
@@ -146,6 +146,8 @@ check_tidy() { chrt --idle 0 scripts/check_tidy.py; }
 scripts/install_packages.sh build run desktop test \
   ${all:+hosts faults session applications bench packages lint}
 stage "format, module dependencies, spelling" check_texts
+# It downloads a compiler first.
+start "macOS port compiles" check_macos
 stage "build the program with AddressSanitizer and UBSan" build_program
 # These tests wait most of the time.
 start "end-to-end tests, sanitized" end_to_end_desktop
@@ -153,7 +155,7 @@ stage "build the unit tests with AddressSanitizer and UBSan" build_asan
 finish "end-to-end tests, sanitized" end_to_end_desktop
 stage "unit tests, AddressSanitizer and UBSan" unit_tests_asan
 stage "unit tests, ThreadSanitizer" unit_tests_tsan
-stage "macOS port compiles" check_macos
+finish "macOS port compiles" check_macos
 if [ -n "$all" ]; then
   stage "release build" build_release
   stage "end-to-end tests of figures and timing, release" end_to_end_release
