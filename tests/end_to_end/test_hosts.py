@@ -111,7 +111,7 @@ class HostTests:
     def test_the_circle_has_the_colour_of_the_memory_state(self):
         wait_until(lambda: self.item.tint() == tint_for(self.tool_tip()[0]), "colour and sentence agree")
 
-    def test_the_tooltip_is_the_verdict_and_the_figures(self):
+    def test_the_tooltip_is_the_status_sentence_and_the_figures(self):
         sentence, figures = self.tool_tip()
         assert tint_for(sentence) is not None, sentence
         assert re.search(rf"\A{DETAIL}\Z", figures)

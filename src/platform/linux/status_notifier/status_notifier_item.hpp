@@ -36,8 +36,8 @@ QImage labelledIcon(const MenuBarLabel& label, int pixels);
 /// The item's title: "Tarn", and the label's text if there is one.
 QString itemTitle(const MenuBarLabel& label);
 
-/// The lines below the verdict in the tooltip, as plain text: the memory figures, then the label's text. May
-/// be empty.
+/// The lines below the status sentence in the tooltip, as plain text: the memory figures, then the label's
+/// text. May be empty.
 QString itemToolTipText(const MenuBarLabel& label);
 
 /// The value of the property IconPixmap: IconPixmaps in each of panelIconSizes.
