@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Declarations of our own, after the public documentation, of what Tarn uses of IOKit's power sources:
-// enough to check types where the framework is not at hand.
+// Declarations of the parts of IOKit's power sources that Tarn uses, written from the public documentation:
+// enough to check types on a system without the framework.
 
 #pragma once
 
