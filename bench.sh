@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# bench.sh [--quick]: builds the release configuration and compares Tarn with other monitors and with lower bounds.
+# bench.sh [--quick]: builds the release configuration and compares Tarn with other monitors and reference programs.
 # Prints one table, writes build/bench/report.json, and exits with an error if a goal (bench/goals.py) is missed. Takes
 # 15 minutes; with --quick less than a minute, with fewer rounds. Installs missing packages.
 set -euo pipefail

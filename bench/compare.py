@@ -61,8 +61,9 @@ def run_microbenchmarks(measured, quick):
 
 
 def sweep_and_floor(processes, rounds):
-    """Returns the number of processes, the cost of a sweep and of the floor (its lower bound) in microseconds, their
-    ratio, and the ratio for a sweep in which every process has run since the last one."""
+    """Returns the number of processes, the cost of a sweep and of the floor (reading every process without
+    parsing) in microseconds, their ratio, and the ratio for a sweep in which every process has run since the last
+    sweep."""
     return [float(number) for number in run(PROGRAMS / "sweep_against_floor", processes, rounds).split()]
 
 

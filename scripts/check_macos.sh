@@ -47,7 +47,7 @@ add_qt_folders() {
   for library in "" /QtCore /QtGui /QtWidgets; do qt_folders+=(-isystem "$headers$library"); done
 }
 
-# compile SOURCE: to an object file named for its path. Qt's headers are those of this Linux system, which have the
+# compile SOURCE: to an object file named after its path. Qt's headers are those of this Linux system, which have the
 # same types. A part of the standard library that macOS 13 lacks is an error.
 compile() {
   "$zig" c++ -target "$target" -std=c++20 -fobjc-arc -O0 -Wall -Wextra -Wpedantic -Wshadow -Wconversion \

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# on_mac.sh run|test [--all]: run.sh and test.sh on a Mac, with Homebrew; --all adds nothing. For bash 3.2, which macOS
-# ships.
+# on_mac.sh run|test [--all]: run.sh and test.sh on a Mac, with Homebrew; --all has no effect. For bash 3.2, which is
+# part of macOS.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

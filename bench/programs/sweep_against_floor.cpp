@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// sweep_against_floor PROCESSES ROUNDS: measures the CPU time of a sweep and of its lower bound ("floor") on
-// a machine with at least PROCESSES processes. The two run alternately; before each run the CPU caches are
-// overwritten. Prints: number of processes, median of the sweeps and of the floors (microseconds), median of
-// their ratio, and median of the ratio for a sweep in which every process has run since the last one.
+// sweep_against_floor PROCESSES ROUNDS: measures the CPU time of a sweep and of reading every process without
+// parsing ("floor") on a machine with at least PROCESSES processes. The two run alternately; before each run
+// the CPU caches are overwritten. Prints: number of processes, median of the sweeps and of the floors
+// (microseconds), median of their ratio, and median of the ratio for a sweep in which every process has run
+// since the last one.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -31,8 +32,8 @@
 
 namespace {
 
-/// The lower bound of the cost of a sweep without a cache: for every process it opens, reads and closes
-/// `stat` and `statm` and reads the CPU clock. It does not parse what it reads.
+/// The lowest cost of a sweep that reads every process: for every process it opens, reads and closes `stat`
+/// and `statm` and reads the CPU clock. It does not parse what it reads.
 class FloorSweep {
  public:
   FloorSweep() : directory_(::opendir("/proc")) {

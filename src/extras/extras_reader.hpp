@@ -17,7 +17,7 @@ namespace tarn {
 struct StorageInfo {
   std::string volumeName;
   std::uint64_t total = 0;      ///< bytes
-  std::uint64_t available = 0;  ///< bytes available for important use
+  std::uint64_t available = 0;  ///< bytes that the user can still store
 
   bool operator==(const StorageInfo&) const = default;
 };

@@ -26,8 +26,10 @@ namespace tarn {
 
 /// Properties of the startup volume. Each may be absent.
 struct VolumeValues {
-  std::optional<std::int64_t> totalCapacity;                       ///< bytes
-  std::optional<std::int64_t> availableCapacityForImportantUsage;  ///< bytes
+  std::optional<std::int64_t> totalCapacity;  ///< bytes
+  /// Bytes that the user can still store. Linux: f_bavail of statvfs. macOS:
+  /// NSURLVolumeAvailableCapacityForImportantUsageKey.
+  std::optional<std::int64_t> availableCapacityForImportantUsage;
   std::optional<std::string> name;
 };
 

@@ -25,7 +25,7 @@ std::string plainPercent(double percent) {
   return {digits.data(), static_cast<std::size_t>(length)};
 }
 
-std::string counted(std::int64_t count, const char* unit) {
+std::string withUnit(std::int64_t count, const char* unit) {
   return std::to_string(count) + ' ' + unit + (count == 1 ? "" : "s");
 }
 
@@ -49,14 +49,14 @@ std::string CPUFormatting::string(double percentOfOneCore, const PercentFormatte
 }
 
 std::string UptimeFormatting::string(double seconds) {
-  const std::int64_t s = wholeSeconds(seconds);
-  const std::int64_t days = s / secondsPerDay;
-  const std::int64_t rest = s - days * secondsPerDay;
+  const std::int64_t total = wholeSeconds(seconds);
+  const std::int64_t days = total / secondsPerDay;
+  const std::int64_t rest = total - days * secondsPerDay;
   const std::int64_t hours = rest / secondsPerHour;
-  if (days >= 1) return counted(days, "day") + ", " + counted(hours, "hour");
+  if (days >= 1) return withUnit(days, "day") + ", " + withUnit(hours, "hour");
 
-  const std::string minutes = std::to_string(s % secondsPerHour / secondsPerMinute) + " min";
-  return rest < secondsPerHour ? minutes : counted(hours, "hour") + ", " + minutes;
+  const std::string minutes = std::to_string(total % secondsPerHour / secondsPerMinute) + " min";
+  return rest < secondsPerHour ? minutes : withUnit(hours, "hour") + ", " + minutes;
 }
 
 }  // namespace tarn

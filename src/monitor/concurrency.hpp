@@ -4,7 +4,7 @@
 // Task queues: threads exchange tasks; each piece of state belongs to one thread. Synchronization here:
 // TaskInbox is one std::atomic list, its receiver sleeps in std::atomic::wait (a futex on Linux); QtRunLoop
 // wakes the main thread by QCoreApplication::postEvent, which locks a mutex inside Qt. Elsewhere: pressure
-// sources and signal handler use std::atomic, the Mac's process reader std::call_once. Our code has no
+// sources and signal handler use std::atomic, the process reader of macOS uses std::call_once. Tarn has no
 // std::mutex and no std::condition_variable.
 
 #pragma once
@@ -28,7 +28,7 @@ class TaskQueue {
   /// Adds a task and returns at once. Any thread.
   virtual void async(Task task) = 0;
 
-  /// Starts a queue that was made inactive: until then it keeps its tasks. No effect on an active queue.
+  /// Starts a queue that was made inactive. An inactive queue keeps its tasks. No effect on an active queue.
   /// Owner's thread.
   virtual void activate() {}
 };
@@ -45,9 +45,9 @@ class RepeatingTimer {
 /// The main thread's run loop: a task queue (`async`, from any thread) and timers (main thread).
 class RunLoop : public TaskQueue {
  public:
-  /// Returns a timer that calls `block` on the main thread every `interval` seconds, for the first time one
-  /// interval from now, also while a menu or popover is open.
-  virtual std::unique_ptr<RepeatingTimer> repeatingTimer(double interval, std::function<void()> block) = 0;
+  /// Returns a timer that calls `action` on the main thread every `interval` seconds. The first call is one
+  /// interval from now. The timer also fires while a menu or the popover is open.
+  virtual std::unique_ptr<RepeatingTimer> repeatingTimer(double interval, std::function<void()> action) = 0;
 };
 
 /// Sleeps half a second: the time between two attempts of `post`.
@@ -70,7 +70,7 @@ void post(TaskQueue& queue, const Work& work, const std::function<void()>& sleep
   }
 }
 
-/// Tasks on their way from any thread to the one that runs them. Lock-free: senders push onto an atomic list
+/// Tasks that any thread adds and one thread, the receiver, runs. Lock-free: senders push onto an atomic list
 /// (release), the receiver takes the whole list at once (acquire), so a task sees everything that its sender
 /// wrote before the push. Tasks that never run are destroyed with the inbox.
 class TaskInbox {

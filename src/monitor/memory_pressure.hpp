@@ -23,8 +23,8 @@ MemoryPressure memoryPressureFromFlags(PressureFlags flags);
 
 /// The system's notifications of memory pressure.
 ///
-/// Order of calls: construct, `resume` once, destroy. The destructor ends what the source runs on the queue;
-/// once it returns the handler is not called again.
+/// Order of calls: construct, `resume` once, destroy. The destructor ends the task that the source runs on
+/// the queue. The handler is not called after the destructor has returned.
 class PressureSource {
  public:
   using Handler = std::function<void(PressureFlags)>;
@@ -32,8 +32,8 @@ class PressureSource {
   virtual ~PressureSource() = default;
 
   /// Starts delivering. The handler runs on `queue`, for every report of the system, also when the level is
-  /// the same as before. The queue serves this source alone and outlives it; the source may occupy it until
-  /// it is destroyed. The queue is active when the source is destroyed.
+  /// the same as before. Only this source uses the queue, and a task of the source may run until the source
+  /// is destroyed. The queue outlives the source and is active when the source is destroyed.
   virtual void resume(TaskQueue& queue, Handler handler) = 0;
 };
 
@@ -43,12 +43,12 @@ class MemoryPressureMonitor {
  public:
   using Handler = std::function<void(MemoryPressure)>;
 
-  /// `queue` serves this monitor alone and may be inactive; `mainLoop` outlives the monitor. `onChange` runs
+  /// Only this monitor uses `queue`, which may be inactive. `mainLoop` outlives the monitor. `onChange` runs
   /// on the main thread, and not after the monitor is destroyed.
   MemoryPressureMonitor(std::unique_ptr<PressureSource> source, std::unique_ptr<TaskQueue> queue,
                         RunLoop& mainLoop, Handler onChange);
 
-  /// Activates the queue first: the source may wait for its tasks.
+  /// Activates the queue first: the source's destructor may wait for its task on the queue.
   ~MemoryPressureMonitor();
 
   MemoryPressureMonitor(const MemoryPressureMonitor&) = delete;
@@ -59,7 +59,7 @@ class MemoryPressureMonitor {
 
  private:
   std::unique_ptr<TaskQueue> queue_;        ///< "com.tarn.pressure"; outlives the source, which runs on it
-  std::unique_ptr<PressureSource> source_;  ///< its destructor cancels
+  std::unique_ptr<PressureSource> source_;  ///< its destructor ends its task
   std::shared_ptr<Handler> onChange_;       ///< posted tasks hold it weakly
 };
 

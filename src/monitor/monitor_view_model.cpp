@@ -126,10 +126,10 @@ void MonitorViewModel::pressureChanged(MemoryPressure level) {
   refresh();
 }
 
-void MonitorViewModel::updateFrontmost(const MemorySnapshot& with) {
+void MonitorViewModel::updateFrontmost(const MemorySnapshot& snapshot) {
   std::optional<std::uint64_t> footprint;
   if (const auto application = frontmostApplication_()) {
-    if (const AppGroup* group = groupOf(*application, with)) footprint = group->footprint;
+    if (const AppGroup* group = groupOf(*application, snapshot)) footprint = group->footprint;
   }
   publish(frontmostFootprint_, footprint);
 }

@@ -18,14 +18,14 @@
 
 namespace tarn {
 
-/// What the view model needs from its surroundings.
+/// The functions and objects that the view model uses.
 struct MonitorPorts {
   RunLoop& mainLoop;  ///< outlives the view model
   /// Makes a serial queue, active or inactive; `label` is the name of its thread.
   std::function<std::unique_ptr<TaskQueue>(const std::string& label)> makeQueue;
   SamplerPort sampler;
   ExtrasPort extras;
-  /// Returns the present pressure level as the kernel's own number; nullopt when it cannot be read.
+  /// Returns the current pressure level as a raw MemoryPressure value; nullopt when it cannot be read.
   std::function<std::optional<std::int32_t>()> pressureLevel;
   std::unique_ptr<PressureSource> pressureSource;
   FrontmostApplicationSource frontmostApplication;
@@ -38,7 +38,7 @@ struct MonitorPorts {
 /// published; timer and pressure events do not. When there is no memory for a sweep it publishes nothing.
 class MonitorViewModel final : public QObject, public std::enable_shared_from_this<MonitorViewModel> {
   Q_OBJECT
-  struct Token {};  // so that only `create` can construct
+  struct Token {};  // only `create` can call the constructor
 
  public:
   /// Reads the pressure level, listens for its changes, schedules the timer and requests the first sweep.
@@ -46,7 +46,7 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
 
   MonitorViewModel(Token token, MonitorPorts ports);
 
-  // Published values. Absent until first known.
+  // Published values. An optional one is nullopt until its first value is known.
   const std::optional<MemorySnapshot>& snapshot() const { return snapshot_; }
   MemoryPressure pressure() const { return pressure_; }
   std::optional<std::uint64_t> frontmostFootprint() const { return frontmostFootprint_; }  ///< bytes
@@ -57,10 +57,10 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
   StatusPresentation presentation() const;
   CPUPresentation cpuPresentation() const;
 
-  /// Activates the queues that `makeQueue` made; idempotent. A sweep costs as much as the start of the
-  /// program, so the first one, and the watch for pressure, can be kept back until the user sees something.
-  /// With inactive queues the first sweep holds its reference until then: call this before the last other
-  /// reference is released.
+  /// Activates the queues that `makeQueue` made; idempotent. The first sweep costs as much as the start of
+  /// the program. Inactive queues delay it, and the watch for pressure, until the caller has shown the item.
+  /// They also keep the reference of the first sweep. So call this before the last other reference is
+  /// released, else the view model is never destroyed.
   void startSweeping();
 
   /// The popover was shown: sweeps now and every 3 seconds, with extras. Includes `startSweeping`.
@@ -88,7 +88,7 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
   void pressureChanged(MemoryPressure level);
   void perform(Sweep& sweep);      ///< on the sample queue
   void finishSweep(Sweep& sweep);  ///< on the main thread
-  void updateFrontmost(const MemorySnapshot& with);
+  void updateFrontmost(const MemorySnapshot& snapshot);
 
   template <typename Value>
   void publish(Value& field, Value value) {
@@ -111,8 +111,8 @@ class MonitorViewModel final : public QObject, public std::enable_shared_from_th
   std::function<int()> activeProcessorCount_;
 
   MemorySampler sampler_;                   ///< used on the sample queue only
-  ExtrasReader extrasReader_;               ///< likewise
-  std::unique_ptr<TaskQueue> sampleQueue_;  ///< destroyed before what its tasks use
+  ExtrasReader extrasReader_;               ///< used on the sample queue only
+  std::unique_ptr<TaskQueue> sampleQueue_;  ///< destroyed before the members that its tasks use
   std::unique_ptr<MemoryPressureMonitor> pressureMonitor_;
   std::unique_ptr<RepeatingTimer> timer_;
   bool sampling_ = false;  ///< from a request until its results are published

@@ -9,7 +9,7 @@ namespace tarn {
 
 namespace {
 
-// Lower bounds, inclusive, of the load for each status sentence.
+// Lower bounds, inclusive, of the load for each sentence.
 constexpr double lightWork = 0.15;
 constexpr double hardWork = 0.5;
 constexpr double flatOut = 0.85;

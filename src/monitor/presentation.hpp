@@ -17,10 +17,10 @@ namespace tarn {
 /// Colors with a meaning. The UI decides the shade of each.
 enum class Tint { green, orange, red, secondary };
 
-/// What a memory state shows wherever it is shown.
+/// How a memory state is shown in the menu bar and in the popover.
 struct StatusAppearance {
   std::string symbolName;         ///< of the circle in the menu bar
-  Tint tint = Tint::green;        ///< of the circle and of the status sentence's symbol
+  Tint tint = Tint::green;        ///< of the circle and of the popover's status symbol
   std::string accessibilityText;  ///< text alternative of the circle
   std::string sentence;           ///< the popover's status sentence
 };
@@ -35,7 +35,7 @@ struct StatusPresentation {
   bool operator==(const StatusPresentation&) const = default;
 };
 
-/// The processor state, reduced to what decides its status sentence.
+/// The processor state, reduced to what decides its sentence and tint.
 struct CPUPresentation {
   double totalPercent = 0;  ///< sum over all groups, percent of one core
   int coreCount = 0;        ///< active cores
@@ -43,10 +43,10 @@ struct CPUPresentation {
   /// Returns the fraction of the machine in use: 1.0 when every core is busy. nullopt without cores.
   std::optional<double> load() const;
 
-  /// Returns the status sentence.
+  /// Returns the status sentence of the CPU tab.
   std::string sentence() const;
 
-  /// Returns orange when the status sentence is "running flat out", else secondary.
+  /// Returns orange when the sentence says "running flat out", else secondary.
   Tint tint() const;
 
   bool operator==(const CPUPresentation&) const = default;

@@ -16,13 +16,13 @@ namespace {
 
 class QtRepeatingTimer final : public RepeatingTimer {
  public:
-  QtRepeatingTimer(double interval, std::function<void()> block) {
+  QtRepeatingTimer(double interval, std::function<void()> action) {
     // Coarse timers may be 5 % off to save wake-ups. At intervals of 3 seconds and more a precise timer costs
     // as many wake-ups.
     timer_.setTimerType(Qt::PreciseTimer);
     timer_.setInterval(
         std::chrono::round<std::chrono::milliseconds>(std::chrono::duration<double>(interval)));
-    timer_.callOnTimeout(std::move(block));
+    timer_.callOnTimeout(std::move(action));
     timer_.start();
   }
 
@@ -41,8 +41,8 @@ void QtRunLoop::async(Task task) {
   QCoreApplication::postEvent(this, event.release());
 }
 
-std::unique_ptr<RepeatingTimer> QtRunLoop::repeatingTimer(double interval, std::function<void()> block) {
-  return std::make_unique<QtRepeatingTimer>(interval, std::move(block));
+std::unique_ptr<RepeatingTimer> QtRunLoop::repeatingTimer(double interval, std::function<void()> action) {
+  return std::make_unique<QtRepeatingTimer>(interval, std::move(action));
 }
 
 void QtRunLoop::customEvent(QEvent* /*event*/) {

@@ -14,13 +14,13 @@ namespace tarn {
 class QtRunLoop final : public QObject, public RunLoop {
  public:
   void async(Task task) override;
-  std::unique_ptr<RepeatingTimer> repeatingTimer(double interval, std::function<void()> block) override;
+  std::unique_ptr<RepeatingTimer> repeatingTimer(double interval, std::function<void()> action) override;
 
  protected:
   void customEvent(QEvent* event) override;
 
  private:
-  // Tasks are here and not in the events, so that our own atomic orders the sender's writes before the task:
+  // Tasks are here and not in the events, so that TaskInbox orders the sender's writes before the task:
   // ThreadSanitizer cannot see the mutex inside Qt.
   TaskInbox inbox_;
 };

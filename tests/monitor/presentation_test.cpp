@@ -63,7 +63,7 @@ std::string sentence(double totalPercent, int coreCount) {
   return CPUPresentation{totalPercent, coreCount}.sentence();
 }
 
-TEST(CPUSentence, IncludesTheLowerBoundOfEachVerdict) {
+TEST(CPUSentence, IncludesTheLowerBoundOfItsLoad) {
   EXPECT_EQ(sentence(120, 8), light);
   EXPECT_EQ(sentence(400, 8), hard);
   EXPECT_EQ(sentence(680, 8), flatOut);
@@ -73,7 +73,7 @@ TEST(CPUSentence, IncludesTheLowerBoundOfEachVerdict) {
   EXPECT_EQ(sentence(340, 4), flatOut);
 }
 
-TEST(CPUSentence, ExcludesTheUpperBoundOfEachVerdict) {
+TEST(CPUSentence, ExcludesTheUpperBoundOfItsLoad) {
   EXPECT_EQ(sentence(119.9, 8), idle);
   EXPECT_EQ(sentence(399.9, 8), light);
   EXPECT_EQ(sentence(679.9, 8), hard);
@@ -82,7 +82,7 @@ TEST(CPUSentence, ExcludesTheUpperBoundOfEachVerdict) {
   EXPECT_EQ(sentence(84.999, 1), hard);
 }
 
-TEST(CPUSentence, IsFlatOutFromEveryCoreBusyUp) {
+TEST(CPUSentence, IsFlatOutAtFullLoadAndAbove) {
   EXPECT_EQ(sentence(799.9, 8), flatOut);
   EXPECT_EQ(sentence(800, 8), flatOut);
   EXPECT_EQ(sentence(1200, 8), flatOut);
@@ -156,7 +156,7 @@ TEST(GroupOf, ReturnsTheFirstGroupWithTheProcessWhenNoPathMatches) {
   EXPECT_EQ(idOfGroup({.bundlePath = "/opt/Z.app", .processIdentifier = 7}, snapshot), "b");
 }
 
-TEST(GroupOf, IgnoresPartsOfPathsAndIds) {
+TEST(GroupOf, DoesNotMatchPartsOfPathsOrIds) {
   const MemorySnapshot snapshot{
       .groups = {group("/opt/A.app", std::nullopt, {1}), group("b", "/opt/A.app/", {2})}};
   EXPECT_EQ(idOfGroup({.bundlePath = "/opt/A.app", .processIdentifier = 3}, snapshot), "none");

@@ -29,7 +29,7 @@ struct Published {
   bool operator==(const Published&) const = default;
 };
 
-/// A view model over a fake machine. The test steps queues, run loop and time.
+/// A view model of a fake machine. Tasks run, and time advances, only when the test requests it.
 class ViewModelTest : public ::testing::Test {
  protected:
   ViewModelTest() {
@@ -82,7 +82,7 @@ class ViewModelTest : public ::testing::Test {
   }
 
   /// Advances the time and delivers the timer's ticks.
-  void pass(double seconds) {
+  void advanceTime(double seconds) {
     mainLoop_.advance(seconds);
     mainTasks().runAll();
   }
@@ -102,7 +102,7 @@ class ViewModelTest : public ::testing::Test {
     return now;
   }
 
-  /// Returns the published values at each `willChange` from here on.
+  /// Records the published values at each later `willChange`. Returns the list of the records.
   std::vector<Published>& observe() {
     QObject::connect(model_.get(), &MonitorViewModel::willChange, model_.get(),
                      [this] { observed_.push_back(published()); });

@@ -39,9 +39,9 @@ TEST_F(ViewModelLifetime, IsNotExtendedByPostedTicksAndPressure) {
 
 TEST_F(ViewModelLifetime, MakesALateTimerTickDoNothing) {
   startAndSettle();
-  const auto block = mainLoop_.timers[0]->block;
+  const auto action = mainLoop_.timers[0]->action;
   EXPECT_TRUE(release().expired());
-  block();
+  action();
   mainTasks().runAll();
   EXPECT_EQ(sweeps().waiting(), 0U);
 }

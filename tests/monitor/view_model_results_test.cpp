@@ -22,7 +22,7 @@ TEST_F(ViewModelTest, ReadsExtrasOnItsQueueAfterTheSweep) {
   EXPECT_THAT(machine_.calls, IsEmpty());
   sweeps().runAll();
   ASSERT_FALSE(machine_.calls.empty());
-  // After the system memory was read; the thermal state is read with the other extras.
+  // The extras, including the thermal state, are read after the system memory.
   const auto memory = std::find(machine_.calls.begin(), machine_.calls.end(), "memory");
   EXPECT_THAT(std::vector(memory, machine_.calls.end()),
               ElementsAre("memory", "extras rootVolume", "extras powerSources", "extras temperatures",
@@ -41,7 +41,7 @@ TEST_F(ViewModelTest, ReadsNoExtrasInASweepRequestedBeforeThePopoverOpened) {
   EXPECT_TRUE(model_->snapshot());
   EXPECT_EQ(model_->extras(), std::nullopt);
   EXPECT_EQ(sweeps().waiting(), 0U);
-  pass(3);
+  advanceTime(3);
   finishSweep();
   EXPECT_EQ(model_->extras(), SystemExtras{.uptime = 1});
 }
@@ -61,7 +61,7 @@ TEST_F(ViewModelTest, KeepsTheLastExtrasWhileThePopoverIsClosed) {
   model_->popoverClosed();
   extras_.uptime = 2;
   extras_.thermalState = ThermalState::critical;
-  pass(30);
+  advanceTime(30);
   finishSweep();
   EXPECT_EQ(model_->extras()->uptime, 1);
   EXPECT_EQ(model_->thermalState(), ThermalState::fair);
@@ -84,7 +84,7 @@ TEST_F(ViewModelTest, FindsAFrontmostApplicationWithoutBundlePathByItsProcess) {
   startAndSettle();
   EXPECT_EQ(model_->frontmostFootprint(), 50U);
   frontmost_ = FrontmostApplication{.processIdentifier = 11};
-  pass(30);
+  advanceTime(30);
   finishSweep();
   EXPECT_EQ(model_->frontmostFootprint(), 900U) << "of the group, not of the process";
 }
@@ -93,7 +93,7 @@ TEST_F(ViewModelTest, HasNoFrontmostFootprintWhenTheApplicationIsNotInTheSnapsho
   frontmost_ = FrontmostApplication{.bundlePath = "/opt/A.app"};
   startAndSettle();
   frontmost_ = FrontmostApplication{.bundlePath = "/opt/Z.app", .processIdentifier = 99};
-  pass(30);
+  advanceTime(30);
   finishSweep();
   EXPECT_EQ(model_->frontmostFootprint(), std::nullopt);
 }
@@ -103,7 +103,7 @@ TEST_F(ViewModelTest, HasNoFrontmostFootprintWithoutAFrontmostApplication) {
   startAndSettle();
   EXPECT_EQ(model_->frontmostFootprint(), 900U);
   frontmost_.reset();
-  pass(30);
+  advanceTime(30);
   finishSweep();
   EXPECT_EQ(model_->frontmostFootprint(), std::nullopt);
 }
@@ -119,17 +119,17 @@ TEST_F(ViewModelTest, ReadsTheFrontmostApplicationWhenItPublishes) {
 class ViewModelOutOfMemory : public ViewModelTest {
  protected:
   ViewModelOutOfMemory() {
-    MonitorPorts lean = ports();
-    lean.sampler.uptime = [this, uptime = std::move(lean.sampler.uptime)] {
+    MonitorPorts failingPorts = ports();
+    failingPorts.sampler.uptime = [this, uptime = std::move(failingPorts.sampler.uptime)] {
       if (failsSweeps_) throw std::bad_alloc();
       return uptime();
     };
-    lean.extras.temperatures = [this]() -> std::vector<double> {
+    failingPorts.extras.temperatures = [this]() -> std::vector<double> {
       if (failsExtras_) throw std::bad_alloc();
       return {};
     };
     machine_.memory.swapUsed = 7;
-    model_ = MonitorViewModel::create(std::move(lean));
+    model_ = MonitorViewModel::create(std::move(failingPorts));
   }
 
   bool failsSweeps_ = false;
@@ -142,8 +142,8 @@ TEST_F(ViewModelOutOfMemory, KeepsPublishedValuesAndSweepsAtTheNextTick) {
   failsSweeps_ = true;
   machine_.memory.swapUsed = 8;
   for (int sweep = 0; sweep < 3; ++sweep) {
-    pass(30);
-    EXPECT_EQ(sweeps().waiting(), 1U) << "the last one has ended";
+    advanceTime(30);
+    EXPECT_EQ(sweeps().waiting(), 1U) << "the previous sweep has ended";
     finishSweep();
   }
   EXPECT_THAT(observed, IsEmpty());
@@ -151,7 +151,7 @@ TEST_F(ViewModelOutOfMemory, KeepsPublishedValuesAndSweepsAtTheNextTick) {
   EXPECT_EQ(model_->snapshot()->system.swapUsed, 7U);
 
   failsSweeps_ = false;
-  pass(30);
+  advanceTime(30);
   finishSweep();
   EXPECT_EQ(model_->snapshot()->system.swapUsed, 8U);
 }
@@ -175,7 +175,7 @@ TEST_F(ViewModelOutOfMemory, PublishesNothingWhenReadingExtrasFails) {
   finishSweep();
   EXPECT_THAT(observed, IsEmpty());
   failsExtras_ = false;
-  pass(3);
+  advanceTime(3);
   finishSweep();
   EXPECT_EQ(model_->snapshot()->system.swapUsed, 8U);
   EXPECT_TRUE(model_->extras());

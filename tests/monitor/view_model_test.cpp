@@ -57,14 +57,14 @@ TEST_F(ViewModelTest, SweepsEveryThirtySecondsFromOneIntervalOn) {
   startAndSettle();
   ASSERT_EQ(mainLoop_.timers.size(), 1U);
   EXPECT_EQ(mainLoop_.timers[0]->interval, 30.0);
-  pass(29.9);
+  advanceTime(29.9);
   EXPECT_EQ(sweeps().waiting(), 0U);
-  pass(0.1);
+  advanceTime(0.1);
   EXPECT_EQ(sweeps().waiting(), 1U);
   finishSweep();
-  pass(29.9);
+  advanceTime(29.9);
   EXPECT_EQ(sweeps().waiting(), 0U);
-  pass(0.1);
+  advanceTime(0.1);
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
@@ -79,7 +79,7 @@ TEST_F(ViewModelTest, PostsATimerTickToTheMainThread) {
 
 TEST_F(ViewModelTest, DropsATickWhileASweepIsInFlight) {
   start();
-  pass(30);
+  advanceTime(30);
   EXPECT_EQ(sweeps().waiting(), 1U) << "only the first sweep";
   sweeps().runAll();
   mainLoop_.advance(30);
@@ -99,13 +99,13 @@ TEST_F(ViewModelTest, DropsATickWhileASweepIsInFlight) {
 TEST_F(ViewModelTest, NeverQueuesASecondSweep) {
   start();
   const auto& observed = observe();
-  pass(300);
+  advanceTime(300);
   EXPECT_EQ(sweeps().waiting(), 1U);
   EXPECT_THAT(observed, IsEmpty());
   finishSweep();
   EXPECT_EQ(sweeps().waiting(), 0U) << "no backlog";
   EXPECT_EQ(machine_.callsOf("allPIDs"), 1);
-  pass(30);
+  advanceTime(30);
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
@@ -117,7 +117,7 @@ TEST_F(ViewModelTest, KeepsItsIntervalWhenTheClockJumps) {
     machine_.uptime = uptime;
     extras_.uptime = uptime;
     machine_.process(20).usage->cpuTime += 1'000'000'000;
-    pass(3);
+    advanceTime(3);
     EXPECT_EQ(sweeps().waiting(), 1U);
     finishSweep();
     EXPECT_EQ(sweeps().waiting(), 0U) << "no sweep is made up for";
@@ -151,7 +151,7 @@ TEST_F(ViewModelTest, EmitsWillChangeBeforeEachChangeInAFixedOrder) {
 TEST_F(ViewModelTest, EmitsWillChangeForEqualValuesToo) {
   startAndSettle();
   const auto& observed = observe();
-  pass(30);
+  advanceTime(30);
   finishSweep();
   EXPECT_EQ(observed.size(), 2U) << "snapshot and frontmost footprint";
 }
@@ -180,9 +180,9 @@ TEST_F(ViewModelTest, SweepsAtOnceAndEveryThreeSecondsWhenThePopoverOpens) {
   EXPECT_EQ(mainLoop_.timers[1]->interval, 3.0);
   finishSweep();
   for (int tick = 0; tick < 3; ++tick) {
-    pass(2.9);
+    advanceTime(2.9);
     EXPECT_EQ(sweeps().waiting(), 0U);
-    pass(0.1);
+    advanceTime(0.1);
     EXPECT_EQ(sweeps().waiting(), 1U);
     finishSweep();
   }
@@ -198,9 +198,9 @@ TEST_F(ViewModelTest, ReturnsToThirtySecondsWithoutASweepWhenThePopoverCloses) {
   EXPECT_EQ(mainLoop_.validTimers(), 1);
   EXPECT_TRUE(mainLoop_.timers[2]->valid);
   EXPECT_EQ(mainLoop_.timers[2]->interval, 30.0);
-  pass(29.9);
+  advanceTime(29.9);
   EXPECT_EQ(sweeps().waiting(), 0U);
-  pass(0.1);
+  advanceTime(0.1);
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
@@ -272,7 +272,7 @@ TEST_F(ViewModelTest, PresentsTheSharesOfAllGroupsAndReadsTheCoreCountEachTime) 
   machine_.process(10).usage->cpuTime = 3'000'000'000;
   machine_.process(20).usage->cpuTime = 1'500'000'000;
   machine_.uptime = 1003;
-  pass(30);
+  advanceTime(30);
   finishSweep();
   EXPECT_EQ(model_->cpuPresentation().coreCount, 8);
   EXPECT_DOUBLE_EQ(model_->cpuPresentation().totalPercent, 60) << "two fifths of 150";

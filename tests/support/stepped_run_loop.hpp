@@ -77,7 +77,7 @@ class SteppedQueues {
 struct SteppedTimer {
   double interval = 0;  ///< seconds
   double nextFire = 0;  ///< seconds on the clock of the run loop
-  std::function<void()> block;
+  std::function<void()> action;
   bool valid = true;
 };
 
@@ -89,9 +89,9 @@ class SteppedRunLoop final : public RunLoop {
 
   void async(Task task) override { tasks.push(std::move(task)); }
 
-  std::unique_ptr<RepeatingTimer> repeatingTimer(double interval, std::function<void()> block) override {
+  std::unique_ptr<RepeatingTimer> repeatingTimer(double interval, std::function<void()> action) override {
     timers.push_back(
-        std::make_shared<SteppedTimer>(SteppedTimer{interval, now_ + interval, std::move(block)}));
+        std::make_shared<SteppedTimer>(SteppedTimer{interval, now_ + interval, std::move(action)}));
     return std::make_unique<Handle>(timers.back());
   }
 
@@ -102,7 +102,7 @@ class SteppedRunLoop final : public RunLoop {
     for (auto next = nextTimer(); next && next->nextFire <= end; next = nextTimer()) {
       now_ = next->nextFire;
       next->nextFire += next->interval;
-      next->block();
+      next->action();
     }
     now_ = end;
   }

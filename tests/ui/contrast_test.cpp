@@ -25,13 +25,14 @@ namespace {
 constexpr double textContrast = 4.5;     ///< WCAG 2 level AA for text
 constexpr double minimumContrast = 3.0;  ///< for glyphs, rings, boxes and tertiary text
 
+// Colours of a light and of a dark desktop panel.
 constexpr QRgb lightBar = 0xf3f3f4;
 constexpr QRgb darkBar = 0x1f1f22;
 
-struct Line {
+struct TableRow {
   std::string what;
-  double least = 0;
-  std::map<bool, double> ratios;  ///< the lowest, by whether the theme is dark
+  double minimum = 0;
+  std::map<bool, double> ratios;  ///< the lowest ratio; key: whether the theme is dark
 };
 
 class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
@@ -39,9 +40,9 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
   static void TearDownTestSuite() {
     if (!qEnvironmentVariableIsSet("TARN_PRINT_CONTRAST")) return;
     std::printf("| what | at least | light | dark |\n|---|---:|---:|---:|\n");
-    for (Line& line : lines) {
-      std::printf("| %s | %.1f | %.2f | %.2f |\n", line.what.c_str(), line.least, line.ratios[false],
-                  line.ratios[true]);
+    for (TableRow& row : table) {
+      std::printf("| %s | %.1f | %.2f | %.2f |\n", row.what.c_str(), row.minimum, row.ratios[false],
+                  row.ratios[true]);
     }
   }
 
@@ -57,12 +58,13 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
     PopoverFixture::settle();
   }
 
-  void expectAtLeast(double least, double ratio, const std::string& what) {
-    EXPECT_GE(ratio, least) << what;
-    auto line = std::find_if(lines.begin(), lines.end(), [&](const Line& one) { return one.what == what; });
-    if (line == lines.end()) line = lines.insert(line, {what, least, {}});
-    const auto known = line->ratios.try_emplace(isDark_, ratio).first;
-    known->second = std::min(known->second, ratio);
+  void expectAtLeast(double minimum, double ratio, const std::string& what) {
+    EXPECT_GE(ratio, minimum) << what;
+    auto row =
+        std::find_if(table.begin(), table.end(), [&](const TableRow& other) { return other.what == what; });
+    if (row == table.end()) row = table.insert(row, {what, minimum, {}});
+    const auto lowest = row->ratios.try_emplace(isDark_, ratio).first;
+    lowest->second = std::min(lowest->second, ratio);
   }
 
   QRect frame(const QWidget& widget) { return frameIn(*view_, widget); }
@@ -77,7 +79,7 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
       if (label->text().trimmed().isEmpty()) continue;
       SCOPED_TRACE(label->text().toStdString());
       const bool isTertiary = label->foregroundRole() == paletteRole(TextStyle::tertiary);
-      const QRect text = frame(*label).adjusted(0, 2, 0, -2);  // without the ring of a row
+      const QRect text = frame(*label).adjusted(0, 2, 0, -2);  // without the row's focus ring
       expectAtLeast(isTertiary ? minimumContrast : textContrast, foregroundContrast(imageOf(text)),
                     styles.at(label->foregroundRole()) + where);
     }
@@ -99,10 +101,11 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
     expectAtLeast(textContrast, foregroundContrast(imageOf(inside)), what);
   }
 
-  /// The left side of the ring is within `width` points from `start`, which is relative to the control.
+  /// Expects the left side of the focus ring in a strip that is `width` points wide and begins `start` points
+  /// from the control's left edge.
   void expectRing(const QWidget& control, int start, int width, const std::string& what) {
-    const QRect around = frame(control);
-    const QRect strip(around.left() + start, around.center().y() - 2, width, 4);
+    const QRect bounds = frame(control);
+    const QRect strip(bounds.left() + start, bounds.center().y() - 2, width, 4);
     expectAtLeast(minimumContrast, contrastWithNeighbors(imageOf(strip), GetParam()->focusRing), what);
   }
 
@@ -117,10 +120,10 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
   const bool isDark_ = GetParam() == &Theme::dark();
 
  private:
-  inline static std::vector<Line> lines;
+  inline static std::vector<TableRow> table;
 };
 
-TEST_P(PaintedContrast, SufficesForTheTextsOfEveryTab) {
+TEST_P(PaintedContrast, IsSufficientForTheTextsOfEveryTab) {
   click(*rowNamed(*view_, "Editor")->button());
   expectTexts(*view_, "");
   selectTab(*view_, "CPU");
@@ -131,7 +134,7 @@ TEST_P(PaintedContrast, SufficesForTheTextsOfEveryTab) {
   expectTexts(*view_, "");
 }
 
-TEST_P(PaintedContrast, SufficesForTheStatusGlyphInEveryTint) {
+TEST_P(PaintedContrast, IsSufficientForTheStatusGlyphInEveryTint) {
   auto* glyph = view_->findChild<GlyphView*>();
   const std::vector<std::pair<Tint, std::string>> tints{
       {Tint::green, "green"}, {Tint::orange, "orange"}, {Tint::red, "red"}, {Tint::secondary, "grey"}};
@@ -141,7 +144,7 @@ TEST_P(PaintedContrast, SufficesForTheStatusGlyphInEveryTint) {
   }
 }
 
-TEST_P(PaintedContrast, SufficesOnRowsInEveryState) {
+TEST_P(PaintedContrast, IsSufficientOnRowsInEveryState) {
   for (AppRow* row : shownRows(*view_)) {
     AppRowButton* button = row->button();
     expectGlyphs(*button, "");
@@ -165,7 +168,7 @@ TEST_P(PaintedContrast, SufficesOnRowsInEveryState) {
   }
 }
 
-TEST_P(PaintedContrast, SufficesOnTabsInEveryState) {
+TEST_P(PaintedContrast, IsSufficientOnTabsInEveryState) {
   const auto segments = view_->findChildren<TabSegment*>();
   expectControl(*segments[0], "selected tab");
   expectControl(*segments[1], "another tab");
@@ -176,7 +179,7 @@ TEST_P(PaintedContrast, SufficesOnTabsInEveryState) {
   expectRing(*segments[0], -2, 8, "focus ring of the selected tab");
 }
 
-TEST_P(PaintedContrast, SufficesOnTheCheckboxInEveryState) {
+TEST_P(PaintedContrast, IsSufficientOnTheCheckboxInEveryState) {
   auto* toggle = view_->findChild<CheckBox*>();
   const QRect all = frame(*toggle);
   const QRect box(all.left(), all.center().y() - 6, 14, 14);
@@ -196,7 +199,7 @@ TEST_P(PaintedContrast, SufficesOnTheCheckboxInEveryState) {
   expectRing(*toggle, 14, 6, "focus ring of the checkbox");
 }
 
-TEST_P(PaintedContrast, SufficesOnQuitInEveryState) {
+TEST_P(PaintedContrast, IsSufficientOnTheQuitButtonInEveryState) {
   auto* quit = view_->findChild<PillButton*>();
   expectControl(*quit, "Quit");
   focus(*quit);
@@ -206,7 +209,7 @@ TEST_P(PaintedContrast, SufficesOnQuitInEveryState) {
   expectRing(*quit, -3, 8, "focus ring of Quit, pressed");
 }
 
-TEST_P(PaintedContrast, SufficesOnTheLinkInEveryState) {
+TEST_P(PaintedContrast, IsSufficientOnTheLinkInEveryState) {
   auto* link = view_->findChild<LinkButton*>();
   expectAtLeast(textContrast, foregroundContrast(imageOf(frame(*link))), "link");
   link->setAttribute(Qt::WA_UnderMouse);
@@ -217,7 +220,7 @@ TEST_P(PaintedContrast, SufficesOnTheLinkInEveryState) {
                 "focus line of the link");
 }
 
-TEST_P(PaintedContrast, SufficesForTheCircleInAPanel) {
+TEST_P(PaintedContrast, IsSufficientForTheCircleInAPanel) {
   const std::vector<std::pair<Tint, std::string>> tints{
       {Tint::green, "green"}, {Tint::orange, "orange"}, {Tint::red, "red"}};
   for (const auto& [tint, name] : tints) {
@@ -232,8 +235,8 @@ TEST_P(PaintedContrast, SufficesForTheCircleInAPanel) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Themes, PaintedContrast, ::testing::Values(&Theme::light(), &Theme::dark()),
-                         [](const auto& run) {
-                           return run.param == &Theme::dark() ? std::string("Dark") : std::string("Light");
+                         [](const auto& test) {
+                           return test.param == &Theme::dark() ? std::string("Dark") : std::string("Light");
                          });
 
 }  // namespace

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Positions, sizes, fonts and colours in the popover.
+// Positions, sizes, fonts and colours in the popover. It is 320 points wide and has a padding of 14, so its
+// content is 292 wide: from x = 14 to x = 305, both included.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +21,7 @@ namespace {
 
 constexpr auto editorRow = "Editor";
 
-/// Two applications with several processes, one with one, and a process without a bundle.
+/// Two applications with several processes, an application with one process, and a process without a bundle.
 void addUsualApplications(PopoverFixture& fixture) {
   fixture.add({"Editor.app", 100, {400 * megabyte, 100 * megabyte, 11 * megabyte}});
   fixture.add({"Mail.app", 200, {300 * megabyte, 5 * megabyte}});
@@ -43,13 +44,13 @@ struct ExpectedText {
   TextStyle style;
 };
 
-void expectText(const QWidget& view, const Theme& theme, const ExpectedText& look) {
-  SCOPED_TRACE(look.text.toStdString());
-  const QLabel* label = labelWithText(view, look.text);
+void expectText(const QWidget& view, const Theme& theme, const ExpectedText& expected) {
+  SCOPED_TRACE(expected.text.toStdString());
+  const QLabel* label = labelWithText(view, expected.text);
   ASSERT_NE(label, nullptr);
-  EXPECT_EQ(label->font().pixelSize(), look.size);
-  EXPECT_EQ(label->font().weight(), look.weight);
-  EXPECT_EQ(label->palette().color(label->foregroundRole()), theme.color(look.style));
+  EXPECT_EQ(label->font().pixelSize(), expected.size);
+  EXPECT_EQ(label->font().weight(), expected.weight);
+  EXPECT_EQ(label->palette().color(label->foregroundRole()), theme.color(expected.style));
   EXPECT_EQ(label->textFormat(), Qt::PlainText);
 }
 
@@ -216,7 +217,7 @@ TEST(PopoverLayout, SetsEveryTextInItsFontAndStyleInBothThemes) {
     fixture.sweep();
     PopoverView& view = fixture.showView(*theme);
     click(*rowNamed(view, editorRow)->button());
-    for (const ExpectedText& look : std::vector<ExpectedText>{
+    for (const ExpectedText& expected : std::vector<ExpectedText>{
              {"Your Mac has memory to spare.", 13, QFont::Medium, TextStyle::primary},
              {"Editor", 12, QFont::Medium, TextStyle::primary},
              {"3 background processes", 10, QFont::Normal, TextStyle::secondary},
@@ -232,7 +233,7 @@ TEST(PopoverLayout, SetsEveryTextInItsFontAndStyleInBothThemes) {
               QFont::Normal, TextStyle::tertiary},
              {"Made with ❤️ by ", 10, QFont::Normal, TextStyle::tertiary},
              {" · v1.0", 10, QFont::Normal, TextStyle::tertiary}}) {
-      expectText(view, *theme, look);
+      expectText(view, *theme, expected);
     }
     EXPECT_EQ(view.findChild<CheckBox*>()->font().pixelSize(), 11);
     EXPECT_EQ(view.findChild<PillButton*>()->font().pixelSize(), 11);
@@ -344,7 +345,7 @@ TEST(PopoverLayout, ShowsHostileNamesAsPlainTextInRowsOfTheUsualHeight) {
     const FigureLabel* figure = row->button()->findChild<FigureLabel*>();
     EXPECT_EQ(row->button()->height(), 18);
     EXPECT_EQ(figure->text(), "20 MB");
-    EXPECT_EQ(frameIn(view, *figure).right(), 305 - 18);
+    EXPECT_EQ(frameIn(view, *figure).right(), 305 - 18);  // chevron 10, gap 8
     ASSERT_EQ(linesOf(*row).size(), 1U);
     EXPECT_EQ(linesOf(*row).front()->height(), 14);
     EXPECT_EQ(frameIn(view, *linesOf(*row).front()->findChild<FigureLabel*>()).right(), 305);

@@ -209,7 +209,7 @@ TEST_F(PopoverWindowTest, IsNotReopenedByTheReleaseOfThePressThatClosedIt) {
   EXPECT_FALSE(window_.isVisible());
   now_ += 10ms;
   toggle();
-  EXPECT_TRUE(window_.isVisible()) << "the next click counts";
+  EXPECT_TRUE(window_.isVisible()) << "the next click is not ignored";
 }
 
 TEST_F(PopoverWindowTest, IsNotReopenedIfTheHostReportsNoPosition) {

@@ -15,8 +15,8 @@
 
 namespace tarn {
 
-/// The locale for numbers from the environment: LC_ALL, else LC_NUMERIC, else LANG (man 7 locale). Returns
-/// en_US when none is set or the locale is C or POSIX, which have no grouping and no percent pattern.
+/// The locale for numbers that the environment specifies: LC_ALL, else LC_NUMERIC, else LANG (man 7 locale).
+/// Returns en_US when none is set or the locale is C or POSIX, which have no grouping and no percent pattern.
 icu::Locale numberLocale();
 
 /// Digits, grouping and decimal mark come from ICU. Unit words are English.
@@ -27,7 +27,7 @@ class IcuByteCountFormatter final : public ByteCountFormatter {
 
  private:
   static constexpr int maxFractionDigits = 2;
-  /// By maximum number of fraction digits.
+  /// The index is the maximum number of fraction digits.
   std::array<icu::number::LocalizedNumberFormatter, maxFractionDigits + 1> numbers_;
 };
 

@@ -70,19 +70,20 @@ class PropertyListScanner {
 
   void skipWhitespace() {
     while (!rest_.empty()) {
-      const std::size_t whitespace = rest_.find_first_not_of(" \t\r\n");
-      rest_.remove_prefix(whitespace == std::string_view::npos ? rest_.size() : whitespace);
+      const std::size_t end = rest_.find_first_not_of(" \t\r\n");
+      rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end);
       if (rest_.starts_with("/*")) {
-        skipPast("*/");
+        skipComment("*/");
       } else if (rest_.starts_with("//")) {
-        skipPast("\n");
+        skipComment("\n");
       } else {
         return;
       }
     }
   }
 
-  void skipPast(std::string_view end) {
+  /// Skips a comment, which starts with two characters, and its `end`.
+  void skipComment(std::string_view end) {
     const std::size_t position = rest_.find(end, 2);
     rest_.remove_prefix(position == std::string_view::npos ? rest_.size() : position + end.size());
   }

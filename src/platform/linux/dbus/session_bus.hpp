@@ -64,7 +64,7 @@ class BusNameWatcher final : public QObject {
   Q_OBJECT
 
  public:
-  /// Asks for the present owner of `name` and subscribes to changes. The first owner is reported by
+  /// Asks for the current owner of `name` and subscribes to changes. The first owner is reported by
   /// ownerChanged() like each later one.
   BusNameWatcher(const QDBusConnection& bus, QString name, QObject* parent = nullptr);
 

@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-/// Where the system's files are found. A captured tree in their place makes a test.
+/// The directories with the system's files. Tests replace them with directories that they write.
 struct LinuxRoots {
   std::string proc = "/proc";
   std::string sys = "/sys";

@@ -38,7 +38,7 @@ constexpr std::chrono::seconds pollInterval{2};    // without triggers
 FileDescriptor openTrigger(const std::string& path, const std::string& trigger) {
   FileDescriptor file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
   if (!file.valid()) return {};
-  // Never write to a file of a captured tree.
+  // Write only to procfs: tests replace /proc with a directory of regular files.
   struct statfs fileSystem {};
   if (::fstatfs(file.number(), &fileSystem) != 0 || fileSystem.f_type != PROC_SUPER_MAGIC) return {};
   // The kernel replaces the last byte with a zero, so the terminating zero is written too.

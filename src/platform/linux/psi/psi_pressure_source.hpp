@@ -37,7 +37,7 @@ class PsiTriggers {
   /// Sleeps until a trigger fires, the timeout ends, or `cancel` is called. Pressure thread.
   virtual Wake wait(std::chrono::milliseconds timeout) = 0;
 
-  /// Ends the present and every later wait. Any thread.
+  /// Ends the current and every later wait. Any thread.
   virtual void cancel() = 0;
 };
 
@@ -69,7 +69,7 @@ class PsiPressureSource final : public PressureSource {
   std::shared_ptr<Watch> watch_;  ///< shared with the task on the queue, which may outlive the source
 };
 
-/// The present memory pressure as a raw MemoryPressure value; nullopt when it cannot be read. Any thread.
+/// The current memory pressure as a raw MemoryPressure value; nullopt when it cannot be read. Any thread.
 std::optional<std::int32_t> readPressureLevel(const LinuxRoots& roots);
 
 }  // namespace tarn

@@ -69,7 +69,7 @@ class WatcherRegistration final : public QObject {
   QDBusConnection bus_;
   ProgramNameSource programName_;
   BusNameWatcher watcher_;
-  std::unique_ptr<QObject> callContext_;  ///< owns the pending calls about the present watcher
+  std::unique_ptr<QObject> callContext_;  ///< owns the pending calls about the current watcher
   bool isRegistered_ = false;
   bool hasHost_ = false;
   bool isHostQueryPending_ = false;

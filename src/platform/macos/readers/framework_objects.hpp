@@ -38,8 +38,9 @@ struct ObjectFunctions {
   double (*realValue)(ObjectRef real);
   std::string (*stringValue)(ObjectRef string);  ///< UTF-8
   std::int64_t (*arrayCount)(ObjectRef array);
-  ObjectRef (*arrayItem)(ObjectRef array, std::int64_t index);         ///< owned by the array
-  ObjectRef (*dictionaryItem)(ObjectRef dictionary, const char* key);  ///< owned by it; null without the key
+  ObjectRef (*arrayItem)(ObjectRef array, std::int64_t index);  ///< owned by the array
+  /// The dictionary owns the result; null when the key is absent.
+  ObjectRef (*dictionaryItem)(ObjectRef dictionary, const char* key);
   void (*release)(ObjectRef object);
 
   OwnedObject owned(ObjectRef object) const { return {object, release}; }

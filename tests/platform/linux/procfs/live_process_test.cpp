@@ -77,7 +77,7 @@ TEST_P(LiveProcessTest, FootprintGrowsByTheMemoryThatIsTouched) {
   void* const memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   ASSERT_NE(memory, MAP_FAILED);
   const auto before = sweepUsage();
-  // Let the kernel touch the pages: a sanitizer's record of our own writes would take memory, too.
+  // Let the kernel touch the pages: a sanitizer's record of the test's writes would take memory, too.
   ASSERT_EQ(::madvise(memory, size, MADV_POPULATE_WRITE), 0);
   const auto after = sweepUsage();
   ASSERT_EQ(::munmap(memory, size), 0);

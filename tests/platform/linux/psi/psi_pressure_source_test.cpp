@@ -60,7 +60,7 @@ class EndlessTriggers final : public PsiTriggers {
   std::atomic<bool> cancelled_{false};
 };
 
-/// A machine with little available memory, so that each report changes or keeps the level warning.
+/// A machine with little available memory, so that each report gives the level warning.
 class PsiPressureSourceTest : public testing::Test {
  protected:
   PsiPressureSourceTest() { tree_.write("proc/meminfo", "MemTotal: 10000 kB\nMemAvailable: 3000 kB\n"); }
@@ -75,7 +75,7 @@ class PsiPressureSourceTest : public testing::Test {
 
 TEST_F(PsiPressureSourceTest, CanBeDestroyedBeforeResume) {
   PsiPressureSource source(tree_.roots());
-  PsiPressureSource live(LinuxRoots{});
+  PsiPressureSource ofRunningSystem(LinuxRoots{});
 }
 
 TEST_F(PsiPressureSourceTest, CanBeDestroyedBeforeTheQueueRuns) {
@@ -145,7 +145,7 @@ TEST_F(PsiPressureSourceTest, CanBeDestroyedByItsHandler) {
   EXPECT_EQ(calls, 1);
 }
 
-TEST_F(PsiPressureSourceTest, EndsARealWaitAtOnce) {
+TEST_F(PsiPressureSourceTest, EndsAWaitInTheKernelAtOnce) {
   const auto begin = std::chrono::steady_clock::now();
   ThreadQueue queue;
   for (const LinuxRoots& roots : {LinuxRoots{}, tree_.roots()}) {
@@ -172,7 +172,7 @@ TEST(KernelPsiTriggers, CancelFromAnotherThreadEndsAWait) {
   EXPECT_TRUE(wake.get().cancelled);
 }
 
-TEST(KernelPsiTriggers, NeverWriteToACapturedTree) {
+TEST(KernelPsiTriggers, NeverWriteToARegularFile) {
   const TemporaryTree tree;
   const std::string text = "some avg10=0.00 avg60=0.00 avg300=0.00 total=0\n";
   tree.write("proc/pressure/memory", text);

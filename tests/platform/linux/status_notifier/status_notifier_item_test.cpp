@@ -99,7 +99,7 @@ TEST_F(StatusNotifierItemTest, SendsIconsAsBigEndianArgb) {
   }
 }
 
-TEST_F(StatusNotifierItemTest, ToolTipHasVerdictAndMemoryFigures) {
+TEST_F(StatusNotifierItemTest, ToolTipHasStatusSentenceAndMemoryFigures) {
   const auto toolTip = qdbus_cast<NotifierToolTip>(property("ToolTip"));
   EXPECT_EQ(
       toolTip,

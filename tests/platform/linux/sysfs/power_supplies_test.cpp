@@ -52,7 +52,7 @@ TEST_F(PowerSuppliesTest, IgnoresABatteryThatIsNotPresent) {
   EXPECT_EQ(battery(), std::nullopt);
 }
 
-TEST_F(PowerSuppliesTest, CountsABatteryWithoutPresentAttribute) {
+TEST_F(PowerSuppliesTest, IncludesABatteryWithoutPresentAttribute) {
   set("BAT0", "type", "Battery");
   set("BAT0", "capacity", "33");
   EXPECT_EQ(battery()->percent, 33);

@@ -21,13 +21,13 @@ TEST(RootVolume, ReportsCapacitiesOfStatvfs) {
   ASSERT_EQ(::statvfs("/", &status), 0);
   ASSERT_TRUE(values);
   EXPECT_EQ(values->totalCapacity, static_cast<std::int64_t>(status.f_blocks * status.f_frsize));
-  constexpr double fewMegabytes = 64 << 20;
+  constexpr double tolerance = 64 << 20;  // bytes; other programs may write between the two calls
   EXPECT_NEAR(static_cast<double>(values->availableCapacityForImportantUsage.value()),
-              static_cast<double>(status.f_bavail * status.f_frsize), fewMegabytes);
+              static_cast<double>(status.f_bavail * status.f_frsize), tolerance);
 }
 
 TEST(RootVolume, ReturnsNothingWhenStatvfsFails) {
-  EXPECT_EQ(RootVolume(LinuxRoots{.root = "/nowhere/at/all"}).values().has_value(), false);
+  EXPECT_EQ(RootVolume(LinuxRoots{.root = "/nowhere"}).values().has_value(), false);
 }
 
 class VolumeNameTest : public ::testing::Test {
@@ -85,7 +85,7 @@ TEST_F(VolumeNameTest, ReportsAChangedLabel) {
 }
 
 // A Btrfs file system has a device number with major 0. The device from which it is mounted has another one.
-TEST_F(VolumeNameTest, UsesTheMountedDeviceWhenTheFileSystemHasNoDeviceNumber) {
+TEST_F(VolumeNameTest, UsesTheMountedDeviceWhenTheMajorNumberIsZero) {
   tree_.write("proc/self/mountinfo",
               "22 28 0:21 / /proc rw - proc proc rw\n"
               "28 1 0:25 /@ / rw,relatime shared:1 - btrfs /dev/nvme0n1p2 rw,subvol=/@\n"
@@ -142,7 +142,7 @@ TEST(OsRelease, RemovesQuotesFromTheName) {
   EXPECT_EQ(parseSystemName("NAME=\"A \\\"B\\\" \\$C\"\n"), "A \"B\" $C");
   EXPECT_EQ(parseSystemName("NAME='A\\B'\n"), "A\\B");
   EXPECT_EQ(parseSystemName("NAME=\"open\n"), "open");
-  EXPECT_EQ(parseSystemName("NAME=Fedora  \nNAME=Remix\t\n"), "Remix") << "the last assignment counts";
+  EXPECT_EQ(parseSystemName("NAME=Fedora  \nNAME=Remix\t\n"), "Remix") << "the last assignment is used";
   EXPECT_EQ(parseSystemName("NAME=\"\n"), std::nullopt);
   EXPECT_EQ(parseSystemName("NAME=\n"), std::nullopt);
   EXPECT_EQ(parseSystemName("PRETTY_NAME=x\n"), std::nullopt);

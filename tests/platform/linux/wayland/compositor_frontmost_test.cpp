@@ -118,7 +118,7 @@ TEST(HyprlandFrontmost, RequestsTheActiveWindowAndReturnsThePid) {
 }
 
 TEST(CompositorFrontmost, IsAbsentWithoutACompositor) {
-  for (const std::string& path : {"/nowhere/at/all"s, std::string(5000, 'a'), ""s}) {
+  for (const std::string& path : {"/nowhere"s, std::string(5000, 'a'), ""s}) {
     EXPECT_EQ(swayFrontmostApplication(path)(), std::nullopt);
     EXPECT_EQ(hyprlandFrontmostApplication(path)(), std::nullopt);
   }

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Declarations of the part of Foundation that Tarn uses, written from the public documentation.
-// They suffice to check types without the framework.
+// Declarations of the parts of Foundation that Tarn uses, written from the public documentation:
+// enough to check types on a system without the framework.
 
 #pragma once
 
