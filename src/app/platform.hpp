@@ -117,7 +117,7 @@ class Platform {
   /// The application that has the keyboard focus. Neutral: a source that returns nullopt.
   virtual FrontmostApplicationSource makeFrontmostApplicationSource() = 0;
 
-  /// Number of processor cores online, including those that this process may not use. Neutral: 1, which is
+  /// Number of processor cores online, also those that this process may not use. Neutral: 1, which is
   /// also the minimum. Any thread.
   virtual int activeProcessorCount() const = 0;
 

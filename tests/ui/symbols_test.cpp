@@ -167,20 +167,21 @@ TEST(Symbols, FillTheirPixmapAtFractionalScales) {
 }
 
 TEST(Symbols, ReturnANullPixmapForAnInvalidSize) {
-  constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
-  constexpr double endless = std::numeric_limits<double>::infinity();
-  for (const double size : {0.0, -16.0, 0.2, 1e9, nothing, endless}) {
+  constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+  constexpr double infinite = std::numeric_limits<double>::infinity();
+  for (const double size : {0.0, -16.0, 0.2, 1e9, notANumber, infinite}) {
     EXPECT_TRUE(symbolPixmap("circle", size, grey, 1).isNull()) << size;
   }
-  for (const double scale : {0.0, -1.0, 0.01, 1e9, nothing, endless}) {
+  for (const double scale : {0.0, -1.0, 0.01, 1e9, notANumber, infinite}) {
     EXPECT_TRUE(symbolPixmap("circle", 16, grey, scale).isNull()) << scale;
   }
   EXPECT_TRUE(symbolPixmap("circle", -16, grey, -1).isNull());
 }
 
 TEST(Symbols, DrawNothingInARectangleWithoutArea) {
-  constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
-  for (const QRectF& rect : {QRectF(), QRectF(4, 4, -8, 8), QRectF(4, 4, 8, 0.5), QRectF(0, 0, nothing, 8)}) {
+  constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+  for (const QRectF& rect :
+       {QRectF(), QRectF(4, 4, -8, 8), QRectF(4, 4, 8, 0.5), QRectF(0, 0, notANumber, 8)}) {
     QImage image = transparentImage(16);
     QPainter painter(&image);
     EXPECT_TRUE(drawSymbol(painter, "circle.fill", rect, grey));

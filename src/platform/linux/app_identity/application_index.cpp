@@ -235,7 +235,7 @@ const std::string* ApplicationIndex::byPrivateDirectory(std::string_view path) c
   for (const std::string_view directory : directories) {
     if (const std::string* file = findFile(byDirectory_, directory)) return file;
   }
-  // A directory's name counts only for the outermost one: "/usr/lib/firefox", not "/usr/lib/other/firefox".
+  // Only the name of the outermost directory is searched: "/usr/lib/firefox", not "/usr/lib/other/firefox".
   return directories.empty() ? nullptr : findFile(byDirectoryName_, lastPathComponent(directories.back()));
 }
 

@@ -44,10 +44,10 @@ namespace tarn {
 /// another program keeps the old owner. Kernel threads rename themselves all the time and execute no program;
 /// only a different start time makes them another process.
 ///
-/// An entry that was not reused or read in a sweep counts as absent from then on, and is pruned when the next
-/// sweep begins. That applies to processes that are not listed, have ended or cannot be read. An entry is
-/// completed before it is marked as part of the sweep, so a sweep that was left by std::bad_alloc leaves no
-/// incomplete entries behind.
+/// An entry that was not reused or read in a sweep is treated as absent from then on, and is pruned when the
+/// next sweep begins. It makes no difference whether its process is not listed, ended or is unreadable. An
+/// entry is completed before it is marked as part of the sweep, so a sweep that was left by std::bad_alloc
+/// leaves no incomplete entries behind.
 ///
 /// Not thread-safe.
 class SleepingProcessCache final : public ProcScan {

@@ -41,7 +41,7 @@ constexpr std::array thresholds{
 };
 
 constexpr std::chrono::seconds quietTime = 15s;
-constexpr double calmAvg10 = 5;  // percent
+constexpr double lowAvg10 = 5;  // percent
 
 const Threshold& thresholdOf(MemoryPressure level) {
   return level == MemoryPressure::critical ? thresholds.front() : thresholds.back();
@@ -109,7 +109,7 @@ MemoryPressure PressureHysteresis::update(MemoryPressure found, double someAvg10
   if (found >= level_) return level_ = found;
 
   const TimePoint lastAtLevel = level_ == MemoryPressure::critical ? lastCritical_ : lastWarning_;
-  if (someAvg10 >= calmAvg10 || now - lastAtLevel < quietTime) return level_;
+  if (someAvg10 >= lowAvg10 || now - lastAtLevel < quietTime) return level_;
   const bool quietBelow = now - lastWarning_ >= quietTime;
   return level_ = quietBelow ? MemoryPressure::normal : MemoryPressure::warning;
 }

@@ -3,7 +3,7 @@
 
 // The rules for the memory-pressure level: thresholds and hysteresis. No I/O.
 //
-// Two things decide: how long tasks stalled (waited for memory), and how much memory is available.
+// The level depends on how long tasks stalled (waited for memory) and on how much memory is available.
 
 #pragma once
 
@@ -17,27 +17,28 @@
 
 namespace tarn {
 
-/// Returns the stall time in two seconds that counts for a level: on the "full" line for critical, on the
-/// "some" line for warning. `level` is not normal.
+/// Returns the minimum stall time in two seconds for a level: on the "full" line for critical, on the "some"
+/// line for warning. `level` is not normal.
 std::chrono::microseconds stallThreshold(MemoryPressure level);
 
 /// Returns the PSI trigger for `stallThreshold(level)`: "some 200000 2000000", that is the line's name,
 /// threshold and window in microseconds.
 std::string psiTrigger(MemoryPressure level);
 
-/// Returns the level of the stalls between two readings. It does not depend on the available memory. normal
+/// Returns the level for the stalls between two readings, without regard to the available memory: normal
 /// when neither line reached its threshold, when no time passed, and when a total went backwards.
 MemoryPressure stallLevel(const PsiStats& before, const PsiStats& after, std::chrono::nanoseconds elapsed);
 
 /// The same by the kernel's 10-second averages: for a single reading.
 MemoryPressure stallLevel(const PsiStats& stats);
 
-/// Returns the level for stalls of `stalls` (from `stallLevel`) and available memory. Stalls count only while
-/// little memory is available: a container at its own limit does not change the level of a machine with
-/// memory to spare. Returns nullopt when `MemTotal` or `MemAvailable` is unknown. No swap is no free swap.
+/// Returns the level for stalls of `stalls` (from `stallLevel`) and available memory. Stalls are
+/// ignored unless little memory is available: a container that stalls at its own limit does not change the
+/// level of a machine with available memory. Returns nullopt when `MemTotal` or `MemAvailable` is unknown.
+/// Without swap the free swap is 0.
 std::optional<MemoryPressure> pressureLevel(MemoryPressure stalls, const MemoryInfo& memory);
 
-/// Returns the level by a single reading. Without `stats` the available memory alone decides.
+/// Returns the level by a single reading. Without `stats` it depends on the available memory only.
 std::optional<MemoryPressure> pressureLevel(const std::optional<PsiStats>& stats, const MemoryInfo& memory);
 
 /// The level over time. It rises immediately. It falls when it was not found for 15 seconds and the 10-second

@@ -116,11 +116,11 @@ Reading takeReading(const LinuxRoots& roots, const SteadyClock& clock) {
 }
 
 /// Drops false reports of triggers. The first report of a trigger may come with the first stall, however
-/// short, as if the kernel compared with the total at boot. It counts only if the total in the PSI file has
-/// grown by the threshold since the trigger was armed.
+/// short, as if the kernel compared with the total at boot. It is dropped unless the total in the PSI file
+/// has grown by the threshold since the trigger was armed.
 class FirstReportFilter {
  public:
-  /// `armed` was read after the triggers were armed. Without it every report counts.
+  /// `armed` was read after the triggers were armed. Without it no report is dropped.
   explicit FirstReportFilter(const std::optional<PsiStats>& armed) : armed_(armed) {}
 
   /// Returns the stall level (see `stallLevel`) that `wake` reports. `now` was read after the wake.

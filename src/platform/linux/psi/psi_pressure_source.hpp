@@ -49,7 +49,8 @@ using SteadyClock = std::function<std::chrono::steady_clock::time_point()>;
 ///
 /// With triggers it reads the files when one fires, and every 15 s for the available memory. Without them it
 /// reads every 2 s, and reports when the totals in the PSI file grew as much as a trigger requires. Without
-/// PSI, the available memory alone decides. A reading that fails for lack of memory changes nothing.
+/// PSI, the level depends on the available memory only. A reading that fails for lack of memory changes
+/// nothing.
 void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyClock& clock,
                    const PressureSource::Handler& handler);
 

@@ -12,7 +12,8 @@ namespace tarn::macos {
 
 namespace {
 
-// AppKit's coordinates start at the lower left corner of the first screen, also for views on other screens.
+// AppKit's coordinates start at the lower left corner of the first screen, also if the view is on another
+// screen.
 ScreenPoint middleOfLowerEdge(NSView* view) {
   const NSRect inWindow = [view convertRect:view.bounds toView:nil];
   const NSRect onScreen = [view.window convertRectToScreen:inWindow];

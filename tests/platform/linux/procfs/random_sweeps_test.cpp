@@ -75,7 +75,7 @@ class RandomKernel {
   }
 
  private:
-  int number(int least, int most) { return std::uniform_int_distribution(least, most)(random_); }
+  int number(int minimum, int maximum) { return std::uniform_int_distribution(minimum, maximum)(random_); }
 
   void oneEvent() {
     switch (number(0, 15)) {

@@ -25,18 +25,18 @@ TEST(SweepAllocations, AreAtMostOnePerKnownProcess) {
   const IdleProcesses idle(200);
   MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
   for (int warmUp = 0; warmUp < 3; ++warmUp) sampler.sample();
-  // New processes need more allocations: the sweep with the fewest counts.
-  double least = 10;
+  // New processes need more allocations: the sweep with the fewest allocations is checked.
+  double fewest = 10;
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-  while (least > 1 && std::chrono::steady_clock::now() < deadline) {
+  while (fewest > 1 && std::chrono::steady_clock::now() < deadline) {
     MemorySnapshot snapshot;
     const std::size_t count = allocationsOf([&] { snapshot = sampler.sample(); });
     std::size_t processes = 0;
     for (const AppGroup& group : snapshot.groups) processes += group.processCount();
-    least = std::min(least, static_cast<double>(count - fixedAllocations) / static_cast<double>(processes));
+    fewest = std::min(fewest, static_cast<double>(count - fixedAllocations) / static_cast<double>(processes));
   }
-  std::printf("%.3f allocations per process\n", least);
-  EXPECT_LE(least, 1);
+  std::printf("%.3f allocations per process\n", fewest);
+  EXPECT_LE(fewest, 1);
 }
 
 TEST(SweepAllocations, ParsersAllocateNothing) {
