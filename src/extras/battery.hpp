@@ -16,7 +16,7 @@ struct BatteryInfo {
   bool isCharging = false;
   std::optional<std::int64_t> cycleCount;
   std::optional<std::int64_t>
-      healthPercent;  ///< full-charge capacity in percent of the design's, at most 100
+      healthPercent;  ///< full-charge capacity in percent of the design capacity, at most 100
 
   /// Reads the power sources and, when one of them is an internal battery, the battery controller. Returns
   /// nullopt without an internal battery. Without a controller `cycleCount` and `healthPercent` are absent.

@@ -50,7 +50,7 @@ struct PowerPort {
   std::function<std::optional<PropertyDictionary>()> batteryController;
 };
 
-/// The operating system's side of ExtrasReader. Owned by the reader. All functions are set.
+/// The functions of the platform that ExtrasReader calls. Owned by the reader. All functions are set.
 struct ExtrasPort {
   std::function<std::optional<VolumeValues>()> rootVolume;  ///< nullopt when the volume cannot be queried
   PowerPort power;

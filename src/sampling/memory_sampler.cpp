@@ -88,7 +88,7 @@ const MemorySampler::Executable& MemorySampler::executableOf(std::int32_t pid,
   // The start time validates the cached path. Without it the path is read each time and not cached.
   if (!info) return executableAt(port_.processes->path(pid));
   CachedPath& cached = pathCache_[pid];
-  // A new entry has no executable, nor has one whose path was not read because std::bad_alloc was thrown.
+  // `executable` is null in a new entry, and in an entry whose path was not read because of std::bad_alloc.
   if (cached.executable == nullptr || cached.startSec != info->startSec) {
     cached = {info->startSec, &executableAt(port_.processes->path(pid))};
   }

@@ -28,7 +28,7 @@ class MemorySampler {
   MemorySampler(const MemorySampler&) = delete;
   MemorySampler& operator=(const MemorySampler&) = delete;
 
-  /// One sweep over every process. A process whose usage cannot be read is left out; other values that cannot
+  /// One sweep over every process. A process whose usage cannot be read is omitted; other values that cannot
   /// be read are 0 or empty. Throws std::bad_alloc when memory runs out; the next sweep is correct again.
   MemorySnapshot sample();
 
@@ -54,12 +54,12 @@ class MemorySampler {
     std::uint64_t cpuTime = 0;  ///< nanoseconds
   };
 
-  /// A listed process in the walk from a process to its ancestors.
+  /// The data of a listed process that the search for the application of a descendant uses.
   struct Ancestor {
     std::int32_t ppid = 0;      ///< 0 when unknown
     bool rulesChecked = false;  ///< whether ApplicationRules were called in this sweep
     const Executable* executable = nullptr;
-    SharedText root;  ///< root of its application; empty without one or before the rules are checked
+    SharedText root;  ///< application root; empty without an application or before the rules are checked
   };
 
   /// The sums over the processes of one group.
@@ -103,17 +103,18 @@ class MemorySampler {
   double smoothApplicationCPU(const std::string& root, double raw);
   double smoothProcessCPU(std::int32_t pid, double raw);
 
-  /// The application root of a listed process, by its path, else by ApplicationRules. Empty without one.
+  /// The application root of a listed process, found by its path, else by ApplicationRules. Empty if it has
+  /// no application.
   const SharedText& ownRoot(std::int32_t pid, Ancestor& process);
 
-  /// The application root of the nearest ancestor that has one. Looks at eight ancestors at most. Empty
-  /// without one.
+  /// The application root of the nearest ancestor that has one. Checks at most eight ancestors. Empty if none
+  /// of them has one.
   SharedText ancestorRoot(std::int32_t startPID);
 
   const SharedText& displayNameText(const std::string& bundleRoot);
 
   SamplerPort port_;
-  std::unordered_map<std::string_view, Executable> executables_;  ///< by the value's own path; never pruned
+  std::unordered_map<std::string_view, Executable> executables_;  ///< by path; never pruned
   std::unordered_map<std::string, SharedText> displayNames_;      ///< by bundle root; never pruned
   PidMap<CachedPath> pathCache_;
   PidMap<CachedCPU> previousCPU_;

@@ -63,7 +63,7 @@ class PidMap {
     }
   }
 
-  /// Allocates memory for `count` entries. Changes nothing when it throws std::bad_alloc.
+  /// Allocates memory for `count` entries. The map is unchanged if this throws std::bad_alloc.
   void reserve(std::size_t count) {
     if (count * 2 <= slots_.size()) return;
     constexpr std::size_t minimumSlots = 16;
@@ -90,11 +90,11 @@ class PidMap {
     std::uint32_t index = 0;  // in entries_
   };
 
-  static constexpr std::uint32_t slotsPerLine = 64 / sizeof(Slot);  // of a cache line
+  static constexpr std::uint32_t slotsPerLine = 64 / sizeof(Slot);  // a cache line has 64 bytes
 
   std::size_t after(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
 
-  /// The slot where probing for `pid` begins. Consecutive pids are usually looked up one after the other, so
+  /// The slot where probing for `pid` begins. Consecutive pids are usually looked up in sequence, so
   /// eight consecutive pids share a cache line. Fibonacci hashing (multiplication by 2^32 divided by the
   /// golden ratio) spreads the cache lines.
   std::size_t firstSlotOf(std::int32_t pid) const {
@@ -132,7 +132,7 @@ class PidMap {
 
   std::vector<Entry> entries_;
   std::vector<Slot> slots_;  // its size is a power of two
-  int shift_ = 31;           // leaves the bits of a 32-bit hash that number the cache lines of slots_
+  int shift_ = 31;           // hash >> shift_ is the number of a cache line in slots_
 };
 
 }  // namespace tarn

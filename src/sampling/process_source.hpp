@@ -91,7 +91,8 @@ class ApplicationRules {
 /// The entries of a bundle's Info.plist whose values are strings.
 using InformationDictionary = std::map<std::string, std::string, std::less<>>;
 
-/// The operating system's side of MemorySampler. Owned by the sampler and used only on its queue.
+/// The functions and objects of the platform that MemorySampler uses. Owned by the sampler and used only on
+/// its queue.
 struct SamplerPort {
   /// Shared with application rules that need it; they run on the same queue.
   std::shared_ptr<ProcScan> processes;

@@ -16,7 +16,7 @@
 
 namespace tarn {
 
-/// The kernel's memory-pressure levels; the raw values are the kernel's own level numbers.
+/// The kernel's memory-pressure levels; the raw values are the kernel's level numbers.
 enum class MemoryPressure : std::int32_t { normal = 1, warning = 2, critical = 4 };
 
 /// The level with this raw value; nullopt for any other number (0, 3, 5 and above, negatives).
@@ -65,7 +65,7 @@ struct SystemMemory {
   std::uint64_t totalRAM = 0;     ///< installed physical memory
   std::uint64_t wired = 0;        ///< memory that can be neither paged out nor dropped
   std::uint64_t compressed = 0;   ///< memory that holds compressed pages
-  std::uint64_t cachedFiles = 0;  ///< file-backed pages that can be reclaimed at once
+  std::uint64_t cachedFiles = 0;  ///< file-backed pages that can be reclaimed immediately
   std::uint64_t swapUsed = 0;     ///< swap space in use
 
   bool operator==(const SystemMemory&) const = default;
@@ -127,8 +127,8 @@ struct MemorySnapshot {
   double totalCPUPercent() const;
 
   /// The first `limit` groups in descending order of the metric. Equal groups keep their order in `groups`. A
-  /// negative limit aborts the program, also when there are no groups; so does an overflow in
-  /// `everythingElse`.
+  /// negative limit aborts the program, also when there are no groups. An overflow in `everythingElse` aborts
+  /// the program, too.
   TopGroups topGroups(SortMetric by, std::int64_t limit) const;
 
   bool operator==(const MemorySnapshot&) const = default;

@@ -42,13 +42,13 @@ class BatteryInfoTest : public ::testing::Test {
   std::vector<std::string> calls_;
 };
 
-TEST_F(BatteryInfoTest, ReturnsNothingWithoutPowerSourcesAndDoesNotReadTheController) {
+TEST_F(BatteryInfoTest, ReturnsNulloptWithoutPowerSourcesAndDoesNotReadTheController) {
   extras_.batteryController = PropertyDictionary{{"CycleCount", std::int64_t{5}}};
   EXPECT_EQ(read(), std::nullopt);
   EXPECT_EQ(calls_, std::vector<std::string>{"powerSources"});
 }
 
-TEST_F(BatteryInfoTest, ReturnsNothingWithoutInternalBattery) {
+TEST_F(BatteryInfoTest, ReturnsNulloptWithoutInternalBattery) {
   PropertyDictionary supply = internalBattery(80, 100);
   supply["Type"] = std::string("UPS");
   EXPECT_EQ(readSource(supply), std::nullopt);

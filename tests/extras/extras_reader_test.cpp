@@ -95,10 +95,10 @@ TEST_F(ExtrasReaderTest, HasNoTemperatureWithoutPlausibleReading) {
   EXPECT_EQ(read().temperatureCelsius, std::nullopt);
 }
 
-TEST_F(ExtrasReaderTest, HasOnlyUptimeWhenNothingElseIsAvailable) {
-  FakeExtras nothing;
-  nothing.uptime = 12;
-  EXPECT_EQ(ExtrasReader(nothing.port()).read(), (SystemExtras{.uptime = 12}));
+TEST_F(ExtrasReaderTest, HasOnlyUptimeWhenOtherValuesAreUnavailable) {
+  FakeExtras extras;
+  extras.uptime = 12;
+  EXPECT_EQ(ExtrasReader(extras.port()).read(), (SystemExtras{.uptime = 12}));
 }
 
 TEST_F(ExtrasReaderTest, HasNoStorageWithoutBothCapacities) {

@@ -36,7 +36,7 @@ TEST(ThermalSensors, IgnoresNaNAndInfinity) {
   EXPECT_EQ(averageOf({-std::numeric_limits<double>::infinity(), 40}), 40);
 }
 
-TEST(ThermalSensors, ReturnsNothingWithoutPlausibleReading) {
+TEST(ThermalSensors, ReturnsNulloptWithoutPlausibleReading) {
   EXPECT_EQ(averageOf({}), std::nullopt);
   EXPECT_EQ(averageOf({0, 1, 120, -5, 200}), std::nullopt);
 }

@@ -7,7 +7,7 @@
 
 FUZZ_TARGET(command_line, text) {
   for (const bool isComplete : {false, true}) tarn::scriptPath(tarn::parseArguments(text, isComplete));
-  const std::string_view kernelName = text.substr(0, 15);
+  const std::string_view kernelName = text.substr(0, 15);  // the kernel keeps 15 bytes of a name
   const std::string_view name = tarn::completedName(kernelName, text);
   tarn::require(tarn::isWithin(name, text) && name.size() >= kernelName.size());
   tarn::withoutDeletedMark(text);

@@ -30,11 +30,12 @@ const tarn::TemporaryTree& treeWithPrograms() {
 // The input is a desktop file and, after a line "%%", the D-Bus service file of the same application.
 FUZZ_TARGET(desktop_files, text) {
   const tarn::TemporaryTree& tree = treeWithPrograms();
-  const std::size_t end = text.find("\n%%\n");
+  constexpr std::string_view separator = "\n%%\n";
+  const std::size_t end = text.find(separator);
   const std::string file = "/share/applications/org.example.Paint.desktop";
   tree.write(file.substr(1), text.substr(0, end));
   tree.write("share/dbus-1/services/org.example.Paint.service",
-             end == std::string_view::npos ? std::string_view() : text.substr(end + 4));
+             end == std::string_view::npos ? std::string_view() : text.substr(end + separator.size()));
   const bool isApplication = tarn::readDesktopEntry(tree.at(file.substr(1)).string()).has_value();
   tarn::require(tarn::readDesktopAppearance(tree.at(file.substr(1)).string()).has_value() == isApplication);
   tarn::ApplicationIndex index(tree.roots(), {"/share"}, {"/usr/bin"});
@@ -42,8 +43,8 @@ FUZZ_TARGET(desktop_files, text) {
   tarn::require(index.size() == (isApplication ? 1 : 0));
   tarn::require((index.byId("org.example.Paint") != nullptr) == isApplication);
   for (const std::string program : programs) {
-    for (const auto* found :
+    for (const auto* result :
          {index.byExecutable(program), index.byServiceExecutable(program), index.byPrivateDirectory(program)})
-      tarn::require(found == nullptr || *found == file);
+      tarn::require(result == nullptr || *result == file);
   }
 }

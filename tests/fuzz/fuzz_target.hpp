@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What a fuzz target needs. Each NAME_fuzz.cpp defines one target with FUZZ_TARGET. A fuzz build (TARN_FUZZ)
-// links each target with fuzzer_main.cpp and libFuzzer into a separate program. Other builds link all
-// targets with replay_main.cpp into one program, which runs them over their corpora.
+// Macro and functions for fuzz targets. Each NAME_fuzz.cpp defines one target with FUZZ_TARGET. A fuzz build
+// (TARN_FUZZ) links each target with fuzzer_main.cpp and libFuzzer into a separate program. Other builds link
+// all targets with replay_main.cpp into one program, which runs them over their corpora.
 
 #pragma once
 
@@ -35,7 +35,7 @@ inline void require(bool condition) {
   if (!condition) std::abort();
 }
 
-/// Whether `part` is a view into `whole`. An empty view always is.
+/// Whether `part` is a view into `whole`. True for an empty view.
 inline bool isWithin(std::string_view part, std::string_view whole) {
   return part.empty() ||
          (part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size());

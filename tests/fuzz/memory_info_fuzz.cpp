@@ -7,11 +7,11 @@
 FUZZ_TARGET(memory_info, text) {
   using tarn::MemoryPressure;
   const tarn::MemoryInfo memory = tarn::parseMemoryInfo(text);
-  const bool known = memory.total.value_or(0) > 0 && memory.available;
+  const bool isKnown = memory.total.value_or(0) > 0 && memory.available;
   const auto withoutStalls = tarn::pressureLevel(MemoryPressure::normal, memory);
   const auto withStalls = tarn::pressureLevel(MemoryPressure::critical, memory);
-  tarn::require(withoutStalls.has_value() == known && withStalls.has_value() == known);
-  if (!known) return;
+  tarn::require(withoutStalls.has_value() == isKnown && withStalls.has_value() == isKnown);
+  if (!isKnown) return;
   tarn::require(*withoutStalls <= *withStalls);
   if (*memory.available >= *memory.total) tarn::require(*withStalls == MemoryPressure::normal);
 }

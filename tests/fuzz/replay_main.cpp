@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// replay_corpora DIRECTORY [NAME...]: runs fuzz targets, all of them or the named ones, over every file of
+// replay_corpora DIRECTORY [NAME...]: runs all fuzz targets, or the named targets, over every file of
 // DIRECTORY/NAME. Inputs that once crashed a parser stay in its corpus and are tested again. Fails if a
 // target has no input.
 
@@ -41,11 +41,11 @@ int main(int argumentCount, char** arguments) {
   const std::span<char*> names(arguments + 2, arguments + argumentCount);
   std::size_t replayed = 0;
   for (const tarn::FuzzTarget& target : tarn::fuzzTargets()) {
-    const auto isThis = [&target](const char* name) { return std::string_view(name) == target.name; };
-    if (!names.empty() && std::none_of(names.begin(), names.end(), isThis)) continue;
+    const auto hasName = [&target](const char* name) { return std::string_view(name) == target.name; };
+    if (!names.empty() && std::none_of(names.begin(), names.end(), hasName)) continue;
     if (replay(target, corpora / target.name) == 0) return 1;
     ++replayed;
   }
-  // A name that no target has would otherwise test nothing.
+  // Fails also when no target has one of the names.
   return replayed == (names.empty() ? tarn::fuzzTargets().size() : names.size()) ? 0 : 1;
 }

@@ -23,7 +23,7 @@ TEST(OutermostBundle, AcceptsTheBundleAsLastComponent) {
   EXPECT_EQ(outermostBundle("/opt/.app/x"), "/opt/.app");
 }
 
-TEST(OutermostBundle, ReturnsNothingWhenNoComponentEndsWithApp) {
+TEST(OutermostBundle, ReturnsNulloptWhenNoComponentEndsWithApp) {
   EXPECT_EQ(outermostBundle(""), std::nullopt);
   EXPECT_EQ(outermostBundle("/"), std::nullopt);
   EXPECT_EQ(outermostBundle("/usr/bin/app"), std::nullopt);

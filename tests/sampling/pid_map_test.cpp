@@ -23,7 +23,7 @@ TEST(PidMap, FindsInsertedValues) {
   EXPECT_EQ(map.size(), 2U);
 }
 
-TEST(PidMap, FindsNothingForInvalidOrUnknownPids) {
+TEST(PidMap, ReturnsNullForInvalidOrUnknownPids) {
   PidMap<int> map;
   map[1] = 1;
   EXPECT_EQ(map.find(0), nullptr);

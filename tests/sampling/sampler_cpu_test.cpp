@@ -144,7 +144,7 @@ TEST_F(SamplerCPU, StaysPlausibleWhenTheClockJumps) {
   EXPECT_DOUBLE_EQ(cpuOf(sweepAfter(3), 10), 100) << "correct in the next sweep";
 }
 
-TEST_F(SamplerCPU, StaysPlausibleWhenTheClockStandsStill) {
+TEST_F(SamplerCPU, StaysPlausibleWhenTheClockDoesNotAdvance) {
   sweepAfter();
   addCPUTime(10, 3 * second);
   sweepAfter(3);
@@ -185,7 +185,8 @@ TEST_F(SamplerCPU, SmoothsGroupsWithWeightOfTwoFifths) {
   EXPECT_DOUBLE_EQ(groupOf(sweepAfter(3), "pid:10")->cpuPercent, 40);
   addCPUTime(10, 3 * second);
   EXPECT_DOUBLE_EQ(groupOf(sweepAfter(3), "pid:10")->cpuPercent, 64);
-  EXPECT_DOUBLE_EQ(groupOf(sweepAfter(3), "pid:10")->cpuPercent, 38.4) << "falls with the same weight";
+  EXPECT_DOUBLE_EQ(groupOf(sweepAfter(3), "pid:10")->cpuPercent, 38.4)
+      << "a decrease is smoothed with the same weight";
 }
 
 TEST_F(SamplerCPU, SmoothsTheGroupSumButNotItsProcesses) {
@@ -207,7 +208,7 @@ TEST_F(SamplerCPU, DoesNotSmoothTheFirstValueOfAGroup) {
   EXPECT_DOUBLE_EQ(groupOf(sweepAfter(3), "/opt/A.app")->cpuPercent, 100);
 }
 
-TEST_F(SamplerCPU, RestartsSmoothingWhenAGroupComesBack) {
+TEST_F(SamplerCPU, RestartsSmoothingWhenAGroupReappears) {
   machine_.processes.push_back({.pid = 20, .path = "/opt/A.app/a"});
   sweepAfter();
   addCPUTime(10, 3 * second);

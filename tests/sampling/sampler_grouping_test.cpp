@@ -62,7 +62,7 @@ TEST_F(SamplerGrouping, GroupsProcessesByOutermostBundle) {
   EXPECT_THAT(pids(group), ElementsAre(12, 11, 10));
 }
 
-TEST_F(SamplerGrouping, GivesAProcessWithoutApplicationItsOwnGroup) {
+TEST_F(SamplerGrouping, PutsAProcessWithoutApplicationIntoASeparateGroup) {
   machine_.processes = {process(412, 1, "/usr/sbin/cupsd", 8)};
   const AppGroup group = onlyGroup();
   EXPECT_EQ(group.id, "pid:412");
@@ -71,7 +71,7 @@ TEST_F(SamplerGrouping, GivesAProcessWithoutApplicationItsOwnGroup) {
   EXPECT_EQ(group.footprint, 8U);
 }
 
-TEST_F(SamplerGrouping, KeepsTwoProcessesOfOneExecutableApart) {
+TEST_F(SamplerGrouping, PutsTwoProcessesOfOneExecutableIntoSeparateGroups) {
   machine_.processes = {process(10, 1, "/usr/bin/worker"), process(11, 1, "/usr/bin/worker")};
   EXPECT_EQ(groupOf(10), "pid:10");
   EXPECT_EQ(groupOf(11), "pid:11");
@@ -108,7 +108,7 @@ TEST_F(SamplerGrouping, AddsDescendantsToTheApplication) {
   EXPECT_THAT(pids(onlyGroup()), UnorderedElementsAre(10, 11, 12));
 }
 
-TEST_F(SamplerGrouping, PrefersTheOwnBundleToTheParents) {
+TEST_F(SamplerGrouping, PrefersTheBundleOfTheProcessToThatOfItsParent) {
   machine_.processes = {process(10, 1, "/opt/A.app/a"), process(11, 10, "/opt/B.app/b")};
   EXPECT_EQ(groupOf(11), "/opt/B.app");
 }
@@ -133,7 +133,7 @@ TEST_F(SamplerGrouping, FindsTheEighthAncestor) {
   EXPECT_EQ(groupOf(100), "/opt/A.app");
 }
 
-TEST_F(SamplerGrouping, DoesNotLookAtTheNinthAncestor) {
+TEST_F(SamplerGrouping, IgnoresTheNinthAncestor) {
   machine_.processes = chainOf(9);
   EXPECT_EQ(groupOf(100), "pid:100");
   EXPECT_EQ(groupOf(101), "/opt/A.app");
@@ -168,7 +168,7 @@ TEST_F(SamplerGrouping, StopsAtACycleOfParents) {
   EXPECT_EQ(groupOf(20), "pid:20");
 }
 
-TEST_F(SamplerGrouping, DoesNotWalkUpWithoutParentPid) {
+TEST_F(SamplerGrouping, IgnoresAncestorsWithoutParentPid) {
   machine_.processes = {process(10, 1, "/opt/A.app/a"), process(11, 10, "/bin/sh")};
   machine_.process(11).info.reset();
   EXPECT_EQ(groupOf(11), "pid:11");

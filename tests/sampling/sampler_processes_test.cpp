@@ -136,10 +136,10 @@ TEST_F(SamplerProcesses, KeepsTheCachedPathWhenStartTimeIsUnavailableOnce) {
   sampler_.sample();
   machine_.process(10).info = info;
   sampler_.sample();
-  EXPECT_EQ(machine_.callsOf("path 10"), 2) << "one cached read and one without start time";
+  EXPECT_EQ(machine_.callsOf("path 10"), 2) << "the first read, and the read without start time";
 }
 
-TEST_F(SamplerProcesses, PrunesPathsWhenFewerProcessesLiveThanAreCached) {
+TEST_F(SamplerProcesses, PrunesPathsWhenFewerProcessesExistThanAreCached) {
   machine_.processes = {{.pid = 10}, {.pid = 99, .path = "/bin/a"}};
   sampler_.sample();
   machine_.end(99);
@@ -149,12 +149,12 @@ TEST_F(SamplerProcesses, PrunesPathsWhenFewerProcessesLiveThanAreCached) {
   EXPECT_EQ(machine_.callsOf("path 10"), 1) << "the path of a live process stays cached";
 }
 
-TEST_F(SamplerProcesses, DoesNotPrunePathsWhileAsManyProcessesLiveAsAreCached) {
+TEST_F(SamplerProcesses, KeepsPathsWhenAsManyProcessesExistAsAreCached) {
   machine_.processes = {{.pid = 10}, {.pid = 99, .path = "/bin/a"}};
   sampler_.sample();
   machine_.end(99);
   machine_.processes.push_back(
-      {.pid = 11, .info = std::nullopt});  // live, but without start time its path is not cached
+      {.pid = 11, .info = std::nullopt});  // exists, but its path is not cached without start time
   sampler_.sample();
   machine_.processes.push_back({.pid = 99, .path = "/bin/b"});
   EXPECT_EQ(sampleOf(99).path, "/bin/a");

@@ -17,7 +17,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t maxFootprint = std::numeric_limits<std::uint64_t>::max();
 
 AppGroup group(std::string id, std::uint64_t footprint, double cpuPercent, std::size_t processCount = 1) {
   AppGroup group{.id = std::move(id), .footprint = footprint, .cpuPercent = cpuPercent};
@@ -136,13 +136,13 @@ TEST(MemorySnapshot, SumsUpItsGroups) {
 }
 
 TEST(MemorySnapshot, AcceptsTotalsUpToTheLargestNumber) {
-  const MemorySnapshot full{.groups = {group("a", most - 1, 0), group("b", 1, 0)}};
-  EXPECT_EQ(full.attributedTotal(), most);
+  const MemorySnapshot full{.groups = {group("a", maxFootprint - 1, 0), group("b", 1, 0)}};
+  EXPECT_EQ(full.attributedTotal(), maxFootprint);
 }
 
 TEST(MemorySnapshotDeathTest, AbortsWhenTheTotalOverflows) {
-  const MemorySnapshot overfull{.groups = {group("a", most, 0), group("b", 1, 0)}};
-  EXPECT_DEATH(std::ignore = overfull.attributedTotal(), "");
+  const MemorySnapshot overflowing{.groups = {group("a", maxFootprint, 0), group("b", 1, 0)}};
+  EXPECT_DEATH(std::ignore = overflowing.attributedTotal(), "");
 }
 
 TEST(TopGroups, SortsByMemory) {
@@ -152,7 +152,7 @@ TEST(TopGroups, SortsByMemory) {
 }
 
 TEST(TopGroups, ComparesFootprintsAsUnsignedNumbers) {
-  const MemorySnapshot snapshot{.groups = {group("small", 1, 0), group("huge", most, 0)}};
+  const MemorySnapshot snapshot{.groups = {group("small", 1, 0), group("huge", maxFootprint, 0)}};
   EXPECT_THAT(ids(snapshot.topGroups(SortMetric::memory, 2).rows), ElementsAre("huge", "small"));
 }
 
@@ -220,9 +220,10 @@ TEST(TopGroupsDeathTest, AbortsOnANegativeLimit) {
 }
 
 TEST(TopGroupsDeathTest, AbortsWhenTheAggregateOverflows) {
-  const MemorySnapshot overfull{.groups = {group("a", most, 0), group("b", most, 0), group("c", 1, 0)}};
-  EXPECT_EQ(overfull.topGroups(SortMetric::memory, 2).everythingElse->footprint, 1U);
-  EXPECT_DEATH(std::ignore = overfull.topGroups(SortMetric::memory, 1), "");
+  const MemorySnapshot overflowing{
+      .groups = {group("a", maxFootprint, 0), group("b", maxFootprint, 0), group("c", 1, 0)}};
+  EXPECT_EQ(overflowing.topGroups(SortMetric::memory, 2).everythingElse->footprint, 1U);
+  EXPECT_DEATH(std::ignore = overflowing.topGroups(SortMetric::memory, 1), "");
 }
 
 TEST(CheckedAddDeathTest, AbortsWhenASumOfCountsOverflows) {

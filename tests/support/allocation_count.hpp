@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Replaces the global operators new and delete of the program: counts allocations of all threads, and can let
-// allocations of one thread fail.
+// Replaces the global operators new and delete of the program: counts allocations of all threads, and can
+// make allocations of one thread fail.
 
 #pragma once
 

@@ -30,7 +30,7 @@ struct FakeProcess {
 struct FakeMachine {
   std::vector<FakeProcess> processes;  ///< in the order of allPIDs
   double uptime = 1000;                ///< seconds
-  double timePerSweep = 0.25;          ///< added to the uptime after each call
+  double timePerSweep = 0.25;          ///< seconds; added to `uptime` after each call of it
   SystemMemory memory;
   std::map<std::string, InformationDictionary> bundles;  ///< by bundle root
   std::vector<std::string> calls;                        ///< calls of the port, in order

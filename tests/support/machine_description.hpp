@@ -12,7 +12,7 @@ namespace tarn {
 
 /// Writes the files that a machine description (tests/fixtures/linux/machines/NAME.machine) lists below
 /// `root`. A line "[directory]" names a directory. Each line "name = text" below it is a file. A file without
-/// text stands for one whose driver returns nothing. Lines that begin with '#' are comments. Throws
+/// text stands for a file whose driver returns no data. Lines that begin with '#' are comments. Throws
 /// std::runtime_error.
 inline void layOutMachine(const std::filesystem::path& description, const std::filesystem::path& root) {
   std::ifstream lines(description);
@@ -28,7 +28,7 @@ inline void layOutMachine(const std::filesystem::path& description, const std::f
     const std::size_t equals = line.find(" =");
     if (equals == std::string::npos) throw std::runtime_error("not a file: " + line);
     std::ofstream file(directory / line.substr(0, equals));
-    if (line.size() > equals + 3) file << line.substr(equals + 3) << '\n';
+    if (line.size() > equals + 3) file << line.substr(equals + 3) << '\n';  // after " = "
     if (!file.flush()) throw std::runtime_error("cannot write " + line);
   }
 }

@@ -30,7 +30,7 @@ class SteppedTasks {
     task();
   }
 
-  /// Also runs tasks that are added meanwhile.
+  /// Also runs tasks that are added while it runs.
   void runAll() {
     while (!tasks_.empty()) runOne();
   }
@@ -46,7 +46,8 @@ class SteppedQueue final : public TaskQueue {
   explicit SteppedQueue(std::weak_ptr<SteppedTasks> tasks) : tasks_(std::move(tasks)) {}
   void async(Task task) override { tasks_.lock()->push(std::move(task)); }
   void activate() override {
-    // A task that never ran may hold the queue's owner, which activates its queue when it is destroyed.
+    // A task that never ran may own this queue's owner, whose destructor calls activate() while the tasks are
+    // destroyed.
     if (const auto tasks = tasks_.lock()) tasks->activated = true;
   }
 
@@ -73,7 +74,7 @@ class SteppedQueues {
   std::vector<std::pair<std::string, std::shared_ptr<SteppedTasks>>> tasks_;
 };
 
-/// A timer of a SteppedRunLoop. Kept after it was invalidated.
+/// A timer of a SteppedRunLoop. It exists also after it was invalidated.
 struct SteppedTimer {
   double interval = 0;  ///< seconds
   double nextFire = 0;  ///< seconds on the clock of the run loop
@@ -81,7 +82,7 @@ struct SteppedTimer {
   bool valid = true;
 };
 
-/// A run loop whose clock and tasks are advanced by the test.
+/// A run loop. The test advances its clock and runs its tasks.
 class SteppedRunLoop final : public RunLoop {
  public:
   SteppedTasks tasks;
@@ -95,7 +96,7 @@ class SteppedRunLoop final : public RunLoop {
     return std::make_unique<Handle>(timers.back());
   }
 
-  /// Advances the clock and calls the blocks of due timers in order of time. Does not run tasks that they
+  /// Advances the clock and calls the actions of due timers in order of time. Does not run tasks that they
   /// post.
   void advance(double seconds) {
     const double end = now_ + seconds;

@@ -36,8 +36,8 @@ const ByteUnit& unitFor(double byteCount) {
   std::size_t chosen = 0;
   for (std::size_t next = 1; next < byteUnits.size(); ++next) {
     const ByteUnit& smaller = byteUnits[next - 1];
-    // Half of the last shown digit. A count within this distance would be rounded to 1,024 of the smaller
-    // unit.
+    // Half a unit of the last shown digit. A count that is closer to the next unit than this would be rounded
+    // to 1,024 of the smaller unit.
     const double roundingMargin = 0.5 * std::pow(10.0, -smaller.fractionDigits) * smaller.size;
     if (byteCount >= byteUnits[next].size - roundingMargin) chosen = next;
   }
@@ -65,7 +65,7 @@ std::string_view environmentValue(const char* variable) {
   return value == nullptr ? std::string_view{} : std::string_view{value};
 }
 
-/// Creates the ICU formatter at the first call, so that ICU's data is not loaded before.
+/// Creates the ICU formatter at the first call, so that the program loads ICU's data only when it needs it.
 class LazyByteCountFormatter final : public ByteCountFormatter {
  public:
   std::string string(std::int64_t byteCount) const override {

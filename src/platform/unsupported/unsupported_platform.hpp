@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-/// The neutral value of every function of Platform. Tests use it, and a port to another system starts as a
+/// Every function returns its neutral value. Tests use this class, and a port to another system starts as a
 /// copy of it.
 class UnsupportedPlatform final : public Platform {
  public:

@@ -103,8 +103,8 @@ TEST(IcuPercentFormatter, UsesThePercentPatternOfTheLocale) {
   EXPECT_EQ(percent(12, "ar_EG"), "\u0661\u0662\u066a\u061c");
 }
 
-/// Sets the three environment variables of numberLocale, and restores them in its destructor. Null unsets
-/// one.
+/// Sets the three environment variables of numberLocale, and restores them in its destructor. Null unsets a
+/// variable.
 class LocaleEnvironment {
  public:
   LocaleEnvironment(const char* all, const char* numeric, const char* language) {

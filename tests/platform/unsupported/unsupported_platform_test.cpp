@@ -18,7 +18,7 @@ namespace {
 
 using testing::IsEmpty;
 
-TEST(UnsupportedPlatform, GivesASnapshotWithoutProcesses) {
+TEST(UnsupportedPlatform, ReturnsASnapshotWithoutProcesses) {
   MemorySampler sampler(UnsupportedPlatform().makeSamplerPort());
   for (int sweep = 0; sweep < 2; ++sweep) {
     const MemorySnapshot snapshot = sampler.sample();
@@ -29,13 +29,13 @@ TEST(UnsupportedPlatform, GivesASnapshotWithoutProcesses) {
   }
 }
 
-TEST(UnsupportedPlatform, GivesNoExtras) {
+TEST(UnsupportedPlatform, ReturnsNoExtras) {
   const ExtrasReader reader(UnsupportedPlatform().makeExtrasPort());
   EXPECT_EQ(reader.read(), SystemExtras{});
   EXPECT_EQ(thermalPhrase(reader.thermalState()), "Temperature unknown");
 }
 
-TEST(UnsupportedPlatform, LetsTheMonitorRun) {
+TEST(UnsupportedPlatform, MonitorRuns) {
   UnsupportedPlatform platform;
   SteppedRunLoop mainLoop;
   SteppedQueues queues;
@@ -71,13 +71,13 @@ TEST(UnsupportedPlatform, ReturnsNeutralValuesBeforeTheApplicationExists) {
   EXPECT_EQ(platform.displayProblem(), std::nullopt);
 }
 
-TEST(UnsupportedPlatform, ClaimsEveryInstance) {
+TEST(UnsupportedPlatform, AcceptsEveryClaimOfAnInstance) {
   UnsupportedPlatform platform;
   EXPECT_TRUE(platform.makeSingleInstance()->claim([] { FAIL(); }));
   EXPECT_TRUE(platform.makeSingleInstance()->claim([] { FAIL(); }));
 }
 
-TEST(UnsupportedPlatform, WatchesNothing) {
+TEST(UnsupportedPlatform, ReturnsNeutralValues) {
   UnsupportedPlatform platform;
   EXPECT_EQ(platform.watchTerminationSignals(), nullptr);
   EXPECT_EQ(platform.watchWorkspaces([] { FAIL(); }), nullptr);

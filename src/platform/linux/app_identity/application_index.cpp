@@ -96,7 +96,7 @@ bool ApplicationIndex::refresh() {
                                                    return readState(directory.path) == directory.state;
                                                  });
   if (isCurrent) return false;
-  isBuilt_ = false;  // and stays so if the build throws std::bad_alloc
+  isBuilt_ = false;  // stays false if build() throws std::bad_alloc
   build();
   isBuilt_ = true;
   return true;
@@ -109,8 +109,8 @@ void ApplicationIndex::build() {
   for (NameTable* names : {&byId_, &byExecutable_, &byServiceExecutable_, &byDirectory_, &byDirectoryName_})
     names->clear();
   for (const std::string& data : dataDirectories_) {
-    // A symbolic link can lead to a large tree. The limit is per data directory, so that the others stay
-    // complete.
+    // A symbolic link can lead to a large tree. The limit applies to each data directory separately, so that
+    // the index of the others stays complete.
     constexpr std::size_t maxDirectories = 500;
     directoryLimit_ = watchedDirectories_.size() + maxDirectories;
     addDirectory(roots_.root + data + "/applications", "", 0);
@@ -163,7 +163,7 @@ void ApplicationIndex::addExecutable(const DesktopEntry& entry, const std::strin
   auto argumentCount = static_cast<std::uint32_t>(command->arguments.size());
   std::string program = command->program;
   if (isLauncher(lastPathComponent(program))) {
-    // An interpreter's script identifies the application. What a launcher starts is not known from here.
+    // An interpreter's script identifies the application. The executable that a launcher starts is unknown.
     if (command->arguments.empty() || !command->arguments.front().starts_with('/')) return;
     program = command->arguments.front();
     --argumentCount;
@@ -235,7 +235,7 @@ const std::string* ApplicationIndex::byPrivateDirectory(std::string_view path) c
   for (const std::string_view directory : directories) {
     if (const std::string* file = findFile(byDirectory_, directory)) return file;
   }
-  // Only the name of the outermost directory is searched: "/usr/lib/firefox", not "/usr/lib/other/firefox".
+  // Only the name of the outermost directory is compared: "/usr/lib/firefox", not "/usr/lib/other/firefox".
   return directories.empty() ? nullptr : findFile(byDirectoryName_, lastPathComponent(directories.back()));
 }
 

@@ -22,7 +22,8 @@ class NameTable {
  public:
   void clear();
 
-  /// If a name is added several times, the number with the least rank is kept; of equal ranks, the first.
+  /// If a name is added several times, the number with the lowest rank is kept; if ranks are equal, the
+  /// number that was added first.
   void add(std::string_view name, std::uint32_t number, std::uint32_t rank);
 
   void finish();
@@ -53,13 +54,13 @@ class NameTable {
 /// Specification).
 class ApplicationIndex {
  public:
-  /// `dataDirectories`: highest precedence first. `programDirectories`: where a program is searched that an
-  /// Exec key names without a directory. Nothing is read before the first `refresh`.
+  /// `dataDirectories`: highest precedence first. `programDirectories`: searched for programs that an Exec
+  /// key names without a directory. No file is read before the first `refresh`.
   ApplicationIndex(LinuxRoots roots, std::vector<std::string> dataDirectories,
                    std::vector<std::string> programDirectories);
 
-  /// Builds the index if it is not built yet or one of its directories has changed. Returns whether it did;
-  /// all pointers that the lookups returned are then invalid.
+  /// Builds the index if it is not built yet or one of its directories has changed. Returns true if it built
+  /// the index; pointers from earlier lookups are then invalid.
   bool refresh();
 
   // Lookups. They return the path of a desktop file, valid until the index is built again, or null.
@@ -73,7 +74,7 @@ class ApplicationIndex {
   const std::string* byServiceExecutable(const std::string& path) const;
 
   /// The application whose private directory (such as /usr/lib/NAME or /opt/NAME) contains `path`; the
-  /// innermost one decides.
+  /// innermost such directory decides.
   const std::string* byPrivateDirectory(std::string_view path) const;
 
   /// Number of applications.
@@ -118,7 +119,8 @@ class ApplicationIndex {
   std::vector<std::string> files_;  ///< paths of the desktop files
 
   // The numbers are indexes into `files_`, the ranks are numbers of arguments: of several entries that start
-  // the same program, the one with the fewest arguments is the application, the others are its actions.
+  // the same program, the entry with the fewest arguments represents the application; the other entries are
+  // its actions.
   NameTable byId_;
   NameTable byExecutable_;
   NameTable byServiceExecutable_;

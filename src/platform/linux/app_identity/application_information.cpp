@@ -22,7 +22,7 @@ class PropertyListScanner {
  public:
   explicit PropertyListScanner(std::string_view text) : rest_(text) {}
 
-  /// Consumes `character` if it comes next.
+  /// Consumes `character` if it is the next token. Returns whether it was.
   bool take(char character) {
     skipWhitespace();
     if (!rest_.starts_with(character)) return false;
@@ -42,7 +42,7 @@ class PropertyListScanner {
     return text;
   }
 
-  /// Skips a dictionary, an array or data, with everything nested in it. False if it is not complete.
+  /// Skips a dictionary, an array or data, including nested values. Returns false if the value is incomplete.
   bool skipValue() {
     int depth = 0;
     do {
@@ -63,9 +63,9 @@ class PropertyListScanner {
  private:
   /// Whether a string without quotes may contain `character`.
   static bool isPlain(char character) {
-    constexpr std::string_view others = "_-./:$+*@%&";
+    constexpr std::string_view punctuation = "_-./:$+*@%&";
     return std::isalnum(static_cast<unsigned char>(character)) != 0 ||
-           others.find(character) != std::string_view::npos;
+           punctuation.find(character) != std::string_view::npos;
   }
 
   void skipWhitespace() {

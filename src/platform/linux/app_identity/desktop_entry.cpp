@@ -39,9 +39,9 @@ bool isTrue(const KeyFile& file, const char* key) {
   return g_key_file_get_boolean(file.get(), group, key, nullptr) != 0;
 }
 
-/// Null for anything but a desktop file of an application.
+/// Returns null if the file is not the desktop file of an application.
 KeyFile loadApplication(const std::string& path) {
-  // Some files hold translations in a hundred languages.
+  // The limit admits files with translations in a hundred languages.
   constexpr std::size_t maxSize = std::size_t{256} << 10;
   KeyFile file(g_key_file_new(), g_key_file_free);
   const std::string text = readFile(path, maxSize + 1);

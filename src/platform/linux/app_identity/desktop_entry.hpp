@@ -16,7 +16,7 @@ namespace tarn {
 /// The keys of a desktop file that decide which processes belong to the application.
 struct DesktopEntry {
   std::string exec;             ///< Exec: a command line with quotes and field codes
-  bool isListed = true;         ///< not NoDisplay: menus show the application
+  bool isListed = true;         ///< false if NoDisplay is set: menus do not show the application
   bool runsInTerminal = false;  ///< Terminal: its processes belong to the terminal emulator
 
   bool operator==(const DesktopEntry&) const = default;

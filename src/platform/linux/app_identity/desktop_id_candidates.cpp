@@ -64,7 +64,7 @@ std::string snapDesktopId(std::string snap, std::string_view application) {
   return snap;
 }
 
-/// `unit` is the rest of a unit name after "snap." and without its suffix.
+/// `unit` is a unit name without the prefix "snap." and without its suffix.
 std::vector<std::string> snapDesktopIds(std::string_view unit) {
   const Parts parts = split(unit, '.');
   const std::string snap = unescapeUnitName(parts.front());
@@ -85,7 +85,7 @@ bool hasValue(std::string_view option) {
   return isClassPathOption(option) || std::find(options.begin(), options.end(), option) != options.end();
 }
 
-/// Options after which no script follows: code on the command line, a module by its name, standard input.
+/// Options that replace the script: code on the command line, the name of a module, standard input.
 bool replacesScript(std::string_view option) {
   return option == "-c" || option == "-e" || option == "-m" || option == "-";
 }
@@ -139,8 +139,8 @@ std::vector<std::string> sandboxDesktopIds(std::string_view cgroupPath) {
 
 /// The systemd documentation "Desktop Environments" (https://systemd.io/DESKTOP_ENVIRONMENTS) defines the
 /// names "app[-LAUNCHER]-ID[@RANDOM].service", "app[-LAUNCHER]-ID-RANDOM.scope" and
-/// "app[-LAUNCHER]-ID.slice". Hyphens within LAUNCHER and ID should be escaped, but some launchers do not:
-/// every hyphen may separate LAUNCHER and ID.
+/// "app[-LAUNCHER]-ID.slice". Hyphens within LAUNCHER and ID should be escaped, but some launchers do not
+/// escape them, so any hyphen may separate LAUNCHER and ID.
 std::vector<std::string> unitDesktopIds(std::string_view cgroupPath) {
   std::vector<std::string> ids;
   for (std::string_view unit : split(cgroupPath, '/')) {
@@ -192,7 +192,7 @@ std::vector<std::string_view> privateDirectories(std::string_view path) {
   for (const std::string_view root : roots) {
     if (!path.starts_with(root)) continue;
     std::size_t rootLength = root.size();
-    // "/usr/lib/x86_64-linux-gnu" (Debian's multiarch directories) is such a root itself.
+    // "/usr/lib/x86_64-linux-gnu" (Debian's multiarch directories) is a root, too.
     const std::string_view first = path.substr(rootLength, path.find('/', rootLength) - rootLength);
     if (first.find("-linux-gnu") != std::string_view::npos) rootLength += first.size() + 1;
     std::vector<std::string_view> directories;

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Pure functions: what the cgroup, the arguments and the executable path of a process say about its
-// application.
+// Pure functions that derive the application of a process from its cgroup, arguments and executable path.
 //
 // A desktop id is a "desktop file ID" as the Desktop Entry Specification defines it, here without ".desktop".
 // Functions that return several candidates return the most likely one first.
@@ -20,8 +19,8 @@ namespace tarn {
 /// hierarchy that systemd uses. Empty if there is neither.
 std::string parseCgroupPath(std::string_view text);
 
-/// The first arguments, a dozen at most, in `/proc/PID/cmdline`. An argument without its final zero byte is
-/// included only if the text `isComplete`: otherwise it may be cut off.
+/// The first arguments (at most 12) in `/proc/PID/cmdline`. `isComplete`: whether `text` is the
+/// whole file. Otherwise the last argument may be truncated, and is omitted unless a zero byte ends it.
 std::vector<std::string> parseArguments(std::string_view text, bool isComplete);
 
 /// Desktop ids of the Flatpak or snap that a cgroup belongs to. Empty outside of these sandboxes.
@@ -37,7 +36,7 @@ std::optional<std::string> scriptPath(const std::vector<std::string>& arguments)
 /// The directory at which the AppImage that contains an executable is mounted.
 std::optional<std::string> appImageMount(std::string_view executable);
 
-/// Directories that contain `path` and can be an application's own, innermost first: "/opt/X", "/usr/lib/X"
+/// Directories that contain `path` and may belong to one application, innermost first: "/opt/X", "/usr/lib/X"
 /// and the like, and their subdirectories. Empty for other paths. The results are views into `path`.
 std::vector<std::string_view> privateDirectories(std::string_view path);
 

@@ -19,7 +19,7 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t minPruneSize = 512;
-constexpr std::size_t maxFileSize = 4096;  // bytes that are read of a file of a process
+constexpr std::size_t maxFileSize = 4096;  // bytes read from each file of a process
 
 std::string processDirectory(const LinuxRoots& roots, std::int32_t pid) {
   return roots.proc + '/' + std::to_string(pid);
@@ -69,7 +69,7 @@ void LinuxApplicationRules::prune() {
 
 std::string LinuxApplicationRules::findRoot(std::int32_t pid) const {
   const ProcessOrigin origin = readProcessOrigin(roots_, pid);
-  // The path of a sandboxed executable belongs to another mount namespace: it is not looked up.
+  // The path of a sandboxed executable belongs to another mount namespace, so it is not looked up.
   const auto sandbox = sandboxDesktopIds(origin.cgroup);
   if (!sandbox.empty()) return copyOrEmpty(findById(sandbox));
   if (const auto* file = findByProgram(origin.executable)) return *file;

@@ -21,9 +21,9 @@ namespace tarn {
 /// Finds the application of a process. The first rule that applies decides:
 ///
 /// 1. the Flatpak or snap of its cgroup;
-/// 2. the desktop file whose Exec key starts its executable, or that owns a directory above it;
+/// 2. the desktop file whose Exec key starts its executable, or whose private directory contains it;
 /// 3. the D-Bus service with an application's id that its executable implements;
-/// 4. for an interpreter: the desktop file of its script, as in 2.;
+/// 4. for an interpreter: the desktop file of its script, found as in rule 2;
 /// 5. the systemd unit of its cgroup;
 /// 6. the AppImage that contains its executable.
 ///
@@ -38,8 +38,8 @@ class LinuxApplicationRules final : public ApplicationRules {
   LinuxApplicationRules(LinuxRoots roots, ApplicationIndex index, ExecId execId,
                         Clock clock = std::chrono::steady_clock::now);
 
-  /// Returns the path of the application's desktop file. `path` is ignored: it may be that of an earlier
-  /// program of the process.
+  /// Returns the path of the application's desktop file. `path` is ignored: it may be the path of a program
+  /// that the process executed earlier.
   SharedText applicationRoot(std::int32_t pid, const std::string& path) override;
 
   /// Number of cached processes.
@@ -67,7 +67,7 @@ class LinuxApplicationRules final : public ApplicationRules {
   std::size_t pruneSize_;  ///< size of `cache_` at which it is pruned next
 };
 
-/// What the rules read of every new process.
+/// The data that the rules read for every new process.
 struct ProcessOrigin {
   std::string executable;  ///< target of /proc/PID/exe, a path in the mount namespace of the process
   std::string cgroup;      ///< path in the hierarchy that systemd manages
@@ -76,7 +76,7 @@ struct ProcessOrigin {
 /// A text is empty if its file cannot be read.
 ProcessOrigin readProcessOrigin(const LinuxRoots& roots, std::int32_t pid);
 
-/// The first arguments of a process, a dozen at most. Empty if they cannot be read.
+/// The first arguments of a process, at most 12. Empty if they cannot be read.
 std::vector<std::string> readArguments(const LinuxRoots& roots, std::int32_t pid);
 
 }  // namespace tarn

@@ -35,7 +35,7 @@ struct SamplerClocks {
 };
 
 /// Composes the port of the machine whose files lie below `roots`. Desktop files are first read in the first
-/// sweep. The parts share ownership of what they have in common.
+/// sweep. The application rules share ownership of the process source.
 SamplerPort makeLinuxSamplerPort(const LinuxRoots& roots,
                                  const Environment& environment = environmentVariable,
                                  SamplerClocks clocks = {});
@@ -45,7 +45,7 @@ SamplerPort makeLinuxSamplerPort(const LinuxRoots& roots,
 /// are ignored, as that document requires.
 std::vector<std::string> dataDirectories(const Environment& environment);
 
-/// The directories of $PATH, then the usual ones, which the PATH of a session may lack.
+/// The directories of $PATH, then the usual program directories, which the PATH of a session may lack.
 std::vector<std::string> programDirectories(const Environment& environment);
 
 }  // namespace tarn

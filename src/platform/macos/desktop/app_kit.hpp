@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What Tarn needs of AppKit, in standard types: the status item, and the workspace. Main thread.
+// The parts of AppKit that Tarn uses (status item, workspace), with types of the standard library. Main
+// thread.
 
 #pragma once
 
@@ -63,12 +64,12 @@ struct Pixels {
 /// when drawing fails.
 Pixels fileIcon(const std::string& path, int scale);
 
-/// -[NSApplication terminate:]. Qt first answers it with a cancel and ends the program from its event loop.
+/// -[NSApplication terminate:]. Qt cancels this request and ends the program from its event loop.
 void terminate();
 
 /// Calls `reopened` for each kAEReopenApplication event (the user opens the application while it runs), until
-/// the returned object is destroyed. Replaces Qt's handler, which Qt installs when its event loop starts:
-/// call it later than that. One at a time.
+/// the returned object is destroyed. Replaces the handler that Qt installs when its event loop starts, so
+/// call this function after that. Only one such object may exist at a time.
 std::shared_ptr<void> watchReopening(std::function<void()> reopened);
 
 }  // namespace tarn::macos

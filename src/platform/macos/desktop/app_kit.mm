@@ -106,7 +106,8 @@ NSImage* symbolImage(const StatusItemContent& content) {
   return [symbol imageWithSymbolConfiguration:[size configurationByApplyingConfiguration:palette]];
 }
 
-// The image includes the distance to the title, because NSButton's own differs between macOS versions.
+// The image includes the distance to the title, because the distance that NSButton uses differs between macOS
+// versions.
 NSImage* withTitleDistance(NSImage* symbol, NSUserInterfaceLayoutDirection direction) {
   const NSSize size = symbol.size;
   const CGFloat left = direction == NSUserInterfaceLayoutDirectionRightToLeft ? titleDistance : 0;
@@ -185,7 +186,7 @@ void drawIcon(NSImage* icon, NSGraphicsContext* context, int scale) {
   NSAffineTransform* const pixels = [NSAffineTransform transform];
   [pixels scaleBy:scale];
   [pixels concat];
-  // NSCompositingOperationCopy, because a new bitmap is not necessarily clear.
+  // NSCompositingOperationCopy, because a new bitmap may contain visible pixels.
   [icon drawInRect:NSMakeRect(0, 0, iconSide, iconSide)
           fromRect:NSZeroRect
          operation:NSCompositingOperationCopy

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Connects app_kit.hpp to Qt. Needs no Mac: built and tested on every system. Main thread.
+// Connects app_kit.hpp to Qt. Built and tested on every system. Main thread.
 
 #pragma once
 

@@ -16,9 +16,9 @@ struct DispatchFunctions {
   void* (*createPressureSource)(unsigned long levels, void* queue);
   void (*setHandler)(void* source, void* context, void (*handler)(void* context));
   void (*resume)(void* source);
-  unsigned long (*pendingLevels)(void* source);  ///< in the handler only
-  void (*cancel)(void* source);                  ///< no handler starts after this
-  void (*waitFor)(void* queue);                  ///< until the tasks on the queue have ended
+  unsigned long (*pendingLevels)(void* source);  ///< may be called only in the handler
+  void (*cancel)(void* source);                  ///< no call of the handler starts after this call
+  void (*waitFor)(void* queue);                  ///< returns when the tasks on the queue have ended
   void (*release)(void* object);
 };
 

@@ -13,7 +13,7 @@
 
 namespace tarn::macos {
 
-/// A CFTypeRef; may be null. It does not say who owns the object.
+/// A CFTypeRef; may be null. The type does not define who owns the object.
 using ObjectRef = const void*;
 
 /// An object that its owner releases.

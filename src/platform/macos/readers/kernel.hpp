@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The kernel's functions and records that the readers use, so that these compile and are tested on every
-// system. The layouts are checked here by size and offset, and in system/kernel_bindings.cpp against the
-// system's headers. Source of the layouts: the xnu headers named at each record.
+// The kernel's functions and records that the readers use. They need no system header, so that the readers
+// compile and are tested on every system. The layouts are checked here by size and offset, and in
+// system/kernel_bindings.cpp against the system's headers. Source of the layouts: the xnu headers named at
+// each record.
 
 #pragma once
 
@@ -52,8 +53,8 @@ struct SwapRecord {
 static_assert(sizeof(SwapRecord) == 32);
 static_assert(offsetof(SwapRecord, used) == 16);
 
-/// struct vm_statistics64, <mach/vm_statistics.h>: numbers of pages. It grew over time; this is the largest
-/// known version. An older kernel fills only the fields that it has.
+/// struct vm_statistics64, <mach/vm_statistics.h>: numbers of pages. New versions add fields; this is the
+/// largest known version. An older kernel fills only the fields that it has.
 struct MemoryRecord {
   std::array<std::uint32_t, 3> unread1;
   std::uint32_t wiredPages;
@@ -75,7 +76,7 @@ struct Timebase {
 };
 static_assert(sizeof(Timebase) == 8);
 
-/// The kernel's functions, with the arguments, results and conventions of the system's own.
+/// The kernel's functions, with the same arguments, results and conventions as the system's functions.
 struct KernelFunctions {
   int (*sysctlByName)(const char* name, void* value, std::size_t* size, void* newValue, std::size_t newSize);
   int (*hostStatistics)(int flavor, void* record,

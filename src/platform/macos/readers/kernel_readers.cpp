@@ -14,7 +14,7 @@ namespace tarn::macos {
 
 namespace {
 
-// Compared with the system's constants in system/kernel_bindings.cpp.
+// system/kernel_bindings.cpp checks that these values equal the system's constants.
 constexpr std::uint32_t allProcesses = 1;  // PROC_ALL_PIDS
 constexpr int usageVersion6 = 6;           // RUSAGE_INFO_V6
 constexpr int processRecord = 3;           // PROC_PIDTBSDINFO
@@ -23,7 +23,7 @@ constexpr int memoryRecord = 4;            // HOST_VM_INFO64
 constexpr std::size_t longestPath = 4096;  // PROC_PIDPATHINFO_MAXSIZE, bytes
 constexpr std::size_t spareSlots = 16;     // for processes that start between two calls
 
-/// The sysctl of that name; nullopt when there is none of this size.
+/// The value of a sysctl; nullopt when it cannot be read or its size is not that of Value.
 template <typename Value>
 std::optional<Value> readSysctl(const KernelFunctions& kernel, const char* name) {
   Value value = {};

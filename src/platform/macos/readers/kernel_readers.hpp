@@ -16,14 +16,14 @@
 
 namespace tarn::macos {
 
-/// The process table, by libproc. Any thread, also concurrently.
+/// Reads the process table through libproc. Thread: any, also concurrently.
 class MacProcScan final : public ProcScan {
  public:
   explicit MacProcScan(const KernelFunctions& kernel) : kernel_(kernel) {}
 
   std::vector<std::int32_t> allPIDs() override;
 
-  /// Nullopt unless the kernel fills the whole record. A parent pid above the range of std::int32_t aborts
+  /// nullopt unless the kernel fills the whole record. A parent pid above the range of std::int32_t aborts
   /// the program.
   std::optional<BsdInfo> bsdInfo(std::int32_t pid) override;
 
@@ -43,7 +43,7 @@ class MacProcScan final : public ProcScan {
   Timebase timebase_ = {};
 };
 
-/// The memory figures. Each is 0 when its own call fails. Any thread.
+/// Reads the memory figures. A figure is 0 when its call fails. Thread: any.
 class MacSystemMemoryReader final : public SystemMemoryReader {
  public:
   explicit MacSystemMemoryReader(const KernelFunctions& kernel) : kernel_(kernel) {}
@@ -51,14 +51,14 @@ class MacSystemMemoryReader final : public SystemMemoryReader {
   std::uint64_t totalRAM() override;
   std::uint64_t swapUsed() override;
 
-  /// A number of bytes above 64 bits aborts the program.
+  /// A number of bytes that exceeds 64 bits aborts the program.
   SystemMemory read() override;
 
  private:
   KernelFunctions kernel_;
 };
 
-/// The sysctl kern.memorystatus_vm_pressure_level; nullopt when it cannot be read. Any thread.
+/// The sysctl kern.memorystatus_vm_pressure_level; nullopt when it cannot be read. Thread: any.
 std::optional<std::int32_t> readPressureLevel(const KernelFunctions& kernel);
 
 }  // namespace tarn::macos

@@ -15,7 +15,7 @@ namespace tarn::macos {
 namespace {
 
 constexpr std::int64_t temperatureEventType = 15;                      // kIOHIDEventTypeTemperature
-constexpr std::int64_t temperatureField = temperatureEventType << 16;  // IOHIDEventFieldBase() of it
+constexpr std::int64_t temperatureField = temperatureEventType << 16;  // IOHIDEventFieldBase() of that type
 
 // Temperature sensors are services with a usage on a vendor-defined HID usage page (0xFF00).
 constexpr std::array<IntegerEntry, 2> temperatureSensors = {
@@ -81,10 +81,10 @@ std::optional<PropertyDictionary> readBatteryController(const PowerFunctions& po
                                                         const ObjectFunctions& objects) {
   const RegistryEntry service = power.matchingService("AppleSmartBattery");
   if (service == 0) return std::nullopt;
-  ObjectRef found = nullptr;
-  const std::int32_t status = power.createProperties(service, &found);
+  ObjectRef created = nullptr;
+  const std::int32_t status = power.createProperties(service, &created);
   power.releaseService(service);
-  const OwnedObject properties = objects.owned(found);
+  const OwnedObject properties = objects.owned(created);
   if (status != 0) return std::nullopt;
   return propertiesOf(objects, properties.get(), controllerKeys);
 }

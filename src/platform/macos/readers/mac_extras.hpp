@@ -16,8 +16,8 @@
 
 namespace tarn::macos {
 
-/// Functions of the HID event system; null where one was not found. The caller releases what `create`,
-/// `copyServices` and `copyEvent` return, which may be null.
+/// Functions of the HID event system. A function that was not found is null. The caller releases what
+/// `create`, `copyServices` and `copyEvent` return, which may be null.
 struct EventSystemFunctions {
   ObjectRef (*create)(ObjectRef allocator) = nullptr;
   void (*setMatching)(ObjectRef client, ObjectRef matching) = nullptr;
@@ -42,7 +42,8 @@ class EventSystemSensors {
       : events_(events), objects_(objects) {}
 
   /// The value of each sensor that has one, degrees Celsius, in the system's order. Creates a client of the
-  /// event system and releases it and its objects. Empty, without any call, when a function was not found.
+  /// event system and releases it and its objects. Makes no call and returns an empty vector when a function
+  /// was not found.
   std::vector<double> readings() const;
 
  private:

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What Tarn needs of Foundation, in standard types. Any thread, except the two formatters: main thread.
+// The functions of Foundation that Tarn uses, with types of the standard library. Thread: any; byteCountText
+// and percentText only on the main thread.
 
 #pragma once
 
@@ -24,7 +25,7 @@ void withAutoreleasePool(const std::function<void()>& task);
 std::string byteCountText(std::int64_t byteCount);
 
 /// A fraction (1.0 is "100%") as a whole percentage by NSNumberFormatter; nullopt when it returns nil.
-/// Created at the first call, too.
+/// The formatter is created at the first call.
 std::optional<std::string> percentText(double fraction);
 
 /// The string values of the information dictionary of the bundle at a path; empty when there is no bundle.

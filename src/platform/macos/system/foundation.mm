@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Each function has an autorelease pool: it may run on a thread without one.
+// Each function creates an autorelease pool, because it may run on a thread that has none.
 
 #include "platform/macos/system/foundation.hpp"
 

@@ -74,8 +74,8 @@ Formatters systemFormatters() {
 }
 
 int clampedProcessorCount() {
-  constexpr std::int64_t most = std::numeric_limits<int>::max();
-  return static_cast<int>(std::clamp<std::int64_t>(activeProcessorCount(), 0, most));
+  constexpr std::int64_t largest = std::numeric_limits<int>::max();
+  return static_cast<int>(std::clamp<std::int64_t>(activeProcessorCount(), 0, largest));
 }
 
 }  // namespace tarn::macos

@@ -18,7 +18,7 @@
 
 namespace tarn::macos {
 
-// The running system's functions. They live until the process ends. Any thread.
+// The running system's functions. They exist until the process ends. Thread: any.
 const KernelFunctions& kernelFunctions();
 const DispatchFunctions& dispatchFunctions();
 const ObjectFunctions& objectFunctions();
@@ -27,7 +27,7 @@ const PowerFunctions& powerFunctions();
 SamplerPort makeMacSamplerPort();
 ExtrasPort makeMacExtrasPort();
 
-/// Formatters of the user's locale; they live until the process ends.
+/// Formatters of the user's locale; they exist until the process ends.
 Formatters systemFormatters();
 
 /// Number of active processors, within the range of int.

@@ -129,7 +129,7 @@ TEST_F(ApplicationIndexTest, FindsDBusServicesWithTheIdOfAnApplication) {
   EXPECT_EQ(index_.byServiceExecutable("/usr/libexec/other-service"), nullptr);
 }
 
-TEST_F(ApplicationIndexTest, IdsOfFilesInSubdirectoriesIncludeTheirNames) {
+TEST_F(ApplicationIndexTest, IdsOfFilesInSubdirectoriesIncludeTheDirectoryNames) {
   addProgram("usr/bin/konsole");
   add("kde/konsole", "konsole");
   index_.refresh();

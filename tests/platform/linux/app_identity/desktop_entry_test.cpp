@@ -32,7 +32,7 @@ TEST_F(DesktopEntryTest, ReadsTheKeysThatIdentifyProcesses) {
             (DesktopEntry{.exec = "a", .isListed = false, .runsInTerminal = true}));
 }
 
-TEST_F(DesktopEntryTest, IsNothingForOtherTypesHiddenEntriesAndInvalidFiles) {
+TEST_F(DesktopEntryTest, IsNulloptForOtherTypesHiddenEntriesAndInvalidFiles) {
   EXPECT_EQ(read("[Desktop Entry]\nType=Link\nExec=a\n"), std::nullopt);
   EXPECT_EQ(read("[Desktop Entry]\nExec=a\n"), std::nullopt);
   EXPECT_EQ(read("[Desktop Entry]\nType=Application\nHidden=true\nExec=a\n"), std::nullopt);
@@ -41,7 +41,7 @@ TEST_F(DesktopEntryTest, IsNothingForOtherTypesHiddenEntriesAndInvalidFiles) {
   EXPECT_EQ(readDesktopEntry("/nowhere"), std::nullopt);
 }
 
-TEST_F(DesktopEntryTest, IsNothingForSpecialFilesAndLargeFiles) {
+TEST_F(DesktopEntryTest, IsNulloptForSpecialFilesAndLargeFiles) {
   const std::string entry = "[Desktop Entry]\nType=Application\nExec=a\n";
   EXPECT_TRUE(read(entry + std::string(200'000, '#')));
   EXPECT_EQ(read(entry + std::string(50 << 20, '#')), std::nullopt);
@@ -53,7 +53,7 @@ TEST_F(DesktopEntryTest, IsNothingForSpecialFilesAndLargeFiles) {
   EXPECT_EQ(read(), std::nullopt);
 }
 
-TEST_F(DesktopEntryTest, AcceptsInvalidUtf8ButNoZeroBytes) {
+TEST_F(DesktopEntryTest, AcceptsInvalidUtf8AndRejectsZeroBytes) {
   EXPECT_EQ(read("[Desktop Entry]\nType=Application\nExec=a\0b\n"s), std::nullopt);
   read("[Desktop Entry]\nType=Application\nExec=\xff\xfe\nName=\xff\n");
   readDesktopAppearance(tree_.at("a.desktop").string());
@@ -89,19 +89,19 @@ TEST(ExecKey, SkipsEnvAssignmentsAndShells) {
   EXPECT_EQ(parseExecKey("bash -c 'app %F'"), (ExecCommand{"app", {}}));
 }
 
-TEST(ExecKey, IsNothingWithoutAProgram) {
+TEST(ExecKey, IsNulloptWithoutAProgram) {
   for (const auto* exec : {"", "   ", "%U", "env", "env A=1", "sh -c ''", "\"\"", "\"unclosed", "env -u"}) {
     EXPECT_EQ(parseExecKey(exec), std::nullopt) << exec;
   }
 }
 
-TEST(ExecKey, IsNothingIfTooLong) {
+TEST(ExecKey, IsNulloptIfTooLong) {
   std::string exec = "app";
   for (int word = 0; word < 10'000; ++word) exec += " word";
   EXPECT_EQ(parseExecKey(exec), std::nullopt);
 }
 
-TEST(IsLauncher, KnowsShellsInterpretersAndLaunchers) {
+TEST(IsLauncher, IsTrueForShellsInterpretersAndLaunchers) {
   for (const auto* name : {"sh", "bash", "python3", "python3.11", "perl", "node", "lua5.4", "gjs", "java",
                            "flatpak", "env", "pkexec", "wish8.6"}) {
     EXPECT_TRUE(isLauncher(name)) << name;

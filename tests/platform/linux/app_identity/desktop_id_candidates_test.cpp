@@ -18,7 +18,7 @@ std::string inSlice(const std::string& unit) {
   return slice + unit;
 }
 
-TEST(CgroupPath, IsThatOfVersion2ElseOfSystemd) {
+TEST(CgroupPath, IsTheVersion2PathElseTheSystemdPath) {
   EXPECT_EQ(parseCgroupPath("0::/user.slice/a.scope\n"), "/user.slice/a.scope");
   EXPECT_EQ(parseCgroupPath("12:cpu:/x\n1:name=systemd:/user.slice/b.scope\n0::/\n"), "/user.slice/b.scope");
   EXPECT_EQ(parseCgroupPath("1:name=systemd:/b\n0::/c\n"), "/c");
@@ -37,14 +37,14 @@ TEST(Arguments, AreSplitAtZeroBytesAndLimited) {
   EXPECT_EQ(parseArguments(std::string(100, '\0'), true).size(), 12U);
 }
 
-TEST(SandboxDesktopIds, AreThatOfAFlatpak) {
+TEST(SandboxDesktopIds, AreTheIdOfAFlatpak) {
   EXPECT_THAT(sandboxDesktopIds(inSlice("app-flatpak-org.mozilla.firefox-12345.scope")),
               ElementsAre("org.mozilla.firefox"));
   EXPECT_THAT(sandboxDesktopIds(inSlice("app-flatpak-com.example.my\\x2dapp-7.scope")),
               ElementsAre("com.example.my-app"));
 }
 
-TEST(SandboxDesktopIds, AreThoseOfASnap) {
+TEST(SandboxDesktopIds, AreTheIdsOfASnap) {
   EXPECT_THAT(sandboxDesktopIds(inSlice("snap.firefox.firefox.0a1b-22.scope")),
               ElementsAre("firefox_firefox"));
   EXPECT_THAT(sandboxDesktopIds(inSlice("snap.gimp.gimp-77.scope")),
@@ -53,13 +53,13 @@ TEST(SandboxDesktopIds, AreThoseOfASnap) {
               ElementsAre("lxd_daemon", "lxd_lxd"));
 }
 
-TEST(SandboxDesktopIds, AreNoneIfTheUnitNameHasNoId) {
+TEST(SandboxDesktopIds, AreEmptyIfTheUnitNameHasNoId) {
   for (const auto* unit : {"snap.scope", "snap.service", "app-flatpak-.scope"}) {
     EXPECT_THAT(sandboxDesktopIds(inSlice(unit)), IsEmpty()) << unit;
   }
 }
 
-TEST(SandboxDesktopIds, AreNoneOutsideOfSandboxes) {
+TEST(SandboxDesktopIds, AreEmptyOutsideOfSandboxes) {
   for (const auto* group :
        {"", "/", "/init.scope", "/user.slice/session-2.scope", "/snap", "/app-flatpak-x"}) {
     EXPECT_THAT(sandboxDesktopIds(group), IsEmpty()) << group;
@@ -67,7 +67,7 @@ TEST(SandboxDesktopIds, AreNoneOutsideOfSandboxes) {
   EXPECT_THAT(sandboxDesktopIds(inSlice("app-org.kde.kate-1.scope")), IsEmpty());
 }
 
-TEST(UnitDesktopIds, AreThoseInScopeAndServiceNames) {
+TEST(UnitDesktopIds, AreTheIdsInScopeAndServiceNames) {
   EXPECT_EQ(unitDesktopIds(inSlice("app-org.gnome.Terminal-9921.scope")).front(), "org.gnome.Terminal");
   EXPECT_EQ(unitDesktopIds(inSlice("app-gnome-org.gnome.Nautilus-2210.scope")).front(), "org.gnome.Nautilus");
   EXPECT_EQ(unitDesktopIds(inSlice("app-org.kde.konsole-0a1b2c.scope")).front(), "org.kde.konsole");
@@ -82,18 +82,18 @@ TEST(UnitDesktopIds, IncludeIdsWithUnescapedHyphens) {
               ElementsAre("esr", "firefox-esr", "gnome-firefox-esr"));
 }
 
-TEST(UnitDesktopIds, AreThoseOfTheInnermostUnit) {
+TEST(UnitDesktopIds, AreTheIdsOfTheInnermostUnit) {
   EXPECT_THAT(unitDesktopIds(inSlice("app-org.gnome.Terminal-1.scope/app-code-2.scope")),
               ElementsAre("code"));
 }
 
-TEST(UnitDesktopIds, AreThoseOfASliceIfTheInnerUnitIsNoApplication) {
+TEST(UnitDesktopIds, AreTheIdsOfASliceIfTheInnerUnitIsNoApplication) {
   EXPECT_THAT(unitDesktopIds(inSlice("app-org.gnome.Terminal.slice/vte-spawn-5f1b8fbc.scope")),
               ElementsAre("org.gnome.Terminal"));
   EXPECT_THAT(unitDesktopIds(inSlice("app-org.gnome.Terminal.slice/app-code-2.scope")), ElementsAre("code"));
 }
 
-TEST(UnitDesktopIds, AreNoneForOtherUnits) {
+TEST(UnitDesktopIds, AreEmptyForOtherUnits) {
   for (const auto* group : {"", "/", "/user.slice/session-2.scope", "/system.slice/cron.service",
                             "/app.slice", "/app-x", "/user.slice/vte-spawn-1234.scope"}) {
     EXPECT_THAT(unitDesktopIds(group), IsEmpty()) << group;
@@ -116,7 +116,7 @@ TEST(ScriptPath, IsTheFirstEntryOfTheClassPath) {
   EXPECT_EQ(scriptPath({"java", "-cp", "/usr/share/app/a.jar"}), std::nullopt) << "without a class";
 }
 
-TEST(ScriptPath, IsNothingWithoutAnAbsoluteScript) {
+TEST(ScriptPath, IsNulloptWithoutAnAbsoluteScript) {
   EXPECT_EQ(scriptPath({"python3", "-c", "print(1)", "/usr/bin/app"}), std::nullopt);
   EXPECT_EQ(scriptPath({"python3", "-m", "http.server", "/usr/bin/app"}), std::nullopt);
   EXPECT_EQ(scriptPath({"python3", "relative.py"}), std::nullopt);
@@ -144,7 +144,7 @@ TEST(PrivateDirectories, AreInnermostFirst) {
               ElementsAre("/usr/share/app/lib", "/usr/share/app"));
 }
 
-TEST(PrivateDirectories, AreNoneInSharedDirectories) {
+TEST(PrivateDirectories, AreEmptyInSharedDirectories) {
   for (const auto* path : {"/usr/bin/vim", "/usr/lib/helper", "/usr/libexec/helper", "/home/a/bin/x",
                            "/opt/x", "", "/usr/lib/x86_64-linux-gnu/helper"}) {
     EXPECT_THAT(privateDirectories(path), IsEmpty()) << path;

@@ -66,8 +66,8 @@ class ApplicationRulesTest : public ::testing::Test {
   std::chrono::steady_clock::time_point now_;
   LinuxApplicationRules rules_{tree_.roots(), ApplicationIndex(tree_.roots(), {"/usr/share"}, {"/usr/bin"}),
                                [this](std::int32_t pid) -> std::optional<std::uint64_t> {
-                                 const auto found = execIds_.find(pid);
-                                 return found == execIds_.end() ? std::nullopt : std::optional(found->second);
+                                 const auto entry = execIds_.find(pid);
+                                 return entry == execIds_.end() ? std::nullopt : std::optional(entry->second);
                                },
                                [this] { return now_; }};
 };
@@ -106,7 +106,7 @@ TEST_F(ApplicationRulesTest, MatchTheScriptOfAnInterpreter) {
                                   .arguments = "java -jar /usr/share/editor/editor.jar"}),
             "editor");
   EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/gcc", .arguments = "gcc /usr/bin/editor"}), "")
-      << "gcc is no interpreter";
+      << "gcc is not an interpreter";
 }
 
 TEST_F(ApplicationRulesTest, MatchTheSystemdUnit) {
@@ -134,28 +134,28 @@ TEST_F(ApplicationRulesTest, ReadNoFileOfACachedProcess) {
   start(41, {.executable = "/usr/bin/nothing"});
   EXPECT_EQ(applicationOf(41), "");
   tree_.link("proc/41/exe", "/usr/bin/editor");
-  EXPECT_EQ(applicationOf(41), "") << "that it has no application is cached, too";
+  EXPECT_EQ(applicationOf(41), "") << "the empty result is cached, too";
 }
 
-TEST_F(ApplicationRulesTest, LookAgainAtAProcessThatExecutedAnotherProgram) {
+TEST_F(ApplicationRulesTest, ReadAProcessAgainAfterItExecutedAnotherProgram) {
   start(40, {.executable = "/usr/bin/dash", .arguments = "sh /usr/bin/wrapper"});
   EXPECT_EQ(applicationOf(40), "");
   start(40, {.executable = "/usr/bin/editor"});
   EXPECT_EQ(applicationOf(40), "editor");
 }
 
-TEST_F(ApplicationRulesTest, FindNothingForAProcessThatHasExited) {
+TEST_F(ApplicationRulesTest, ReturnNoApplicationForAProcessThatHasExited) {
   EXPECT_EQ(applicationOf(40), "");
 }
 
-TEST_F(ApplicationRulesTest, LookAgainAtAllProcessesWhenDesktopFilesChange) {
-  start(40, {.executable = "/usr/bin/late"});
+TEST_F(ApplicationRulesTest, ReadAllProcessesAgainWhenDesktopFilesChange) {
+  start(40, {.executable = "/usr/bin/viewer"});
   EXPECT_EQ(applicationOf(40), "");
-  add("late", "/usr/bin/late");
+  add("viewer", "/usr/bin/viewer");
   now_ += std::chrono::seconds(3);
   EXPECT_EQ(applicationOf(Process{.executable = "/usr/bin/editor"}), "editor")
       << "a new process triggers the refresh";
-  EXPECT_EQ(applicationOf(40), "late");
+  EXPECT_EQ(applicationOf(40), "viewer");
 }
 
 TEST_F(ApplicationRulesTest, PruneProcessesThatHaveExited) {

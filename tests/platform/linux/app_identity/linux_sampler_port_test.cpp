@@ -17,12 +17,12 @@ using Variables = std::map<std::string, std::string>;
 
 Environment environmentOf(Variables variables) {
   return [variables = std::move(variables)](const char* name) {
-    const auto found = variables.find(name);
-    return found == variables.end() ? std::string() : found->second;
+    const auto entry = variables.find(name);
+    return entry == variables.end() ? std::string() : entry->second;
   };
 }
 
-TEST(DataDirectories, AreThoseOfTheUserThenTheSystemThenFlatpakAndSnapd) {
+TEST(DataDirectories, ListTheUserThenTheSystemThenFlatpakAndSnapd) {
   EXPECT_THAT(dataDirectories(environmentOf({{"HOME", "/home/a"}})),
               ElementsAre("/home/a/.local/share", "/usr/local/share", "/usr/share",
                           "/home/a/.local/share/flatpak/exports/share", "/var/lib/flatpak/exports/share",
@@ -43,7 +43,7 @@ TEST(DataDirectories, IgnoreRelativePaths) {
               ElementsAre("/b", "/var/lib/flatpak/exports/share", "/var/lib/snapd/desktop"));
 }
 
-TEST(ProgramDirectories, AreThoseOfPathAndTheUsualOnes) {
+TEST(ProgramDirectories, ListPathThenTheUsualDirectories) {
   EXPECT_THAT(programDirectories(environmentOf({{"PATH", "/home/a/bin:.:/usr/bin"}})),
               ElementsAre("/home/a/bin", "/usr/bin", "/usr/local/bin", "/bin", "/usr/games", "/snap/bin"));
 }
@@ -62,7 +62,7 @@ class LinuxSamplerPortTest : public testing::Test {
   TemporaryTree tree_;
 };
 
-TEST_F(LinuxSamplerPortTest, UsesTheClocksThatItIsGiven) {
+TEST_F(LinuxSamplerPortTest, UsesTheGivenClocks) {
   SamplerClocks clocks;
   clocks.processes = [](std::int32_t) { return std::optional<std::uint64_t>(5); };
   clocks.uptime = [] { return 7.0; };

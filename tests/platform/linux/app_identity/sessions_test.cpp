@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Recorded process tables, with cgroups and desktop files, and the application that each process belongs to.
+// Tests with recorded process tables, cgroups and desktop files: each process must have the expected
+// application.
 
 #include <gtest/gtest.h>
 
@@ -105,9 +106,9 @@ class Session {
 
   TemporaryTree tree_;
   std::map<std::int32_t, std::string> expectedApplications_;
-  bool isProcess_ = false;                     ///< of the current section
-  std::string subject_;                        ///< its path or pid
-  std::string text_;                           ///< content of its file, or of /proc/PID/cgroup
+  bool isProcess_ = false;                     ///< whether the current section is a process
+  std::string subject_;                        ///< path or pid of the current section
+  std::string text_;                           ///< content of the section's file, or of /proc/PID/cgroup
   std::map<std::string, std::string> values_;  ///< the other keys of a process
 };
 

@@ -126,9 +126,9 @@ Pixels square(int side) {
 TEST(MakeIcon, HasAnImageForEachScale) {
   const QIcon icon = makeIcon({square(32), square(64)});
   EXPECT_EQ(icon.pixmap(QSize(32, 32), 1).size(), QSize(32, 32));
-  const QPixmap twice = icon.pixmap(QSize(32, 32), 2);
-  EXPECT_EQ(twice.size(), QSize(64, 64));
-  const QColor color = twice.toImage().pixelColor(5, 5);
+  const QPixmap scaled = icon.pixmap(QSize(32, 32), 2);
+  EXPECT_EQ(scaled.size(), QSize(64, 64));
+  const QColor color = scaled.toImage().pixelColor(5, 5);
   EXPECT_NEAR(color.red(), 255, 1);
   EXPECT_NEAR(color.green(), 127, 1);
   EXPECT_EQ(color.blue(), 0);
@@ -136,10 +136,10 @@ TEST(MakeIcon, HasAnImageForEachScale) {
 }
 
 TEST(MakeIcon, SkipsImagesThatAreEmptyOrTooShort) {
-  Pixels cut = square(64);
-  cut.rgba.resize(10);
-  EXPECT_TRUE(makeIcon({Pixels{}, cut}).isNull());
-  EXPECT_FALSE(makeIcon({square(32), cut}).isNull());
+  Pixels truncated = square(64);
+  truncated.rgba.resize(10);
+  EXPECT_TRUE(makeIcon({Pixels{}, truncated}).isNull());
+  EXPECT_FALSE(makeIcon({square(32), truncated}).isNull());
 }
 
 }  // namespace

@@ -53,10 +53,10 @@ struct FakeDispatch {
                   return current->refusesSources ? nullptr : static_cast<void*>(&current->source_);
                 },
             .setHandler =
-                [](void* /*source*/, void* given, void (*called)(void*)) {
+                [](void* /*source*/, void* newContext, void (*newHandler)(void*)) {
                   current->calls.emplace_back("handler");
-                  current->context = given;
-                  current->handler = called;
+                  current->context = newContext;
+                  current->handler = newHandler;
                 },
             .resume = [](void* source) { current->note("resume", source); },
             .pendingLevels = [](void* /*source*/) { return current->pending; },
@@ -95,8 +95,9 @@ class DispatchPressureTest : public ::testing::Test {
   std::vector<MemoryPressure> delivered_;
 };
 
-TEST_F(DispatchPressureTest, ListensForAllThreeLevelsOnItsOwnSerialQueue) {
+TEST_F(DispatchPressureTest, ListensForAllThreeLevelsOnASeparateSerialQueue) {
   const auto monitor = makeMonitor();
+  // 7: normal (1), warning (2) and critical (4).
   EXPECT_THAT(dispatch_.calls,
               ElementsAre("queue com.tarn.pressure", "source 7", "handler", "resume source"));
 }
@@ -134,7 +135,7 @@ TEST_F(DispatchPressureTest, ReportsNoEventsWhenTheSourceCannotBeCreated) {
   EXPECT_THAT(dispatch_.calls, ElementsAre("queue com.tarn.pressure", "source 7", "release queue"));
 }
 
-TEST_F(DispatchPressureTest, ReleasesNothingWhenNeverResumed) {
+TEST_F(DispatchPressureTest, MakesNoCallWhenNeverResumed) {
   { const DispatchPressureSource neverResumed(FakeDispatch::functions()); }
   EXPECT_THAT(dispatch_.calls, IsEmpty());
 }
@@ -143,17 +144,17 @@ TEST_F(DispatchPressureTest, CallsTheHandlerOnTheQueueUntilDestroyed) {
   SerialQueue queue;
   std::atomic<int> calls = 0;
   auto source = std::make_unique<DispatchPressureSource>(FakeDispatch::functions());
-  source->resume(queue, [&calls, tester = std::this_thread::get_id()](PressureFlags) {
-    EXPECT_NE(std::this_thread::get_id(), tester);
+  source->resume(queue, [&calls, testThread = std::this_thread::get_id()](PressureFlags) {
+    EXPECT_NE(std::this_thread::get_id(), testThread);
     ++calls;
   });
   for (int i = 0; i < 100; ++i) dispatch_.report(2);
   source.reset();
-  const int atTheEnd = calls;
+  const int callsAtDestruction = calls;
   std::promise<void> queueIsIdle;
   queue.async([&queueIsIdle] { queueIsIdle.set_value(); });
   queueIsIdle.get_future().wait();
-  EXPECT_EQ(calls, atTheEnd);
+  EXPECT_EQ(calls, callsAtDestruction);
 }
 
 }  // namespace

@@ -26,19 +26,21 @@ class EventSystemSensorsTest : public ::testing::Test {
  protected:
   EventSystemSensorsTest() { system_.frameworks = &frameworks_; }
 
-  /// The readings through the fake library without one function, or without "nothing".
+  /// The readings through the fake library that lacks `function`; "nothing" is the complete library.
   std::vector<double> readingsWithout(const std::string& function) {
     const std::string path = libraryWithout(function);
     void* library = ::dlopen(path.c_str(), RTLD_NOW);
     if (library == nullptr) throw std::runtime_error(::dlerror());
     reinterpret_cast<void (*)(FakeEventSystem*)>(::dlsym(library, "prescribe"))(&system_);
     const EventSystemFunctions functions = lookUpEventSystem(path);
-    ::dlclose(library);  // lookUpEventSystem() keeps it open
+    ::dlclose(library);  // lookUpEventSystem() keeps the library open
     return EventSystemSensors(functions, FakeFrameworks::functions()).readings();
   }
 
   std::vector<double> readings() { return readingsWithout("nothing"); }
 
+  /// A reading creates a client, a dictionary, an array of services, and an event for each sensor that has
+  /// one.
   void expectAllReleased(int created) const {
     EXPECT_EQ(frameworks_.created, created);
     EXPECT_EQ(frameworks_.released, created);
@@ -51,6 +53,7 @@ class EventSystemSensorsTest : public ::testing::Test {
 TEST_F(EventSystemSensorsTest, ReadsEachSensorOnceAndReleasesAllObjects) {
   system_.sensors = {{.celsius = 40}, {.celsius = 50}, {.celsius = 0}};
   EXPECT_THAT(readings(), ElementsAre(40, 50, 0));
+  // 15: event type temperature. 983040: 15 << 16, its field.
   EXPECT_THAT(system_.calls, ElementsAre("create", "setMatching", "copyServices",  //
                                          "copyEvent 15 0 0", "getFloat 983040",    //
                                          "copyEvent 15 0 0", "getFloat 983040",    //
@@ -61,7 +64,7 @@ TEST_F(EventSystemSensorsTest, ReadsEachSensorOnceAndReleasesAllObjects) {
 TEST_F(EventSystemSensorsTest, MatchesTemperatureSensorsOnTheVendorDefinedUsagePage) {
   readings();
   EXPECT_THAT(frameworks_.lastDictionary,
-              ElementsAre(std::pair("PrimaryUsagePage", 65280), std::pair("PrimaryUsage", 5)));
+              ElementsAre(std::pair("PrimaryUsagePage", 0xFF00), std::pair("PrimaryUsage", 5)));
 }
 
 TEST_F(EventSystemSensorsTest, SkipsASensorWithoutAnEvent) {
@@ -104,7 +107,7 @@ TEST_F(EventSystemSensorsTest, ReturnsImplausibleValuesThatThermalSensorsDrops) 
   expectAllReleased(3 + 5);
 }
 
-TEST_F(EventSystemSensorsTest, CallsNothingWhenOneFunctionIsMissing) {
+TEST_F(EventSystemSensorsTest, MakesNoCallWhenOneFunctionIsMissing) {
   system_.sensors = {{.celsius = 40}};
   for (const auto* function : {"create", "setMatching", "copyServices", "copyEvent", "getFloat"}) {
     EXPECT_FALSE(lookUpEventSystem(libraryWithout(function)).areComplete()) << function;
@@ -114,18 +117,18 @@ TEST_F(EventSystemSensorsTest, CallsNothingWhenOneFunctionIsMissing) {
   expectAllReleased(0);
 }
 
-TEST(EventSystemLookUp, FindsAllButTheMissingFunction) {
-  const EventSystemFunctions found = lookUpEventSystem(libraryWithout("copyEvent"));
-  EXPECT_TRUE(found.create && found.setMatching && found.copyServices && found.getFloat);
-  EXPECT_EQ(found.copyEvent, nullptr);
+TEST(EventSystemLookUp, FindsAllFunctionsExceptTheMissingOne) {
+  const EventSystemFunctions functions = lookUpEventSystem(libraryWithout("copyEvent"));
+  EXPECT_TRUE(functions.create && functions.setMatching && functions.copyServices && functions.getFloat);
+  EXPECT_EQ(functions.copyEvent, nullptr);
   EXPECT_TRUE(lookUpEventSystem(libraryWithout("nothing")).areComplete());
 }
 
-TEST(EventSystemLookUp, FindsNothingWhenTheLibraryCannotBeOpened) {
+TEST(EventSystemLookUp, ReturnsNullFunctionsWhenTheLibraryCannotBeOpened) {
   for (const std::string path : {"/nowhere", "/etc/hostname", ""}) {
-    const EventSystemFunctions found = lookUpEventSystem(path);
-    EXPECT_TRUE(!found.create && !found.setMatching && !found.copyServices && !found.copyEvent &&
-                !found.getFloat)
+    const EventSystemFunctions functions = lookUpEventSystem(path);
+    EXPECT_TRUE(!functions.create && !functions.setMatching && !functions.copyServices &&
+                !functions.copyEvent && !functions.getFloat)
         << path;
   }
 }
@@ -134,7 +137,7 @@ TEST(EventSystemLookUp, NeverClosesTheLibrary) {
   const std::string path = libraryWithout("getFloat");
   lookUpEventSystem(path);
   void* const library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
-  ASSERT_NE(library, nullptr) << "it is no longer loaded";
+  ASSERT_NE(library, nullptr) << "the library is no longer loaded";
   ::dlclose(library);
 }
 

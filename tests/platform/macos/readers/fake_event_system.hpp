@@ -12,14 +12,14 @@
 
 namespace tarn::macos {
 
-/// One sensor. Without an event it has no reading.
+/// One sensor. It has no reading when `hasEvent` is false.
 struct FakeSensor {
   bool hasEvent = true;
   double celsius = 0;
   FakeObject service = {};
 };
 
-/// What the fake library returns, and its calls. Owned by the test.
+/// The values that the fake library returns, and the calls that it receives. Owned by the test.
 struct FakeEventSystem {
   std::vector<FakeSensor> sensors;
   bool refusesClients = false;

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// A fake library with the HID event system's functions, driven by a FakeEventSystem. WITHOUT_x omits one
-// function.
+// A fake library with the HID event system's functions, which return the values of a FakeEventSystem.
+// WITHOUT_x omits the function x.
 
 #include "platform/macos/readers/fake_event_system.hpp"
 
@@ -17,7 +17,7 @@ FakeEventSystem* prescribed = nullptr;
 const FakeObject client{std::string("client")};
 
 bool isClient(ObjectRef object) {
-  return FakeFrameworks::known(object)->value == client.value;
+  return FakeFrameworks::fakeOf(object)->value == client.value;
 }
 
 }  // namespace
@@ -26,20 +26,20 @@ EXPORTED void prescribe(FakeEventSystem* system) {
   prescribed = system;
 }
 
-// IOKit's names.
+// The functions have the names of IOKit's functions.
 // NOLINTBEGIN(readability-identifier-naming)
 #ifndef WITHOUT_create
 EXPORTED const void* IOHIDEventSystemClientCreate(const void* allocator) {
   prescribed->calls.emplace_back(allocator == nullptr ? "create" : "create with an allocator");
   if (prescribed->refusesClients) return nullptr;
-  return prescribed->frameworks->handOut(client);
+  return prescribed->frameworks->ownedCopy(client);
 }
 #endif
 
 #ifndef WITHOUT_setMatching
 EXPORTED void IOHIDEventSystemClientSetMatching(const void* object, const void* matching) {
-  const bool fits = isClient(object) && FakeFrameworks::functions().isDictionary(matching);
-  prescribed->calls.emplace_back(fits ? "setMatching" : "setMatching of the wrong objects");
+  const bool isValid = isClient(object) && FakeFrameworks::functions().isDictionary(matching);
+  prescribed->calls.emplace_back(isValid ? "setMatching" : "setMatching of the wrong objects");
 }
 #endif
 
@@ -47,10 +47,10 @@ EXPORTED void IOHIDEventSystemClientSetMatching(const void* object, const void* 
 EXPORTED const void* IOHIDEventSystemClientCopyServices(const void* object) {
   prescribed->calls.emplace_back(isClient(object) ? "copyServices" : "copyServices of no client");
   if (prescribed->hasNoServices) return nullptr;
-  if (prescribed->givesServicesOfAnotherKind) return prescribed->frameworks->handOut({});
+  if (prescribed->givesServicesOfAnotherKind) return prescribed->frameworks->ownedCopy({});
   FakeObject::Array services;
   for (const FakeSensor& sensor : prescribed->sensors) services.push_back(&sensor.service);
-  return prescribed->frameworks->handOut({std::move(services)});
+  return prescribed->frameworks->ownedCopy({std::move(services)});
 }
 #endif
 
@@ -61,7 +61,7 @@ EXPORTED const void* IOHIDServiceClientCopyEvent(const void* service, std::int64
                               std::to_string(timestamp));
   for (const FakeSensor& sensor : prescribed->sensors) {
     if (&sensor.service != service || !sensor.hasEvent) continue;
-    return prescribed->frameworks->handOut({sensor.celsius});
+    return prescribed->frameworks->ownedCopy({sensor.celsius});
   }
   return nullptr;
 }
@@ -69,7 +69,7 @@ EXPORTED const void* IOHIDServiceClientCopyEvent(const void* service, std::int64
 
 #ifndef WITHOUT_getFloat
 EXPORTED double IOHIDEventGetFloatValue(const void* event, std::int64_t field) {
-  const auto* reading = std::get_if<double>(&FakeFrameworks::known(event)->value);
+  const auto* reading = std::get_if<double>(&FakeFrameworks::fakeOf(event)->value);
   prescribed->calls.push_back(reading ? "getFloat " + std::to_string(field) : "getFloat of no event");
   return reading ? *reading : 0;
 }

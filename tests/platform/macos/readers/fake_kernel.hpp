@@ -13,7 +13,8 @@
 
 namespace tarn::macos {
 
-/// What the kernel's functions answer. The functions are plain ones, so there is one kernel at a time.
+/// The values that the kernel's functions return. The functions are plain function pointers, so only one
+/// FakeKernel may exist at a time.
 struct FakeKernel {
   FakeKernel() { current = this; }
   FakeKernel(const FakeKernel&) = delete;
@@ -25,8 +26,8 @@ struct FakeKernel {
   std::uint64_t pageSize = 16384;
   Timebase timebase = {125, 3};
   std::vector<std::int32_t> pids;
-  std::optional<int> listSize;    ///< of the call that asks for the size, where it is not that of the list
-  std::optional<int> listFilled;  ///< what the second call claims to have written
+  std::optional<int> listSize;    ///< result of the call that asks for the size; absent: the size of `pids`
+  std::optional<int> listFilled;  ///< result of the second call; absent: the bytes that it wrote
   std::optional<ProcessRecord> process;
   int processSize = sizeof(ProcessRecord);
   std::optional<UsageRecord> usage;
@@ -58,11 +59,11 @@ struct FakeKernel {
   static int sysctlByName(const char* name, void* value, std::size_t* size, void* newValue,
                           std::size_t newSize) {
     current->calls.push_back(std::string(name) + ' ' + std::to_string(*size));
-    const auto found = current->values.find(name);
-    if (found == current->values.end() || newValue != nullptr || newSize != 0) return -1;
-    if (found->second.size() > *size) return -1;
-    *size = found->second.size();
-    std::memcpy(value, found->second.data(), *size);
+    const auto entry = current->values.find(name);
+    if (entry == current->values.end() || newValue != nullptr || newSize != 0) return -1;
+    if (entry->second.size() > *size) return -1;
+    *size = entry->second.size();
+    std::memcpy(value, entry->second.data(), *size);
     return 0;
   }
 
@@ -70,7 +71,7 @@ struct FakeKernel {
     current->calls.push_back("statistics " + std::to_string(flavor) + ' ' + std::to_string(*wordCount));
     if (!current->memory) {
       std::memset(record, 0xFF, sizeof(MemoryRecord));
-      return 5;
+      return 5;  // KERN_FAILURE
     }
     std::memcpy(record, &*current->memory, sizeof(MemoryRecord));
     return 0;

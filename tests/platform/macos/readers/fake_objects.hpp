@@ -32,12 +32,12 @@ struct FakeFrameworks {
   std::vector<std::pair<std::string, std::int64_t>> lastDictionary;
 
   /// A copy of an object, which must be released.
-  ObjectRef handOut(FakeObject object) {
+  ObjectRef ownedCopy(FakeObject object) {
     ++created;
     return new FakeObject(std::move(object));
   }
 
-  static const FakeObject* known(ObjectRef object) { return static_cast<const FakeObject*>(object); }
+  static const FakeObject* fakeOf(ObjectRef object) { return static_cast<const FakeObject*>(object); }
 
   static ObjectFunctions functions() {
     return {.defaultAllocator = nullptr,
@@ -52,10 +52,10 @@ struct FakeFrameworks {
                   return static_cast<std::int64_t>(valueOf<FakeObject::Array>(array).size());
                 },
             .arrayItem = [](ObjectRef array, std::int64_t index) -> ObjectRef {
-              return std::get<FakeObject::Array>(known(array)->value).at(static_cast<std::size_t>(index));
+              return std::get<FakeObject::Array>(fakeOf(array)->value).at(static_cast<std::size_t>(index));
             },
             .dictionaryItem = [](ObjectRef dictionary, const char* key) -> ObjectRef {
-              const auto& entries = std::get<FakeObject::Dictionary>(known(dictionary)->value);
+              const auto& entries = std::get<FakeObject::Dictionary>(fakeOf(dictionary)->value);
               const auto entry = entries.find(key);
               return entry == entries.end() ? nullptr : entry->second;
             },
@@ -67,25 +67,25 @@ struct FakeFrameworks {
 
   template <typename Value>
   static Value valueOf(ObjectRef object) {
-    return std::get<Value>(known(object)->value);
+    return std::get<Value>(fakeOf(object)->value);
   }
 
   static ObjectRef createDictionary(std::span<const IntegerEntry> entries) {
     current->lastDictionary.clear();
     for (const IntegerEntry& entry : entries) current->lastDictionary.emplace_back(entry.key, entry.value);
-    return current->handOut({FakeObject::Dictionary{}});
+    return current->ownedCopy({FakeObject::Dictionary{}});
   }
 
   static ObjectKind kindOf(ObjectRef object) {
     constexpr ObjectKind kinds[] = {ObjectKind::other,     ObjectKind::boolean, ObjectKind::integer,
                                     ObjectKind::real,      ObjectKind::string,  ObjectKind::array,
                                     ObjectKind::dictionary};
-    return kinds[known(object)->value.index()];
+    return kinds[fakeOf(object)->value.index()];
   }
 
   static void release(ObjectRef object) {
     ++current->released;
-    delete known(object);
+    delete fakeOf(object);
   }
 };
 

@@ -13,8 +13,8 @@ namespace {
 using testing::ElementsAre;
 
 const FakeObject internalBattery{std::string("InternalBattery")};
-const FakeObject uninterruptible{std::string("UPS")};
-const FakeObject yes{true};
+const FakeObject upsType{std::string("UPS")};
+const FakeObject trueValue{true};
 const FakeObject number64{std::int64_t{64}};
 const FakeObject number100{std::int64_t{100}};
 const FakeObject number312{std::int64_t{312}};
@@ -25,10 +25,10 @@ const FakeObject data{};
 const FakeObject battery{FakeObject::Dictionary{{"Type", &internalBattery},
                                                 {"Current Capacity", &number64},
                                                 {"Max Capacity", &number100},
-                                                {"Is Charging", &yes},
+                                                {"Is Charging", &trueValue},
                                                 {"Name", &data}}};
 const FakeObject otherSource{FakeObject::Dictionary{
-    {"Type", &uninterruptible}, {"Current Capacity", &number100}, {"Max Capacity", &number100}}};
+    {"Type", &upsType}, {"Current Capacity", &number100}, {"Max Capacity", &number100}}};
 
 /// A fake of IOKit. Each source is its own description.
 struct FakeSupply {
@@ -46,9 +46,11 @@ FakeFrameworks* frameworks = nullptr;
 FakeSupply* supply = nullptr;
 
 const PowerFunctions power = {
-    .copyPowerSourcesInfo = []() -> ObjectRef { return supply->hasInfo ? frameworks->handOut({}) : nullptr; },
+    .copyPowerSourcesInfo = []() -> ObjectRef {
+      return supply->hasInfo ? frameworks->ownedCopy({}) : nullptr;
+    },
     .copyPowerSourcesList = [](ObjectRef) -> ObjectRef {
-      return supply->hasList ? frameworks->handOut(supply->list) : nullptr;
+      return supply->hasList ? frameworks->ownedCopy(supply->list) : nullptr;
     },
     .powerSourceDescription = [](ObjectRef, ObjectRef source) { return source == &data ? nullptr : source; },
     .matchingService =
@@ -59,7 +61,7 @@ const PowerFunctions power = {
     .createProperties =
         [](RegistryEntry service, ObjectRef* properties) {
           supply->calls.push_back("properties " + std::to_string(service));
-          if (supply->givesProperties) *properties = frameworks->handOut(supply->properties);
+          if (supply->givesProperties) *properties = frameworks->ownedCopy(supply->properties);
           return supply->status;
         },
     .releaseService =
@@ -106,17 +108,17 @@ TEST_F(MacPowerTest, ReportsNoBatteryWithoutSources) {
 
 TEST_F(MacPowerTest, SkipsSourcesWithoutADescription) {
   static const FakeObject text{std::string("no dictionary")};
-  static const FakeObject nothing{FakeObject::Dictionary{}};
-  supply_.list.value = FakeObject::Array{&data, &text, &nothing, &otherSource, &battery};
+  static const FakeObject emptyDictionary{FakeObject::Dictionary{}};
+  supply_.list.value = FakeObject::Array{&data, &text, &emptyDictionary, &otherSource, &battery};
   EXPECT_EQ(read()->percent, 64);
 }
 
 TEST_F(MacPowerTest, SkipsABatteryWhoseCapacityIsNotAnInteger) {
-  static const FakeObject odd{FakeObject::Dictionary{
+  static const FakeObject realCapacity{FakeObject::Dictionary{
       {"Type", &internalBattery}, {"Current Capacity", &fraction}, {"Max Capacity", &number100}}};
-  static const FakeObject strange{FakeObject::Dictionary{
+  static const FakeObject dataCapacity{FakeObject::Dictionary{
       {"Type", &internalBattery}, {"Current Capacity", &data}, {"Max Capacity", &number100}}};
-  supply_.list.value = FakeObject::Array{&odd, &strange};
+  supply_.list.value = FakeObject::Array{&realCapacity, &dataCapacity};
   EXPECT_EQ(read(), std::nullopt);
 }
 
@@ -127,16 +129,16 @@ TEST_F(MacPowerTest, ReportsNoCyclesAndNoHealthWithoutAController) {
 }
 
 TEST_F(MacPowerTest, ReleasesTheControllerWhenReadingItFails) {
-  const BatteryInfo chargeAlone{.percent = 64, .isCharging = true};
+  const BatteryInfo chargeOnly{.percent = 64, .isCharging = true};
   supply_.status = 5;
-  EXPECT_EQ(read(), chargeAlone) << "even if there are properties";
+  EXPECT_EQ(read(), chargeOnly) << "even if there are properties";
   supply_.givesProperties = false;
-  EXPECT_EQ(read(), chargeAlone);
+  EXPECT_EQ(read(), chargeOnly);
   supply_.status = 0;
-  EXPECT_EQ(read(), chargeAlone);
+  EXPECT_EQ(read(), chargeOnly);
   supply_.givesProperties = true;
   supply_.properties.value = FakeObject::Array{};
-  EXPECT_EQ(read(), chargeAlone);
+  EXPECT_EQ(read(), chargeOnly);
   EXPECT_EQ(std::count(supply_.calls.begin(), supply_.calls.end(), "release 7"), 4);
 }
 

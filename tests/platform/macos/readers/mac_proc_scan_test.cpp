@@ -49,7 +49,7 @@ TEST_F(MacProcScanTest, MakesNoSecondCallWhenTheSizeIsNotPositive) {
   }
 }
 
-TEST_F(MacProcScanTest, IsEmptyWhenTheSecondCallReturnsNothing) {
+TEST_F(MacProcScanTest, IsEmptyWhenTheSecondCallReturnsZero) {
   kernel_.listSize = 8;
   EXPECT_THAT(scan().allPIDs(), IsEmpty());
 }
@@ -81,9 +81,9 @@ TEST_F(MacProcScanTest, HasNoInfoUnlessTheRecordIsComplete) {
 }
 
 TEST_F(MacProcScanTest, AcceptsTheLargestParentPid) {
-  constexpr auto most = std::numeric_limits<std::int32_t>::max();
-  kernel_.process = ProcessRecord{.ppid = most};
-  EXPECT_EQ(scan().bsdInfo(40)->ppid, most);
+  constexpr auto largest = std::numeric_limits<std::int32_t>::max();
+  kernel_.process = ProcessRecord{.ppid = largest};
+  EXPECT_EQ(scan().bsdInfo(40)->ppid, largest);
 }
 
 TEST_F(MacProcScanTest, AbortsForAParentPidOutOfRange) {
@@ -124,16 +124,16 @@ TEST_F(MacProcScanTest, TruncatesFractionsOfANanosecond) {
   EXPECT_EQ(scan().usage(40)->cpuTime, 2U);
 }
 
-TEST_F(MacProcScanTest, HasNoUsageWhenItIsRefusedAndReadsNoTimebase) {
+TEST_F(MacProcScanTest, HasNoUsageAndReadsNoTimebaseWhenTheCallFails) {
   EXPECT_EQ(scan().usage(40), std::nullopt);
   EXPECT_EQ(scan().footprint(40), std::nullopt);
   EXPECT_THAT(kernel_.calls, ElementsAre("usage 40 6", "usage 40 6"));
 }
 
 TEST_F(MacProcScanTest, LetsCpuTimeWrapAround) {
-  constexpr auto most = std::numeric_limits<std::uint64_t>::max();
+  constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
   kernel_.timebase = {1, 1};
-  kernel_.usage = UsageRecord{.userTime = most, .systemTime = 11};
+  kernel_.usage = UsageRecord{.userTime = largest, .systemTime = 11};
   EXPECT_EQ(scan().usage(40)->cpuTime, 10U) << "the sum";
   kernel_.timebase = {4, 1};
   kernel_.usage = UsageRecord{.userTime = (std::uint64_t{1} << 62) + 3};

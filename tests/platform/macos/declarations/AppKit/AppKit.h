@@ -42,7 +42,7 @@ typedef enum NSCompositingOperation : NSUInteger {
                       flipped:(BOOL)drawingHandlerShouldBeCalledWithFlippedContext
                drawingHandler:(BOOL (^)(NSRect dstRect))drawingHandler;
 - (nullable NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration;
-// Those of the property `template`, whose name is a keyword of C++.
+// The accessors of the property `template`, whose name is a keyword of C++.
 - (BOOL)isTemplate;
 - (void)setTemplate:(BOOL)isTemplate;
 - (void)drawInRect:(NSRect)rect;
