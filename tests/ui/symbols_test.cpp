@@ -50,7 +50,7 @@ int alphaAt(const QImage& image, int x, int y) {
   return qAlpha(image.pixel(x, y));
 }
 
-/// The smallest rectangle that holds everything drawn; invalid when nothing is.
+/// The smallest rectangle that contains all drawn pixels; invalid if there are none.
 QRect drawnBounds(const QImage& image) {
   QRect bounds;
   for (int y = 0; y < image.height(); ++y) {
@@ -70,17 +70,17 @@ double coveredArea(const QImage& image) {
   return sum;
 }
 
-int largestDifference(const QImage& one, const QImage& other) {
+int largestDifference(const QImage& first, const QImage& second) {
   int largest = 0;
-  for (int y = 0; y < one.height(); ++y) {
-    for (int x = 0; x < one.width(); ++x) {
-      largest = std::max(largest, std::abs(alphaAt(one, x, y) - alphaAt(other, x, y)));
+  for (int y = 0; y < first.height(); ++y) {
+    for (int x = 0; x < first.width(); ++x) {
+      largest = std::max(largest, std::abs(alphaAt(first, x, y) - alphaAt(second, x, y)));
     }
   }
   return largest;
 }
 
-constexpr int roundingOfCoverage = 12;  // of 255
+constexpr int roundingOfCoverage = 12;  // largest difference in alpha (0 to 255) of antialiased pixels
 
 TEST(Symbols, StayInsideTheirRectangle) {
   for (const QString& name : allNames()) {
@@ -167,20 +167,21 @@ TEST(Symbols, FillTheirPixmapAtFractionalScales) {
 }
 
 TEST(Symbols, ReturnANullPixmapForAnInvalidSize) {
-  constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
-  constexpr double endless = std::numeric_limits<double>::infinity();
-  for (const double size : {0.0, -16.0, 0.2, 1e9, nothing, endless}) {
+  constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+  constexpr double infinite = std::numeric_limits<double>::infinity();
+  for (const double size : {0.0, -16.0, 0.2, 1e9, notANumber, infinite}) {
     EXPECT_TRUE(symbolPixmap("circle", size, grey, 1).isNull()) << size;
   }
-  for (const double scale : {0.0, -1.0, 0.01, 1e9, nothing, endless}) {
+  for (const double scale : {0.0, -1.0, 0.01, 1e9, notANumber, infinite}) {
     EXPECT_TRUE(symbolPixmap("circle", 16, grey, scale).isNull()) << scale;
   }
   EXPECT_TRUE(symbolPixmap("circle", -16, grey, -1).isNull());
 }
 
 TEST(Symbols, DrawNothingInARectangleWithoutArea) {
-  constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
-  for (const QRectF& rect : {QRectF(), QRectF(4, 4, -8, 8), QRectF(4, 4, 8, 0.5), QRectF(0, 0, nothing, 8)}) {
+  constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+  for (const QRectF& rect :
+       {QRectF(), QRectF(4, 4, -8, 8), QRectF(4, 4, 8, 0.5), QRectF(0, 0, notANumber, 8)}) {
     QImage image = transparentImage(16);
     QPainter painter(&image);
     EXPECT_TRUE(drawSymbol(painter, "circle.fill", rect, grey));
