@@ -32,8 +32,8 @@
 
 namespace tarn {
 
-/// Opens a URL in the user's browser. Returns immediately. Main thread. Does nothing when there is no
-/// browser.
+/// Opens a URL in the user's browser. Returns immediately. Does nothing when there is no browser. Main
+/// thread.
 using UrlOpener = std::function<void(const QString& url)>;
 
 /// Keeps one Tarn process per session: a second process asks the first one to open its popover, and exits.
@@ -44,14 +44,15 @@ class SingleInstance {
 
   /// Returns whether this is the session's first Tarn process; true when that cannot be determined (no
   /// session bus). When it returns false, the first process has already been asked to open its popover.
-  /// `launchedAgain` is called each time a later process asks the same of this one. Called once.
+  /// `launchedAgain` is called each time a later process asks this one to open its popover. Call claim()
+  /// once.
   virtual bool claim(std::function<void()> launchedAgain) = 0;
 };
 
 /// What the window system reports for one user action.
 struct WindowSystemState {
   WindowCapabilities capabilities = {};
-  std::optional<QPoint> pointer = {};            ///< screen coordinates; nullopt where clients may not ask
+  std::optional<QPoint> pointer = {};  ///< screen coordinates; nullopt where clients cannot read them
   std::optional<QRect> windowUnderPointer = {};  ///< the panel, when its item was clicked and X11 reports it
 };
 
@@ -60,8 +61,8 @@ struct WindowSystemState {
 /// Ownership: runTarn() and everything that it creates keep a reference; main() owns the platform and
 /// destroys it last. Returned objects and functions may be used until the platform is destroyed. Thread: the
 /// main thread, except where stated. Failure: no function throws, except for lack of memory. A function
-/// returns its neutral value (stated for each) when the system does not support the operation. Functions
-/// named make... return null only where stated.
+/// returns its neutral value (stated for each function) when the system does not support the operation.
+/// Functions named make... return null only where stated.
 class Platform {
  public:
   Platform() = default;
@@ -69,27 +70,27 @@ class Platform {
   Platform(const Platform&) = delete;
   Platform& operator=(const Platform&) = delete;
 
-  // Before QApplication exists. No other thread runs yet.
+  // Called before QApplication is created. No other thread runs yet.
 
-  /// Limits how much memory the allocator keeps for later. The first call of the program. Neutral: does
+  /// Limits the memory that the allocator keeps. The program calls this function first. Neutral: does
   /// nothing.
   virtual void limitAllocatorArenas() = 0;
 
   /// This program's version, as its package states it. Neutral: nullopt.
   virtual std::optional<QString> version() const = 0;
 
-  /// Why no window can be shown, as a clause for a message on stderr; nullopt when a display can be reached.
+  /// Why no window can be shown, as a clause for a message on stderr; nullopt when a display is available.
   /// Called before QApplication is created, because Qt aborts the program where there is no display.
   /// Neutral: nullopt.
   virtual std::optional<QString> displayProblem() const = 0;
 
-  // The process, after QApplication exists.
+  // The process. Called after QApplication is created.
 
   /// Neutral: an instance whose claim() returns true.
   virtual std::unique_ptr<SingleInstance> makeSingleInstance() = 0;
 
-  /// Calls terminate() when a signal asks the program to end, until the returned object is destroyed.
-  /// Neutral: null, where signals have no such meaning.
+  /// Calls terminate() when a signal requests the end of the program, until the returned object is destroyed.
+  /// Neutral: null, where no such signals exist.
   virtual std::unique_ptr<QObject> watchTerminationSignals() = 0;
 
   /// Ends the program in the system's usual way; may return before it ends. Neutral:
@@ -104,14 +105,14 @@ class Platform {
   /// The process table and memory figures. Neutral: no processes, all figures 0.
   virtual SamplerPort makeSamplerPort() = 0;
 
-  /// Storage, battery, temperatures, uptime. May look up what is fixed while the program runs. Neutral:
-  /// everything absent.
+  /// Storage, battery, temperatures, uptime. May read values once that are constant while the program runs.
+  /// Neutral: all values absent.
   virtual ExtrasPort makeExtrasPort() = 0;
 
   /// Memory pressure events. Neutral: a source that reports none.
   virtual std::unique_ptr<PressureSource> makePressureSource() = 0;
 
-  /// The present memory pressure as a raw MemoryPressure value. Neutral: nullopt.
+  /// The current memory pressure as a raw MemoryPressure value. Neutral: nullopt.
   virtual std::optional<std::int32_t> pressureLevel() const = 0;
 
   /// The application that has the keyboard focus. Neutral: a source that returns nullopt.
@@ -126,10 +127,10 @@ class Platform {
   virtual void setCurrentThreadName(const std::string& name) const = 0;
 
   /// Number formatters of the user's locale, created at their first use. They may be used on any thread and
-  /// live until the process ends. Systems without formatters of their own return icuFormatters().
+  /// live until the process ends. Ports to systems without formatters return icuFormatters().
   virtual Formatters formatters() const = 0;
 
-  // The desktop, after QApplication exists. Each make... function is called once.
+  // The desktop. Called after QApplication is created. Each make... function is called once.
 
   /// The item in the menu bar or panel. Neutral: an item that emits hostMissing() after the event loop
   /// starts; Tarn then stays in a window.
@@ -144,7 +145,8 @@ class Platform {
   /// Neutral: QDesktopServices::openUrl().
   virtual UrlOpener makeUrlOpener() = 0;
 
-  /// The window system's present state. It may take blocking round trips: query it once per user action.
+  /// The window system's current state. The call may block for several round trips: call it once per user
+  /// action.
   /// Neutral: WindowSystemState{}.
   virtual WindowSystemState windowSystemState() const = 0;
 
@@ -152,7 +154,7 @@ class Platform {
   virtual std::unique_ptr<CompositorPlacement> makeCompositorPlacement() = 0;
 
   /// Calls `switched` each time the user changes to another workspace, until the returned object is
-  /// destroyed. Neutral: null, where that is unknown or where the popover closes without this.
+  /// destroyed. Neutral: null, where the system does not report it or where the popover closes without it.
   virtual std::unique_ptr<QObject> watchWorkspaces(std::function<void()> switched) = 0;
 };
 

@@ -24,8 +24,8 @@ namespace tarn {
 
 namespace {
 
-/// The first sweep costs as much as the start of the program: it waits until the item is shown, at most so
-/// long.
+/// The first sweep costs as much as the start of the program, so it waits until the item is shown. This is
+/// the longest wait.
 constexpr std::chrono::seconds longestWaitForItem{1};
 
 /// Returns an inactive queue. `MonitorViewModel::startSweeping` activates it.
@@ -57,7 +57,8 @@ PopoverStyle styleOn(const WindowCapabilities& capabilities) {
                                                                          : PopoverStyle::tool;
 }
 
-/// Settings for all windows. Made with the first window, so that the item appears sooner.
+/// Applies settings for all windows. Called before the first window is created, not at the start of the
+/// program, so that the item appears sooner.
 void prepareForWindows() {
   QApplication::setStyle(QStringLiteral("Fusion"));
   QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
@@ -75,8 +76,8 @@ bool isPlausibleOnItsScreen(const QPoint& point) {
   return screen != nullptr && isPlausibleAnchor(point, {screen->geometry(), screen->availableGeometry()});
 }
 
-/// Where the popover opens. Some hosts report a wrong position of the click, so the pointer's is preferred.
-/// nullopt when neither is plausible.
+/// Where the popover opens. Some hosts report a wrong position of the click, so the position of the pointer
+/// is preferred. nullopt when neither position is plausible.
 std::optional<QPoint> findAnchor(const std::optional<QPoint>& reported, const WindowSystemState& state) {
   if (state.capabilities.clickPositionIsExact && reported) return reported;
   if (state.capabilities.clientsPlaceWindows && state.pointer && isPlausibleOnItsScreen(*state.pointer))
@@ -165,7 +166,7 @@ void TarnApp::createPopover() {
   connect(view, &PopoverView::quitRequested, this, [this] { platform_.terminate(); });
   connect(view, &PopoverView::urlRequested, this, platform_.makeUrlOpener());
   connect(popover_.get(), &PopoverWindow::closed, this, &TarnApp::finishClosing);
-  // Queued: the window frees its own memory first.
+  // Queued, so that the window frees its memory first.
   const auto releaseFreeHeap = [this] { platform_.releaseFreeHeap(); };
   connect(popover_.get(), &PopoverWindow::closed, this, releaseFreeHeap, Qt::QueuedConnection);
   workspaceWatch_ = platform_.watchWorkspaces([this] {

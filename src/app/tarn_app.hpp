@@ -29,7 +29,7 @@ class TarnApp : public QObject {
   /// `platform` must outlive this object.
   explicit TarnApp(Platform& platform);
 
-  /// Waits for a sweep in flight, which still uses the run loop.
+  /// Waits for the sweep in flight, if any: it uses the run loop.
   ~TarnApp() override;
 
   TarnApp(const TarnApp&) = delete;
@@ -71,7 +71,7 @@ class TarnApp : public QObject {
   ToolTip sentToolTip_;
   bool hasMenuBar_ = true;  ///< false after hostMissing, until a host appears
   std::unique_ptr<PopoverWindow> popover_;
-  std::unique_ptr<QObject> workspaceWatch_;  ///< null where the platform has none
+  std::unique_ptr<QObject> workspaceWatch_;  ///< null where watchWorkspaces() returns null
 };
 
 /// Runs Tarn until it quits and returns the exit status for main(). The main() of each platform calls it

@@ -25,7 +25,7 @@ class TaskQueue {
 
   virtual ~TaskQueue() = default;
 
-  /// Adds a task and returns at once. Any thread.
+  /// Adds a task and returns immediately. Any thread.
   virtual void async(Task task) = 0;
 
   /// Starts a queue that was made inactive. An inactive queue keeps its tasks. No effect on an active queue.
@@ -56,8 +56,8 @@ inline void sleepUntilRetry() {
 }
 
 /// Adds `work` to a queue. When memory runs out it sleeps and tries again, so a result is delivered late
-/// instead of never. Not for the main thread, which must not sleep. `work` may run twice: an attempt may fail
-/// after it added the task. Tests replace `sleep`.
+/// instead of never. The main thread must not call it, because the main thread must not sleep. `work` may run
+/// twice: an attempt may fail after it added the task. Tests replace `sleep`.
 template <typename Work>
 void post(TaskQueue& queue, const Work& work, const std::function<void()>& sleep = sleepUntilRetry) {
   for (;;) {
@@ -71,8 +71,8 @@ void post(TaskQueue& queue, const Work& work, const std::function<void()>& sleep
 }
 
 /// Tasks that any thread adds and one thread, the receiver, runs. Lock-free: senders push onto an atomic list
-/// (release), the receiver takes the whole list at once (acquire), so a task sees everything that its sender
-/// wrote before the push. Tasks that never run are destroyed with the inbox.
+/// (release), the receiver takes the whole list in one operation (acquire), so a task sees everything that
+/// its sender wrote before the push. Tasks that never run are destroyed with the inbox.
 class TaskInbox {
  public:
   TaskInbox() = default;
@@ -84,7 +84,7 @@ class TaskInbox {
   /// Adds a task. Any thread.
   void push(TaskQueue::Task task);
 
-  /// Runs the tasks that are in the inbox, oldest first; those added meanwhile wait for the next call.
+  /// Runs the tasks that are in the inbox, oldest first. Tasks added meanwhile run in the next call.
   /// Receiver's thread.
   void runAll();
 
@@ -103,9 +103,9 @@ class TaskInbox {
   std::atomic<Node*> newest_ = nullptr;
 };
 
-/// A task queue with its own thread, which sleeps while there is nothing to do.
+/// A task queue with its own thread, which sleeps while the queue is empty.
 ///
-/// The destructor runs the tasks that are in the queue, also those of an inactive one, and joins the thread.
+/// The destructor runs the tasks that are in the queue, also if the queue is inactive, and joins the thread.
 /// So a task must not hold the last reference to the queue's owner.
 class SerialQueue final : public TaskQueue {
  public:

@@ -17,7 +17,7 @@ struct MonitorViewModel::Sweep {
 
   std::shared_ptr<MonitorViewModel> model;  ///< null once the results are published
   bool wantsExtras;
-  std::optional<MemorySnapshot> snapshot;  ///< absent when memory ran out
+  std::optional<MemorySnapshot> snapshot;  ///< nullopt when memory ran out
   std::optional<ExtrasReading> extras;
 };
 
@@ -105,7 +105,8 @@ void MonitorViewModel::finishSweep(Sweep& sweep) {
     publish(snapshot_, std::exchange(sweep.snapshot, std::nullopt));
     if (sweep.extras) {
       publish(extras_, std::optional(std::move(sweep.extras->extras)));
-      thermalState_ = sweep.extras->thermalState;  // of the same sweep, announced with the extras
+      // No further `willChange`: it was emitted for the extras.
+      thermalState_ = sweep.extras->thermalState;
     }
     updateFrontmost(*snapshot_);
   }

@@ -34,8 +34,9 @@ struct MonitorPorts {
 
 /// Decides when a sweep runs, runs it off the main thread, and publishes its results.
 ///
-/// Used and destroyed on the main thread. A sweep in flight holds a reference to the view model until it has
-/// published; timer and pressure events do not. When there is no memory for a sweep it publishes nothing.
+/// Used and destroyed on the main thread. A sweep in flight holds a reference to the view model until its
+/// results are published; timer and pressure events hold no reference. A sweep that runs out of memory
+/// publishes no results.
 class MonitorViewModel final : public QObject, public std::enable_shared_from_this<MonitorViewModel> {
   Q_OBJECT
   struct Token {};  // only `create` can call the constructor

@@ -25,17 +25,17 @@ struct StatusAppearance {
   std::string sentence;           ///< the popover's status sentence
 };
 
-/// The memory state, reduced to what decides its appearance.
+/// The part of the memory state that decides its appearance.
 struct StatusPresentation {
   MemoryPressure pressure = MemoryPressure::normal;
-  std::uint64_t swapUsed = 0;  ///< bytes; matters only while the pressure is normal
+  std::uint64_t swapUsed = 0;  ///< bytes; used only while the pressure is normal
 
   StatusAppearance appearance() const;
 
   bool operator==(const StatusPresentation&) const = default;
 };
 
-/// The processor state, reduced to what decides its sentence and tint.
+/// The part of the processor state that decides its sentence and tint.
 struct CPUPresentation {
   double totalPercent = 0;  ///< sum over all groups, percent of one core
   int coreCount = 0;        ///< active cores

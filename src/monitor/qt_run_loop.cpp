@@ -17,8 +17,8 @@ namespace {
 class QtRepeatingTimer final : public RepeatingTimer {
  public:
   QtRepeatingTimer(double interval, std::function<void()> action) {
-    // Coarse timers may be 5 % off to save wake-ups. At intervals of 3 seconds and more a precise timer costs
-    // as many wake-ups.
+    // Coarse timers may be 5 % off to save wake-ups. At intervals of 3 seconds and more a precise timer
+    // causes no additional wake-ups.
     timer_.setTimerType(Qt::PreciseTimer);
     timer_.setInterval(
         std::chrono::round<std::chrono::milliseconds>(std::chrono::duration<double>(interval)));
@@ -35,7 +35,7 @@ class QtRepeatingTimer final : public RepeatingTimer {
 }  // namespace
 
 void QtRunLoop::async(Task task) {
-  // Made before the push, so that the inbox orders its construction as well.
+  // The event is made before the push: TaskInbox then orders its construction before customEvent(), too.
   auto event = std::make_unique<QEvent>(QEvent::User);
   inbox_.push(std::move(task));
   QCoreApplication::postEvent(this, event.release());

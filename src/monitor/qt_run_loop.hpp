@@ -10,7 +10,8 @@
 
 namespace tarn {
 
-/// The run loop over Qt's main event loop. Created and destroyed on the main thread; outlives every sender.
+/// The run loop that uses Qt's main event loop. Created and destroyed on the main thread; outlives every
+/// sender.
 class QtRunLoop final : public QObject, public RunLoop {
  public:
   void async(Task task) override;

@@ -77,8 +77,8 @@ TEST(TaskInbox, MakesTheWritesOfManySendersVisibleInTheirOrder) {
       for (std::size_t i = 0; i < tasksEach; ++i) {
         written[sender][i] = i + 1;
         inbox.push([&, sender, i] {
-          EXPECT_EQ(received[sender], i) << "out of order";
-          EXPECT_EQ(written[sender][i], i + 1) << "not visible";
+          EXPECT_EQ(received[sender], i) << "tasks of a sender run in another order";
+          EXPECT_EQ(written[sender][i], i + 1) << "the sender's write is not visible";
           ++received[sender];
           ++total;
         });
@@ -94,24 +94,24 @@ TEST(TaskInbox, MakesTheWritesOfManySendersVisibleInTheirOrder) {
 }
 
 TEST(TaskInbox, WakesASleepingReceiver) {
-  TaskInbox there;
-  TaskInbox back;
+  TaskInbox requests;
+  TaskInbox replies;
   constexpr int rounds = 2000;
   int received = 0;
   std::thread receiver([&] {
     while (received < rounds) {
-      there.wait();
-      there.runAll();
+      requests.wait();
+      requests.runAll();
     }
   });
   int answered = 0;
   for (int round = 0; round < rounds; ++round) {
-    there.push([&] {
+    requests.push([&] {
       ++received;
-      back.push([&answered] { ++answered; });
+      replies.push([&answered] { ++answered; });
     });
-    back.wait();
-    back.runAll();
+    replies.wait();
+    replies.runAll();
   }
   receiver.join();
   EXPECT_EQ(received, rounds);
@@ -143,7 +143,7 @@ TEST(SerialQueue, DoesNotBlockCallersOfAsync) {
     SerialQueue queue;
     queue.async([&released] { released.wait(); });
     queue.async([&ran] { ran = true; });
-    released.count_down();  // reached while the first task blocks
+    released.count_down();  // async() returned although the first task blocks
   }
   EXPECT_TRUE(ran);
 }
@@ -212,7 +212,7 @@ TEST(InactiveSerialQueue, RunsNoTaskBeforeItIsActivated) {
   SerialQueue queue(SerialQueue::Start::inactive);
   queue.async([&events] { events.emplace_back("first"); });
   queue.async([&events] { events.emplace_back("second"); });
-  events.emplace_back("activate");  // a task that ran before this would be a data race as well
+  events.emplace_back("activate");  // ThreadSanitizer reports a task that runs before this line
   queue.activate();
   queue.async([&] {
     events.emplace_back("third");
@@ -248,8 +248,8 @@ TEST(InactiveSerialQueue, CanBeDestroyedWithoutTasks) {
   const SerialQueue queue(SerialQueue::Start::inactive);
 }
 
-/// Has no memory for the first two tasks.
-class LeanQueue final : public TaskQueue {
+/// Throws std::bad_alloc for the first two tasks.
+class FailingQueue final : public TaskQueue {
  public:
   void async(Task task) override {
     if (++calls_ <= 2) throw std::bad_alloc();
@@ -261,7 +261,7 @@ class LeanQueue final : public TaskQueue {
 };
 
 TEST(Post, SleepsAndRetriesUntilThereIsMemory) {
-  LeanQueue queue;
+  FailingQueue queue;
   std::vector<std::string> events;
   post(
       queue, [&events] { events.emplace_back("run"); }, [&events] { events.emplace_back("sleep"); });

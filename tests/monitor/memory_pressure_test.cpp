@@ -55,7 +55,7 @@ class PressureMonitor : public ::testing::Test {
   std::optional<MemoryPressureMonitor> monitor_;
 };
 
-TEST_F(PressureMonitor, ResumesItsSourceAtConstructionAndReportsNothing) {
+TEST_F(PressureMonitor, ResumesItsSourceAtConstructionAndReportsNoLevel) {
   EXPECT_EQ(pressure_.resumed, 1);
   EXPECT_EQ(queue().waiting(), 0U);
   EXPECT_EQ(mainLoop_.tasks.waiting(), 0U);
@@ -125,7 +125,7 @@ TEST_F(PressureMonitor, ActivatesItsQueueOnRequest) {
   EXPECT_TRUE(queue().activated);
 }
 
-/// Records at its end whether its queue was active then.
+/// Records in its destructor whether its queue is active.
 class RecordingSource final : public PressureSource {
  public:
   RecordingSource(const SteppedTasks& tasks, bool& wasActive) : tasks_(tasks), wasActive_(wasActive) {}

@@ -40,7 +40,7 @@ TEST_F(PreferencesTest, HideTheFootprintByDefault) {
   EXPECT_FALSE(Preferences(path()).showFrontmostFootprint());
 }
 
-TEST_F(PreferencesTest, AreWrittenAtOnce) {
+TEST_F(PreferencesTest, AreWrittenImmediately) {
   Preferences preferences(path());
   preferences.setShowFrontmostFootprint(true);
   EXPECT_THAT(contents(path()), HasSubstr("showFrontmostFootprint=true\n"));
@@ -50,7 +50,7 @@ TEST_F(PreferencesTest, AreWrittenAtOnce) {
   EXPECT_FALSE(preferences.showFrontmostFootprint());
 }
 
-TEST_F(PreferencesTest, PersistAfterTheirObject) {
+TEST_F(PreferencesTest, ArePersistent) {
   Preferences(path()).setShowFrontmostFootprint(true);
   EXPECT_TRUE(Preferences(path()).showFrontmostFootprint());
 }
@@ -88,7 +88,7 @@ TEST_F(PreferencesTest, EmitWillChangeBeforeTheChange) {
   EXPECT_THAT(seen, testing::ElementsAre(false, true));
 }
 
-TEST_F(PreferencesTest, EmitNothingWithoutAChange) {
+TEST_F(PreferencesTest, DoNotEmitWillChangeWithoutAChange) {
   Preferences preferences(path());
   int emitted = 0;
   QObject::connect(&preferences, &Preferences::willChange, &preferences, [&emitted] { ++emitted; });
@@ -126,7 +126,7 @@ TEST_F(PreferencesTest, SurviveAnUnwritableStore) {
   Preferences preferences(insideAFile);
   EXPECT_FALSE(preferences.showFrontmostFootprint());
   preferences.setShowFrontmostFootprint(true);
-  EXPECT_TRUE(preferences.showFrontmostFootprint()) << "for as long as the program runs";
+  EXPECT_TRUE(preferences.showFrontmostFootprint()) << "the value is kept until the program ends";
 }
 
 TEST_F(PreferencesTest, AreStoredInTheUsersSettings) {

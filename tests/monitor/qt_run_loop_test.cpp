@@ -20,7 +20,7 @@ using testing::ElementsAre;
 
 /// Processes events until the condition holds. ctest's timeout ends a test that waits forever.
 template <typename Condition>
-void serveUntil(Condition condition) {
+void processEventsUntil(Condition condition) {
   while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
@@ -29,7 +29,7 @@ TEST(QtRunLoop, RunsTasksInOrderAfterAsyncReturns) {
   std::vector<int> ran;
   for (int i = 0; i < 3; ++i) loop.async([&ran, i] { ran.push_back(i); });
   EXPECT_TRUE(ran.empty());
-  serveUntil([&ran] { return ran.size() == 3; });
+  processEventsUntil([&ran] { return ran.size() == 3; });
   EXPECT_THAT(ran, ElementsAre(0, 1, 2));
 }
 
@@ -37,7 +37,7 @@ TEST(QtRunLoop, RunsTasksThatATaskAdds) {
   QtRunLoop loop;
   bool ran = false;
   loop.async([&] { loop.async([&ran] { ran = true; }); });
-  serveUntil([&ran] { return ran; });
+  processEventsUntil([&ran] { return ran; });
 }
 
 TEST(QtRunLoop, RunsTasksOfOtherThreadsOnTheMainThreadInOrder) {
@@ -63,7 +63,7 @@ TEST(QtRunLoop, RunsTasksOfOtherThreadsOnTheMainThreadInOrder) {
       }
     });
   }
-  serveUntil([&total] { return total == senderCount * tasksEach; });
+  processEventsUntil([&total] { return total == senderCount * tasksEach; });
   for (std::thread& sender : senders) sender.join();
   EXPECT_THAT(received, testing::Each(tasksEach));
 }
@@ -79,7 +79,7 @@ TEST(QtRunLoop, DestroysTasksThatNeverRan) {
   QCoreApplication::processEvents();
 }
 
-TEST(QtRunLoop, LeavesOtherEventsToQt) {
+TEST(QtRunLoop, PassesOtherEventsToQt) {
   auto* loop = new QtRunLoop;
   bool destroyed = false;
   QObject::connect(loop, &QObject::destroyed, [&destroyed] { destroyed = true; });
@@ -88,10 +88,11 @@ TEST(QtRunLoop, LeavesOtherEventsToQt) {
   EXPECT_TRUE(destroyed);
 }
 
-// Real time: these tests check that the interval reaches the QTimer. They wait for events, not for a delay.
-constexpr double interval = 0.03;
+// These tests use real time, to check that the QTimer has the interval. They wait for events, not for a
+// delay.
+constexpr double interval = 0.03;  // seconds
 
-TEST(QtRunLoopTimer, FiresRepeatedlyFromOneIntervalOn) {
+TEST(QtRunLoopTimer, FiresAfterEachInterval) {
   QtRunLoop loop;
   const auto mainThread = std::this_thread::get_id();
   QElapsedTimer clock;
@@ -101,47 +102,48 @@ TEST(QtRunLoopTimer, FiresRepeatedlyFromOneIntervalOn) {
     EXPECT_EQ(std::this_thread::get_id(), mainThread);
     fired.push_back(clock.elapsed());
   });
-  serveUntil([&fired] { return fired.size() == 4; });
+  processEventsUntil([&fired] { return fired.size() == 4; });
   for (std::size_t i = 0; i < fired.size(); ++i) {
+    // Milliseconds. Both values may be rounded.
     EXPECT_GE(fired[i], static_cast<qint64>(i + 1) * 30 - 2) << "too early";
   }
 }
 
 /// Processes events until another timer with the same interval, started later, fired five times.
-void serveFiveIntervals(QtRunLoop& loop) {
+void waitFiveIntervals(QtRunLoop& loop) {
   int fired = 0;
   const auto timer = loop.repeatingTimer(interval, [&fired] { ++fired; });
-  serveUntil([&fired] { return fired == 5; });
+  processEventsUntil([&fired] { return fired == 5; });
 }
 
-TEST(QtRunLoopTimer, DoesNotFireOnceInvalidated) {
+TEST(QtRunLoopTimer, DoesNotFireAfterItIsInvalidated) {
   QtRunLoop loop;
   int fired = 0;
   const auto timer = loop.repeatingTimer(interval, [&fired] { ++fired; });
-  serveUntil([&fired] { return fired == 2; });
+  processEventsUntil([&fired] { return fired == 2; });
   timer->invalidate();
   timer->invalidate();
-  serveFiveIntervals(loop);
+  waitFiveIntervals(loop);
   EXPECT_EQ(fired, 2);
 }
 
-TEST(QtRunLoopTimer, DoesNotFireOnceDestroyed) {
+TEST(QtRunLoopTimer, DoesNotFireAfterItIsDestroyed) {
   QtRunLoop loop;
   const auto held = std::make_shared<int>();
   auto timer = loop.repeatingTimer(interval, [held] { FAIL(); });
   timer.reset();
   EXPECT_EQ(held.use_count(), 1);
-  serveFiveIntervals(loop);
+  waitFiveIntervals(loop);
 }
 
-TEST(QtRunLoopTimer, CanBeInvalidatedByItsBlock) {
+TEST(QtRunLoopTimer, CanBeInvalidatedByItsAction) {
   QtRunLoop loop;
   int fired = 0;
   std::unique_ptr<RepeatingTimer> timer = loop.repeatingTimer(interval, [&] {
     ++fired;
     timer->invalidate();
   });
-  serveFiveIntervals(loop);
+  waitFiveIntervals(loop);
   EXPECT_EQ(fired, 1);
 }
 

@@ -68,7 +68,7 @@ class ViewModelTest : public ::testing::Test {
   void start() { model_ = MonitorViewModel::create(ports()); }
 
   /// Creates a view model and completes its first sweep.
-  void startAndSettle() {
+  void startAndFinishSweep() {
     start();
     finishSweep();
   }
@@ -93,13 +93,13 @@ class ViewModelTest : public ::testing::Test {
   }
 
   Published published() const {
-    Published now;
-    if (model_->snapshot()) now.swapUsed = model_->snapshot()->system.swapUsed;
-    if (model_->extras()) now.uptime = model_->extras()->uptime;
-    now.frontmostFootprint = model_->frontmostFootprint();
-    now.pressure = model_->pressure();
-    now.thermalState = model_->thermalState();
-    return now;
+    Published values;
+    if (model_->snapshot()) values.swapUsed = model_->snapshot()->system.swapUsed;
+    if (model_->extras()) values.uptime = model_->extras()->uptime;
+    values.frontmostFootprint = model_->frontmostFootprint();
+    values.pressure = model_->pressure();
+    values.thermalState = model_->thermalState();
+    return values;
   }
 
   /// Records the published values at each later `willChange`. Returns the list of the records.

@@ -18,15 +18,15 @@ class ViewModelLifetime : public ViewModelTest {
   }
 };
 
-TEST_F(ViewModelLifetime, IsDestroyedAtOnceWithoutASweepInFlight) {
-  startAndSettle();
+TEST_F(ViewModelLifetime, IsDestroyedImmediatelyWithoutASweepInFlight) {
+  startAndFinishSweep();
   EXPECT_TRUE(release().expired());
   EXPECT_EQ(pressure_.cancelled, 1);
   EXPECT_EQ(mainLoop_.validTimers(), 0);
 }
 
-TEST_F(ViewModelLifetime, IsNotExtendedByPostedTicksAndPressure) {
-  startAndSettle();
+TEST_F(ViewModelLifetime, IsNotExtendedByPostedTicksAndPressureReports) {
+  startAndFinishSweep();
   mainLoop_.advance(30);
   reportPressure(4);
   pressure_.report(2);
@@ -37,8 +37,8 @@ TEST_F(ViewModelLifetime, IsNotExtendedByPostedTicksAndPressure) {
   EXPECT_EQ(sweeps().waiting(), 0U);
 }
 
-TEST_F(ViewModelLifetime, MakesALateTimerTickDoNothing) {
-  startAndSettle();
+TEST_F(ViewModelLifetime, RequestsNoSweepForATickAfterItsDestruction) {
+  startAndFinishSweep();
   const auto action = mainLoop_.timers[0]->action;
   EXPECT_TRUE(release().expired());
   action();
@@ -53,7 +53,7 @@ TEST_F(ViewModelLifetime, LastsUntilTheSweepInFlightHasPublishedOnTheMainThread)
   const auto model = release();
   EXPECT_FALSE(model.expired());
   sweeps().runAll();
-  EXPECT_FALSE(model.expired()) << "not destroyed on the sweep's thread";
+  EXPECT_FALSE(model.expired()) << "destroyed on the sweep's thread";
   EXPECT_EQ(emitted, 0);
   mainTasks().runAll();
   EXPECT_EQ(emitted, 2) << "snapshot and frontmost footprint";

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What a sweep publishes: extras, the frontmost application, and nothing when memory runs out.
+// Results of a sweep: extras, the frontmost application, and no results when memory runs out.
 
 #include <gmock/gmock.h>
 
@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST_F(ViewModelTest, ReadsExtrasOnItsQueueAfterTheSweep) {
-  startAndSettle();
+  startAndFinishSweep();
   machine_.calls.clear();
   model_->popoverOpened();
   EXPECT_THAT(machine_.calls, IsEmpty());
@@ -47,7 +47,7 @@ TEST_F(ViewModelTest, ReadsNoExtrasInASweepRequestedBeforeThePopoverOpened) {
 }
 
 TEST_F(ViewModelTest, ReadsExtrasInASweepRequestedBeforeThePopoverClosed) {
-  startAndSettle();
+  startAndFinishSweep();
   model_->popoverOpened();
   model_->popoverClosed();
   finishSweep();
@@ -55,7 +55,7 @@ TEST_F(ViewModelTest, ReadsExtrasInASweepRequestedBeforeThePopoverClosed) {
 }
 
 TEST_F(ViewModelTest, KeepsTheLastExtrasWhileThePopoverIsClosed) {
-  startAndSettle();
+  startAndFinishSweep();
   model_->popoverOpened();
   finishSweep();
   model_->popoverClosed();
@@ -75,13 +75,13 @@ TEST_F(ViewModelTest, KeepsTheLastExtrasWhileThePopoverIsClosed) {
 
 TEST_F(ViewModelTest, PublishesTheFootprintOfTheFrontmostGroup) {
   frontmost_ = FrontmostApplication{.bundlePath = "/opt/A.app", .processIdentifier = 11};
-  startAndSettle();
+  startAndFinishSweep();
   EXPECT_EQ(model_->frontmostFootprint(), 900U);
 }
 
 TEST_F(ViewModelTest, FindsAFrontmostApplicationWithoutBundlePathByItsProcess) {
   frontmost_ = FrontmostApplication{.processIdentifier = 20};
-  startAndSettle();
+  startAndFinishSweep();
   EXPECT_EQ(model_->frontmostFootprint(), 50U);
   frontmost_ = FrontmostApplication{.processIdentifier = 11};
   advanceTime(30);
@@ -91,7 +91,7 @@ TEST_F(ViewModelTest, FindsAFrontmostApplicationWithoutBundlePathByItsProcess) {
 
 TEST_F(ViewModelTest, HasNoFrontmostFootprintWhenTheApplicationIsNotInTheSnapshot) {
   frontmost_ = FrontmostApplication{.bundlePath = "/opt/A.app"};
-  startAndSettle();
+  startAndFinishSweep();
   frontmost_ = FrontmostApplication{.bundlePath = "/opt/Z.app", .processIdentifier = 99};
   advanceTime(30);
   finishSweep();
@@ -100,7 +100,7 @@ TEST_F(ViewModelTest, HasNoFrontmostFootprintWhenTheApplicationIsNotInTheSnapsho
 
 TEST_F(ViewModelTest, HasNoFrontmostFootprintWithoutAFrontmostApplication) {
   frontmost_ = FrontmostApplication{.bundlePath = "/opt/A.app"};
-  startAndSettle();
+  startAndFinishSweep();
   EXPECT_EQ(model_->frontmostFootprint(), 900U);
   frontmost_.reset();
   advanceTime(30);
@@ -166,7 +166,7 @@ TEST_F(ViewModelOutOfMemory, SurvivesAFailedFirstSweep) {
   EXPECT_TRUE(model_->snapshot());
 }
 
-TEST_F(ViewModelOutOfMemory, PublishesNothingWhenReadingExtrasFails) {
+TEST_F(ViewModelOutOfMemory, PublishesNoResultsWhenReadingExtrasFails) {
   finishSweep();
   const auto& observed = observe();
   failsExtras_ = true;

@@ -48,13 +48,13 @@ TEST_F(ViewModelTest, RequestsItsFirstSweepAtCreationAndRunsItOnItsQueue) {
 }
 
 TEST_F(ViewModelTest, ReadsNoExtrasForItsFirstSweep) {
-  startAndSettle();
+  startAndFinishSweep();
   EXPECT_EQ(machine_.callsOf("extras"), 0);
   EXPECT_EQ(model_->extras(), std::nullopt);
 }
 
-TEST_F(ViewModelTest, SweepsEveryThirtySecondsFromOneIntervalOn) {
-  startAndSettle();
+TEST_F(ViewModelTest, SweepsAfterEachIntervalOfThirtySeconds) {
+  startAndFinishSweep();
   ASSERT_EQ(mainLoop_.timers.size(), 1U);
   EXPECT_EQ(mainLoop_.timers[0]->interval, 30.0);
   advanceTime(29.9);
@@ -69,7 +69,7 @@ TEST_F(ViewModelTest, SweepsEveryThirtySecondsFromOneIntervalOn) {
 }
 
 TEST_F(ViewModelTest, PostsATimerTickToTheMainThread) {
-  startAndSettle();
+  startAndFinishSweep();
   mainLoop_.advance(30);
   EXPECT_EQ(sweeps().waiting(), 0U);
   EXPECT_EQ(mainTasks().waiting(), 1U);
@@ -110,17 +110,17 @@ TEST_F(ViewModelTest, NeverQueuesASecondSweep) {
 }
 
 TEST_F(ViewModelTest, KeepsItsIntervalWhenTheClockJumps) {
-  startAndSettle();
+  startAndFinishSweep();
   model_->popoverOpened();
   finishSweep();
-  for (const double uptime : {30'000.0, 30'000.0, 5.0, 6.0}) {  // forward, still, back, forward
+  for (const double uptime : {30'000.0, 30'000.0, 5.0, 6.0}) {  // forward, unchanged, back, forward
     machine_.uptime = uptime;
     extras_.uptime = uptime;
     machine_.process(20).usage->cpuTime += 1'000'000'000;
     advanceTime(3);
     EXPECT_EQ(sweeps().waiting(), 1U);
     finishSweep();
-    EXPECT_EQ(sweeps().waiting(), 0U) << "no sweep is made up for";
+    EXPECT_EQ(sweeps().waiting(), 0U) << "missed sweeps are not repeated";
     EXPECT_EQ(model_->extras()->uptime, uptime) << "as the system reports it";
     EXPECT_GE(model_->cpuPresentation().totalPercent, 0);
     EXPECT_LE(model_->cpuPresentation().totalPercent, 100);
@@ -130,7 +130,7 @@ TEST_F(ViewModelTest, KeepsItsIntervalWhenTheClockJumps) {
 TEST_F(ViewModelTest, EmitsWillChangeBeforeEachChangeInAFixedOrder) {
   frontmost_ = FrontmostApplication{.bundlePath = "/opt/A.app"};
   machine_.memory.swapUsed = 7;
-  startAndSettle();
+  startAndFinishSweep();
   const auto& observed = observe();
   machine_.memory.swapUsed = 8;
   machine_.process(10).usage->footprint = 1000;
@@ -149,7 +149,7 @@ TEST_F(ViewModelTest, EmitsWillChangeBeforeEachChangeInAFixedOrder) {
 }
 
 TEST_F(ViewModelTest, EmitsWillChangeForEqualValuesToo) {
-  startAndSettle();
+  startAndFinishSweep();
   const auto& observed = observe();
   advanceTime(30);
   finishSweep();
@@ -170,8 +170,8 @@ TEST_F(ViewModelTest, AcceptsRequestsOnlyAfterTheLastChange) {
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
-TEST_F(ViewModelTest, SweepsAtOnceAndEveryThreeSecondsWhenThePopoverOpens) {
-  startAndSettle();
+TEST_F(ViewModelTest, SweepsImmediatelyAndEveryThreeSecondsWhenThePopoverOpens) {
+  startAndFinishSweep();
   model_->popoverOpened();
   EXPECT_EQ(sweeps().waiting(), 1U);
   ASSERT_EQ(mainLoop_.timers.size(), 2U);
@@ -189,7 +189,7 @@ TEST_F(ViewModelTest, SweepsAtOnceAndEveryThreeSecondsWhenThePopoverOpens) {
 }
 
 TEST_F(ViewModelTest, ReturnsToThirtySecondsWithoutASweepWhenThePopoverCloses) {
-  startAndSettle();
+  startAndFinishSweep();
   model_->popoverOpened();
   finishSweep();
   model_->popoverClosed();
@@ -205,17 +205,17 @@ TEST_F(ViewModelTest, ReturnsToThirtySecondsWithoutASweepWhenThePopoverCloses) {
 }
 
 TEST_F(ViewModelTest, KeepsOneTimerWhenThePopoverOpensAgain) {
-  startAndSettle();
+  startAndFinishSweep();
   for (int i = 0; i < 3; ++i) model_->popoverOpened();
   EXPECT_EQ(mainLoop_.validTimers(), 1);
   EXPECT_EQ(sweeps().waiting(), 1U);
 }
 
-TEST_F(ViewModelTest, PublishesANewPressureLevelAndSweepsAtOnce) {
-  startAndSettle();
+TEST_F(ViewModelTest, PublishesANewPressureLevelAndSweepsImmediately) {
+  startAndFinishSweep();
   const auto& observed = observe();
   reportPressure(2);
-  EXPECT_EQ(model_->pressure(), MemoryPressure::normal) << "not on the main thread yet";
+  EXPECT_EQ(model_->pressure(), MemoryPressure::normal) << "the task for the main thread has not run";
   mainTasks().runAll();
   EXPECT_EQ(model_->pressure(), MemoryPressure::warning);
   ASSERT_EQ(observed.size(), 1U);
@@ -235,7 +235,7 @@ TEST_F(ViewModelTest, PublishesANewPressureLevelWhenItsSweepIsDropped) {
 }
 
 TEST_F(ViewModelTest, PublishesEqualPressureLevelsEachTime) {
-  startAndSettle();
+  startAndFinishSweep();
   const auto& observed = observe();
   for (int i = 0; i < 3; ++i) reportPressure(2);
   mainTasks().runAll();
@@ -243,7 +243,7 @@ TEST_F(ViewModelTest, PublishesEqualPressureLevelsEachTime) {
 }
 
 TEST_F(ViewModelTest, ReadsExtrasInASweepForPressureWhileThePopoverIsOpen) {
-  startAndSettle();
+  startAndFinishSweep();
   model_->popoverOpened();
   finishSweep();
   extras_.uptime = 5;
@@ -263,19 +263,20 @@ TEST_F(ViewModelTest, PresentsThePressureAloneBeforeTheFirstSnapshot) {
 
 TEST_F(ViewModelTest, PresentsTheSwapOfTheLatestSnapshot) {
   machine_.memory.swapUsed = 9;
-  startAndSettle();
+  startAndFinishSweep();
   EXPECT_EQ(model_->presentation(), (StatusPresentation{MemoryPressure::normal, 9}));
 }
 
 TEST_F(ViewModelTest, PresentsTheSharesOfAllGroupsAndReadsTheCoreCountEachTime) {
-  startAndSettle();
+  startAndFinishSweep();
   machine_.process(10).usage->cpuTime = 3'000'000'000;
   machine_.process(20).usage->cpuTime = 1'500'000'000;
   machine_.uptime = 1003;
   advanceTime(30);
   finishSweep();
   EXPECT_EQ(model_->cpuPresentation().coreCount, 8);
-  EXPECT_DOUBLE_EQ(model_->cpuPresentation().totalPercent, 60) << "two fifths of 150";
+  EXPECT_DOUBLE_EQ(model_->cpuPresentation().totalPercent, 60)
+      << "150 %, smoothed: the newest value has the weight 0.4";
   activeProcessors_ = 4;
   EXPECT_EQ(model_->cpuPresentation().coreCount, 4);
 }

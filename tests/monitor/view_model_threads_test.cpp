@@ -23,19 +23,19 @@ namespace tarn {
 namespace {
 
 template <typename Condition>
-void serveUntil(Condition condition) {
+void processEventsUntil(Condition condition) {
   while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-/// Reports pressure on its queue each time that the test calls `allowAnother`; occupies the queue until
-/// destroyed.
-class EagerPressureSource final : public PressureSource {
+/// Reports pressure on its queue each time that the test calls `allowAnother`. Its task runs on the queue
+/// until the source is destroyed.
+class ControlledPressureSource final : public PressureSource {
  public:
-  EagerPressureSource() = default;
-  EagerPressureSource(const EagerPressureSource&) = delete;
-  EagerPressureSource& operator=(const EagerPressureSource&) = delete;
-  ~EagerPressureSource() override {
-    change(cancelled);
+  ControlledPressureSource() = default;
+  ControlledPressureSource(const ControlledPressureSource&) = delete;
+  ControlledPressureSource& operator=(const ControlledPressureSource&) = delete;
+  ~ControlledPressureSource() override {
+    setAllowed(cancelled);
     run_->ended.wait(false);
   }
 
@@ -50,7 +50,7 @@ class EagerPressureSource final : public PressureSource {
     });
   }
 
-  void allowAnother() { change(run_->allowed + 1); }
+  void allowAnother() { setAllowed(run_->allowed + 1); }
 
  private:
   static constexpr int cancelled = -1;
@@ -60,7 +60,7 @@ class EagerPressureSource final : public PressureSource {
     std::atomic<bool> ended = false;
   };
 
-  void change(int allowed) {
+  void setAllowed(int allowed) {
     run_->allowed = allowed;
     run_->allowed.notify_one();
   }
@@ -76,7 +76,7 @@ class ViewModelThreads : public ::testing::Test {
                                     .path = "/opt/App " + std::to_string(pid % 7) + ".app/run",
                                     .usage = ProcessUsage{.footprint = 1}});
     }
-    extras_.volume = VolumeValues{1, 1, "a name too long to lie within the text"};
+    extras_.volume = VolumeValues{1, 1, "a name that is too long for the buffer inside std::string"};
     extras_.onCall = [this](const std::string&) {
       threads_.insert(std::this_thread::get_id());
       extras_.uptime += 1;
@@ -85,7 +85,7 @@ class ViewModelThreads : public ::testing::Test {
 
   std::shared_ptr<MonitorViewModel> create(SerialQueue::Start start = SerialQueue::Start::active) {
     SamplerPort sampler = samplerPortOf(machine_);
-    // From here on only the sampler's thread uses the machine, which changes from sweep to sweep.
+    // From now on only the sampler's thread uses the machine. The machine changes in each sweep.
     sampler.uptime = [this, owned = recordDestruction()] {
       threads_.insert(std::this_thread::get_id());
       machine_.calls.clear();
@@ -93,7 +93,7 @@ class ViewModelThreads : public ::testing::Test {
       for (FakeProcess& process : machine_.processes) process.usage->cpuTime += 1'000'000;
       return machine_.uptime += 0.001;
     };
-    auto pressure = std::make_unique<EagerPressureSource>();
+    auto pressure = std::make_unique<ControlledPressureSource>();
     pressure_ = pressure.get();
     return MonitorViewModel::create(
         {.mainLoop = mainLoop_,
@@ -119,21 +119,21 @@ class ViewModelThreads : public ::testing::Test {
   FakeMachine machine_;
   FakeExtras extras_;                  // sampler's thread only
   std::set<std::thread::id> threads_;  // sampler's thread only
-  EagerPressureSource* pressure_ = nullptr;
+  ControlledPressureSource* pressure_ = nullptr;
   std::thread::id destroyedOn_;
 };
 
 TEST_F(ViewModelThreads, SweepWhilePressureIsReportedAndThePopoverOpensAndCloses) {
   auto model = create();
-  // Every sweep reads another swap figure.
-  const auto latest = [&model] { return model->presentation().swapUsed; };
+  // The swap figure is different in each sweep.
+  const auto swapUsed = [&model] { return model->presentation().swapUsed; };
   double lastUptime = 0;
   for (int round = 0; round < 300; ++round) {
-    const std::uint64_t before = latest();
+    const std::uint64_t before = swapUsed();
     round % 3 == 2 ? model->popoverClosed() : model->popoverOpened();
     pressure_->allowAnother();
-    serveUntil([&] { return latest() != before; });
-    EXPECT_GT(latest(), before);
+    processEventsUntil([&] { return swapUsed() != before; });
+    EXPECT_GT(swapUsed(), before);
     EXPECT_EQ(model->snapshot()->groups.size(), 7U);
     EXPECT_EQ(model->snapshot()->attributedTotal(), 40U);
     EXPECT_EQ(model->frontmostFootprint(), 6U);
@@ -144,41 +144,41 @@ TEST_F(ViewModelThreads, SweepWhilePressureIsReportedAndThePopoverOpensAndCloses
   EXPECT_GT(lastUptime, 1);
 
   const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
-  serveUntil([&inFlight] { return inFlight.expired(); });
+  processEventsUntil([&inFlight] { return inFlight.expired(); });
   EXPECT_EQ(destroyedOn_, std::this_thread::get_id());
   EXPECT_EQ(threads_.size(), 1U);
   EXPECT_FALSE(threads_.contains(std::this_thread::get_id()));
 }
 
-TEST_F(ViewModelThreads, KeepTheMainThreadFreeWhileASensorBlocks) {
+TEST_F(ViewModelThreads, DoNotBlockTheMainThreadWhileASensorBlocks) {
   std::atomic<bool> isRequested = false;
-  std::atomic<bool> answers = false;
+  std::atomic<bool> isReleased = false;
   extras_.onCall = [&](const std::string& operation) {
     if (operation != "temperatures") return;
     isRequested = true;
     isRequested.notify_one();
-    answers.wait(false);
+    isReleased.wait(false);
   };
   auto model = create();
-  serveUntil([&model] { return model->snapshot().has_value(); });
+  processEventsUntil([&model] { return model->snapshot().has_value(); });
   const std::uint64_t before = model->presentation().swapUsed;
   model->popoverOpened();
   isRequested.wait(false);
 
-  bool served = false;
-  mainLoop_.async([&served] { served = true; });
+  bool taskRan = false;
+  mainLoop_.async([&taskRan] { taskRan = true; });
   model->popoverClosed();
   model->popoverOpened();
-  serveUntil([&served] { return served; });
+  processEventsUntil([&taskRan] { return taskRan; });
   EXPECT_EQ(model->presentation().swapUsed, before) << "the sweep is still in flight";
   EXPECT_EQ(model->extras(), std::nullopt);
 
-  answers = true;
-  answers.notify_one();
-  serveUntil([&model] { return model->extras().has_value(); });
+  isReleased = true;
+  isReleased.notify_one();
+  processEventsUntil([&model] { return model->extras().has_value(); });
   EXPECT_GT(model->presentation().swapUsed, before);
   const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
-  serveUntil([&inFlight] { return inFlight.expired(); });
+  processEventsUntil([&inFlight] { return inFlight.expired(); });
 }
 
 TEST_F(ViewModelThreads, EndWithTheViewModelWheneverItIsReleased) {
@@ -188,36 +188,36 @@ TEST_F(ViewModelThreads, EndWithTheViewModelWheneverItIsReleased) {
     auto model = create();
     for (int report = 0; report < round % 4; ++report) pressure_->allowAnother();
     if (round % 2 == 1) {
-      serveUntil([&model] { return model->snapshot().has_value(); });
+      processEventsUntil([&model] { return model->snapshot().has_value(); });
       model->popoverOpened();
     }
     const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
     EXPECT_FALSE(inFlight.expired());
-    serveUntil([&inFlight] { return inFlight.expired(); });
+    processEventsUntil([&inFlight] { return inFlight.expired(); });
     EXPECT_EQ(destroyedOn_, std::this_thread::get_id());
   }
 }
 
-TEST_F(ViewModelThreads, RunNothingUntilSweepingStarts) {
+TEST_F(ViewModelThreads, RunNoTaskUntilSweepingStarts) {
   auto model = create(SerialQueue::Start::inactive);
   pressure_->allowAnother();
-  bool served = false;
-  mainLoop_.async([&served] { served = true; });
-  serveUntil([&served] { return served; });
+  bool taskRan = false;
+  mainLoop_.async([&taskRan] { taskRan = true; });
+  processEventsUntil([&taskRan] { return taskRan; });
   EXPECT_TRUE(machine_.calls.empty());
   EXPECT_EQ(model->snapshot(), std::nullopt);
 
   model->startSweeping();
-  serveUntil([&model] { return model->snapshot().has_value(); });
+  processEventsUntil([&model] { return model->snapshot().has_value(); });
   const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
-  serveUntil([&inFlight] { return inFlight.expired(); });
+  processEventsUntil([&inFlight] { return inFlight.expired(); });
 }
 
 TEST_F(ViewModelThreads, EndWhenSweepingStartsJustBeforeTheRelease) {
   auto model = create(SerialQueue::Start::inactive);
   model->startSweeping();
   const std::weak_ptr<MonitorViewModel> inFlight = std::exchange(model, nullptr);
-  serveUntil([&inFlight] { return inFlight.expired(); });
+  processEventsUntil([&inFlight] { return inFlight.expired(); });
   EXPECT_EQ(destroyedOn_, std::this_thread::get_id());
 }
 

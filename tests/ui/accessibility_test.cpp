@@ -169,12 +169,12 @@ TEST_F(AccessibilityTest, GivesEveryFocusableElementAName) {
     ++focusable;
     EXPECT_FALSE(nameOf(element).trimmed().isEmpty()) << element->object()->metaObject()->className();
   });
-  EXPECT_GE(focusable, 8 + 1 + 3);
+  EXPECT_GE(focusable, 8 + 1 + 3);  // rows, selected tab, controls of the footer
 }
 
 TEST_F(AccessibilityTest, GivesGlyphsNoName) {
   const auto glyphs = window_->findChildren<GlyphView*>();
-  EXPECT_GE(glyphs.size(), 1 + 2 * 9);
+  EXPECT_GE(glyphs.size(), 1 + 2 * 9);  // status; icon and chevron of each row
   for (GlyphView* glyph : glyphs) {
     EXPECT_EQ(nameOf(accessible(glyph)), "");
     EXPECT_FALSE(accessible(glyph)->state().focusable);

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The rows of the application list: their icons, and their behaviour when figures change and when they are
-// used.
+// The rows of the application list: their icons, and their behaviour when figures change and on user input.
 
 #include <gtest/gtest.h>
 
@@ -25,16 +24,16 @@ GlyphView* chevronOf(const AppRow& row) {
   return row.button()->findChildren<GlyphView*>().last();
 }
 
-/// Everything that Tab stops at, in its order, starting from the tab picker.
+/// The widgets that the Tab key visits, in this order, starting at the tab picker.
 std::vector<QWidget*> tabStops(PopoverView& view) {
   view.activateWindow();
   PopoverFixture::settle();
   std::vector<QWidget*> stops;
   QWidget* first = view.findChild<TabSegment*>();
   for (QWidget* next = first; stops.empty() || next != first; next = next->nextInFocusChain()) {
-    const bool stopsHere =
+    const bool isTabStop =
         next->isVisible() && next->isEnabled() && (next->focusPolicy() & Qt::TabFocus) != 0;
-    if (stopsHere) stops.push_back(next);
+    if (isTabStop) stops.push_back(next);
   }
   return stops;
 }
@@ -141,7 +140,7 @@ TEST(PopoverRows, KeepTheirWidgetsWhenTheRankingChanges) {
   EXPECT_TRUE(mail->button()->hasFocus());
 }
 
-TEST(PopoverRows, AreReadAndFocusedInTheirRanking) {
+TEST(PopoverRows, HaveTheReadingAndTabOrderOfTheRanking) {
   PopoverFixture fixture;
   PopoverView& view = fixture.showView();
   fixture.finishSweep();
@@ -149,19 +148,19 @@ TEST(PopoverRows, AreReadAndFocusedInTheirRanking) {
   EXPECT_EQ(tabStops(view), expectedTabStops(view));
   addThree(fixture);
   fixture.sweep();
-  EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "rows that came late";
+  EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "rows were added";
   fixture.setFootprint(300, 2000 * megabyte);
   fixture.sweep();
-  EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "another ranking";
+  EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "the ranking changed";
   fixture.add({"Big.app", 500, {9000 * megabyte}});
   fixture.sweep();
   ASSERT_EQ(namesOf(view).front(), "Big");
-  EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "a new first row";
+  EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "a first row was added";
   selectTab(view, "CPU");
   fixture.machine.end(500);
   fixture.sweep();
   selectTab(view, "Memory");
-  EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "one row less";
+  EXPECT_EQ(tabStops(view), expectedTabStops(view)) << "a row was removed";
   std::vector<AppRow*> children;
   for (QObject* child : shownRows(view).front()->parentWidget()->children()) {
     auto* row = qobject_cast<AppRow*>(child);
@@ -241,7 +240,7 @@ TEST(PopoverRows, AreHighlightedOnlyWithFocusOrPointer) {
   row->button()->setFocus(Qt::TabFocusReason);
   fixture.settle();
   EXPECT_TRUE(row->button()->isHighlighted());
-  EXPECT_NE(view.grab().toImage().pixelColor(probe), before) << "the highlight reaches beyond the content";
+  EXPECT_NE(view.grab().toImage().pixelColor(probe), before) << "the highlight is wider than the content";
   EXPECT_EQ(frameIn(view, *row->button()), frame);
   view.findChild<PillButton*>()->setFocus(Qt::TabFocusReason);
   fixture.settle();
@@ -271,7 +270,7 @@ TEST(AppIconProvider, LoadsEachApplicationsIconOnce) {
   EXPECT_EQ(loaded, (std::vector<std::string>{"/Applications/A.app", "/Applications/B.app"}));
 }
 
-TEST(AppIconProvider, AsksOnceForAMissingIcon) {
+TEST(AppIconProvider, RequestsAMissingIconOnce) {
   int requests = 0;
   AppIconProvider provider([&](const std::string&) {
     ++requests;

@@ -79,7 +79,7 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
       if (label->text().trimmed().isEmpty()) continue;
       SCOPED_TRACE(label->text().toStdString());
       const bool isTertiary = label->foregroundRole() == paletteRole(TextStyle::tertiary);
-      const QRect text = frame(*label).adjusted(0, 2, 0, -2);  // without the row's focus ring
+      const QRect text = frame(*label).adjusted(0, 2, 0, -2);  // excludes the row's focus ring
       expectAtLeast(isTertiary ? minimumContrast : textContrast, foregroundContrast(imageOf(text)),
                     styles.at(label->foregroundRole()) + where);
     }
@@ -96,7 +96,7 @@ class PaintedContrast : public ::testing::TestWithParam<const Theme*> {
   }
 
   void expectControl(const QWidget& control, const std::string& what) {
-    constexpr int edge = 3;  // without the control's outline
+    constexpr int edge = 3;  // excludes the control's outline
     const QRect inside = frame(control).adjusted(edge, edge, -edge, -edge);
     expectAtLeast(textContrast, foregroundContrast(imageOf(inside)), what);
   }
@@ -181,9 +181,10 @@ TEST_P(PaintedContrast, IsSufficientOnTabsInEveryState) {
 
 TEST_P(PaintedContrast, IsSufficientOnTheCheckboxInEveryState) {
   auto* toggle = view_->findChild<CheckBox*>();
-  const QRect all = frame(*toggle);
-  const QRect box(all.left(), all.center().y() - 6, 14, 14);
-  const QRect label = all.adjusted(20, 2, -4, -2);
+  // The box is 14 points wide; the label begins 20 points from the left edge.
+  const QRect bounds = frame(*toggle);
+  const QRect box(bounds.left(), bounds.center().y() - 6, 14, 14);
+  const QRect label = bounds.adjusted(20, 2, -4, -2);
   const auto expectBox = [&](const QColor& color, const std::string& what) {
     expectAtLeast(minimumContrast, contrastWithNeighbors(imageOf(box.adjusted(-4, -4, 2, 4)), color), what);
     expectAtLeast(textContrast, foregroundContrast(imageOf(label)), "checkbox's label");

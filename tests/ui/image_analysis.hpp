@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What an image shows: contrasts, colours, and where text ends.
+// Measures images: contrasts, colours, and where a text ends.
 
 #pragma once
 
@@ -21,17 +21,17 @@
 
 namespace tarn {
 
-/// `color` as it looks on the opaque `background`.
+/// The colour of a pixel when `color`, which may be translucent, is painted on the opaque `background`.
 inline QColor onBackground(const QColor& color, const QColor& background) {
   const auto alpha = static_cast<double>(color.alphaF());
-  const auto mixed = [alpha](int over, int under) {
-    return static_cast<int>(std::lround(over * alpha + under * (1 - alpha)));
+  const auto mixed = [alpha](int painted, int below) {
+    return static_cast<int>(std::lround(painted * alpha + below * (1 - alpha)));
   };
   return {mixed(color.red(), background.red()), mixed(color.green(), background.green()),
           mixed(color.blue(), background.blue())};
 }
 
-/// Relative luminance of an opaque colour, 0 to 1.
+/// Relative luminance of an opaque colour as WCAG 2 defines it, 0 to 1.
 inline double luminance(const QColor& color) {
   const auto linear = [](int channel) {
     const double value = channel / 255.0;
@@ -40,10 +40,10 @@ inline double luminance(const QColor& color) {
   return 0.2126 * linear(color.red()) + 0.7152 * linear(color.green()) + 0.0722 * linear(color.blue());
 }
 
-/// Contrast ratio of two opaque colours, 1 to 21.
-inline double contrast(const QColor& one, const QColor& other) {
-  const double lighter = std::max(luminance(one), luminance(other));
-  const double darker = std::min(luminance(one), luminance(other));
+/// Contrast ratio of two opaque colours as WCAG 2 defines it, 1 to 21.
+inline double contrast(const QColor& first, const QColor& second) {
+  const double lighter = std::max(luminance(first), luminance(second));
+  const double darker = std::min(luminance(first), luminance(second));
   return (lighter + 0.05) / (darker + 0.05);
 }
 
@@ -64,12 +64,12 @@ inline std::vector<PaintedColor> colorsOf(const QImage& image) {
   colors.reserve(counts.size());
   for (const auto& [rgb, count] : counts) colors.push_back({QColor(rgb), count / pixels});
   std::stable_sort(colors.begin(), colors.end(),
-                   [](const auto& one, const auto& other) { return one.share > other.share; });
+                   [](const auto& first, const auto& second) { return first.share > second.share; });
   return colors;
 }
 
-/// A part of `view`, rendered at four pixels per point, so that thin strokes have pixels of their full
-/// colour.
+/// A part of `view`, rendered at four pixels per point, so that thin strokes have pixels that are
+/// not antialiased.
 inline QImage enlarged(QWidget& view, const QRect& part) {
   constexpr int enlargement = 4;
   QImage image(part.size() * enlargement, QImage::Format_RGB32);
@@ -79,8 +79,8 @@ inline QImage enlarged(QWidget& view, const QRect& part) {
   return image;
 }
 
-/// Contrast of a text or a glyph with its background: of the two most common colours. 1 for an image of a
-/// single colour.
+/// Contrast of a text or a glyph with its background: the contrast of the two most common colours. 1 for an
+/// image of a single colour.
 inline double foregroundContrast(const QImage& image) {
   const auto colors = colorsOf(image);
   return colors.size() < 2 ? 1 : contrast(colors[0].color, colors[1].color);
@@ -88,11 +88,11 @@ inline double foregroundContrast(const QImage& image) {
 
 /// The lowest contrast of `color` with the other common colours of an image. 0 if the image lacks `color`.
 inline double contrastWithNeighbors(const QImage& image, const QColor& color) {
-  constexpr double leastShare = 0.04;  // smaller shares are antialiased edges
+  constexpr double minimumShare = 0.04;  // smaller shares are antialiased edges
   double lowest = 21;
   bool isPainted = false;
   for (const auto& [other, share] : colorsOf(image)) {
-    if (share < leastShare) break;
+    if (share < minimumShare) break;
     if (other == color) {
       isPainted = true;
     } else {
@@ -121,7 +121,7 @@ inline bool endsInDot(const QImage& image, bool atLeft, const QColor& background
   return height > 0 && height <= 3;
 }
 
-/// Renders the label with that text and size on white.
+/// Renders the label with this text and size on a white background.
 inline QImage paintedOnWhite(TextLabel& label, const QString& text, const QSize& size) {
   QPalette palette = label.palette();
   palette.setColor(QPalette::Window, Qt::white);

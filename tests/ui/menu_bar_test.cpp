@@ -13,6 +13,7 @@
 namespace tarn {
 namespace {
 
+// Colours of a light and of a dark desktop panel.
 const QColor lightBar(0xf3f3f4);
 const QColor darkBar(0x1f1f22);
 
@@ -31,10 +32,10 @@ TEST(MenuBarLabel, ShowsEveryStatusAsSymbolTintAndText) {
     std::uint64_t swapUsed;
     const char* symbol;
     Tint tint;
-    const char* words;
+    const char* accessibilityText;
     const char* status;
   };
-  for (const Case& one :
+  for (const Case& expected :
        {Case{MemoryPressure::critical, 0, "circle.fill", Tint::red, "Memory pressure critical",
              "Your Mac is out of memory. Close something now."},
         Case{MemoryPressure::critical, 9, "circle.fill", Tint::red, "Memory pressure critical",
@@ -45,11 +46,11 @@ TEST(MenuBarLabel, ShowsEveryStatusAsSymbolTintAndText) {
              "Your Mac is coping, but has started using the disk as overflow."},
         Case{MemoryPressure::normal, 0, "circle", Tint::green, "Memory normal",
              "Your Mac has memory to spare."}}) {
-    const MenuBarLabel label = labelFor({one.pressure, one.swapUsed});
-    EXPECT_EQ(label.symbolName, one.symbol);
-    EXPECT_EQ(label.tint, one.tint) << one.words;
-    EXPECT_EQ(label.accessibilityText, one.words);
-    EXPECT_EQ(label.toolTip.status, one.status);
+    const MenuBarLabel label = labelFor({expected.pressure, expected.swapUsed});
+    EXPECT_EQ(label.symbolName, expected.symbol);
+    EXPECT_EQ(label.tint, expected.tint) << expected.accessibilityText;
+    EXPECT_EQ(label.accessibilityText, expected.accessibilityText);
+    EXPECT_EQ(label.toolTip.status, expected.status);
     EXPECT_FALSE(label.text.has_value());
   }
 }

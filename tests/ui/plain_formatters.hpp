@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Formatters with fixed English texts, which depend neither on the platform nor on the locale.
+// Formatters with fixed English texts. They are independent of the platform and the locale.
 
 #pragma once
 
@@ -21,7 +21,7 @@ class PlainByteCountFormatter final : public ByteCountFormatter {
   std::string string(std::int64_t byteCount) const override {
     struct Unit {
       double bytes;
-      int digits;  ///< of the fraction, at most
+      int digits;  ///< maximum number of fraction digits
       const char* name;
     };
     constexpr std::array units{Unit{1024.0 * 1024 * 1024, 2, " GB"}, Unit{1024.0 * 1024, 1, " MB"},

@@ -20,21 +20,21 @@ constexpr std::uint64_t megabyte = 1024 * kilobyte;
 constexpr std::uint64_t gigabyte = 1024 * megabyte;
 
 AppGroup group(const std::string& name, std::uint64_t footprint, double cpuPercent, int processes = 1) {
-  AppGroup made{.id = "/Applications/" + name + ".app",
-                .name = name,
-                .bundlePath = "/Applications/" + name + ".app",
-                .footprint = footprint,
-                .cpuPercent = cpuPercent};
+  AppGroup result{.id = "/Applications/" + name + ".app",
+                  .name = name,
+                  .bundlePath = "/Applications/" + name + ".app",
+                  .footprint = footprint,
+                  .cpuPercent = cpuPercent};
   for (int i = 0; i < processes; ++i) {
-    made.processes.push_back({.pid = 100 + i,
-                              .name = name + std::to_string(i),
-                              .footprint = footprint / static_cast<std::uint64_t>(processes),
-                              .cpuPercent = cpuPercent / processes});
+    result.processes.push_back({.pid = 100 + i,
+                                .name = name + std::to_string(i),
+                                .footprint = footprint / static_cast<std::uint64_t>(processes),
+                                .cpuPercent = cpuPercent / processes});
   }
-  return made;
+  return result;
 }
 
-/// Groups "App1" to "AppN": the first is the largest, the last the busiest.
+/// Groups "App1" to "AppN": the first has the largest footprint, the last has the highest CPU share.
 MemorySnapshot snapshotOf(int groups) {
   MemorySnapshot snapshot;
   for (int i = 1; i <= groups; ++i) {
@@ -71,17 +71,17 @@ TEST(StatusLine, DescribesPressureAndSwapOnTheMemoryTab) {
   constexpr auto coping = "Your Mac is coping, but has started using the disk as overflow.";
   constexpr auto runningShort = "Your Mac is running short on memory. Closing an app below would help.";
   constexpr auto outOfMemory = "Your Mac is out of memory. Close something now.";
-  for (const Case& one : {Case{MemoryPressure::normal, 0, Tint::green, "Your Mac has memory to spare."},
-                          Case{MemoryPressure::normal, 1, Tint::orange, coping},
-                          Case{MemoryPressure::normal, gigabyte, Tint::orange, coping},
-                          Case{MemoryPressure::warning, 0, Tint::orange, runningShort},
-                          Case{MemoryPressure::warning, gigabyte, Tint::orange, runningShort},
-                          Case{MemoryPressure::critical, 0, Tint::red, outOfMemory},
-                          Case{MemoryPressure::critical, gigabyte, Tint::red, outOfMemory}}) {
-    const HeaderLine line = statusLine(PopoverTab::memory, {one.pressure, one.swapUsed}, {1000, 4});
+  for (const Case& expected : {Case{MemoryPressure::normal, 0, Tint::green, "Your Mac has memory to spare."},
+                               Case{MemoryPressure::normal, 1, Tint::orange, coping},
+                               Case{MemoryPressure::normal, gigabyte, Tint::orange, coping},
+                               Case{MemoryPressure::warning, 0, Tint::orange, runningShort},
+                               Case{MemoryPressure::warning, gigabyte, Tint::orange, runningShort},
+                               Case{MemoryPressure::critical, 0, Tint::red, outOfMemory},
+                               Case{MemoryPressure::critical, gigabyte, Tint::red, outOfMemory}}) {
+    const HeaderLine line = statusLine(PopoverTab::memory, {expected.pressure, expected.swapUsed}, {1000, 4});
     EXPECT_EQ(line.symbol, "memorychip");
-    EXPECT_EQ(line.tint, one.tint) << one.text;
-    EXPECT_EQ(line.text.toStdString(), one.text);
+    EXPECT_EQ(line.tint, expected.tint) << expected.text;
+    EXPECT_EQ(line.text.toStdString(), expected.text);
   }
 }
 
@@ -209,7 +209,7 @@ TEST(ApplicationRows, ListsTheProcessesOfExpandedGroupsInTheirOrder) {
                     {.pid = 7, .name = "mail-sync", .footprint = 512 * kilobyte},
                     {.pid = 2147483647, .name = "mail-indexer", .footprint = 512 * kilobyte}};
   snapshot.groups = {mail, group("Files", megabyte, 0)};
-  const auto rows = rowsOf(snapshot, PopoverTab::memory, {mail.id, "left long ago", "everything-else"});
+  const auto rows = rowsOf(snapshot, PopoverTab::memory, {mail.id, "not in the snapshot", "everything-else"});
   ASSERT_EQ(rows.size(), 2U);
   EXPECT_TRUE(rows[0].isExpanded);
   EXPECT_EQ(rows[0].processes,

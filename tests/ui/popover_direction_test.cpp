@@ -169,24 +169,25 @@ TEST_P(PopoverDirection, ElidesLongNamesOfAnyScriptAtTheirEnd) {
   const QImage image = view.grab().toImage();
   for (std::size_t i = 0; i < rows.size(); ++i) {
     SCOPED_TRACE(names[i].text.left(8).toStdString());
-    const auto at = [&](const QWidget& widget) {
+    // The frame as on a left-to-right desktop.
+    const auto unmirrored = [&](const QWidget& widget) {
       return QStyle::visualRect(GetParam(), view.rect(), frameIn(view, widget));
     };
     const QLabel* name = labelsOf(*rows[i]->button()).front();
     const FigureLabel* figure = rows[i]->button()->findChild<FigureLabel*>();
     EXPECT_EQ(rows[i]->button()->height(), 18);
-    EXPECT_EQ(at(*figure).right(), 305 - 18);
+    EXPECT_EQ(unmirrored(*figure).right(), 305 - 18);  // chevron 10, gap 8
     EXPECT_EQ(figure->size(), figure->sizeHint());
-    EXPECT_EQ(at(*name).left(), 14 + 26);
-    EXPECT_EQ(at(*name).right() + 1 + 8, at(*figure).left());
+    EXPECT_EQ(unmirrored(*name).left(), 14 + 26);  // padding 14, icon 18, gap 8
+    EXPECT_EQ(unmirrored(*name).right() + 1 + 8, unmirrored(*figure).left());
     EXPECT_TRUE(endsInDot(image.copy(frameIn(view, *name)), names[i].endsAtLeft, Theme::light().background));
     ASSERT_EQ(linesOf(*rows[i]).size(), 1U);
     const ProcessLineView* line = linesOf(*rows[i]).front();
     const auto labels = labelsOf(*line);
     EXPECT_EQ(line->height(), 14);
-    EXPECT_EQ(at(*labels[2]).right(), 305);
-    EXPECT_LE(at(*labels[0]).right() + 1 + 6, at(*labels[1]).left());
-    EXPECT_LT(at(*labels[1]).right(), at(*labels[2]).left());
+    EXPECT_EQ(unmirrored(*labels[2]).right(), 305);
+    EXPECT_LE(unmirrored(*labels[0]).right() + 1 + 6, unmirrored(*labels[1]).left());
+    EXPECT_LT(unmirrored(*labels[1]).right(), unmirrored(*labels[2]).left());
     EXPECT_EQ(labels[1]->width(), labels[1]->sizeHint().width());
   }
 }

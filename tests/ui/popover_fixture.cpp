@@ -38,7 +38,7 @@ template <typename Widget>
 std::vector<Widget*> visibleColumn(const QWidget& parent) {
   std::vector<Widget*> column = visibleChildren<Widget>(parent);
   std::sort(column.begin(), column.end(),
-            [](const Widget* one, const Widget* other) { return one->y() < other->y(); });
+            [](const Widget* first, const Widget* second) { return first->y() < second->y(); });
   return column;
 }
 
@@ -124,9 +124,9 @@ PopoverView& PopoverFixture::showView(const Theme& theme) {
 }
 
 void PopoverFixture::settle() {
-  // A layout change deep in the widget tree reaches the window one level per turn.
-  constexpr int turns = 10;
-  for (int turn = 0; turn < turns; ++turn) {
+  // A layout change deep in the widget tree reaches the window one level per iteration.
+  constexpr int iterations = 10;
+  for (int iteration = 0; iteration < iterations; ++iteration) {
     QCoreApplication::processEvents();
     for (QWidget* window : QApplication::topLevelWidgets()) {
       const bool isView = qobject_cast<PopoverView*>(window) != nullptr;
@@ -158,7 +158,7 @@ std::vector<QRect> dividersOf(const QWidget& view) {
   std::vector<QRect> frames;
   for (const Divider* divider : visibleChildren<Divider>(view)) frames.push_back(frameIn(view, *divider));
   std::sort(frames.begin(), frames.end(),
-            [](const QRect& one, const QRect& other) { return one.y() < other.y(); });
+            [](const QRect& first, const QRect& second) { return first.y() < second.y(); });
   return frames;
 }
 

@@ -44,13 +44,13 @@ class PopoverFixture {
   /// Changes the footprint of one process.
   void setFootprint(std::int32_t pid, std::uint64_t footprint);
 
-  /// Finishes the running sweep, if any, and publishes its snapshot. Renders nothing.
+  /// Finishes the running sweep, if any, and publishes its snapshot. The view is not rendered.
   void finishSweep();
 
   /// Runs one sweep and renders its snapshot.
   void sweep();
 
-  /// The intervals of all timers so far, in seconds.
+  /// The intervals of all timers that the view model has made, in seconds.
   std::vector<double> timerIntervals() const;
 
   /// Makes the view. It shows the snapshot of the last sweep(), if any.
@@ -85,13 +85,13 @@ QRect frameIn(const QWidget& ancestor, const QWidget& widget);
 /// The visible rows from top to bottom.
 std::vector<AppRow*> shownRows(const QWidget& view);
 
-/// The row with that name; null if it is not shown.
+/// The row named `name`; null if it is not shown.
 AppRow* rowNamed(const QWidget& view, const QString& name);
 
 /// The visible labels of a widget in the order of their creation.
 std::vector<QLabel*> labelsOf(const QWidget& widget);
 
-/// The first visible label with that text; null if there is none.
+/// The first visible label with the text `text`; null if there is none.
 QLabel* labelWithText(const QWidget& widget, const QString& text);
 
 /// The frames of the visible dividers, from top to bottom.
@@ -112,7 +112,7 @@ constexpr std::uint64_t megabyte = 1024 * kilobyte;
 /// Adds "Editor" and "Mail" with two processes each and "Files" with one. Their pids start at 100, 200, 300.
 void addThree(PopoverFixture& fixture);
 
-/// Adds the three applications, runs a sweep and shows the view.
+/// Calls addThree(), runs a sweep and shows the view.
 PopoverView& showThree(PopoverFixture& fixture);
 
 /// Adds applications "App0", "App1" and so on with one process each, the largest first; pids from 1000.
@@ -121,7 +121,7 @@ void addMany(PopoverFixture& fixture, int count);
 /// The names in the list, from top to bottom.
 std::vector<QString> namesOf(const QWidget& view);
 
-/// Clicks the tab with this label.
+/// Clicks the tab labelled `tab`.
 void selectTab(const QWidget& view, const QString& tab);
 
 }  // namespace tarn

@@ -134,7 +134,7 @@ TEST(PopoverLayout, AlignsTheStatusGlyphWithTheFirstLineOfText) {
   EXPECT_EQ(textFrame.top(), 14);
   EXPECT_EQ(textFrame.left(), glyphFrame.right() + 1 + 8);
   EXPECT_LE(textFrame.right(), 305);
-  EXPECT_GE(textFrame.height(), 2 * QFontMetrics(text->font()).ascent()) << "it wraps";
+  EXPECT_GE(textFrame.height(), 2 * QFontMetrics(text->font()).ascent()) << "two lines";
 }
 
 TEST(PopoverLayout, SeparatesRowsByTwoPoints) {

@@ -42,14 +42,14 @@ TEST(PopoverFrame, IsAboveABottomPanel) {
 }
 
 TEST(PopoverFrame, IsBesideAVerticalPanel) {
-  const QRect beside = popoverFrame(QPoint(24, 500), popover, leftPanel);
-  EXPECT_GE(beside.left(), 48);
-  EXPECT_LE(beside.left(), 48 + 24);
-  EXPECT_EQ(beside.top(), 500 - 240);
-  const QRect other = popoverFrame(QPoint(1900, 500), popover, rightPanel);
-  EXPECT_LE(other.right(), 1871);
-  EXPECT_GE(other.right(), 1871 - 24);
-  EXPECT_EQ(other.top(), 500 - 240);
+  const QRect besideLeft = popoverFrame(QPoint(24, 500), popover, leftPanel);
+  EXPECT_GE(besideLeft.left(), 48);
+  EXPECT_LE(besideLeft.left(), 48 + 24);
+  EXPECT_EQ(besideLeft.top(), 500 - 240);
+  const QRect besideRight = popoverFrame(QPoint(1900, 500), popover, rightPanel);
+  EXPECT_LE(besideRight.right(), 1871);
+  EXPECT_GE(besideRight.right(), 1871 - 24);
+  EXPECT_EQ(besideRight.top(), 500 - 240);
 }
 
 TEST(BesidePanel, ReturnsTheScreenWithoutThePanel) {
@@ -58,8 +58,9 @@ TEST(BesidePanel, ReturnsTheScreenWithoutThePanel) {
   EXPECT_EQ(available(QRect(0, 1040, 1920, 40)), bottomPanel.available);
   EXPECT_EQ(available(QRect(0, 0, 48, 1080)), leftPanel.available);
   EXPECT_EQ(available(QRect(1872, 0, 48, 1080)), rightPanel.available);
-  EXPECT_EQ(available(QRect(800, 4, 300, 26)), whole.adjusted(0, 30, 0, 0)) << "that floats";
-  EXPECT_EQ(besidePanel(topPanel, QRect(0, 0, 1920, 20)).available, topPanel.available) << "more is reserved";
+  EXPECT_EQ(available(QRect(800, 4, 300, 26)), whole.adjusted(0, 30, 0, 0)) << "a floating panel";
+  EXPECT_EQ(besidePanel(topPanel, QRect(0, 0, 1920, 20)).available, topPanel.available)
+      << "the panel reserves more space than its window covers";
   EXPECT_EQ(besidePanel(noPanel, QRect(0, 0, 48, 1080)).whole, whole);
 }
 
@@ -164,7 +165,7 @@ TEST(PlausibleAnchor, IsRejectedInTheMiddleOfAndOutsideTheScreen) {
   EXPECT_FALSE(isPlausibleAnchor(QPoint(0, 0), {}));
 }
 
-constexpr int shadow = 28;
+constexpr int shadow = 28;  // width of the shadow around the popover; its gap to panel and screen edge is 6
 constexpr WindowCapabilities wayland{.clientsPlaceWindows = false, .blendsWindows = true};
 
 class CompositorPlacementTest : public ::testing::Test {
@@ -183,8 +184,8 @@ class CompositorPlacementTest : public ::testing::Test {
     explicit FakeCompositor(CompositorPlacementTest& test) : test_(test) {}
 
     std::optional<CompositorPlace> locate() override {
-      ++test_.questions_;
-      return test_.questions_ > test_.unknownFor_ ? std::optional(test_.place_) : std::nullopt;
+      ++test_.requests_;
+      return test_.requests_ > test_.unlistedRequests_ ? std::optional(test_.place_) : std::nullopt;
     }
 
     void moveTo(const QPoint& corner) override { test_.corners_.push_back(corner); }
@@ -193,31 +194,31 @@ class CompositorPlacementTest : public ::testing::Test {
     CompositorPlacementTest& test_;
   };
 
-  void waitForQuestions(int count) {
-    while (questions_ < count) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  void waitForRequests(int count) {
+    while (requests_ < count) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     PopoverFixture::settle();
   }
 
   std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
-  int questions_ = 0;
-  int unknownFor_ = 2;  ///< questions for which the compositor does not know the window
+  int requests_ = 0;
+  int unlistedRequests_ = 2;  ///< number of first requests in which the compositor does not list the window
   CompositorPlace place_{{QRect(0, 0, 1920, 1080), QRect(0, 30, 1920, 1050)}, QPoint(1000, 0)};
   std::vector<QPoint> corners_;
   PopoverFixture fixture_;
   PopoverWindow window_;
 };
 
-TEST_F(CompositorPlacementTest, MovesThePopoverBelowTheItemOnceItKnowsTheWindow) {
+TEST_F(CompositorPlacementTest, MovesThePopoverBelowTheItemWhenTheWindowIsListed) {
   window_.toggle(PopoverStyle::tool, {}, wayland);
-  waitForQuestions(3);
+  waitForRequests(3);
   ASSERT_EQ(corners_.size(), 1U);
-  EXPECT_EQ(corners_.front(), QPoint(1000 - 160 - shadow, 36 - shadow)) << "with the shadow around it";
-  EXPECT_EQ(questions_, 3);
+  EXPECT_EQ(corners_.front(), QPoint(1000 - 160 - shadow, 36 - shadow)) << "the corner of the shadow";
+  EXPECT_EQ(requests_, 3);
 }
 
 TEST_F(CompositorPlacementTest, MovesThePopoverToTheCornerIfItWasNotOpenedByAClick) {
   window_.open(PopoverStyle::tool, {}, wayland);
-  waitForQuestions(3);
+  waitForRequests(3);
   ASSERT_EQ(corners_.size(), 1U);
   EXPECT_EQ(corners_.front(), QPoint(1920 - 6 - 320 - shadow, 36 - shadow));
 }
@@ -225,7 +226,7 @@ TEST_F(CompositorPlacementTest, MovesThePopoverToTheCornerIfItWasNotOpenedByACli
 TEST_F(CompositorPlacementTest, MovesThePopoverToTheCornerIfThePointerIsNotNearAnEdge) {
   place_.pointer = QPoint(900, 500);
   window_.toggle(PopoverStyle::tool, {}, wayland);
-  waitForQuestions(3);
+  waitForRequests(3);
   ASSERT_EQ(corners_.size(), 1U);
   EXPECT_EQ(corners_.front(), QPoint(1920 - 6 - 320 - shadow, 36 - shadow));
 }
@@ -235,7 +236,7 @@ TEST_F(CompositorPlacementTest, MovesAPopoverAboveAPanelWhenItGrows) {
   fixture_.add({"Editor.app", 100, {2 * megabyte, megabyte}});
   fixture_.sweep();
   window_.toggle(PopoverStyle::tool, {}, wayland);
-  waitForQuestions(3);
+  waitForRequests(3);
   click(*rowNamed(window_, "Editor")->button());
   ASSERT_EQ(corners_.size(), 2U);
   EXPECT_EQ(corners_.back(), corners_.front() - QPoint(0, 2 * (2 + 14)));
@@ -245,36 +246,36 @@ TEST_F(CompositorPlacementTest, MovesAPopoverAboveAPanelWhenItGrows) {
 TEST_F(CompositorPlacementTest, LimitsThePopoverToTheHeightOfItsScreen) {
   place_.screen = {QRect(0, 0, 800, 330), QRect(0, 30, 800, 300)};
   window_.toggle(PopoverStyle::tool, {}, wayland);
-  waitForQuestions(3);
+  waitForRequests(3);
   for (int i = 0; i < 8; ++i) fixture_.add({"App" + std::to_string(i) + ".app", 100 + i, {megabyte}});
   fixture_.sweep();
   EXPECT_EQ(window_.height(), 300 - 2 * 6 + 2 * shadow);
 }
 
-TEST_F(CompositorPlacementTest, GivesUpIfItNeverKnowsTheWindow) {
-  unknownFor_ = 1'000'000;
+TEST_F(CompositorPlacementTest, EndsItsRequestsIfTheWindowIsNeverListed) {
+  unlistedRequests_ = 1'000'000;
   window_.toggle(PopoverStyle::tool, {}, wayland);
-  waitForQuestions(75);
+  waitForRequests(75);
   EXPECT_TRUE(window_.isVisible());
   EXPECT_TRUE(corners_.empty());
 }
 
-TEST_F(CompositorPlacementTest, IsAskedAgainAtEachOpening) {
+TEST_F(CompositorPlacementTest, IsRequestedAtEachOpening) {
   window_.toggle(PopoverStyle::tool, {}, wayland);
-  waitForQuestions(3);
+  waitForRequests(3);
   window_.close();
   now_ += std::chrono::seconds(1);
   place_.pointer = QPoint(600, 0);
   window_.toggle(PopoverStyle::tool, {}, wayland);
-  waitForQuestions(4);
+  waitForRequests(4);
   ASSERT_EQ(corners_.size(), 2U);
   EXPECT_EQ(corners_.back().x(), 600 - 160 - shadow);
 }
 
-TEST_F(CompositorPlacementTest, IsNotAskedToPlaceARegularWindow) {
+TEST_F(CompositorPlacementTest, IsNotRequestedForARegularWindow) {
   window_.open(PopoverStyle::regular, {}, wayland);
   PopoverFixture::settle();
-  EXPECT_EQ(questions_, 0);
+  EXPECT_EQ(requests_, 0);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// The popover's behaviour when figures change and when it is used.
+// The popover's behaviour when figures change and on user input.
 
 #include <gtest/gtest.h>
 
@@ -120,7 +120,7 @@ TEST(PopoverVisibility, NotifiesTheViewModelOncePerOpeningAndClosing) {
   EXPECT_EQ(sweeps(), 3);
 }
 
-TEST(PopoverVisibility, RendersNothingWhileHiddenAndUpdatesWhenShown) {
+TEST(PopoverVisibility, IsNotRenderedWhileHiddenAndIsUpdatedWhenShown) {
   PopoverFixture fixture;
   PopoverView& view = showThree(fixture);
   fixture.finishSweep();
@@ -146,7 +146,7 @@ TEST(PopoverVisibility, KeepsTabAndExpandedRowsWhileItIsHidden) {
   EXPECT_EQ(linesOf(*rowNamed(view, "Mail")).size(), 2U);
 }
 
-TEST(PopoverFooter, ChangesThePreferenceAtOnce) {
+TEST(PopoverFooter, ChangesThePreferenceImmediately) {
   PopoverFixture fixture;
   PopoverView& view = fixture.showView();
   auto* box = view.findChild<CheckBox*>();
@@ -170,7 +170,7 @@ TEST(PopoverFooter, ShowsAPreferenceThatChangedElsewhere) {
   otherProcess.setShowFrontmostFootprint(false);
   fixture.sweep();
   EXPECT_FALSE(box->isChecked());
-  EXPECT_FALSE(otherProcess.showFrontmostFootprint()) << "showing it is not changing it";
+  EXPECT_FALSE(otherProcess.showFrontmostFootprint()) << "showing the preference does not write it";
 }
 
 TEST(PopoverFooter, EmitsQuitRequestedWhenQuitIsPressed) {
@@ -221,7 +221,7 @@ TEST(PopoverLink, EmitsUrlRequestedOncePerClick) {
   EXPECT_EQ(requests.value(0), QVariantList{QStringLiteral("https://tarn.example")});
 }
 
-TEST(PopoverTabs, GetTheFocusAtTheSelectedOne) {
+TEST(PopoverTabs, ReceiveTheFocusAtTheSelectedTab) {
   PopoverFixture fixture;
   PopoverView& view = fixture.showView();
   view.activateWindow();

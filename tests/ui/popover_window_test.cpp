@@ -80,7 +80,7 @@ class PopoverWindowTest : public ::testing::Test {
   PopoverWindow window_;
 };
 
-TEST_F(PopoverWindowTest, IsPlacedAsAPopupWhenItIsATool) {
+TEST_F(PopoverWindowTest, HasTheSameFrameAsAPopupAndAsATool) {
   open(PopoverStyle::popup);
   const QRect asPopup = window_.geometry();
   window_.close();
@@ -115,7 +115,7 @@ TEST_F(PopoverWindowTest, GrowsAndShrinksWithItsContent) {
   const int closed = window_.height();
   AppRow* row = rowNamed(window_, "Editor");
   click(*row->button());
-  EXPECT_EQ(window_.height(), closed + 2 * (2 + 14));
+  EXPECT_EQ(window_.height(), closed + 2 * (2 + 14));  // two process lines: spacing 2, height 14
   click(*row->button());
   EXPECT_EQ(window_.height(), closed);
 }
@@ -133,7 +133,7 @@ TEST_F(PopoverWindowTest, OpensBesideThePanelUnderThePointer) {
   EXPECT_EQ(window_.geometry().topLeft(), QPoint(66, 6));
   window_.close();
   open(PopoverStyle::popup, {QPoint(30, 10), QRect(0, 600, 60, 100)});
-  EXPECT_EQ(window_.geometry().left(), 6) << "another window";
+  EXPECT_EQ(window_.geometry().left(), 6) << "the window does not contain the item";
 }
 
 TEST_F(PopoverWindowTest, HasMarginsForItsShadowIfWindowsAreBlended) {
@@ -209,7 +209,7 @@ TEST_F(PopoverWindowTest, IsNotReopenedByTheReleaseOfThePressThatClosedIt) {
   EXPECT_FALSE(window_.isVisible());
   now_ += 10ms;
   toggle();
-  EXPECT_TRUE(window_.isVisible()) << "the next click is not ignored";
+  EXPECT_TRUE(window_.isVisible()) << "only one click is ignored";
 }
 
 TEST_F(PopoverWindowTest, IsNotReopenedIfTheHostReportsNoPosition) {
@@ -252,7 +252,7 @@ TEST_F(PopoverWindowTest, ScrollsTheListOnALowScreenAndKeepsTheFooterVisible) {
   EXPECT_EQ(window_.width(), 320);
   for (const AppRow* row : shownRows(window_)) {
     const QRect figure = frameIn(window_, *row->button()->findChild<FigureLabel*>());
-    EXPECT_EQ(figure.right(), 305 - 18) << "the bar does not cover the rows";
+    EXPECT_EQ(figure.right(), 305 - 18) << "the scroll bar does not cover the rows";
     EXPECT_LE(frameIn(window_, *row).right(), frameIn(window_, *scroller->verticalScrollBar()).left());
   }
 }
@@ -294,7 +294,7 @@ TEST_F(PopoverWindowTest, ShowsNoFocusRingWhenItOpens) {
   EXPECT_NE(qobject_cast<TabSegment*>(QApplication::focusWidget()), nullptr);
 }
 
-TEST_F(PopoverWindowTest, NotifiesTheModelOnceHoweverItOpensAndCloses) {
+TEST_F(PopoverWindowTest, NotifiesTheModelOnceForEachWayToOpenAndClose) {
   const std::vector<std::pair<PopoverStyle, std::function<void()>>> ways{
       {PopoverStyle::popup, [this] { pressKey(window_, Qt::Key_Escape); }},
       {PopoverStyle::popup, [this] { press(window_.geometry().bottomRight() + QPoint(40, 40)); }},

@@ -50,7 +50,7 @@ int alphaAt(const QImage& image, int x, int y) {
   return qAlpha(image.pixel(x, y));
 }
 
-/// The smallest rectangle that holds everything drawn; invalid when nothing is.
+/// The smallest rectangle that contains all drawn pixels; invalid if there are none.
 QRect drawnBounds(const QImage& image) {
   QRect bounds;
   for (int y = 0; y < image.height(); ++y) {
@@ -70,17 +70,17 @@ double coveredArea(const QImage& image) {
   return sum;
 }
 
-int largestDifference(const QImage& one, const QImage& other) {
+int largestDifference(const QImage& first, const QImage& second) {
   int largest = 0;
-  for (int y = 0; y < one.height(); ++y) {
-    for (int x = 0; x < one.width(); ++x) {
-      largest = std::max(largest, std::abs(alphaAt(one, x, y) - alphaAt(other, x, y)));
+  for (int y = 0; y < first.height(); ++y) {
+    for (int x = 0; x < first.width(); ++x) {
+      largest = std::max(largest, std::abs(alphaAt(first, x, y) - alphaAt(second, x, y)));
     }
   }
   return largest;
 }
 
-constexpr int roundingOfCoverage = 12;  // of 255
+constexpr int roundingOfCoverage = 12;  // largest difference in alpha (0 to 255) of antialiased pixels
 
 TEST(Symbols, StayInsideTheirRectangle) {
   for (const QString& name : allNames()) {

@@ -52,12 +52,12 @@ TEST(SystemRows, ShowStorageBatteryTemperatureAndUptime) {
                               {"clock", "Uptime", "2 days, 5 hours", std::nullopt}}));
 }
 
-TEST(SystemRows, LeaveOutTheBatteryOfADesktopMachine) {
+TEST(SystemRows, OmitTheBatteryOfADesktopMachine) {
   EXPECT_EQ(rowLabelsOf(rowsOf({.storage = disk}, ThermalState::nominal)),
             (std::vector<std::string>{"Storage", "Temperature", "Uptime"}));
 }
 
-TEST(SystemRows, LeaveOutStorageThatCannotBeRead) {
+TEST(SystemRows, OmitStorageThatCannotBeRead) {
   EXPECT_EQ(rowLabelsOf(rowsOf({.battery = BatteryInfo{}}, ThermalState::nominal)),
             (std::vector<std::string>{"Battery", "Temperature", "Uptime"}));
   EXPECT_EQ(rowLabelsOf(rowsOf({}, ThermalState::nominal)),
@@ -65,8 +65,8 @@ TEST(SystemRows, LeaveOutStorageThatCannotBeRead) {
 }
 
 TEST(SystemRows, ShowTheLargestCapacities) {
-  constexpr auto most = std::numeric_limits<std::uint64_t>::max();
-  const ExtrasRow row = rowsOf({.storage = StorageInfo{"", most, most}}, ThermalState::nominal).front();
+  constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
+  const ExtrasRow row = rowsOf({.storage = StorageInfo{"", largest, largest}}, ThermalState::nominal).front();
   EXPECT_TRUE(row.value.endsWith(QStringLiteral(" free"))) << row.value.toStdString();
   EXPECT_FALSE(row.value.startsWith(u'-')) << row.value.toStdString();
 }
@@ -144,7 +144,7 @@ TEST(TemperatureRow, ShowsTheThermalStateWithoutAReading) {
             (ExtrasRow{"thermometer.medium", "Temperature", "Running hot", std::nullopt}));
 }
 
-/// A laptop on battery, with everything that there is to know.
+/// A laptop that runs on its battery. All its figures are known.
 class SystemTab : public ::testing::Test {
  protected:
   SystemTab() {
@@ -157,7 +157,7 @@ class SystemTab : public ::testing::Test {
     fixture_.extras.uptime = 190'800;
   }
 
-  /// The popover with the System tab, its first extras read.
+  /// The popover with the System tab, after the first extras were read.
   PopoverView& show(const Theme& theme = Theme::light()) {
     fixture_.sweep();
     PopoverView& view = fixture_.showView(theme);
@@ -197,7 +197,7 @@ TEST_F(SystemTab, ShowsAllRowsInOrder) {
                                     "sensor average, approximate", "47 °C", "Uptime", "2 days, 5 hours"}));
 }
 
-TEST_F(SystemTab, RemovesAndAddsRowsAsFiguresAreKnown) {
+TEST_F(SystemTab, RemovesAndAddsARowWhenItsFigureDisappearsAndReturns) {
   const PopoverView& view = show();
   const int height = view.height();
   const auto battery = fixture_.extras.powerSources;

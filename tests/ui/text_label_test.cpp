@@ -65,9 +65,9 @@ TEST(FigureLabel, KeepsCharactersInPlaceWhenDigitsChange) {
   const int unit = QFontMetrics(label.font()).horizontalAdvance("MB") + 2;
   EXPECT_EQ(rightPart(narrow, unit), rightPart(wide, unit));
   EXPECT_NE(narrow, wide);
-  const QImage middle = painted(label, "919.1 MB");
+  const QImage mixed = painted(label, "919.1 MB");
   const int cell = QFontMetrics(label.font()).horizontalAdvance('9');
-  EXPECT_EQ(middle.copy(0, 0, cell, 18), wide.copy(0, 0, cell, 18));
+  EXPECT_EQ(mixed.copy(0, 0, cell, 18), wide.copy(0, 0, cell, 18));
 }
 
 TEST(FigureLabel, EndsAtItsRightEdge) {
@@ -114,9 +114,9 @@ TEST(FigureLabel, DrawsADigitOfTwoCodeUnits) {
 
 TEST(FigureLabel, GivesDirectionMarksNoWidth) {
   FigureLabel label(proportionalFont(), TextStyle::primary);
-  const QString share = QStringLiteral("\u0661\u0662\u066a");  // 12 % in the locale ar_EG
-  const QImage plain = painted(label, share);
-  EXPECT_EQ(painted(label, share + QChar(0x061c)), plain);
+  const QString percentage = QStringLiteral("\u0661\u0662\u066a");  // 12 % in the locale ar_EG
+  const QImage plain = painted(label, percentage);
+  EXPECT_EQ(painted(label, percentage + QChar(0x061c)), plain);
 }
 
 TEST(TextLabel, ElidesALongTextAtItsEnd) {
@@ -163,8 +163,8 @@ TEST_P(TextDirection, LeavesFullStopsAtTheEndOfEnglishSentences) {
 
 TEST_P(TextDirection, WritesAnEnglishSentenceAfterAnArabicFigureFromLeftToRight) {
   TextLabel label(systemFont(11), TextStyle::secondary, Overflow::wrap);
-  const QString share = "١١٪\u061c";  // 11 % in the locale ar_EG
-  const QImage image = paintedOnWhite(label, share + " of 4 cores in use.", {280, 18});
+  const QString percentage = "١١٪\u061c";  // 11 % in the locale ar_EG
+  const QImage image = paintedOnWhite(label, percentage + " of 4 cores in use.", {280, 18});
   EXPECT_TRUE(endsInDot(image, false, Qt::white));
 }
 

@@ -30,7 +30,7 @@ const std::vector<const Theme*>& themes() {
   return both;
 }
 
-/// The popover's background, and that of a highlighted row.
+/// The backgrounds of the popover and of a highlighted row.
 std::vector<QColor> backgroundsOf(const Theme& theme) {
   return {theme.background, onBackground(theme.highlight, theme.background)};
 }
@@ -53,9 +53,9 @@ TEST(Theme, KeepsTextReadableOnBackgroundAndHighlight) {
 
 TEST(Theme, GivesItsTextStylesDecreasingContrast) {
   for (const Theme* theme : themes()) {
-    const auto of = [&](TextStyle style) { return contrast(theme->color(style), theme->background); };
-    EXPECT_GT(of(TextStyle::primary), 1.3 * of(TextStyle::secondary));
-    EXPECT_GT(of(TextStyle::secondary), 1.3 * of(TextStyle::tertiary));
+    const auto contrastOf = [&](TextStyle style) { return contrast(theme->color(style), theme->background); };
+    EXPECT_GT(contrastOf(TextStyle::primary), 1.3 * contrastOf(TextStyle::secondary));
+    EXPECT_GT(contrastOf(TextStyle::secondary), 1.3 * contrastOf(TextStyle::tertiary));
   }
 }
 
@@ -131,7 +131,8 @@ QImage canvas() {
   return image;
 }
 
-QImage asOneShape() {
+/// The frame, drawn by drawRoundedRect().
+QImage frameByQt() {
   QImage image = canvas();
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -144,12 +145,12 @@ QImage asOneShape() {
   return image;
 }
 
-int largestDifference(const QImage& one, const QImage& other) {
+int largestDifference(const QImage& first, const QImage& second) {
   int largest = 0;
-  for (int y = 0; y < one.height(); ++y) {
-    for (int x = 0; x < one.width(); ++x) {
-      const QColor left = one.pixelColor(x, y);
-      const QColor right = other.pixelColor(x, y);
+  for (int y = 0; y < first.height(); ++y) {
+    for (int x = 0; x < first.width(); ++x) {
+      const QColor left = first.pixelColor(x, y);
+      const QColor right = second.pixelColor(x, y);
       // The colours of nearly transparent pixels are not compared.
       if (left.alpha() > 20) largest = std::max(largest, std::abs(left.red() - right.red()));
       largest = std::max(largest, std::abs(left.alpha() - right.alpha()));
@@ -163,8 +164,8 @@ TEST(RoundedFrame, LooksLikeDrawRoundedRect) {
   QPainter painter(&image);
   paintRoundedFrame(painter, frame, radius, colors, image.rect());
   painter.end();
-  EXPECT_LE(largestDifference(image, asOneShape()), 12);
-  EXPECT_GE(largestDifference(canvas(), asOneShape()), 200) << "the comparison detects differences";
+  EXPECT_LE(largestDifference(image, frameByQt()), 12);
+  EXPECT_GE(largestDifference(canvas(), frameByQt()), 200) << "the comparison does not detect differences";
 }
 
 TEST(RoundedFrame, PaintsNothingOutsideTheDamagedRectangle) {
@@ -177,7 +178,7 @@ TEST(RoundedFrame, PaintsNothingOutsideTheDamagedRectangle) {
   EXPECT_EQ(image.pixelColor(12, 12).alpha(), 0);
 }
 
-TEST(RenderScheduler, RendersOncePerTurnAfterTheChanges) {
+TEST(RenderScheduler, RendersOncePerIterationAfterTheChanges) {
   int value = 0;
   std::vector<int> rendered;
   RenderScheduler scheduler([&] { rendered.push_back(value); });
@@ -217,7 +218,7 @@ TEST(RenderScheduler, RendersAgainForAChangeDuringARendering) {
     if (++renderings == 1) scheduler->schedule();
   });
   scheduler->schedule();
-  for (int turn = 0; turn < 3; ++turn) QCoreApplication::processEvents();
+  for (int iteration = 0; iteration < 3; ++iteration) QCoreApplication::processEvents();
   EXPECT_EQ(renderings, 2);
 }
 

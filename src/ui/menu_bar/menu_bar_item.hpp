@@ -11,21 +11,21 @@
 
 namespace tarn {
 
-/// Tarn's item in the menu bar: shows a label and emits what the user does with it. Main thread.
+/// Tarn's item in the menu bar: shows a label and emits a signal for each user action. Main thread.
 ///
-/// The host, for example a panel, may appear and disappear at any time. The item follows by itself.
+/// The host, for example a panel, may appear and disappear at any time. The item detects both.
 class MenuBarItem : public QObject {
   Q_OBJECT
 
  public:
   using QObject::QObject;
 
-  /// Shows `label` on every present and later host. Sends nothing when `label` is unchanged.
+  /// Shows `label` on every current and later host. Sends no message when `label` is unchanged.
   virtual void show(const MenuBarLabel& label) = 0;
 
  Q_SIGNALS:
-  /// The item was clicked. `position` is what the host reports, in screen coordinates. Some hosts report a
-  /// wrong position, some none.
+  /// The item was clicked. `position` is the position that the host reports, in screen coordinates. Some
+  /// hosts report a wrong position or no position.
   void activated(std::optional<QPoint> position);
 
   /// "Open" was chosen from the item's menu.
@@ -37,7 +37,7 @@ class MenuBarItem : public QObject {
   /// A host now shows the item.
   void hostAppeared();
 
-  /// No host shows the item: none appeared within the grace time after the start, or after the last one
+  /// No host shows the item: none appeared within the grace time after the start, or after the last host
   /// disappeared. Emitted again only after a host has appeared.
   void hostMissing();
 };

@@ -16,7 +16,7 @@ QString byteText(std::uint64_t byteCount, const Formatters& formatters) {
   return QString::fromStdString(ByteFormatting::string(byteCount, formatters.bytes));
 }
 
-/// Whether two figures differ by at most 5 percent of the first, or by at most 20 MB.
+/// Whether two figures differ by at most 5 percent of the first figure, or by at most 20 MB.
 bool isSimilar(std::uint64_t sent, std::uint64_t current) {
   constexpr std::uint64_t tolerance = std::uint64_t{20} << 20U;
   const std::uint64_t difference = std::max(sent, current) - std::min(sent, current);
@@ -63,7 +63,7 @@ ToolTip throttledToolTip(const ToolTip& sent, const ToolTip& current, bool popov
 }
 
 QImage MenuBarIcon::image(const QString& symbolName, const QColor& color, int pixels) {
-  // In other formats Qt's rasteriser fills paths in its own threads.
+  // With other image formats Qt's rasteriser starts threads to fill paths.
   QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);

@@ -20,7 +20,7 @@ namespace tarn {
 /// The item's tooltip and title.
 struct ToolTip {
   QString status;                      ///< one sentence
-  QString detail;                      ///< the memory figures behind `status`; empty while there are none
+  QString detail;                      ///< the memory figures; empty before the first snapshot
   std::optional<QString> footprint;    ///< the same as MenuBarLabel::text
   std::optional<SystemMemory> memory;  ///< the figures of `detail`
 
@@ -47,9 +47,10 @@ MenuBarLabel menuBarLabel(const StatusPresentation& status, const std::optional<
 /// The memory figures in one line: "Wired … · Compressed … · Cached files … · Swap …".
 QString memoryDetail(const SystemMemory& memory, const Formatters& formatters);
 
-/// The tooltip to send to a host that has `sent`: `sent` again unless `current` differs noticeably. Each
-/// change wakes the host, which then reads several properties. While the popover is open, only a footprint
-/// that appears or disappears counts: some hosts show a tooltip when it changes, on top of the popover.
+/// The tooltip to send to a host that shows `sent`: `current` if it differs noticeably, else `sent`. Each
+/// change wakes the host, which then reads several properties. While the popover is open, `current` is sent
+/// only when its footprint appears or disappears: some hosts show a changed tooltip, which covers the
+/// popover.
 ToolTip throttledToolTip(const ToolTip& sent, const ToolTip& current, bool popoverIsOpen);
 
 namespace MenuBarIcon {
@@ -58,7 +59,7 @@ namespace MenuBarIcon {
 /// symbol in a bar of that height. Hosts do not recolour it. Transparent for an unknown symbol.
 QImage image(const QString& symbolName, const QColor& color, int pixels);
 
-/// The shade of a tint that has a contrast of at least 3:1 with light and with dark bars.
+/// The shade of a tint. Its contrast with light and with dark bars is at least 3:1.
 QColor color(Tint tint);
 
 }  // namespace MenuBarIcon

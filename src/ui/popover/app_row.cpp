@@ -85,7 +85,7 @@ AppRowButton::AppRowButton(QWidget* parent)
       chevron_(new GlyphView(9, SymbolWeight::semibold)) {
   setAttribute(Qt::WA_Hover);
   setFocusPolicy(Qt::TabFocus);  // a click shows no focus ring
-  setAutoDefault(true);          // Return clicks it
+  setAutoDefault(true);          // the Return key clicks it
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   chevron_->setFixedSize(chevronFrame);
 

@@ -47,7 +47,7 @@ class AppIconProvider {
 
  private:
   FileIconLoader loadFileIcon_;
-  std::unordered_map<std::string, QIcon> cache_;  ///< by bundle path; never pruned
+  std::unordered_map<std::string, QIcon> cache_;  ///< key: bundle path; entries are never removed
 };
 
 /// The texts of a row: a name and, optionally, a smaller line below it. Text that does not fit is elided.
@@ -64,8 +64,8 @@ class RowText : public QVBoxLayout {
   TextLabel* secondary_;
 };
 
-/// Appends to or removes from `widgets`, which are the last ones in `layout`, until there are `count`. New
-/// ones are shown, and owned by `parent`.
+/// Adds or removes widgets at the end of `widgets` until there are `count`. `widgets` are the last items of
+/// `layout`. A new widget is shown; `parent` owns it.
 template <typename Widget>
 void setWidgetCount(std::vector<Widget*>& widgets, std::size_t count, QVBoxLayout& layout, QWidget* parent) {
   while (widgets.size() > count) {

@@ -44,7 +44,7 @@ void ApplicationList::setRows(const std::vector<RowContent>& rows) {
   for (AppRow*& row : arranged) {
     if (row == nullptr) row = spareRow();
   }
-  // Deleted later: this call may come from a click on one of them.
+  // Deleted later: a click on one of these rows may have caused this call.
   for (AppRow* spare : rows_) {
     layout_->removeWidget(spare);
     spare->hide();
@@ -63,11 +63,11 @@ void ApplicationList::setRows(const std::vector<RowContent>& rows) {
 }
 
 AppRow* ApplicationList::takeRow(const std::string& groupID) {
-  const auto found =
+  const auto position =
       std::find_if(rows_.begin(), rows_.end(), [&](const AppRow* row) { return row->groupID() == groupID; });
-  if (found == rows_.end()) return nullptr;
-  AppRow* row = *found;
-  rows_.erase(found);
+  if (position == rows_.end()) return nullptr;
+  AppRow* row = *position;
+  rows_.erase(position);
   return row;
 }
 

@@ -21,7 +21,7 @@ class ApplicationList : public QWidget {
  public:
   /// Distance from a row's content to the left and right edge of its highlight, points.
   static constexpr int highlightHorizontalMargin = 6;
-  /// The same for the upper and lower edge. The list has these margins around its rows.
+  /// Distance to the upper and lower edge, points. The list has both margins around its rows.
   static constexpr int highlightVerticalMargin = 1;
 
   explicit ApplicationList(AppIconProvider& icons, QWidget* parent = nullptr);

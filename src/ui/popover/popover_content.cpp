@@ -24,7 +24,7 @@ QString cpuText(double percent, const Formatters& formatters) {
   return QString::fromStdString(CPUFormatting::string(percent, formatters.percents));
 }
 
-/// The metric's figure of a group or of a process.
+/// The figure of a group or of a process for the metric.
 template <typename Measured>
 QString valueText(const Measured& measured, SortMetric metric, const Formatters& formatters) {
   return metric == SortMetric::cpu ? cpuText(measured.cpuPercent, formatters)
@@ -66,10 +66,10 @@ ExtrasRow storageRow(const StorageInfo& storage, const Formatters& formatters) {
               QStringList{QStringLiteral("of ") + total, displayText(storage.volumeName)}.join(separator)};
 }
 
-/// The battery's level to the nearest quarter, or that it is charging.
+/// The symbol for the battery's level, rounded to the nearest quarter, or for a charging battery.
 QString batterySymbol(const BatteryInfo& battery) {
   if (battery.isCharging) return QStringLiteral("battery.100.bolt");
-  // Half-way between two quarters the upper one is shown.
+  // The bounds are half-way between two quarters (12.5, 37.5, …), rounded up.
   if (battery.percent >= 88) return QStringLiteral("battery.100");
   if (battery.percent >= 63) return QStringLiteral("battery.75");
   if (battery.percent >= 38) return QStringLiteral("battery.50");
@@ -94,7 +94,7 @@ ExtrasRow temperatureRow(const std::optional<double>& celsius, ThermalState ther
   return row;
 }
 
-/// Bytes. More than a row can show; limits the layout time of a long process name.
+/// Bytes: more than a row can show. Limits the layout time of a long process name.
 constexpr std::size_t longestText = 512;
 
 /// Control characters, line and paragraph separators, and the bidirectional formatting characters of UAX #9.

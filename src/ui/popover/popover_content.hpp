@@ -50,7 +50,7 @@ struct ProcessLine {
 
 /// One row of the application list.
 struct RowContent {
-  std::string id;  ///< the group's
+  std::string id;  ///< of the group
   QString name;
   std::optional<std::string> bundlePath;  ///< of the bundle whose icon is shown
   QString symbol;                         ///< shown when there is no bundle
@@ -80,7 +80,7 @@ QString displayText(std::string_view utf8);
 /// The status line of a tab.
 HeaderLine statusLine(PopoverTab tab, const StatusPresentation& status, const CPUPresentation& cpu);
 
-/// The figures under the list. A single space, which keeps the line's height, while there are none.
+/// The figures under the list; a single space, which keeps the line's height, before the first snapshot.
 QString detailString(PopoverTab tab, const std::optional<MemorySnapshot>& snapshot,
                      const CPUPresentation& cpu, ThermalState thermalState, const Formatters& formatters);
 
@@ -90,16 +90,17 @@ QString explainer(PopoverTab tab);
 /// Says where the System tab's figures come from.
 QString systemFootnote();
 
-/// The eight largest groups by the tab's metric. If there are more, one row sums up the others; it cannot be
-/// expanded. `expanded` holds the ids of the expanded rows.
+/// The eight largest groups by the tab's metric. If there are more groups, a last row shows the sum of the
+/// others; it cannot be expanded. `expanded` holds the ids of the expanded rows.
 std::vector<RowContent> applicationRows(const MemorySnapshot& snapshot, PopoverTab tab,
                                         const std::set<std::string>& expanded, const Formatters& formatters);
 
-/// Storage, battery, temperature and uptime, in this order. Unknown ones are left out.
+/// The rows for storage, battery, temperature and uptime, in this order. Storage and battery are omitted if
+/// unknown.
 std::vector<ExtrasRow> systemRows(const SystemExtras& extras, ThermalState thermalState,
                                   const Formatters& formatters);
 
-/// Charge cycles and health, as far as they are known.
+/// Charge cycles and health; an unknown one is omitted. nullopt if both are unknown.
 std::optional<QString> batterySecondary(const BatteryInfo& battery);
 
 /// The temperature in whole degrees Celsius. Without a reading, the thermal state in words.

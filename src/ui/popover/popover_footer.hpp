@@ -23,8 +23,8 @@ struct Vendor {
   QString url;      ///< opened when the link is clicked
 };
 
-/// One line of text whose emoji are drawn with a colour emoji font, if there is one. Many text fonts have
-/// black glyphs for them.
+/// One line of text whose emoji are drawn with a colour emoji font, if one is installed. Many text fonts have
+/// black glyphs for emoji.
 class CreditLabel : public TextLabel {
   Q_OBJECT
 

@@ -19,7 +19,7 @@ constexpr int itemHalfSize = 14;  ///< from an item's centre to its edge, for pa
 // A compositor lists a window some milliseconds after Qt has shown it, and draws the next frame up to 16 ms
 // later. The window must be moved before that frame.
 constexpr std::chrono::milliseconds locateInterval{4};
-constexpr int locateAttempts = 75;
+constexpr int locateAttempts = 75;  // 75 × 4 ms = 300 ms
 
 enum class Edge { top, bottom, left, right };
 constexpr std::array edges = {Edge::top, Edge::bottom, Edge::left, Edge::right};
@@ -38,18 +38,18 @@ int distance(Edge edge, const QPoint& point, const QRect& area) {
   return area.right() - point.x();
 }
 
-Edge nearer(Edge one, Edge other, const QPoint& point, const QRect& area) {
-  return distance(other, point, area) < distance(one, point, area) ? other : one;
+Edge nearer(Edge first, Edge second, const QPoint& point, const QRect& area) {
+  return distance(second, point, area) < distance(first, point, area) ? second : first;
 }
 
 /// The edge whose panel an item at `point` is in.
 Edge panelEdge(const QPoint& point, const ScreenArea& screen) {
-  // The point lies in space that a panel reserves.
+  // The point may be in the space that a panel reserves.
   for (const Edge edge : edges) {
     if (distance(edge, point, screen.available) < 0) return edge;
   }
-  // The last item of a panel is about as near to the other edge of the corner as to the panel's own edge.
-  // Horizontal panels are more common.
+  // The last item of a panel is in a corner: it is about equally near to two edges of the screen. The
+  // horizontal edge is then preferred, because horizontal panels are more common.
   const Edge horizontal = nearer(Edge::top, Edge::bottom, point, screen.whole);
   const Edge vertical = nearer(Edge::left, Edge::right, point, screen.whole);
   const int limit = distance(vertical, point, screen.whole) + itemHalfSize;
@@ -64,25 +64,25 @@ int clamped(int value, int lowest, int highest) {
 
 ScreenArea besidePanel(const ScreenArea& screen, const QRect& panel) {
   const QRect strip = panel & screen.whole;
-  ScreenArea rest = screen;
-  if (strip.isEmpty() || std::min(strip.width(), strip.height()) > panelDepth) return rest;
+  ScreenArea result = screen;
+  if (strip.isEmpty() || std::min(strip.width(), strip.height()) > panelDepth) return result;
   const bool isHorizontal = strip.width() >= strip.height();
   switch (isHorizontal ? nearer(Edge::top, Edge::bottom, strip.center(), screen.whole)
                        : nearer(Edge::left, Edge::right, strip.center(), screen.whole)) {
     case Edge::top:
-      rest.available.setTop(std::max(rest.available.top(), strip.bottom() + 1));
+      result.available.setTop(std::max(result.available.top(), strip.bottom() + 1));
       break;
     case Edge::bottom:
-      rest.available.setBottom(std::min(rest.available.bottom(), strip.top() - 1));
+      result.available.setBottom(std::min(result.available.bottom(), strip.top() - 1));
       break;
     case Edge::left:
-      rest.available.setLeft(std::max(rest.available.left(), strip.right() + 1));
+      result.available.setLeft(std::max(result.available.left(), strip.right() + 1));
       break;
     case Edge::right:
-      rest.available.setRight(std::min(rest.available.right(), strip.left() - 1));
+      result.available.setRight(std::min(result.available.right(), strip.left() - 1));
       break;
   }
-  return rest;
+  return result;
 }
 
 bool isPlausibleAnchor(const QPoint& position, const ScreenArea& screen) {

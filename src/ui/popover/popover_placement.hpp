@@ -25,13 +25,14 @@ struct CompositorPlace {
   QPoint pointer;  ///< in screen coordinates
 };
 
-/// Places this process's window through a compositor's own protocol, where Wayland clients cannot do it
-/// themselves. Main thread.
+/// Places this process's window through a compositor-specific protocol. Wayland itself has no request for
+/// this. Main thread.
 class CompositorPlacement {
  public:
   virtual ~CompositorPlacement() = default;
 
-  /// Where the pointer is; nullopt while the compositor does not list the window. May move the window there.
+  /// Where the pointer is; nullopt while the compositor does not list the window. May center the window
+  /// on the pointer.
   virtual std::optional<CompositorPlace> locate() = 0;
 
   /// Moves the window's upper left corner.
@@ -42,8 +43,8 @@ class CompositorPlacement {
 /// space the window system does not report. Returns `screen` unchanged when the window cannot be a panel.
 ScreenArea besidePanel(const ScreenArea& screen, const QRect& panel);
 
-/// Whether the position of a click, as a host reports it, can be right: on the screen and near an edge, where
-/// panels are.
+/// Whether the position of a click, as a host reports it, can be correct: it is on the screen and near an
+/// edge, where panels are.
 bool isPlausibleAnchor(const QPoint& position, const ScreenArea& screen);
 
 /// The frame of a popover of `size` beside the menu-bar item at `anchor`: next to the screen edge nearest to
@@ -70,10 +71,10 @@ class CompositorConnection {
   /// Call when the window was closed.
   void stopLocating() { timer_.stop(); }
 
-  /// nullopt until the compositor has reported it.
+  /// The last reported place; nullopt until the compositor has reported one.
   const std::optional<CompositorPlace>& place() const { return place_; }
 
-  /// Moves the window's upper left corner there, unless that was the last request.
+  /// Moves the window's upper left corner to `corner`, unless that was the last request.
   void moveTo(QPoint corner);
 
  private:

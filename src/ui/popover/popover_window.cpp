@@ -23,7 +23,7 @@ namespace {
 constexpr int cornerRadius = 12;
 constexpr int shadowWidth = 28;  ///< width of the shadow around the content, points
 constexpr int shadowDrop = 6;    ///< offset of the shadow below the content, points
-/// A click this soon after a press outside, and this near to it, is the release of that press.
+/// A click within this time and distance (points) of a press outside is the release of that press.
 constexpr std::chrono::milliseconds sameClickTime{400};
 constexpr int sameClickDistance = 48;
 
@@ -146,9 +146,9 @@ void PopoverWindow::updateContentLayout() {
 void PopoverWindow::fitToContent() {
   const QLayout* content = view_->layout();
   const int width = view_->maximumWidth();
-  const int wanted =
+  const int preferredHeight =
       content->hasHeightForWidth() ? content->totalHeightForWidth(width) : content->sizeHint().height();
-  place(QSize(width, qMin(wanted, popoverHeightLimit(screenArea()))));
+  place(QSize(width, qMin(preferredHeight, popoverHeightLimit(screenArea()))));
 }
 
 void PopoverWindow::place(const QSize& size) {
@@ -156,7 +156,7 @@ void PopoverWindow::place(const QSize& size) {
   if (isPlaced_) {
     setGeometry(popoverFrame(geometry_.anchor, size, screenArea()).marginsAdded(margins));
   } else {
-    // Tiling compositors let a window of fixed size float.
+    // A fixed size makes the window float in tiling compositors.
     if (style_ == PopoverStyle::tool) {
       setFixedSize(size.grownBy(margins));
     } else {

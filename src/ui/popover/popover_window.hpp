@@ -18,17 +18,17 @@ namespace tarn {
 
 /// How the popover's window behaves.
 enum class PopoverStyle {
-  popup,    ///< any press outside closes it, and the focus stays where it was
+  popup,    ///< any press outside closes it; the other application keeps the focus
   tool,     ///< takes the focus, and closes when it loses the focus
-  regular,  ///< an ordinary window that stays open, when there is no menu bar
+  regular,  ///< a normal window that stays open; used when no menu bar shows the item
 };
 
 /// What the window system supports. A compositor may start or stop at any time, so this is read before each
 /// opening.
 struct WindowCapabilities {
-  bool clientsPlaceWindows = true;    ///< X11 and macOS: yes, Wayland: no
+  bool clientsPlaceWindows = true;    ///< true on X11 and macOS, false on Wayland
   bool blendsWindows = false;         ///< a compositor shows translucent windows
-  bool popupsTakeKeys = true;         ///< if not, the popover is a window that takes the focus
+  bool popupsTakeKeys = true;         ///< if false, the popover is a window that takes the focus
   bool clickPositionIsExact = false;  ///< the host reports the exact position of a click on the item
 };
 
@@ -88,11 +88,11 @@ class PopoverWindow : public QWidget {
   PopoverStyle style_ = PopoverStyle::popup;
   PopoverGeometry geometry_;
   bool blended_ = false;
-  bool isPlaced_ = true;  ///< by this program, beside the item
+  bool isPlaced_ = true;  ///< this program places the window beside the item
   CompositorConnection compositor_;
-  bool isAtPointer_ = false;  ///< a click opened it
+  bool isAtPointer_ = false;  ///< a click on the item opened the popover
   Clock clock_;
-  QPoint lastPress_;  ///< position of the press outside that closed the popover last, in screen coordinates
+  QPoint lastPress_;  ///< position of the last press outside that closed the popover, in screen coordinates
   /// When a press outside closed the popover. nullopt if it was closed in another way.
   std::optional<std::chrono::steady_clock::time_point> closedByPress_;
 };

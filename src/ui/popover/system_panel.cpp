@@ -10,7 +10,7 @@ namespace tarn {
 namespace {
 
 constexpr int rowPadding = 1;  ///< above and below each row
-constexpr int glyphSize = 16;  ///< as high as the text, with the margin of the symbol's grid
+constexpr int glyphSize = 16;  ///< the symbol without its margin is as high as the text
 constexpr int spacingOfRows = 8;
 
 }  // namespace

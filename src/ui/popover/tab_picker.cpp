@@ -71,7 +71,7 @@ TabPicker::TabPicker(QWidget* parent) : QWidget(parent), segments_(new QButtonGr
   add(PopoverTab::cpu, QStringLiteral("CPU"));
   add(PopoverTab::system, QStringLiteral("System"));
   connect(segments_, &QButtonGroup::idToggled, this, [this](int id, bool checked) {
-    // Otherwise Qt moves the focus to the segment that had it last, selected or not.
+    // Otherwise Tab would focus the last focused segment, also if another segment is selected.
     segments_->button(id)->setFocusPolicy(checked ? Qt::TabFocus : Qt::NoFocus);
     if (checked) Q_EMIT tabSelected(static_cast<PopoverTab>(id));
   });

@@ -15,16 +15,16 @@ namespace {
 constexpr double regularStroke = 1.3;
 constexpr double semiboldStroke = 1.6;
 
-/// Grid units. Small enough for smooth curves when the symbol is drawn at many times the size of the grid.
+/// Grid units. Curves are smooth with it when the symbol is drawn much larger than 16 pixels.
 constexpr double curveTolerance = 0.02;
 
 /// Twice the area of `outline`. Negative if it is counterclockwise on the screen.
 double signedArea(const QPolygonF& outline) {
   double sum = 0;
   for (qsizetype index = 0; index < outline.size(); ++index) {
-    const QPointF& from = outline[index];
-    const QPointF& to = outline[(index + 1) % outline.size()];
-    sum += from.x() * to.y() - to.x() * from.y();
+    const QPointF& point = outline[index];
+    const QPointF& next = outline[(index + 1) % outline.size()];
+    sum += point.x() * next.y() - next.x() * point.y();
   }
   return sum;
 }
@@ -33,7 +33,8 @@ QPainterPath clockwise(const QPainterPath& path) {
   return signedArea(path.toFillPolygon()) < 0 ? path.toReversed() : path;
 }
 
-/// The closed polygon of `corners`, each of them cut back by up to `rounding` and replaced by a curve.
+/// The closed polygon of `corners`. Each corner is replaced by a curve, which begins and ends up to
+/// `rounding` from the corner.
 QPainterPath roundedPolygon(const QPolygonF& corners, double rounding) {
   const auto towards = [rounding](const QPointF& corner, const QPointF& neighbour) {
     const QLineF side(corner, neighbour);

@@ -40,7 +40,7 @@ class SymbolSketch {
   void strokeLine(std::initializer_list<QPointF> points, double width);
   void strokeLine(std::initializer_list<QPointF> points) { strokeLine(points, strokeWidth_); }
 
-  /// Strokes a rounded box, or a ring around the origin. The outer edges are the given ones, snapped.
+  /// Strokes a rounded box, or a ring around the origin. The outer edges are snapped to pixel boundaries.
   void strokeBox(const QRectF& outer, double radius);
   void strokeRing(double outerRadius);
 
@@ -49,16 +49,17 @@ class SymbolSketch {
   void fillBox(const QRectF& box, double radius);
   void fillDisc(const QPointF& centre, double radius);
 
-  /// Fills the polygon of `corners`; each corner is cut back by up to `rounding` and replaced by a curve.
+  /// Fills the polygon of `corners`. Each corner is replaced by a curve, which begins and ends up to
+  /// `rounding` from the corner.
   void fillPolygon(const QPolygonF& corners, double rounding);
 
-  /// Cuts a transparent hole into a filled area, which must not overlap another one there.
+  /// Cuts a transparent hole into a filled area. No other filled area may overlap the hole.
   void cutDisc(const QPointF& centre, double radius);
 
   /// `box` with every edge moved to the nearest pixel boundary.
   QRectF snappedBox(const QRectF& box) const;
 
-  /// The area collected so far. Fill it with its own fill rule.
+  /// The area collected so far. Fill it with the path's fill rule.
   const QPainterPath& area() const { return area_; }
 
  private:

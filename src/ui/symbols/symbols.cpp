@@ -24,8 +24,8 @@ namespace {
 constexpr double statusRadius = 6;
 constexpr double discRadius = 6.7;
 
-/// Chevrons and check marks are shown at about half the size of other symbols. A wider stroke makes them
-/// match.
+/// Chevrons and check marks are shown at about half the size of other symbols. With a wider stroke their
+/// lines look equally thick.
 constexpr double smallSymbolStrokeFactor = 1.5;
 
 QRectF squareAround(const QPointF& centre, double halfSide) {
@@ -137,8 +137,8 @@ void battery(SymbolSketch& sketch, double level) {
   sketch.fillBox(charge, 0.7);
 }
 
-/// The outline of the body has gaps above and below the bolt. No charge is shown: behind the bolt it would
-/// make the bolt hard to recognise at text sizes.
+/// The outline of the body has gaps above and below the bolt. The charge level is not drawn: the bolt would
+/// be hard to recognise in front of it at text sizes.
 void batteryCharging(SymbolSketch& sketch) {
   const double inset = sketch.strokeWidth() / 2;
   const QRectF body = sketch.snappedBox(batteryBody).adjusted(inset, inset, -inset, -inset);
@@ -240,14 +240,15 @@ constexpr std::array namedShapes{
 
 /// The shape called `name`; null for an unknown name.
 SymbolShape symbolShape(QStringView name) {
-  const auto* const found =
+  const auto* const match =
       std::ranges::find_if(namedShapes, [&](const NamedShape& candidate) { return name == candidate.name; });
-  return found == namedShapes.end() ? nullptr : found->shape;
+  return match == namedShapes.end() ? nullptr : match->shape;
 }
 
 constexpr double largestSide = 4096;  ///< pixels
 
-/// `rect`'s side in whole pixels of the painter's device; 0 when the rectangle has no area to draw in.
+/// `rect`'s side in whole pixels of the painter's device; 0 when it is smaller than one pixel or larger than
+/// `largestSide`.
 int sideInPixels(const QTransform& toDevice, const QRectF& rect) {
   const double side = std::min(rect.width(), rect.height()) * std::hypot(toDevice.m11(), toDevice.m12());
   constexpr double roundingError = 0.01;
@@ -269,8 +270,8 @@ bool drawSymbol(QPainter& painter, const QString& name, const QRectF& rect, cons
 
   // The sketch is aligned to pixels, so its square must start on a pixel boundary.
   const double half = pixels / 2.0;
-  const QPointF wanted = toDevice.map(rect.center());
-  const QPointF centre(std::round(wanted.x() - half) + half, std::round(wanted.y() - half) + half);
+  const QPointF exact = toDevice.map(rect.center());
+  const QPointF centre(std::round(exact.x() - half) + half, std::round(exact.y() - half) + half);
   const double unit = pixels / SymbolSketch::gridUnits / std::hypot(toDevice.m11(), toDevice.m12());
 
   painter.save();

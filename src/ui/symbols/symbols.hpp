@@ -12,7 +12,7 @@ class QPainter;
 
 namespace tarn {
 
-/// Stroke weight of a symbol, as with text.
+/// Stroke weight of a symbol, like the weight of a font.
 enum class SymbolWeight { regular, semibold };
 
 /// Draws the symbol `name`, for example "memorychip", in one colour. It is centred in `rect` and scaled to

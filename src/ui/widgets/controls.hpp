@@ -16,15 +16,15 @@
 
 namespace tarn {
 
-/// A symbol in a colour of the theme, centred in the view's frame. It is decorative: the text beside it says
-/// the same.
+/// A symbol in a colour of the theme, centred in the view's frame. It is decorative: the text beside it has
+/// the same meaning.
 class GlyphView : public QWidget {
   Q_OBJECT
 
  public:
   using Color = std::variant<TextStyle, Tint>;
 
-  /// `size` is that of the symbol, in points. The caller sets the size of the view.
+  /// `size` is the size of the symbol in points. The caller sets the size of the view.
   GlyphView(double size, SymbolWeight weight, QWidget* parent = nullptr);
 
   void setSymbol(const QString& name, Color color);

@@ -37,7 +37,7 @@ void paintCorner(QPainter& painter, const Corner& corner, int radius, const Fram
   pie.arcTo(QRectF(corner.centre - radiusOffset, corner.centre + radiusOffset), corner.startAngle, quarter);
   painter.fillPath(pie, colors.background);
   const QPointF line(radius - 0.5, radius - 0.5);
-  constexpr int unitsPerDegree = 16;
+  constexpr int unitsPerDegree = 16;  // of QPainter::drawArc()
   painter.setPen(QPen(colors.border, 1, Qt::SolidLine, Qt::FlatCap));
   painter.drawArc(QRectF(corner.centre - line, corner.centre + line), corner.startAngle * unitsPerDegree,
                   quarter * unitsPerDegree);
@@ -47,11 +47,11 @@ void paintCorner(QPainter& painter, const Corner& corner, int radius, const Fram
 
 void paintRoundedFrame(QPainter& painter, const QRect& frame, int radius, const FrameColors& colors,
                        const QRect& damaged) {
-  const QRect tall = frame.adjusted(radius, 0, -radius, 0);
+  const QRect middle = frame.adjusted(radius, 0, -radius, 0);
   const QRect left(frame.x(), frame.y() + radius, radius, frame.height() - 2 * radius);
   const QRect right = left.translated(frame.width() - radius, 0);
-  for (const QRect& part : {tall, left, right}) painter.fillRect(part & damaged, colors.background);
-  const QRect top(tall.x(), frame.y(), tall.width(), 1);
+  for (const QRect& part : {middle, left, right}) painter.fillRect(part & damaged, colors.background);
+  const QRect top(middle.x(), frame.y(), middle.width(), 1);
   const QRect leftLine(left.x(), left.y(), 1, left.height());
   for (const QRect& line :
        {top, top.translated(0, frame.height() - 1), leftLine, leftLine.translated(frame.width() - 1, 0)}) {

@@ -21,8 +21,8 @@ struct FrameColors {
 };
 
 /// Paints the part of a frame with round corners that lies within `damaged`. It looks like one
-/// drawRoundedRect() call, but only the corners are drawn as paths: Qt's rasteriser allocates memory by the
-/// size of a path, and keeps it.
+/// drawRoundedRect() call, but only the corners are drawn as paths: Qt's rasteriser allocates memory in
+/// proportion to the size of a path, and does not free it.
 void paintRoundedFrame(QPainter& painter, const QRect& frame, int radius, const FrameColors& colors,
                        const QRect& damaged);
 

@@ -11,8 +11,8 @@
 
 namespace tarn {
 
-/// Calls `render` once for all `schedule` calls of one event-loop iteration. It runs in the next iteration,
-/// because the signals that call `schedule` are emitted before the value changes. Main thread.
+/// Calls `render` once for all `schedule` calls of one event-loop iteration. `render` runs in the next
+/// iteration, because the signals that call `schedule` are emitted before the value changes. Main thread.
 class RenderScheduler : public QObject {
  public:
   explicit RenderScheduler(std::function<void()> render) : render_(std::move(render)) {}

@@ -76,8 +76,8 @@ QSize TextLabel::minimumSizeHint() const {
 Qt::LayoutDirection TextLabel::textDirection() const {
   // A text that begins with a separator continues the label before it.
   if (text().startsWith(u'·')) return layoutDirection();
-  // The first letter decides. Direction marks around the figures of some locales do not: they would reverse
-  // an English sentence.
+  // The first letter decides. The direction marks that some locales put around figures are ignored: they
+  // would reverse an English sentence.
   for (const char32_t code : text().toUcs4()) {
     if (QChar::isLetter(code)) return isRightToLeftLetter(code) ? Qt::RightToLeft : Qt::LeftToRight;
   }

@@ -17,8 +17,8 @@ enum class Overflow {
   elide,  ///< show one line that ends in an ellipsis
 };
 
-/// Plain text in one of the text styles, aligned to the leading edge. The writing direction is that of the
-/// text, not of the desktop.
+/// Plain text in one of the text styles, aligned to the leading edge. The text, not the desktop, decides the
+/// writing direction.
 class TextLabel : public QLabel {
   Q_OBJECT
 
@@ -41,8 +41,8 @@ class TextLabel : public QLabel {
 /// until it has a parent.
 TextLabel* makePlaceholder(const QString& text);
 
-/// A figure whose digits all have the same width, so that nothing moves when it changes. Always written from
-/// left to right.
+/// A figure whose digits all have the same width, so that its characters keep their positions when a digit
+/// changes. Always written from left to right.
 class FigureLabel : public TextLabel {
   Q_OBJECT
 

@@ -26,7 +26,7 @@ class ColorSchemeWatcher : public QObject {
  public:
   using QObject::QObject;
 
-  /// nullopt when the user has no preference or it is unknown. The caller then uses the palette.
+  /// nullopt when the user has no preference or the preference is unknown. The caller then uses the palette.
   virtual std::optional<ColorScheme> preference() const = 0;
 
  Q_SIGNALS:
