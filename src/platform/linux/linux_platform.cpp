@@ -111,8 +111,8 @@ void followSessionBus(Service* service) {
                    [service, bus] { service->moveTo(bus->connection()); });
 }
 
-/// Claims the instance's name again on every session bus that appears later; quits when another process has
-/// it there.
+/// Claims the instance's name again on every session bus that appears later; quits if another process owns
+/// the name there.
 class SessionSingleInstance final : public SingleInstance {
  public:
   SessionSingleInstance() {
@@ -132,8 +132,8 @@ class SessionSingleInstance final : public SingleInstance {
 }  // namespace
 
 void LinuxPlatform::limitAllocatorArenas() {
-  // mallopt(3): by default each thread gets its own arena, and the top of the heap is trimmed late. Few
-  // of Tarn's threads allocate, and rarely.
+  // mallopt(3): by default each thread gets a separate arena, and free memory at the top of the heap is
+  // returned late. Tarn's threads allocate rarely, so one arena is enough.
   constexpr int trimThreshold = 64 << 10;  // bytes
   constexpr int topPad = 16 << 10;         // bytes
   mallopt(M_ARENA_MAX, 1);

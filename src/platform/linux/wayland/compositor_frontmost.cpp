@@ -51,8 +51,7 @@ std::optional<FrontmostApplication> applicationOf(std::optional<std::int32_t> pi
   return FrontmostApplication{std::nullopt, *pid};
 }
 
-/// Returns what `source` returns, except for this process: while the popover has the focus, the last
-/// application before it.
+/// Returns what `source` returns; while the popover has the focus, the application that had the focus before.
 FrontmostApplicationSource excludeOwnProcess(FrontmostApplicationSource source) {
   return [source = std::move(source), last = std::optional<FrontmostApplication>()]() mutable {
     auto application = source();
