@@ -126,15 +126,16 @@ class FirstReportFilter {
   /// Returns the stall level (see `stallLevel`) that `wake` reports. `now` was read after the wake.
   MemoryPressure stallLevelOf(const PsiTriggers::Wake& wake, const std::optional<PsiStats>& now) {
     const bool compare = armed_ && now;
-    const auto counts = [compare](bool reported, bool reportedBefore, const PsiStats::Line& from,
-                                  const PsiStats::Line& to, MemoryPressure level) {
+    const auto counts = [compare](bool reported, bool reportedBefore, const PsiStats::Line& atArming,
+                                  const PsiStats::Line& latest, MemoryPressure level) {
       if (!reported || reportedBefore || !compare) return reported;
-      return to.totalMicros >= from.totalMicros + static_cast<std::uint64_t>(stallThreshold(level).count());
+      return latest.totalMicros >=
+             atArming.totalMicros + static_cast<std::uint64_t>(stallThreshold(level).count());
     };
-    const PsiStats from = armed_.value_or(PsiStats{});
-    const PsiStats to = now.value_or(PsiStats{});
-    const bool full = counts(wake.full, fullReported_, from.full, to.full, MemoryPressure::critical);
-    const bool some = counts(wake.some, someReported_, from.some, to.some, MemoryPressure::warning);
+    const PsiStats atArming = armed_.value_or(PsiStats{});
+    const PsiStats latest = now.value_or(PsiStats{});
+    const bool full = counts(wake.full, fullReported_, atArming.full, latest.full, MemoryPressure::critical);
+    const bool some = counts(wake.some, someReported_, atArming.some, latest.some, MemoryPressure::warning);
     fullReported_ |= wake.full;
     someReported_ |= wake.some;
     if (full) return MemoryPressure::critical;
