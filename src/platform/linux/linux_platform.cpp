@@ -75,10 +75,11 @@ bool reachesWayland() {
 /// can, or when QT_QPA_PLATFORM selects a platform that needs neither. Used before QApplication exists.
 std::optional<QString> findDisplayProblem() {
   // The user selected another Qt platform plugin; Qt itself reports whether it works.
-  const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
-  if (!chosen.isEmpty() && !chosen.startsWith("xcb") && !chosen.startsWith("wayland")) return std::nullopt;
-  const bool acceptsX11 = chosen.isEmpty() || chosen.startsWith("xcb");
-  const bool acceptsWayland = chosen.isEmpty() || chosen.startsWith("wayland");
+  const QByteArray selectedPlugin = qgetenv("QT_QPA_PLATFORM");
+  if (!selectedPlugin.isEmpty() && !selectedPlugin.startsWith("xcb") && !selectedPlugin.startsWith("wayland"))
+    return std::nullopt;
+  const bool acceptsX11 = selectedPlugin.isEmpty() || selectedPlugin.startsWith("xcb");
+  const bool acceptsWayland = selectedPlugin.isEmpty() || selectedPlugin.startsWith("wayland");
   if ((acceptsX11 && reachesX11()) || (acceptsWayland && reachesWayland())) return std::nullopt;
   const QByteArray display = qgetenv("DISPLAY");
   const QByteArray wayland = qgetenv("WAYLAND_DISPLAY");

@@ -68,8 +68,8 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text) {
 }
 
 std::string_view withoutDeletedMark(std::string_view path) {
-  constexpr std::string_view mark = " (deleted)";
-  if (path.ends_with(mark)) path.remove_suffix(mark.size());
+  constexpr std::string_view deletedMark = " (deleted)";
+  if (path.ends_with(deletedMark)) path.remove_suffix(deletedMark.size());
   return path;
 }
 
@@ -120,7 +120,7 @@ std::string_view completedName(std::string_view kernelName, std::string_view com
 std::optional<std::int32_t> resolveNamespacedPid(const std::string& proc, std::int32_t declared,
                                                  std::uint32_t owner,
                                                  std::chrono::steady_clock::time_point deadline) {
-  std::optional<std::int32_t> found;
+  std::optional<std::int32_t> match;
   std::error_code error;
   std::filesystem::directory_iterator entry(proc, error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
@@ -129,10 +129,10 @@ std::optional<std::int32_t> resolveNamespacedPid(const std::string& proc, std::i
     if (!pid) continue;
     const std::string status = readFile(entry->path().string() + "/status");
     if (parseInnermostPid(status) != declared || !isUserProcessOf(status, owner)) continue;
-    if (found) return std::nullopt;
-    found = pid;
+    if (match) return std::nullopt;
+    match = pid;
   }
-  return error ? std::nullopt : found;
+  return error ? std::nullopt : match;
 }
 
 }  // namespace tarn

@@ -171,8 +171,8 @@ void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyC
     before = now;
 
     const MemoryPressure lastLevel = hysteresis.level();
-    if (const auto found = pressureLevel(stalls, now.memory)) {
-      hysteresis.update(*found, now.psi ? now.psi->some.avg10 : 0, now.time);
+    if (const auto currentLevel = pressureLevel(stalls, now.memory)) {
+      hysteresis.update(*currentLevel, now.psi ? now.psi->some.avg10 : 0, now.time);
     }
     const bool reported = stalls != MemoryPressure::normal;
     if (reported || hysteresis.level() != lastLevel) handler(static_cast<PressureFlags>(hysteresis.level()));

@@ -40,8 +40,8 @@ class XembedItem {
     for (const int pixels : panelIconSizes) icon.addPixmap(QPixmap::fromImage(circleIcon(label, pixels)));
     icon_.setIcon(icon);
     QStringList lines{label.toolTip.status};
-    const QString more = itemToolTipText(label);
-    if (!more.isEmpty()) lines << more;
+    const QString figures = itemToolTipText(label);
+    if (!figures.isEmpty()) lines << figures;
     icon_.setToolTip(lines.join(u'\n'));
   }
 

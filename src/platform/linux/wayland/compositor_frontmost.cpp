@@ -39,8 +39,8 @@ QJsonObject findFocused(const QJsonObject& node, int depth) {
   for (const QLatin1String children : {QLatin1String("nodes"), QLatin1String("floating_nodes")}) {
     const QJsonArray childNodes = node.value(children).toArray();
     for (const auto& child : childNodes) {
-      QJsonObject found = findFocused(child.toObject(), depth + 1);
-      if (!found.isEmpty()) return found;
+      QJsonObject focused = findFocused(child.toObject(), depth + 1);
+      if (!focused.isEmpty()) return focused;
     }
   }
   return {};

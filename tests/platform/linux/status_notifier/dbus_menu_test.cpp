@@ -93,8 +93,8 @@ TEST_F(DBusMenuTest, ReturnsThePropertiesOfItsItems) {
   const QDBusMessage all = call("GetGroupProperties", {QVariant::fromValue(QList<int>()), QStringList()});
   EXPECT_EQ(qdbus_cast<QList<DBusMenuItem>>(all.arguments().at(0)).size(), 3);
 
-  const QDBusMessage one = call("GetProperty", {2, QStringLiteral("label")});
-  EXPECT_EQ(one.arguments().at(0).value<QDBusVariant>().variant(), QStringLiteral("Quit"));
+  const QDBusMessage label = call("GetProperty", {2, QStringLiteral("label")});
+  EXPECT_EQ(label.arguments().at(0).value<QDBusVariant>().variant(), QStringLiteral("Quit"));
 }
 
 TEST_F(DBusMenuTest, EmitsASignalForAClick) {

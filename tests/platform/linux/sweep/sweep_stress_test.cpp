@@ -59,7 +59,8 @@ class Child {
   while (true) std::atomic_signal_fence(std::memory_order_seq_cst);
 }
 
-/// Starts 300 processes a second. Each starts another process, which exits after 2 ms, and exits immediately.
+/// Starts 300 processes a second. Each exits immediately after it has started another process, which exits
+/// after 2 ms.
 [[noreturn]] void startManyProcesses() {
   // The grandchildren are reparented to this process, and SIG_IGN removes them without a wait: otherwise
   // zombies would fill the process table.

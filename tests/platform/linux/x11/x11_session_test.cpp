@@ -128,10 +128,10 @@ TEST_F(X11SessionTest, ReportsWhetherAnXembedTrayExists) {
 TEST(X11SessionWithoutResourceExtension, UsesTheDeclaredPidOfAWindowFromThisMachine) {
   const test::PrivateXServer server({QStringLiteral("-extension"), QStringLiteral("X-Resource")});
   test::X11TestClient client(server.display());
-  const auto own = static_cast<std::uint32_t>(getpid());
+  const auto ownPid = static_cast<std::uint32_t>(getpid());
   X11Session session(server.display());
   client.activate(client.window());
-  client.declareProcess(own);
+  client.declareProcess(ownPid);
   EXPECT_EQ(session.activeProcess(soon()), std::nullopt);
   client.setText(client.window(), "WM_CLIENT_MACHINE", "elsewhere.example");
   EXPECT_EQ(session.activeProcess(soon()), std::nullopt);
