@@ -75,10 +75,11 @@ bool reachesWayland() {
 /// can, or when QT_QPA_PLATFORM selects a platform that needs neither. Used before QApplication exists.
 std::optional<QString> findDisplayProblem() {
   // The user selected another Qt platform plugin; Qt itself reports whether it works.
-  const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
-  if (!chosen.isEmpty() && !chosen.startsWith("xcb") && !chosen.startsWith("wayland")) return std::nullopt;
-  const bool acceptsX11 = chosen.isEmpty() || chosen.startsWith("xcb");
-  const bool acceptsWayland = chosen.isEmpty() || chosen.startsWith("wayland");
+  const QByteArray selectedPlugin = qgetenv("QT_QPA_PLATFORM");
+  if (!selectedPlugin.isEmpty() && !selectedPlugin.startsWith("xcb") && !selectedPlugin.startsWith("wayland"))
+    return std::nullopt;
+  const bool acceptsX11 = selectedPlugin.isEmpty() || selectedPlugin.startsWith("xcb");
+  const bool acceptsWayland = selectedPlugin.isEmpty() || selectedPlugin.startsWith("wayland");
   if ((acceptsX11 && reachesX11()) || (acceptsWayland && reachesWayland())) return std::nullopt;
   const QByteArray display = qgetenv("DISPLAY");
   const QByteArray wayland = qgetenv("WAYLAND_DISPLAY");
@@ -111,8 +112,8 @@ void followSessionBus(Service* service) {
                    [service, bus] { service->moveTo(bus->connection()); });
 }
 
-/// Claims the instance's name again on every session bus that appears later; quits when another process has
-/// it there.
+/// Claims the instance's name again on every session bus that appears later; quits if another process owns
+/// the name there.
 class SessionSingleInstance final : public SingleInstance {
  public:
   SessionSingleInstance() {
@@ -132,8 +133,8 @@ class SessionSingleInstance final : public SingleInstance {
 }  // namespace
 
 void LinuxPlatform::limitAllocatorArenas() {
-  // mallopt(3): by default each thread gets its own arena, and the top of the heap is trimmed late. Few
-  // of Tarn's threads allocate, and rarely.
+  // mallopt(3): by default each thread gets a separate arena, and free memory at the top of the heap is
+  // returned late. Tarn's threads allocate rarely, so one arena is enough.
   constexpr int trimThreshold = 64 << 10;  // bytes
   constexpr int topPad = 16 << 10;         // bytes
   mallopt(M_ARENA_MAX, 1);

@@ -26,8 +26,8 @@ static_assert(std::atomic<int>::is_always_lock_free);
 
 void handleSignal(int /*signal*/) {
   const int savedErrno = errno;
-  const std::uint64_t one = 1;
-  [[maybe_unused]] const ssize_t written = ::write(signalledDescriptor, &one, sizeof one);
+  const std::uint64_t increment = 1;
+  [[maybe_unused]] const ssize_t written = ::write(signalledDescriptor, &increment, sizeof increment);
   errno = savedErrno;
 }
 

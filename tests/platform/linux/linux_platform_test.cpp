@@ -19,7 +19,7 @@ namespace {
 
 using test::eventually;
 
-/// Records the URLs that QDesktopServices is asked to open.
+/// Records the URLs that QDesktopServices receives.
 class DesktopServicesRecorder final : public QObject {
   Q_OBJECT
 

@@ -22,13 +22,13 @@ TEST_P(TerminationSignalsTest, CallsTheFunctionOnTheMainThread) {
     EXPECT_EQ(std::this_thread::get_id(), main);
   });
   std::raise(GetParam());
-  EXPECT_EQ(calls, 0) << "not from the signal handler";
+  EXPECT_EQ(calls, 0) << "the signal handler does not call the function";
   QCoreApplication::processEvents();
   EXPECT_EQ(calls, 1);
   std::raise(GetParam());
   std::raise(GetParam());
   QCoreApplication::processEvents();
-  EXPECT_EQ(calls, 2) << "signals between two event loop turns are one call";
+  EXPECT_EQ(calls, 2) << "several signals in one event-loop iteration cause one call";
 }
 
 TEST_P(TerminationSignalsTest, RestoresTheDefaultActionWhenDestroyed) {

@@ -25,8 +25,8 @@ struct BusMethod {
   std::function<std::optional<QVariantList>(const QVariantList& arguments)> call;
 };
 
-/// A D-Bus interface with read-only properties. `properties` is called for each read, so that a property can
-/// exist at one time and not at another; an interface that is generated from XML cannot do that.
+/// A D-Bus interface with read-only properties. `properties` is called for each read, so that properties can
+/// appear and disappear. An interface that is generated from XML has fixed properties.
 struct BusInterface {
   QString name;
   QHash<QString, BusMethod> methods;
@@ -41,7 +41,7 @@ class BusObject final : public QDBusVirtualObject {
   Q_OBJECT
 
  public:
-  /// burstEnded() follows the last of many calls after this time.
+  /// burstEnded() is emitted this long after the last call of a burst.
   static constexpr std::chrono::seconds burstPause{2};
 
   /// Registers the object at `path` of `bus` until it is destroyed. `bus` may be disconnected.
@@ -59,8 +59,8 @@ class BusObject final : public QDBusVirtualObject {
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
  Q_SIGNALS:
-  /// A burst of calls is over. libdbus keeps replies in memory until the bus takes them, and those with
-  /// images are large: after a burst much freed memory is left in the heap.
+  /// Emitted after a burst of calls. libdbus keeps replies in memory until the bus reads them, and replies
+  /// with images are large: after a burst the heap contains much freed memory.
   void burstEnded();
 
  private:

@@ -32,7 +32,7 @@ QString objectPath() {
 }
 
 /// org.freedesktop.Application (Desktop Entry Specification, "D-Bus Activation"): Activate(a{sv}),
-/// Open(as, a{sv}) and ActivateAction(s, av, a{sv}). Each of them activates, since Tarn opens no files.
+/// Open(as, a{sv}) and ActivateAction(s, av, a{sv}). All three activate Tarn, which opens no files.
 class ApplicationAdaptor final : public QDBusAbstractAdaptor {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -43,7 +43,7 @@ class ApplicationAdaptor final : public QDBusAbstractAdaptor {
       : QDBusAbstractAdaptor(object), activated_(std::move(activated)) {}
 
  public Q_SLOTS:
-  // Qt offers these on the bus by their names.
+  // Qt exports these methods on the bus under their C++ names.
   // NOLINTBEGIN(readability-identifier-naming)
   void Activate(const QVariantMap& platformData);
   void Open(const QStringList& addresses, const QVariantMap& platformData);
@@ -85,7 +85,7 @@ bool BusSingleInstance::claim(std::function<void()> launchedAgain) {
                                                          applicationInterface, QStringLiteral("Activate"));
   activate << QVariantMap();
   const QDBusMessage reply = bus_.call(activate, QDBus::Block, ownerTimeout);
-  // If the owner does not answer, the user would be left without a working Tarn.
+  // This process continues if the owner does not answer: otherwise the user has no working Tarn.
   return reply.type() == QDBusMessage::ErrorMessage;
 }
 
@@ -105,7 +105,7 @@ void BusSingleInstance::claimAgain(const QDBusConnection& bus, std::function<voi
                    });
 }
 
-// Called before the name is requested: a process that sees the name may call the object at once.
+// Called before the name is requested: a process that sees the name may call the object immediately.
 void BusSingleInstance::registerObject() {
   bus_.registerObject(objectPath(), &object_);
 }

@@ -20,8 +20,9 @@ class BusSingleInstance {
   explicit BusSingleInstance(QDBusConnection bus);
 
   /// Returns whether this process must continue: it owns the name, or there is no bus, or the owner did not
-  /// answer within 2 s. Otherwise the owner was activated before this returns. Blocks for that reply only.
-  /// `launchedAgain` is called each time another launch or the desktop activates this process. Call once.
+  /// answer within 2 s. Otherwise the owner was activated before this returns. Blocks only for the owner's
+  /// reply. `launchedAgain` is called each time another launch or the desktop activates this process. Call
+  /// once.
   bool claim(std::function<void()> launchedAgain);
 
   /// Requests the name on `bus`, which replaces the former one. Does not block. Another Tarn may have started
@@ -33,7 +34,7 @@ class BusSingleInstance {
   void pingOwner(const std::function<void()>& superseded);
 
   QDBusConnection bus_;
-  QObject object_;  ///< what is registered on the bus
+  QObject object_;  ///< the object that is registered on the bus
 };
 
 }  // namespace tarn

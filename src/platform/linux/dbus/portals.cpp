@@ -55,7 +55,8 @@ void PortalColorScheme::moveTo(const QDBusConnection& bus) {
   connect(portal_.get(), &BusNameWatcher::ownerChanged, this, [this](const QString& owner) {
     if (!owner.isEmpty()) read();
   });
-  // No sender here, for the reason given in BusNameWatcher; settingChanged() checks it.
+  // The subscription names no sender, for the reason given in BusNameWatcher; settingChanged() checks the
+  // sender.
   bus_.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"),
                {appearance, colorScheme}, QStringLiteral("ssv"), this, SLOT(settingChanged(QDBusMessage)));
   // A portal that does not run yet is started by this call (D-Bus activation).
@@ -92,7 +93,7 @@ PortalUrlOpener::PortalUrlOpener(QDBusConnection bus, Fallback fallback, std::ch
     : bus_(std::move(bus)), fallback_(std::move(fallback)), timeout_(timeout) {}
 
 void PortalUrlOpener::open(const QString& url) {
-  // Qt never completes a call on a connection that was never made, not even with an error.
+  // On a connection that was never established, Qt does not complete a call, not even with an error.
   if (!bus_.isConnected()) {
     fallback_(url);
     return;

@@ -20,8 +20,8 @@
 
 namespace tarn {
 
-/// The color scheme of org.freedesktop.portal.Settings, read at the start and followed from then on. Never
-/// blocks. Main thread.
+/// Reads the color scheme from org.freedesktop.portal.Settings and follows its changes. Never blocks. Main
+/// thread.
 class PortalColorScheme final : public ColorSchemeWatcher {
   Q_OBJECT
 

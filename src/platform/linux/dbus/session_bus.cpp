@@ -72,7 +72,7 @@ void SessionBus::reconnect() {
 BusNameWatcher::BusNameWatcher(const QDBusConnection& bus, QString name, QObject* parent)
     : QObject(parent), name_(std::move(name)) {
   if (!bus.isConnected()) return;
-  // With a sender in the subscription Qt would ask for the sender's owner and block until the reply. The
+  // If the subscription named a sender, Qt would request the sender's owner and block until the reply. The
   // sender is checked in nameOwnerChanged() instead. The subscription is made before GetNameOwner is called,
   // so that no change between the two is lost.
   QDBusConnection connection = bus;

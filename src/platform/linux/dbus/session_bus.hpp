@@ -35,7 +35,7 @@ class SessionBus final : public QObject {
   ~SessionBus() override;
   Q_DISABLE_COPY_MOVE(SessionBus)
 
-  /// The current connection, or the last one while there is none.
+  /// The current connection; while there is none, the previous one.
   const QDBusConnection& connection() const { return connection_; }
 
   /// The time between attempts to reconnect; takes effect at the next loss of the connection.
@@ -55,7 +55,8 @@ class SessionBus final : public QObject {
   QDBusConnection connection_;
   QString address_;
   QTimer retry_;
-  QString connectionName_;  ///< of a connection that was made here; empty for the one from the constructor
+  QString connectionName_;  ///< name of the connection that this object made; empty for the constructor's
+                            ///< connection
   int reconnects_ = 0;
 };
 
@@ -68,7 +69,7 @@ class BusNameWatcher final : public QObject {
   /// ownerChanged() like each later one.
   BusNameWatcher(const QDBusConnection& bus, QString name, QObject* parent = nullptr);
 
-  /// The unique name of the owner (":1.42"). Empty when there is none, or none is known yet.
+  /// The unique name of the owner (":1.42"). Empty when there is no owner, or no reply yet.
   const QString& owner() const { return owner_; }
 
  Q_SIGNALS:

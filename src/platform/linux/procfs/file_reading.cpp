@@ -54,13 +54,13 @@ std::string readFile(const std::string& path, std::size_t limit) {
   return text;
 }
 
-std::vector<std::string> namesIn(const std::string& directory, std::size_t most) {
+std::vector<std::string> namesIn(const std::string& directory, std::size_t maxCount) {
   std::vector<std::string> names;
   const DirectoryStream stream(::opendir(directory.c_str()));
   if (!stream) return names;
   // No other thread uses this stream.
   // NOLINTNEXTLINE(concurrency-mt-unsafe)
-  for (const dirent* entry = ::readdir(stream.get()); entry != nullptr && names.size() < most;
+  for (const dirent* entry = ::readdir(stream.get()); entry != nullptr && names.size() < maxCount;
        entry = ::readdir(stream.get())) {  // NOLINT(concurrency-mt-unsafe)
     const std::string_view name = static_cast<const char*>(entry->d_name);
     if (name != "." && name != "..") names.emplace_back(name);

@@ -40,8 +40,8 @@ class FileDescriptor {
 };
 
 /// Opens a file, calls `read` once and closes it: three system calls, no allocation. Returns a view into
-/// `buffer`; empty when the file cannot be read. `path` is relative to the open directory. A procfs file
-/// comes whole in one `read` if the buffer is large enough.
+/// `buffer`; empty when the file cannot be read. `path` is relative to the open directory. One `read` returns
+/// a whole procfs file if the buffer is large enough.
 std::string_view readOnce(int directory, const char* path, std::span<char> buffer);
 
 /// Returns the first `limit` bytes of a regular file; empty when it is no regular file or cannot be read.
@@ -54,9 +54,9 @@ struct CloseDirectory {
 /// Owns an open directory; null when it could not be opened.
 using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
 
-/// Returns the names in a directory, sorted, without "." and "..". Only the first `most` names that the
-/// system lists are taken. Empty when the directory cannot be listed. Throws std::bad_alloc;
-/// std::filesystem::directory_iterator terminates the program instead.
-std::vector<std::string> namesIn(const std::string& directory, std::size_t most);
+/// Returns the names in a directory, sorted, without "." and "..". Takes only the first `maxCount` names that
+/// the system lists. Empty when the directory cannot be listed. Throws std::bad_alloc, unlike
+/// std::filesystem::directory_iterator, which terminates the program.
+std::vector<std::string> namesIn(const std::string& directory, std::size_t maxCount);
 
 }  // namespace tarn

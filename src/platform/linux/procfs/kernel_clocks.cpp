@@ -18,7 +18,7 @@ namespace tarn {
 namespace {
 
 /// Whether a procfs is mounted at `procRoot` and belongs to the pid namespace of this process. In a container
-/// that is given its host's /proc, "self" has another pid there.
+/// that mounts the /proc of the host, "self" has another pid.
 bool isOwnProcfs(const std::string& procRoot) {
   struct statfs fileSystem {};
   if (::statfs(procRoot.c_str(), &fileSystem) != 0 || fileSystem.f_type != PROC_SUPER_MAGIC) return false;

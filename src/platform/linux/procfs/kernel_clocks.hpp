@@ -15,7 +15,7 @@ namespace tarn {
 using ProcessClock = std::function<std::optional<std::uint64_t>(std::int32_t pid)>;
 
 /// The CPU clocks of the running kernel; one system call for each reading. They take pids of this process's
-/// pid namespace, so the returned clock reads nothing unless `procRoot` is a procfs of that namespace.
+/// pid namespace, so the returned clock returns nullopt unless `procRoot` is a procfs of that namespace.
 ProcessClock processClockFor(const std::string& procRoot);
 
 /// Returns the seconds since boot without the time in suspend (CLOCK_MONOTONIC); 0 on failure.

@@ -11,7 +11,7 @@ namespace tarn {
 struct LinuxRoots {
   std::string proc = "/proc";
   std::string sys = "/sys";
-  std::string root;  ///< what stands before "/etc" and "/run", and before "/" of the root volume
+  std::string root;  ///< prefix of "/etc", of "/run" and of the "/" of the root volume
 };
 
 }  // namespace tarn

@@ -40,10 +40,11 @@ bool isUserProcessOf(std::string_view status, std::uint32_t owner) {
 std::optional<ProcessStat> parseProcessStat(std::string_view text) {
   const std::size_t open = text.find('(');
   // The last ")" ends the name: only numbers and the state letter follow.
-  const std::size_t close = text.rfind(')');
-  if (open == std::string_view::npos || close == std::string_view::npos || close < open) return std::nullopt;
+  const std::size_t nameEnd = text.rfind(')');
+  if (open == std::string_view::npos || nameEnd == std::string_view::npos || nameEnd < open)
+    return std::nullopt;
 
-  std::string_view rest = text.substr(close + 1);
+  std::string_view rest = text.substr(nameEnd + 1);
   std::array<std::string_view, starttimeField + 1> fields;
   for (std::size_t number = stateField; number < fields.size(); ++number) fields[number] = takeWord(rest);
   // A number at the very end of the text may be cut off.
@@ -57,7 +58,7 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text) {
   if (!ppid || *ppid < 0 || !user || !system || !start) return std::nullopt;
   constexpr std::uint32_t kernelThreadFlag = 0x00200000;  // PF_KTHREAD in include/linux/sched.h
   const char state = fields[stateField].front();
-  return ProcessStat{.name = text.substr(open + 1, close - open - 1),
+  return ProcessStat{.name = text.substr(open + 1, nameEnd - open - 1),
                      .isZombie = state == 'Z' || state == 'X',
                      .ppid = *ppid,
                      .isKernelThread = (flags.value_or(0) & kernelThreadFlag) != 0,
@@ -67,8 +68,8 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text) {
 }
 
 std::string_view withoutDeletedMark(std::string_view path) {
-  constexpr std::string_view mark = " (deleted)";
-  if (path.ends_with(mark)) path.remove_suffix(mark.size());
+  constexpr std::string_view deletedMark = " (deleted)";
+  if (path.ends_with(deletedMark)) path.remove_suffix(deletedMark.size());
   return path;
 }
 
@@ -119,7 +120,7 @@ std::string_view completedName(std::string_view kernelName, std::string_view com
 std::optional<std::int32_t> resolveNamespacedPid(const std::string& proc, std::int32_t declared,
                                                  std::uint32_t owner,
                                                  std::chrono::steady_clock::time_point deadline) {
-  std::optional<std::int32_t> found;
+  std::optional<std::int32_t> match;
   std::error_code error;
   std::filesystem::directory_iterator entry(proc, error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
@@ -128,10 +129,10 @@ std::optional<std::int32_t> resolveNamespacedPid(const std::string& proc, std::i
     if (!pid) continue;
     const std::string status = readFile(entry->path().string() + "/status");
     if (parseInnermostPid(status) != declared || !isUserProcessOf(status, owner)) continue;
-    if (found) return std::nullopt;
-    found = pid;
+    if (match) return std::nullopt;
+    match = pid;
   }
-  return error ? std::nullopt : found;
+  return error ? std::nullopt : match;
 }
 
 }  // namespace tarn

@@ -25,7 +25,7 @@ struct ProcessStat {
   std::string_view name;  ///< (2) comm, a view into the text. Any bytes, at most 15 for user processes
   bool isZombie = false;  ///< (3) state is Z or X: it has exited
   std::int32_t ppid = 0;  ///< (4) pid of the parent, not negative; 0 when it has none in this pid namespace
-  bool isKernelThread = false;    ///< (9) flags has PF_KTHREAD: its name says what it works on at the moment
+  bool isKernelThread = false;    ///< (9) flags has PF_KTHREAD: its name contains its current task
   std::uint64_t userTicks = 0;    ///< (14) utime, clock ticks
   std::uint64_t systemTicks = 0;  ///< (15) stime, clock ticks
   std::uint64_t startTicks = 0;   ///< (22) starttime, clock ticks since boot
@@ -42,7 +42,7 @@ std::string_view withoutDeletedMark(std::string_view path);
 /// (6) data (7) dt, all in pages.
 struct ProcessPages {
   std::uint64_t resident = 0;  ///< (2) in memory
-  std::uint64_t shared = 0;    ///< (3) of these, file-backed and shared memory pages
+  std::uint64_t shared = 0;    ///< (3) resident pages of files and of shared memory
 };
 
 /// Returns nullopt when the text is cut off or a number is malformed.
@@ -53,7 +53,7 @@ std::optional<ProcessPages> parseProcessPages(std::string_view text);
 //   Uid:    real, effective, saved set and file system user id
 //   NSpid:  pid in each nested pid namespace, the innermost last
 //   VmSize: size of the address space, kB; only for processes that have one
-//   VmSwap: anonymous private memory in swap, kB; likewise
+//   VmSwap: anonymous private memory in swap, kB; also only for processes with an address space
 
 /// The first number of "Uid:".
 std::optional<std::uint32_t> parseRealOwner(std::string_view status);
@@ -72,14 +72,14 @@ std::optional<std::uint64_t> parseBootTime(std::string_view systemStat);
 
 /// Completes a kernel name (comm) from the command line, because the kernel cuts comm to 15 bytes.
 ///
-/// The last path component of the first argument is used if it begins with `kernelName`. Programs that write
-/// their state over their arguments ("postgres: writer") are the reason for two limits: after the kernel name
-/// whitespace ends the name, and a colon at its end is dropped. `commandLine` is the content of
+/// The last path component of the first argument is used if it begins with `kernelName`. Some programs
+/// overwrite their arguments with their state ("postgres: writer"). So the first whitespace after the kernel
+/// name ends the name, and a colon at its end is dropped. `commandLine` is the content of
 /// `/proc/PID/cmdline`: arguments, each terminated by a zero byte (man 5 proc_pid_cmdline). Pass an empty
 /// text when its first argument is cut off.
 std::string_view completedName(std::string_view kernelName, std::string_view commandLine);
 
-/// Finds the process that calls itself `declared`, for example in the window property _NET_WM_PID. A
+/// Finds the process that declares the pid `declared`, for example in the window property _NET_WM_PID. A
 /// sandboxed process declares its pid in its own pid namespace; the result is its pid in the namespace of
 /// Tarn. Only user processes of the user `owner` are considered. Returns nullopt when no process or more than
 /// one matches, and when `deadline` passes. `proc` is the path of a procfs. Any thread.

@@ -25,8 +25,8 @@ constexpr std::size_t statusFileSize = 65536;
 // In /proc/stat "btime" follows the "intr" line, which grows with the number of interrupts.
 constexpr std::size_t systemStatSize = std::size_t{4} << 20U;
 
-/// 1 PiB. A larger footprint is garbage, and a sum of such figures could overflow.
-constexpr std::uint64_t absurdFootprint = std::uint64_t{1} << 50U;
+/// 1 PiB, more than any machine has. A sum of larger figures could overflow.
+constexpr std::uint64_t implausibleFootprint = std::uint64_t{1} << 50U;
 
 std::uint64_t systemConstant(int name, std::uint64_t fallback) {
   const long value = ::sysconf(name);
@@ -46,7 +46,7 @@ class ProcessFilePath {
 
  private:
   static constexpr std::size_t pidDigits = std::numeric_limits<std::int32_t>::digits10 + 2;
-  static constexpr std::size_t longestFile = 16;  // "cmdline" is the longest in use
+  static constexpr std::size_t longestFile = 16;  // "cmdline" is the longest name in use
   std::array<char, pidDigits + 1 + longestFile + 1> text_{};
 };
 
@@ -149,7 +149,7 @@ std::optional<std::uint64_t> ProcfsReader::readFootprint(std::int32_t pid) {
     if (status.empty() || __builtin_add_overflow(bytes, parseSwappedBytes(status), &bytes))
       return std::nullopt;
   }
-  if (bytes >= absurdFootprint) return std::nullopt;
+  if (bytes >= implausibleFootprint) return std::nullopt;
   return bytes;
 }
 

@@ -27,16 +27,15 @@ std::string_view readExecutablePath(int directory, const char* link, std::span<c
 
 /// Reads processes from procfs. Every call reads its files again; nothing is kept about any process.
 ///
-/// Complete as a `ProcScan`, but every process costs all its system calls in every sweep: the sampler uses it
-/// through `SleepingProcessCache`. Not thread-safe. Any call may throw std::bad_alloc and leaves the reader
-/// as it was.
+/// Makes all system calls for every process in every sweep; therefore the sampler uses it through
+/// `SleepingProcessCache`. Not thread-safe. Any call may throw std::bad_alloc; the reader is then unchanged.
 class ProcfsReader final : public ProcScan {
  public:
   /// Takes CPU times from the kernel's process clocks if `roots.proc` is the procfs of this pid namespace,
   /// else from the coarser clock ticks in `stat`.
   explicit ProcfsReader(const LinuxRoots& roots);
 
-  /// As above with another clock. `stat` is used where the clock returns nullopt.
+  /// Takes CPU times from `clock`, and from `stat` where `clock` returns nullopt.
   ProcfsReader(LinuxRoots roots, ProcessClock clock);
 
   /// Also reads `/proc/swaps`, once per sweep.
@@ -47,8 +46,8 @@ class ProcfsReader final : public ProcScan {
   std::optional<ProcessUsage> usage(std::int32_t pid) override;
   SharedText processName(std::int32_t pid) override;
 
-  // One system call, or one file, for each of the following. They return nullopt when the process has ended
-  // or when the file cannot be read or parsed.
+  // Each of the following functions makes one system call or reads the named files. They return nullopt when
+  // the process has ended or when a file cannot be read or parsed.
 
   /// CPU time by the process clock, nanoseconds.
   std::optional<std::uint64_t> readClock(std::int32_t pid) const { return clock_(pid); }
@@ -60,7 +59,7 @@ class ProcfsReader final : public ProcScan {
   std::optional<std::uint32_t> readOwner(std::int32_t pid);
 
   /// Anonymous memory, bytes: resident minus shared pages in `statm`, and VmSwap in `status` if swap is in
-  /// use. nullopt when that is more than any machine holds.
+  /// use. nullopt when that is 1 PiB or more.
   std::optional<std::uint64_t> readFootprint(std::int32_t pid);
 
   /// The name for display of a user process: `kernelName` completed from `cmdline`.

@@ -12,7 +12,7 @@ std::vector<std::int32_t> SleepingProcessCache::allPIDs() {
   ++sweep_;
   std::vector<std::int32_t> pids = reader_.allPIDs();
   for (const std::int32_t pid : pids) update(pid);
-  // From here on the start times of all parents are known.
+  // All entries are updated now, so checkParent finds the start times of all parents.
   for (const std::int32_t pid : pids) checkParent(pid);
   return pids;
 }
@@ -63,8 +63,8 @@ bool SleepingProcessCache::mayReuse(std::int32_t pid, const Entry& entry,
   return clock && clock == entry.clock && entry.usage && !isItsTurn && !reader_.swapInUse();
 }
 
-/// Reads a reused entry again if the process may have another parent. Remembers the parents of those that
-/// were read.
+/// Reads a reused entry again if the process may have another parent. Stores the start time of the parent in
+/// entries that were read.
 void SleepingProcessCache::checkParent(std::int32_t pid) {
   Entry* entry = find(pid);
   if (entry == nullptr) return;
@@ -113,8 +113,8 @@ void SleepingProcessCache::read(std::int32_t pid, std::optional<std::uint64_t> c
   entry.sweep = sweep_;
 }
 
-/// The start ticks of a parent, which distinguish it from later processes with its pid. 0 for pid 0, the
-/// parent of processes that have none.
+/// The start ticks of a parent, which distinguish it from later processes with its pid. 0 for pid 0, which
+/// means no parent.
 std::optional<std::uint64_t> SleepingProcessCache::startOfParent(std::int32_t ppid) const {
   if (ppid == 0) return 0;
   const Entry* const parent = find(ppid);

@@ -33,21 +33,21 @@ namespace tarn {
 ///   - The process has a clock, and the clock has not moved. Without running, a process changes neither its
 ///     memory nor its name, and cannot exit. Pid reuse shows here too, as another clock.
 ///   - Its parent is listed, is no zombie, and has the same start time as when the entry was read. When a
-///     parent exits, the kernel gives its children another one without running them.
-///   - The machine uses no swap. The kernel swaps out the memory of sleeping processes.
-///   - Its usage could be read the last time.
-///   - It is not its turn. Every process is read again in every tenth sweep, because the kernel may merge,
+///     parent exits, the kernel gives its children another parent, although they do not run.
+///   - The machine uses no swap. The kernel can swap out the memory of sleeping processes.
+///   - Its usage was readable at the last reading.
+///   - The process is not due. Each process is due in every tenth sweep, because the kernel may merge,
 ///     split or reclaim pages of sleeping processes (KSM, transparent huge pages, MADV_FREE).
 ///
 /// Owner, full name and execId are read again only when start time or kernel name differ, which for user
 /// processes means another process or another program. A process that changes its user and does not execute
-/// another program keeps the old owner. Kernel threads rename themselves all the time and execute no program;
-/// only a different start time makes them another process.
+/// another program keeps the old owner. Kernel threads change their names often and execute no program: only
+/// a different start time identifies another kernel thread.
 ///
-/// An entry that was not reused or read in a sweep is treated as absent from then on, and is pruned when the
-/// next sweep begins. It makes no difference whether its process is not listed, ended or is unreadable. An
-/// entry is completed before it is marked as part of the sweep, so a sweep that was left by std::bad_alloc
-/// leaves no incomplete entries behind.
+/// An entry that was not reused or read in a sweep counts as absent from then on, and is pruned when the next
+/// sweep begins. That applies to processes that are not listed, have ended or cannot be read. An entry is
+/// completed before it is marked as part of the sweep, so a sweep that std::bad_alloc ends leaves no
+/// incomplete entries.
 ///
 /// Not thread-safe.
 class SleepingProcessCache final : public ProcScan {
@@ -65,7 +65,7 @@ class SleepingProcessCache final : public ProcScan {
   /// processes without an entry in this sweep. No system call.
   std::optional<std::uint64_t> execId(std::int32_t pid) const;
 
-  /// The number of entries, those that the next sweep prunes included.
+  /// The number of entries, including those that the next sweep prunes.
   std::size_t size() const { return entries_.size(); }
 
  private:
@@ -79,8 +79,8 @@ class SleepingProcessCache final : public ProcScan {
     std::optional<ProcessUsage> usage;         // nullopt if `statm` could not be read
     std::optional<std::uint64_t> parentStart;  // start ticks; nullopt if the parent is not listed or a zombie
     std::optional<SharedText> fullName;        // nullopt until it is first requested
-    std::uint64_t sweep = 0;                   // in which it was last reused or read; 0 while it is not valid
-    bool wasRead = false;                      // in that sweep
+    std::uint64_t sweep = 0;  // sweep of the last reuse or reading; 0 while the entry is invalid
+    bool wasRead = false;     // in that sweep, not reused
   };
 
   bool mayReuse(std::int32_t pid, const Entry& entry, std::optional<std::uint64_t> clock) const;

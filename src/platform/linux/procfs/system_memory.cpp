@@ -49,7 +49,7 @@ bool isZramDevice(std::string_view path) {
 
 using Amount = std::optional<std::uint64_t>;
 
-/// The sum of the known amounts; nullopt when it exceeds 64 bits.
+/// The sum; unknown amounts count as 0. nullopt when the sum exceeds 64 bits.
 Amount sumOf(std::initializer_list<Amount> amounts) {
   std::uint64_t sum = 0;
   for (const Amount& amount : amounts) {
@@ -59,8 +59,8 @@ Amount sumOf(std::initializer_list<Amount> amounts) {
 }
 
 /// The difference, not below 0; 0 when an operand is unknown.
-std::uint64_t difference(const Amount& from, const Amount& less) {
-  return from && less ? *from - std::min(*from, *less) : 0;
+std::uint64_t difference(const Amount& minuend, const Amount& subtrahend) {
+  return minuend && subtrahend ? *minuend - std::min(*minuend, *subtrahend) : 0;
 }
 
 /// Calls `visit` with the path of each directory entry whose name is the stem and a number.

@@ -59,7 +59,8 @@ class LinuxSystemMemoryReader final : public SystemMemoryReader {
   explicit LinuxSystemMemoryReader(LinuxRoots roots);
 
   /// Installed memory: the memory blocks that are online (Documentation/admin-guide/mm/memory-hotplug.rst).
-  /// MemTotal, which lacks what the kernel reserves at boot, if there are no blocks or if it is larger.
+  /// MemTotal if there are no blocks or if MemTotal is larger; it does not include what the kernel reserves
+  /// at boot.
   std::uint64_t totalRAM() override;
 
   /// Swap in use on devices and in files, without what zram and zswap keep in memory.

@@ -69,11 +69,11 @@ std::optional<int> countCpuList(std::string_view text) {
   std::string_view list = takeWord(text);
   if (list.empty() || !takeWord(text).empty()) return std::nullopt;
   int count = 0;
-  for (bool more = true; more;) {
+  for (bool hasMore = true; hasMore;) {
     const std::size_t comma = list.find(',');
     const std::string_view range = list.substr(0, comma);
-    more = comma != std::string_view::npos;
-    list.remove_prefix(more ? comma + 1 : list.size());
+    hasMore = comma != std::string_view::npos;
+    list.remove_prefix(hasMore ? comma + 1 : list.size());
 
     const std::size_t dash = range.find('-');
     const auto first = parseWholeNumber<int>(range.substr(0, dash));

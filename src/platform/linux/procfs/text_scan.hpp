@@ -38,7 +38,8 @@ std::string_view takeLine(std::string_view& rest);
 std::optional<std::uint64_t> parseKibibytes(std::string_view text);
 
 /// Returns `text` with its escape sequences replaced. An escape sequence is `beginning` and then `digits`
-/// digits to `base`, the code of one byte: "\040" in /proc/mounts, "\x20" in the database of udev. Allocates.
+/// digits in base `base`, the code of one byte: "\040" in /proc/mounts, "\x20" in the database of udev.
+/// Allocates.
 std::string withoutEscapes(std::string_view text, std::string_view beginning, std::size_t digits, int base);
 
 /// Counts the CPUs in a list such as "0-3,5" (Documentation/admin-guide/cputopology.rst). Returns nullopt for

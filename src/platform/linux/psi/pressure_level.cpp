@@ -19,8 +19,8 @@ using namespace std::chrono_literals;
 /// (Documentation/accounting/psi.rst).
 constexpr std::chrono::microseconds stallWindow = 2s;
 
-/// What makes a level: its PSI line stalls while available memory is below `availableInStall`; or available
-/// memory is below `available` while free swap is below `freeSwap`.
+/// The conditions of a level: the stall time on its PSI line reaches `stall` while available memory is below
+/// `availableInStall`; or available memory is below `available` while free swap is below `freeSwap`.
 struct Threshold {
   MemoryPressure level;
   std::string_view lineName;
@@ -41,7 +41,7 @@ constexpr std::array thresholds{
 };
 
 constexpr std::chrono::seconds quietTime = 15s;
-constexpr double lowAvg10 = 5;  // percent
+constexpr double quietAvg10 = 5;  // percent; a smaller average of the "some" line is quiet
 
 const Threshold& thresholdOf(MemoryPressure level) {
   return level == MemoryPressure::critical ? thresholds.front() : thresholds.back();
@@ -73,11 +73,12 @@ std::string psiTrigger(MemoryPressure level) {
 MemoryPressure stallLevel(const PsiStats& before, const PsiStats& after, std::chrono::nanoseconds elapsed) {
   const double elapsedMicros = std::chrono::duration<double, std::micro>(elapsed).count();
   return highestLevel([&](const Threshold& threshold) {
-    const std::uint64_t from = (before.*threshold.line).totalMicros;
-    const std::uint64_t to = (after.*threshold.line).totalMicros;
+    const std::uint64_t totalBefore = (before.*threshold.line).totalMicros;
+    const std::uint64_t totalAfter = (after.*threshold.line).totalMicros;
     const double stallShare =
         static_cast<double>(threshold.stall.count()) / static_cast<double>(stallWindow.count());
-    return elapsedMicros > 0 && to > from && static_cast<double>(to - from) >= elapsedMicros * stallShare;
+    return elapsedMicros > 0 && totalAfter > totalBefore &&
+           static_cast<double>(totalAfter - totalBefore) >= elapsedMicros * stallShare;
   });
 }
 
@@ -103,13 +104,13 @@ std::optional<MemoryPressure> pressureLevel(const std::optional<PsiStats>& stats
 PressureHysteresis::PressureHysteresis(MemoryPressure level, TimePoint now)
     : level_(level), lastWarning_(now), lastCritical_(now) {}
 
-MemoryPressure PressureHysteresis::update(MemoryPressure found, double someAvg10, TimePoint now) {
-  if (found >= MemoryPressure::warning) lastWarning_ = now;
-  if (found == MemoryPressure::critical) lastCritical_ = now;
-  if (found >= level_) return level_ = found;
+MemoryPressure PressureHysteresis::update(MemoryPressure current, double someAvg10, TimePoint now) {
+  if (current >= MemoryPressure::warning) lastWarning_ = now;
+  if (current == MemoryPressure::critical) lastCritical_ = now;
+  if (current >= level_) return level_ = current;
 
   const TimePoint lastAtLevel = level_ == MemoryPressure::critical ? lastCritical_ : lastWarning_;
-  if (someAvg10 >= lowAvg10 || now - lastAtLevel < quietTime) return level_;
+  if (someAvg10 >= quietAvg10 || now - lastAtLevel < quietTime) return level_;
   const bool quietBelow = now - lastWarning_ >= quietTime;
   return level_ = quietBelow ? MemoryPressure::normal : MemoryPressure::warning;
 }

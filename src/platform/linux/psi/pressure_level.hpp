@@ -3,7 +3,7 @@
 
 // The rules for the memory-pressure level: thresholds and hysteresis. No I/O.
 //
-// The level depends on how long tasks stalled (waited for memory) and on how much memory is available.
+// The level depends on the time for which tasks stalled (waited for memory) and on the available memory.
 
 #pragma once
 
@@ -29,35 +29,35 @@ std::string psiTrigger(MemoryPressure level);
 /// when neither line reached its threshold, when no time passed, and when a total went backwards.
 MemoryPressure stallLevel(const PsiStats& before, const PsiStats& after, std::chrono::nanoseconds elapsed);
 
-/// The same by the kernel's 10-second averages: for a single reading.
+/// Returns the level by the kernel's 10-second averages, for a single reading.
 MemoryPressure stallLevel(const PsiStats& stats);
 
-/// Returns the level for stalls of `stalls` (from `stallLevel`) and available memory. Stalls are
-/// ignored unless little memory is available: a container that stalls at its own limit does not change the
-/// level of a machine with available memory. Returns nullopt when `MemTotal` or `MemAvailable` is unknown.
-/// Without swap the free swap is 0.
+/// Returns the level for stalls of `stalls` (from `stallLevel`) and available memory. Stalls count only while
+/// little memory is available: a container at its own limit does not change the level of a machine with
+/// enough memory. Returns nullopt when `MemTotal` or `MemAvailable` is unknown. A machine without swap has no
+/// free swap.
 std::optional<MemoryPressure> pressureLevel(MemoryPressure stalls, const MemoryInfo& memory);
 
-/// Returns the level by a single reading. Without `stats` it depends on the available memory only.
+/// Returns the level by a single reading. Without `stats`, only the available memory is used.
 std::optional<MemoryPressure> pressureLevel(const std::optional<PsiStats>& stats, const MemoryInfo& memory);
 
-/// The level over time. It rises immediately. It falls when it was not found for 15 seconds and the 10-second
-/// average of the "some" line is below 5 percent.
+/// The reported level. It rises immediately. It falls when the current level was lower for 15 seconds and the
+/// 10-second average of the "some" line is below 5 percent.
 class PressureHysteresis {
  public:
   using TimePoint = std::chrono::steady_clock::time_point;
 
   PressureHysteresis(MemoryPressure level, TimePoint now);
 
-  /// Takes the level found at `now` and returns the level to report. `someAvg10` is in percent; 0 where the
-  /// kernel has no PSI.
-  MemoryPressure update(MemoryPressure found, double someAvg10, TimePoint now);
+  /// Takes the current level at the time `now` and returns the level to report. `someAvg10` is in percent; 0
+  /// where the kernel has no PSI.
+  MemoryPressure update(MemoryPressure current, double someAvg10, TimePoint now);
 
   MemoryPressure level() const { return level_; }
 
  private:
   MemoryPressure level_;
-  TimePoint lastWarning_;  ///< last time that warning or critical was found
+  TimePoint lastWarning_;  ///< last time that the current level was warning or critical
   TimePoint lastCritical_;
 };
 

@@ -33,7 +33,7 @@ namespace {
 constexpr std::chrono::seconds checkInterval{15};  // of the available memory, while triggers are armed
 constexpr std::chrono::seconds pollInterval{2};    // without triggers
 
-/// Opens the file and registers a trigger on it. The trigger lives as long as the file is open; each trigger
+/// Opens the file and registers a trigger on it. The trigger exists while the file is open; each trigger
 /// needs a separate file descriptor.
 FileDescriptor openTrigger(const std::string& path, const std::string& trigger) {
   FileDescriptor file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
@@ -86,7 +86,7 @@ class KernelPsiTriggers final : public PsiTriggers {
   }
 
  private:
-  // Made here and not in arm(), which must not allocate: no function on its thread catches std::bad_alloc.
+  // Set here and not in arm(), which must not allocate: no function on its thread catches std::bad_alloc.
   std::string path_;
   std::string someTrigger_ = psiTrigger(MemoryPressure::warning);
   std::string fullTrigger_ = psiTrigger(MemoryPressure::critical);
@@ -105,9 +105,9 @@ struct Reading {
   std::chrono::steady_clock::time_point time;
 };
 
-/// Returns an empty reading, of which only the time is set, when there is no memory to read.
+/// If an allocation fails, only the time is set in the reading.
 Reading takeReading(const LinuxRoots& roots, const SteadyClock& clock) {
-  // Both branches return a whole value: a value under construction may be half written when memory runs out.
+  // Each branch returns a new value: a value under construction may be incomplete when an allocation fails.
   try {
     return {readMemoryPsi(roots), readMemoryInfo(roots), clock()};
   } catch (const std::bad_alloc&) {
@@ -115,9 +115,9 @@ Reading takeReading(const LinuxRoots& roots, const SteadyClock& clock) {
   }
 }
 
-/// Drops false reports of triggers. The first report of a trigger may come with the first stall, however
-/// short, as if the kernel compared with the total at boot. It is dropped unless the total in the PSI file
-/// has grown by the threshold since the trigger was armed.
+/// Ignores false reports of triggers. The kernel may send the first report of a trigger at the first stall of
+/// any length, as if it compared with the total at boot. The first report counts only if the total in the PSI
+/// file has grown by the threshold since the trigger was armed.
 class FirstReportFilter {
  public:
   /// `armed` was read after the triggers were armed. Without it no report is dropped.
@@ -126,15 +126,16 @@ class FirstReportFilter {
   /// Returns the stall level (see `stallLevel`) that `wake` reports. `now` was read after the wake.
   MemoryPressure stallLevelOf(const PsiTriggers::Wake& wake, const std::optional<PsiStats>& now) {
     const bool compare = armed_ && now;
-    const auto counts = [compare](bool reported, bool reportedBefore, const PsiStats::Line& from,
-                                  const PsiStats::Line& to, MemoryPressure level) {
+    const auto counts = [compare](bool reported, bool reportedBefore, const PsiStats::Line& atArming,
+                                  const PsiStats::Line& latest, MemoryPressure level) {
       if (!reported || reportedBefore || !compare) return reported;
-      return to.totalMicros >= from.totalMicros + static_cast<std::uint64_t>(stallThreshold(level).count());
+      return latest.totalMicros >=
+             atArming.totalMicros + static_cast<std::uint64_t>(stallThreshold(level).count());
     };
-    const PsiStats from = armed_.value_or(PsiStats{});
-    const PsiStats to = now.value_or(PsiStats{});
-    const bool full = counts(wake.full, fullReported_, from.full, to.full, MemoryPressure::critical);
-    const bool some = counts(wake.some, someReported_, from.some, to.some, MemoryPressure::warning);
+    const PsiStats atArming = armed_.value_or(PsiStats{});
+    const PsiStats latest = now.value_or(PsiStats{});
+    const bool full = counts(wake.full, fullReported_, atArming.full, latest.full, MemoryPressure::critical);
+    const bool some = counts(wake.some, someReported_, atArming.some, latest.some, MemoryPressure::warning);
     fullReported_ |= wake.full;
     someReported_ |= wake.some;
     if (full) return MemoryPressure::critical;
@@ -170,15 +171,15 @@ void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyC
     before = now;
 
     const MemoryPressure lastLevel = hysteresis.level();
-    if (const auto found = pressureLevel(stalls, now.memory)) {
-      hysteresis.update(*found, now.psi ? now.psi->some.avg10 : 0, now.time);
+    if (const auto currentLevel = pressureLevel(stalls, now.memory)) {
+      hysteresis.update(*currentLevel, now.psi ? now.psi->some.avg10 : 0, now.time);
     }
     const bool reported = stalls != MemoryPressure::normal;
     if (reported || hysteresis.level() != lastLevel) handler(static_cast<PressureFlags>(hysteresis.level()));
   }
 }
 
-/// What the source shares with its task on the queue. The task, when it begins, or the destructor
+/// The data that the source shares with its task on the queue. The task, when it begins, or the destructor
 /// changes the state from `waiting`. The first of the two decides whether the watch runs.
 struct PsiPressureSource::Watch {
   enum class State { waiting, running, ended };
@@ -223,7 +224,7 @@ void PsiPressureSource::resume(TaskQueue& queue, Handler handler) {
 
 PsiPressureSource::~PsiPressureSource() {
   if (watch_->leaveWaiting(Watch::State::ended)) {
-    watch_->handler = nullptr;  // the queue may keep the task, but not what the handler holds
+    watch_->handler = nullptr;  // the queue may keep the task; free what the handler holds
     return;
   }
   watch_->triggers->cancel();

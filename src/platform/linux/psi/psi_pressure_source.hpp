@@ -45,16 +45,16 @@ class PsiTriggers {
 using SteadyClock = std::function<std::chrono::steady_clock::time_point()>;
 
 /// Watches the level until the triggers are cancelled. Calls `handler` when the level changes and at each
-/// stall report, also when the level is the same as before; not for the level at the start.
+/// stall report, also when the level is the same as before. Does not report the level at the start.
 ///
 /// With triggers it reads the files when one fires, and every 15 s for the available memory. Without them it
 /// reads every 2 s, and reports when the totals in the PSI file grew as much as a trigger requires. Without
-/// PSI, the level depends on the available memory only. A reading that fails for lack of memory changes
-/// nothing.
+/// PSI, only the available memory is used. A reading whose allocation fails does not change the level.
 void watchPressure(const LinuxRoots& roots, PsiTriggers& triggers, const SteadyClock& clock,
                    const PressureSource::Handler& handler);
 
-/// Runs `watchPressure` on the queue from `resume` until it is destroyed. The handler may destroy it.
+/// Runs `watchPressure` on the queue from `resume` until the source is destroyed. The handler may destroy the
+/// source.
 class PsiPressureSource final : public PressureSource {
  public:
   explicit PsiPressureSource(const LinuxRoots& roots);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Types that travel over D-Bus: of the StatusNotifierItem specification (freedesktop.org) and of
+// Types that are sent over D-Bus: of the StatusNotifierItem specification (freedesktop.org) and of
 // com.canonical.dbusmenu. The D-Bus signature of each is given.
 
 #pragma once

@@ -17,7 +17,7 @@ namespace tarn {
 
 /// The icon in an XEmbed tray, which Qt docks there (System Tray Protocol, freedesktop.org). Create it only
 /// while there is no StatusNotifierWatcher: Qt chooses between the two protocols when it creates the first
-/// QSystemTrayIcon, and keeps to that. Reports clicks by the signals of `item`.
+/// QSystemTrayIcon, and does not change that later. Reports clicks by the signals of `item`.
 class XembedItem {
  public:
   XembedItem(const MenuBarLabel& label, PanelItem* item) {
@@ -40,8 +40,8 @@ class XembedItem {
     for (const int pixels : panelIconSizes) icon.addPixmap(QPixmap::fromImage(circleIcon(label, pixels)));
     icon_.setIcon(icon);
     QStringList lines{label.toolTip.status};
-    const QString more = itemToolTipText(label);
-    if (!more.isEmpty()) lines << more;
+    const QString figures = itemToolTipText(label);
+    if (!figures.isEmpty()) lines << figures;
     icon_.setToolTip(lines.join(u'\n'));
   }
 

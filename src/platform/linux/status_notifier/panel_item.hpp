@@ -24,11 +24,11 @@ struct PanelItemDesktop {
   QDBusConnection bus;
   ProgramNameSource programName;
 
-  /// Whether an XEmbed tray exists (System Tray Protocol, freedesktop.org); nullopt while that is unknown. An
-  /// empty function where there can be none.
+  /// Whether an XEmbed tray exists (System Tray Protocol, freedesktop.org); nullopt while that is unknown.
+  /// The function is empty where no such tray can exist.
   std::function<std::optional<bool>()> hasXembedTray;
 
-  std::chrono::milliseconds grace{5000};  ///< how long a panel may take to appear
+  std::chrono::milliseconds grace{5000};  ///< the time that a panel may take to appear
 
   /// Called when a burst of D-Bus calls has left much freed memory in the heap. May be empty.
   std::function<void()> releaseMemory = {};

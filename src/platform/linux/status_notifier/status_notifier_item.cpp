@@ -126,7 +126,7 @@ QVariantMap itemProperties(const MenuBarLabel& label, HostKind kind, const QVari
       {QStringLiteral("ItemIsMenu"), false},
       {QStringLiteral("Menu"), QVariant::fromValue(QDBusObjectPath(itemMenuPath()))},
   };
-  // With other panels the presence of this property can replace the icon.
+  // Other panels may show this property instead of the icon.
   if (kind == HostKind::ayatanaLabel) {
     properties.insert(QStringLiteral("XAyatanaLabel"), label.text.value_or(QString()));
   }
@@ -164,7 +164,7 @@ BusInterface StatusNotifierItem::interface() {
   const auto click = [this](const QVariantList& arguments) -> std::optional<QVariantList> {
     const QPoint position(arguments.at(0).toInt(), arguments.at(1).toInt());
     // Some panels report the second press of a double click twice, which would reopen the popover that it
-    // closes. And any process on the bus can send clicks without end.
+    // closes. Any process on the bus can send any number of clicks.
     if (!nextClick_.hasExpired()) return QVariantList();
     nextClick_.setRemainingTime(clickInterval);
     QMetaObject::invokeMethod(

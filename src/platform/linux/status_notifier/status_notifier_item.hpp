@@ -23,7 +23,7 @@
 namespace tarn {
 
 /// The icon heights in pixels that panels use: from small panels at normal density to large ones at double
-/// density. A panel that finds its own height does not scale.
+/// density. A panel does not scale the icon if its height is listed.
 inline constexpr std::array panelIconSizes = {16, 22, 24, 32, 48, 64};
 
 /// The label's circle on a transparent square of `pixels`; wholly transparent for an unknown symbol name.

@@ -44,7 +44,7 @@ QString runningProgramName(unsigned pid) {
   const QString process = QStringLiteral("/proc/%1/").arg(pid);
   QString executable = QFile::symLinkTarget(process + QStringLiteral("exe"));
   if (!executable.isEmpty()) {
-    // The mark of man 5 proc_pid_exe: the panel was upgraded while it runs.
+    // The kernel appends this (man 5 proc_pid_exe) when the panel was upgraded while it runs.
     const QString deleted = QStringLiteral(" (deleted)");
     if (executable.endsWith(deleted)) executable.chop(deleted.size());
     return QFileInfo(executable).fileName();

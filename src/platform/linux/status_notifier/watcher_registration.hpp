@@ -16,9 +16,9 @@ namespace tarn {
 
 /// How a panel shows text beside an item's icon.
 enum class HostKind {
-  plain,         ///< not at all: it squeezes wide icons into a square, so text is in title and tooltip only
+  plain,         ///< shows no text and scales wide icons to a square; text is in title and tooltip only
   wideIcons,     ///< icons keep their proportions, so the text can be painted into them
-  ayatanaLabel,  ///< it shows the property XAyatanaLabel
+  ayatanaLabel,  ///< shows the property XAyatanaLabel
 };
 
 /// The kind of the panel whose executable has the file name `programName`.
@@ -30,10 +30,10 @@ QString runningProgramName(unsigned pid);
 /// Returns the program name of a process; empty when unknown.
 using ProgramNameSource = std::function<QString(unsigned pid)>;
 
-/// Registers this connection's item with the StatusNotifierWatcher each time that one appears, and follows
+/// Registers this connection's item with the StatusNotifierWatcher each time a watcher appears, and follows
 /// whether a StatusNotifierHost (a panel) shows it: see the StatusNotifierItem specification
-/// (freedesktop.org). The names on the bus start with "org.kde", as all implementations have them. Never
-/// blocks; calls may stay without a reply. Main thread.
+/// (freedesktop.org). The names on the bus start with "org.kde", as in all implementations. Never blocks;
+/// calls may stay without a reply. Main thread.
 class WatcherRegistration final : public QObject {
   Q_OBJECT
 
@@ -49,7 +49,7 @@ class WatcherRegistration final : public QObject {
 
  Q_SIGNALS:
   /// A watcher appeared, which runs in the process of a panel of this kind. Emitted before the item is
-  /// registered, because the panel reads the item as soon as it is.
+  /// registered, because the panel reads the item immediately after that.
   void watcherFound(HostKind kind);
 
   /// hasWatcher() or showsItem() may have changed.

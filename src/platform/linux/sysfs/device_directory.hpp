@@ -65,8 +65,8 @@ class DeviceClass {
   /// call before `markComplete`. The caller must then discard its cached data of the devices.
   bool hasChanged();
 
-  /// Declares that all devices of the last listing could be read. Not to be called while a driver that was
-  /// just bound returns errors, so that the next `hasChanged` returns true and the device is read again.
+  /// Declares that all devices of the last listing could be read. Do not call it while a driver that was just
+  /// bound returns errors: the next `hasChanged` then returns true, and the device is read again.
   void markComplete() { isComplete_ = true; }
 
   /// The devices of the last listing, sorted by name.

@@ -19,8 +19,7 @@ namespace tarn {
 /// Documentation/power/power_supply_class.rst). A driver may omit any of them.
 ///
 ///     type                "Battery", "UPS", "Mains", "USB", "Wireless"
-///     scope               "System": powers the machine; "Device": powers a peripheral device such as a
-///     mouse;
+///     scope               "System": powers the machine; "Device": powers a peripheral device;
 ///                         "Unknown". Absent for most batteries of a machine.
 ///     present             0: not inserted; 1: inserted
 ///     status              "Unknown", "Charging", "Discharging", "Not charging", "Full"
@@ -38,7 +37,7 @@ class PowerSupplies {
 
   /// One internal battery, or none. Its capacities are sums over the batteries in one unit: the first of
   /// energy, charge and percent that any battery reports. Batteries without this unit are left out of the
-  /// sums. It is charging when any battery is.
+  /// sums. It is charging when any battery is charging.
   std::vector<std::optional<PropertyDictionary>> sources();
 
   /// The largest cycle count, and the sums of the full-charge and design capacities, of the batteries that

@@ -41,7 +41,7 @@ std::optional<std::string> parseLabel(std::string_view record);
 std::string parseRootSource(std::string_view mountInfo);
 
 /// The value of NAME in an os-release file (man 5 os-release), such as "Debian GNU/Linux". Removes shell
-/// quotes and backslashes; the last assignment counts. Returns nullopt when there is no name.
+/// quotes and backslashes; the last assignment is used. Returns nullopt when there is no name.
 std::optional<std::string> parseSystemName(std::string_view osRelease);
 
 /// The name of the operating system from /etc/os-release, else /usr/lib/os-release.
@@ -62,8 +62,9 @@ class RootVolume {
 
   LinuxRoots roots_;
   std::optional<DeviceNumber> device_;     ///< the device of `recordPath_`
-  std::optional<std::string> recordPath_;  ///< of the udev record; absent when the device has none
-  /// Name of the operating system. Outer: whether it was looked up; inner: whether it has a name.
+  std::optional<std::string> recordPath_;  ///< of the udev record; nullopt when the device has none
+  /// Name of the operating system. The outer optional is nullopt until the name is read; the inner one is
+  /// nullopt when the system has no name.
   std::optional<std::optional<std::string>> systemName_;
 };
 

@@ -84,8 +84,8 @@ class ThermalZones {
 /// excluded because their unconnected inputs report arbitrary values.
 bool isProcessorSensor(std::string_view name);
 
-/// The processor's temperature sensors: its hwmon chips; without readings from these, the thermal zones of
-/// the processor; without these, the ACPI thermal zone "acpitz". Not thread-safe.
+/// The processor's temperature sensors: its hwmon chips; if these have no readings, its thermal zones; if
+/// there are none, the ACPI thermal zone "acpitz". Not thread-safe.
 ///
 /// Attributes of /sys/class/hwmon/hwmonN, one file each (Documentation/hwmon/sysfs-interface.rst):
 ///
@@ -96,7 +96,7 @@ class ProcessorSensors {
  public:
   explicit ProcessorSensors(const std::string& sys) : chips_(sys + "/class/hwmon") {}
 
-  /// The temperatures of all sensors that can be read, degrees Celsius. The caller has refreshed `zones`.
+  /// The temperatures of all sensors that can be read, degrees Celsius. Call `zones.refresh()` first.
   std::vector<double> readings(const ThermalZones& zones);
 
  private:
@@ -116,7 +116,7 @@ class ProcessorSensors {
 /// Files below /sys/devices/system/cpu/cpuN (drivers/thermal/intel/therm_throt.c and
 /// Documentation/ABI/testing/sysfs-devices-system-cpu in the kernel source):
 ///
-///     thermal_throttle/package_throttle_count  throttle events of the package, same in its processors
+///     thermal_throttle/package_throttle_count  throttle events of the package, equal in all its processors
 ///     thermal_throttle/core_throttle_count     throttle events of the core
 ///     topology/physical_package_id             number of the package that contains the processor
 ///
@@ -143,7 +143,7 @@ class ThrottleCounters {
 
   std::string sys_;
   std::vector<Counter> counters_;
-  /// Also when a counter can no longer be read because its processor went offline.
+  /// Also true when a counter can no longer be read because its processor went offline.
   bool isSearchNeeded_ = true;
   Time previousCall_;
 };

@@ -39,8 +39,8 @@ QJsonObject findFocused(const QJsonObject& node, int depth) {
   for (const QLatin1String children : {QLatin1String("nodes"), QLatin1String("floating_nodes")}) {
     const QJsonArray childNodes = node.value(children).toArray();
     for (const auto& child : childNodes) {
-      QJsonObject found = findFocused(child.toObject(), depth + 1);
-      if (!found.isEmpty()) return found;
+      QJsonObject focused = findFocused(child.toObject(), depth + 1);
+      if (!focused.isEmpty()) return focused;
     }
   }
   return {};
@@ -51,8 +51,7 @@ std::optional<FrontmostApplication> applicationOf(std::optional<std::int32_t> pi
   return FrontmostApplication{std::nullopt, *pid};
 }
 
-/// Returns what `source` returns, except for this process: while the popover has the focus, the last
-/// application before it.
+/// Returns what `source` returns; while the popover has the focus, the application that had the focus before.
 FrontmostApplicationSource excludeOwnProcess(FrontmostApplicationSource source) {
   return [source = std::move(source), last = std::optional<FrontmostApplication>()]() mutable {
     auto application = source();

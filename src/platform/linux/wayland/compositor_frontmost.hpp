@@ -15,11 +15,11 @@
 
 namespace tarn {
 
-/// Returns a source that asks sway at `socket`. While Tarn's popover has the focus, the source keeps the
-/// application before it.
+/// Returns a source that asks sway at `socket`. While Tarn's popover has the focus, the source returns the
+/// application that had the focus before.
 FrontmostApplicationSource swayFrontmostApplication(std::string socket);
 
-/// The same for Hyprland.
+/// As swayFrontmostApplication(), for Hyprland.
 FrontmostApplicationSource hyprlandFrontmostApplication(std::string socket);
 
 /// The pid of the focused window in a reply to sway's GET_TREE; nullopt when no window is focused.

@@ -35,7 +35,8 @@ class RequestSocket {
     }
     path.copy(static_cast<char*>(address.sun_path), path.size());
     const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
-    // A Unix socket connects at once; it fails with EAGAIN when the server's backlog is full (man 2 connect).
+    // A Unix socket connects immediately; it fails with EAGAIN when the server's backlog is full (man 2
+    // connect).
     if (!socket_.valid() || ::connect(socket_.number(), generic, sizeof address) != 0) socket_ = {};
   }
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // The IPC sockets of sway (man 7 sway-ipc) and of Hyprland (wiki.hyprland.org/IPC). Each request uses a new
-// connection and may block the calling thread for compositorTimeout in all.
+// connection and may block the calling thread for compositorTimeout in total.
 
 #pragma once
 

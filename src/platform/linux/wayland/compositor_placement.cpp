@@ -36,8 +36,9 @@ QRect rectOf(const QJsonObject& node) {
           toInteger(rect.value(QLatin1String("width"))), toInteger(rect.value(QLatin1String("height")))};
 }
 
-/// One coordinate of the pointer, derived from a window that sway has just centered on it. If the output's
-/// edge kept the window from that, the pointer is nearer to the edge, and the edge is returned.
+/// One coordinate of the pointer, derived from a window that sway has just centered on it. If the window
+/// touches the output's edge, sway could not center it because the pointer is closer to the edge: returns the
+/// edge.
 int pointerCoordinate(int first, int last, int outputFirst, int outputLast) {
   if (first == outputFirst) return outputFirst;
   if (last == outputLast) return outputLast;
@@ -77,7 +78,7 @@ bool hasSucceeded(const std::optional<std::string>& reply) {
   return succeeded;
 }
 
-/// Has sway run `command` for the windows of this process.
+/// Makes sway run `command` for the windows of this process.
 bool commandSway(const std::string& socket, const std::string& command) {
   const std::string criteria = "[pid=" + std::to_string(::getpid()) + "] ";
   return hasSucceeded(requestSway(socket, SwayMessage::runCommand, criteria + command));

@@ -57,7 +57,8 @@ X11ClickState queryX11ClickState(xcb_connection_t* connection, const std::vector
     state.pointer = pointOnScreen({pointer->root_x, pointer->root_y}, screen);
     if (!state.pointer) continue;
     if (window) {
-      // The distance from the pointer, so that a window that starts on another screen gets this one's scale.
+      // Relative to the pointer, so that a window that begins on another screen is converted with the scale
+      // of the pointer's screen.
       const QPointF corner(window->x - pointer->root_x, window->y - pointer->root_y);
       const QSizeF size(window->width, window->height);
       state.windowUnderPointer = QRectF(*state.pointer + corner / screen.scale, size / screen.scale).toRect();

@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What is asked of the X server through Qt's own connection: the state at a click, and changes of the
-// workspace.
+// Queries and events on Qt's connection to the X server: the state at a click, and changes of the workspace.
 
 #pragma once
 
@@ -35,16 +34,16 @@ struct X11ClickState {
 /// The screens of the running QGuiApplication.
 std::vector<ScreenScale> screenScales();
 
-/// Asks for all of X11ClickState in two round trips: the requests of each are sent together before the first
-/// reply is awaited. Blocks without timeout, as Qt itself does on its connection, for which this is meant.
-/// What the server does not answer stays absent. Main thread.
+/// Requests all of X11ClickState in two round trips. Blocks without timeout: use it on Qt's connection, on
+/// which Qt blocks the same way. Values without a reply keep their defaults. Main thread.
 X11ClickState queryX11ClickState(xcb_connection_t* connection, const std::vector<ScreenScale>& screens);
 
 /// Calls a function when the user switches to another workspace: when the window manager changes
 /// _NET_CURRENT_DESKTOP on the root window (Extended Window Manager Hints). Main thread.
 class X11WorkspaceWatch final : public QObject, private QAbstractNativeEventFilter {
  public:
-  /// `connection` is Qt's own, which selects property changes of the root window. One blocking round trip.
+  /// `connection` is Qt's connection, which selects property changes of the root window. One blocking round
+  /// trip.
   X11WorkspaceWatch(xcb_connection_t* connection, std::function<void()> switched);
 
  private:

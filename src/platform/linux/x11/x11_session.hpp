@@ -20,7 +20,7 @@ namespace tarn {
 /// Queries on a separate X11 connection, so that a timeout does not affect Qt's connection. No query
 /// waits longer than its deadline, except for connecting: xcb_connect() blocks as it does in every program.
 /// The first query connects; after a broken connection each query tries once to connect again. After a
-/// timeout queries fail at once until the late reply has arrived. Main thread.
+/// timeout queries fail immediately until the late reply has arrived. Main thread.
 class X11Session {
  public:
   using Clock = std::chrono::steady_clock;
@@ -68,7 +68,7 @@ class X11Session {
   std::unique_ptr<xcb_connection_t, Disconnect> connection_;
   int screen_ = 0;
   std::uint32_t root_ = 0;
-  std::optional<Atoms> atoms_;  ///< known once per connection
+  std::optional<Atoms> atoms_;  ///< requested once per connection
   bool hasResourceExtension_ = false;
   std::optional<unsigned> pendingReply_;  ///< sequence number of the request that timed out
 };

@@ -35,7 +35,7 @@ class BusClient final : public QObject {
   /// Returns all signals that `service` has sent so far, and clears the record.
   QList<QDBusMessage> takeSignals();
 
-  /// Their names, sorted.
+  /// As takeSignals(), but returns the names of the signals, sorted.
   QStringList takeSignalNames();
 
  private Q_SLOTS:

@@ -10,7 +10,8 @@
 
 namespace tarn::test {
 
-/// A service on the bus with one object, until it is destroyed. Derived classes implement handleMessage().
+/// A service on the bus with one object. The destructor removes it from the bus. Derived classes implement
+/// handleMessage().
 class FakeService : public QDBusVirtualObject {
  public:
   FakeService(QDBusConnection connection, QString name, QString path)

@@ -160,7 +160,7 @@ TEST_F(PortalColorSchemeTest, DoesNotBlockWhenThePortalNeverReplies) {
   EXPECT_TRUE(preferenceBecomes(ColorScheme::dark));
 }
 
-TEST_F(PortalColorSchemeTest, IgnoresSignalsOfOtherSenders) {
+TEST_F(PortalColorSchemeTest, IgnoresSignalsFromOtherSenders) {
   const FakePortal portal(bus_.connection(), wrapped(wrapped(2U)));
   start();
   ASSERT_TRUE(preferenceBecomes(ColorScheme::light));

@@ -60,14 +60,14 @@ TEST_F(SessionBusTest, ConnectsToABusThatStartsLater) {
 }
 
 TEST_F(SessionBusTest, SharesOneConnectionPerAddress) {
-  const auto one = follow();
-  const auto other = follow();
-  kill(*one);
-  kill(*other);
+  const auto first = follow();
+  const auto second = follow();
+  kill(*first);
+  kill(*second);
   daemon_.start();
   ASSERT_TRUE(
-      eventually([&] { return one->connection().isConnected() && other->connection().isConnected(); }));
-  EXPECT_EQ(one->connection().baseService(), other->connection().baseService());
+      eventually([&] { return first->connection().isConnected() && second->connection().isConnected(); }));
+  EXPECT_EQ(first->connection().baseService(), second->connection().baseService());
 }
 
 TEST_F(SessionBusTest, DoesNotReconnectWhileConnected) {
@@ -83,7 +83,7 @@ TEST_F(SessionBusTest, SingleInstanceMovesToTheNewBus) {
   BusSingleInstance first(bus->connection());
   ASSERT_TRUE(first.claim([&] { ++launches; }));
   kill(*bus);
-  // It starts while no bus could report the first one.
+  // The second instance starts while no bus can report the first one.
   BusSingleInstance second(bus->connection());
   ASSERT_TRUE(second.claim([] {}));
   daemon_.start();

@@ -40,7 +40,7 @@ class BusSingleInstanceTest : public testing::Test {
     return first_.claim([this] { ++launches_; });
   }
 
-  /// Another process's claim, made on another thread so that this one can answer.
+  /// Claims the name as another process does, on another thread so that this thread can reply.
   bool claimAsOther() {
     const QDBusConnection connection = bus_.connection();
     auto result =
@@ -72,7 +72,7 @@ TEST_F(BusSingleInstanceTest, SecondInstanceActivatesTheFirst) {
   EXPECT_EQ(launches_, 1);
 }
 
-TEST_F(BusSingleInstanceTest, SecondInstanceGoesOnWhenTheOwnerRefuses) {
+TEST_F(BusSingleInstanceTest, SecondInstanceContinuesWhenTheOwnerRefuses) {
   const RefusingOwner owner(bus_.connection());
   EXPECT_TRUE(claimAsOther());
 }

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// procfs that hides the processes of other users (hidepid, see proc(5)), and kernels without usable PSI, as
-// an unprivileged user sees them. The test mounts them in separate namespaces; it needs root.
+// procfs that hides the processes of other users (hidepid, see proc(5)), and kernels without usable PSI,
+// as an unprivileged user sees them. The test mounts them in separate namespaces; it needs root.
 
 #include <gmock/gmock.h>
 #include <grp.h>
@@ -34,7 +34,7 @@ namespace {
 constexpr uid_t nobody = 65534;
 constexpr std::size_t megabyte = std::size_t{1} << 20U;
 
-/// Prints why a scenario cannot be set up and ends the process.
+/// Prints which step of the preparation failed and ends the process.
 [[noreturn]] void fail(const char* what) {
   std::fprintf(stderr, "%s: %s\n", what, std::strerror(errno));
   std::fflush(stderr);
@@ -64,7 +64,7 @@ int runInChild(const std::function<int()>& work) {
 }
 
 /// Runs `work` as an unprivileged user in a new mount namespace, and a new pid namespace if `newPids`.
-/// `prepare` runs there before, as root.
+/// `prepare` runs first in these namespaces, as root.
 int runInNamespace(bool newPids, const std::function<void()>& prepare, const std::function<int()>& work) {
   return runInChild([&] {
     if (::unshare(CLONE_NEWNS | (newPids ? CLONE_NEWPID : 0)) != 0) fail("unshare");
@@ -123,15 +123,15 @@ class HiddenProcesses : public testing::TestWithParam<const char*> {
   }
 };
 
-TEST_P(HiddenProcesses, AreAbsentAndTheUsersOwnArePresent) {
-  pid_t own = 0;
-  pid_t foreign = 0;
-  const bool hides = std::strcmp(GetParam(), "0") != 0;
+TEST_P(HiddenProcesses, AreAbsentAndThoseOfTheUserArePresent) {
+  pid_t ownPid = 0;
+  pid_t foreignPid = 0;
+  const bool isHidden = std::strcmp(GetParam(), "0") != 0;
   const auto prepare = [&] {
     if (::mount("proc", "/proc", "proc", 0, (std::string("hidepid=") + GetParam()).c_str()) != 0)
       fail("mount procfs");
-    own = startProcess(false, 60 * megabyte);
-    foreign = startProcess(true, 60 * megabyte);
+    ownPid = startProcess(false, 60 * megabyte);
+    foreignPid = startProcess(true, 60 * megabyte);
   };
   const auto work = [&] {
     MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
@@ -139,15 +139,15 @@ TEST_P(HiddenProcesses, AreAbsentAndTheUsersOwnArePresent) {
     const std::vector<char> grown(200 * megabyte, 'x');
     for (int sweep = 0; sweep < 12; ++sweep) {
       const MemorySnapshot snapshot = sampler.sample();
-      const ProcessSample* const visible = sampleOf(snapshot, own);
+      const ProcessSample* const visible = sampleOf(snapshot, ownPid);
       const ProcessSample* const self = sampleOf(snapshot, ::getpid());
       REQUIRE_THAT(visible != nullptr && isNear(visible->footprint, 60) && visible->uid == nobody);
       REQUIRE_THAT(self != nullptr && self->footprint > 200 * megabyte && self->cpuPercent >= 0);
       REQUIRE_THAT(!self->path.empty());
-      const ProcessSample* const hidden = sampleOf(snapshot, foreign);
-      REQUIRE_THAT((hidden == nullptr) == hides);
-      REQUIRE_THAT(hides || hidden->uid == 0);
-      REQUIRE_THAT((sampleOf(snapshot, 1) == nullptr) == hides);
+      const ProcessSample* const hidden = sampleOf(snapshot, foreignPid);
+      REQUIRE_THAT((hidden == nullptr) == isHidden);
+      REQUIRE_THAT(isHidden || hidden->uid == 0);
+      REQUIRE_THAT((sampleOf(snapshot, 1) == nullptr) == isHidden);
       REQUIRE_THAT(snapshot.system.totalRAM > 0);
     }
     REQUIRE_THAT(grown.back() == 'x');
@@ -201,7 +201,7 @@ TEST_P(RefusedPsiTriggers, FallBackToPolling) {
     ThreadQueue queue;
     const auto source = std::make_unique<PsiPressureSource>(LinuxRoots{});
     source->resume(queue, [](PressureFlags) {});
-    // In real time: the source must survive its first poll, which comes after two seconds.
+    // Real time: the source must still run after its first poll, which is after two seconds.
     ::usleep(2'300'000);
     return 0;
   };

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Replaces each file of the machine fixture by a pipe, a directory, garbage and so on. Reading the machine
-// must not block, must allocate little memory, and must report no value for what could not be read.
+// Replaces each file of the machine fixture by a pipe, a directory, invalid text or another fault. Reading
+// the machine must not block, must allocate little memory, and must report no value for what could not be
+// read.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -66,7 +67,7 @@ std::string garbage() {
   return text;
 }
 
-/// Replaces a file. Returns the writing end of a pipe with a silent writer, to be kept open.
+/// Replaces a file. For a pipe with a silent writer, returns the writing end, which the caller keeps open.
 FileDescriptor replaceFile(Fault fault, const TemporaryTree& tree, const std::string& path) {
   tree.remove(path);
   switch (fault) {
@@ -170,7 +171,7 @@ class HostileFiles : public testing::TestWithParam<Fault> {
     expected_ = readWithTimeout(tree_.roots(), "nothing");
   }
 
-  /// The machine's files. Of the memory blocks in sysfs, which are all alike, only the first.
+  /// The machine's files, with only the first of the memory blocks in sysfs, which have equal files.
   std::vector<std::string> files() const {
     std::vector<std::string> files;
     const fs::path root = tree_.at("");
@@ -183,7 +184,7 @@ class HostileFiles : public testing::TestWithParam<Fault> {
     return files;
   }
 
-  /// Values that do not come from the file at `path` must be as without the fault.
+  /// Expects that values from other files than `path` are the same as without the fault.
   void expectOtherValues(const Reading& reading, const std::string& path) const {
     const bool isInProc = path.starts_with("proc/");
     const bool affectsMemory =
@@ -264,7 +265,7 @@ TEST_P(HostileFiles, AffectNoOtherValues) {
   }
 }
 
-TEST_P(HostileFiles, AllOfThemAreLikeAnEmptyMachine) {
+TEST_P(HostileFiles, ReadLikeAnEmptyMachineWhenAllFilesAreFaulty) {
   std::vector<FileDescriptor> writers;
   for (const std::string& path : files()) writers.push_back(replaceFile(GetParam(), tree_, path));
   tree_.remove("sys/devices/system/memory");

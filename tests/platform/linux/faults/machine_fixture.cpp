@@ -33,7 +33,7 @@ void writeMemory(const TemporaryTree& tree) {
 }
 
 void writeProcesses(const TemporaryTree& tree) {
-  // A clock without a battery: the first processes start in second 0 of the epoch.
+  // A machine whose clock has no battery: the first processes start in second 0 of the epoch.
   tree.write("proc/stat", "cpu 1 2 3\nbtime 0\nprocesses 9\n");
   ProcessFixture{
       .pid = 2, .name = "kthreadd_of_a_long_name", .ppid = "0", .startTicks = 5, .flags = 0x00200040}

@@ -12,10 +12,10 @@
 namespace tarn {
 
 /// Writes the files: hardware of a laptop, kernel thread 2, processes 40 and 41 of an application, process 42
-/// without one, memory figures, desktop files.
+/// without an application, memory figures, desktop files.
 void writeMachineFixture(const TemporaryTree& tree);
 
-/// The sampler port of that machine, composed as in production but with these clocks. It checks for changed
+/// The sampler port of that machine, composed as in the program, but with these clocks. It checks for changed
 /// desktop files in every sweep.
 SamplerPort makeMachineFixturePort(const LinuxRoots& roots, ProcessClock clock,
                                    std::function<double()> uptime);

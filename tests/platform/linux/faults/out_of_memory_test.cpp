@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Fails each allocation of a sweep and of a reading of the extras, one after the other. Each sweep is
-// complete or throws std::bad_alloc, and the next one is correct.
+// Fails each allocation of a sweep and of a reading of the extras, one per trial. Each sweep is complete or
+// throws std::bad_alloc, and the next one is correct.
 
 #include <gmock/gmock.h>
 
@@ -78,7 +78,7 @@ class FixtureSampler {
 enum class Outcome {
   complete,   ///< the work handled the failure
   thrown,     ///< std::bad_alloc
-  notReached  ///< there were fewer allocations
+  notReached  ///< the work made fewer allocations
 };
 
 /// Runs `work` and fails its `number`-th allocation, and all after it if `isLasting`.
@@ -93,8 +93,8 @@ Outcome failAllocation(std::size_t number, bool isLasting, Work work) {
   return failure.happened() ? Outcome::complete : Outcome::notReached;
 }
 
-/// Runs `trial` for the first allocation, the second, and so on, until there is none of that number. Returns
-/// how many trials threw.
+/// Runs `trial` for allocation 1, 2, and so on, until a trial makes fewer allocations. Returns the number of
+/// trials that threw.
 std::size_t forEachAllocation(const std::function<Outcome(std::size_t)>& trial) {
   std::size_t thrown = 0;
   for (std::size_t number = 1;; ++number) {
@@ -146,7 +146,7 @@ TEST_P(OutOfMemory, ALaterSweepIsCompleteOrThrowsAndTheNextIsCorrect) {
     std::filesystem::last_write_time(tree_.at("usr/share/applications"),
                                      std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
   };
-  // A process grew, another is new, an application is installed, memory is online that was not.
+  // A process grows, another one starts, an application is installed, and a memory block goes online.
   const auto after = [this] {
     ProcessFixture{.pid = 41, .name = "helper", .statm = "5000 900 100 5 0 123 0\n"}.writeTo(tree_);
     ProcessFixture{.pid = 43, .name = "newcomer", .startTicks = 9000}.writeTo(tree_);
@@ -166,7 +166,8 @@ TEST_P(OutOfMemory, ALaterSweepIsCompleteOrThrowsAndTheNextIsCorrect) {
     after();
     MemorySnapshot snapshot;
     const Outcome outcome = failAllocation(number, GetParam(), [&] { snapshot = sampler.sample(); });
-    // Without CPU time the next sweep reuses cached data: it must not be that of the failed sweep.
+    // Processes that use no CPU time keep their cached data in the next sweep. That data must not come from
+    // the failed sweep.
     sampler.stopCpuUse();
     if (outcome == Outcome::thrown) snapshot = sampler.sample();
     EXPECT_EQ(processesOf(snapshot), processesOf(expected));

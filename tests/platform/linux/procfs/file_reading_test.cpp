@@ -28,7 +28,7 @@ TEST(ReadFile, StopsAtItsLimit) {
   EXPECT_EQ(readFile(tree.at("file"), 10).size(), 10U);
 }
 
-TEST(ReadFile, ReturnsNothingForOtherThanRegularFiles) {
+TEST(ReadFile, IsEmptyForOtherThanRegularFiles) {
   const TemporaryTree tree;
   tree.pipe("pipe");
   EXPECT_EQ(readFile(tree.at("pipe")), "");

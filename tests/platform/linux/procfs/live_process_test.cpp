@@ -72,12 +72,12 @@ TEST_P(LiveProcessTest, IsListedWithItsParentOwnerAndPath) {
             std::filesystem::read_symlink("/proc/self/exe").filename().string());
 }
 
-TEST_P(LiveProcessTest, FootprintGrowsByTheMemoryThatIsTouched) {
+TEST_P(LiveProcessTest, FootprintGrowsByTheMemoryThatIsWritten) {
   constexpr std::size_t size = std::size_t{64} << 20U;
   void* const memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   ASSERT_NE(memory, MAP_FAILED);
   const auto before = sweepUsage();
-  // Let the kernel touch the pages: a sanitizer's record of the test's writes would take memory, too.
+  // The kernel writes the pages: for writes of the test, a sanitizer would use memory, too.
   ASSERT_EQ(::madvise(memory, size, MADV_POPULATE_WRITE), 0);
   const auto after = sweepUsage();
   ASSERT_EQ(::munmap(memory, size), 0);
@@ -89,7 +89,7 @@ TEST_P(LiveProcessTest, FootprintGrowsByTheMemoryThatIsTouched) {
               size * 0.02);
 }
 
-TEST_P(LiveProcessTest, CpuTimeIsThatOfTheProcessClock) {
+TEST_P(LiveProcessTest, CpuTimeEqualsTheProcessClock) {
   burn(20'000'000);
   const std::uint64_t before = ownProcessorNanos();
   const auto usage = sweepUsage();
@@ -125,9 +125,9 @@ TEST(LivePort, SweepsTheRunningSystem) {
   const auto pids = port.processes->allPIDs();
   EXPECT_THAT(pids, Contains(::getpid()));
   for (const std::int32_t pid : pids) {
-    const bool named = !port.processes->path(pid).empty() || !port.processes->processName(pid).empty();
-    // A process may exit at any time; one that is still there has a name.
-    EXPECT_TRUE(named || !port.processes->bsdInfo(pid)) << pid;
+    const bool hasName = !port.processes->path(pid).empty() || !port.processes->processName(pid).empty();
+    // A process may exit at any time; a process that has not exited has a name.
+    EXPECT_TRUE(hasName || !port.processes->bsdInfo(pid)) << pid;
   }
   const SystemMemory memory = port.memory->read();
   EXPECT_GT(memory.totalRAM, 0U);

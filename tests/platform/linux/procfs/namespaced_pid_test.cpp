@@ -42,10 +42,10 @@ TEST_F(NamespacedPidTest, FindsTheProcessWithThatPidInItsInnermostNamespace) {
   EXPECT_EQ(find(2), 5000);
   EXPECT_EQ(find(3), 5001);
   EXPECT_EQ(find(17), std::nullopt) << "a process declares its innermost pid";
-  EXPECT_EQ(find(5000), std::nullopt) << "it does not know its outer pid";
+  EXPECT_EQ(find(5000), std::nullopt) << "a process cannot declare its outer pid";
 }
 
-TEST_F(NamespacedPidTest, FindsNothingWhenSeveralProcessesMatch) {
+TEST_F(NamespacedPidTest, ReturnsNulloptWhenSeveralProcessesMatch) {
   add("5000", "5000\t2");
   add("6000", "6000\t2");
   EXPECT_EQ(find(2), std::nullopt);
@@ -61,7 +61,7 @@ TEST_F(NamespacedPidTest, IgnoresOtherUsersAndKernelThreads) {
   EXPECT_EQ(find(101), std::nullopt) << "a thread of the kernel";
 }
 
-TEST_F(NamespacedPidTest, FindsNothingAfterTheDeadlineOrWithoutProcesses) {
+TEST_F(NamespacedPidTest, ReturnsNulloptAfterTheDeadlineOrWithoutProcesses) {
   add("4242", "4242");
   const auto now = std::chrono::steady_clock::now();
   EXPECT_EQ(resolveNamespacedPid(tree_.roots().proc, 4242, 1000, now), std::nullopt);

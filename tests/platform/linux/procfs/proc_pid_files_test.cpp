@@ -42,14 +42,14 @@ TEST(ProcessStat, ParsesNameParentTimesAndStart) {
   EXPECT_EQ(stat->startTicks, 174933U);
 }
 
-TEST(ProcessStat, StateTellsZombies) {
+TEST(ProcessStat, StateIdentifiesZombies) {
   for (const char* state : {"Z", "X"}) EXPECT_TRUE(parseProcessStat(statWith(0, state))->isZombie) << state;
   for (const char* state : {"R", "S", "D", "T", "t", "I"}) {
     EXPECT_FALSE(parseProcessStat(statWith(0, state))->isZombie) << state;
   }
 }
 
-TEST(ProcessStat, FlagsTellKernelThreads) {
+TEST(ProcessStat, FlagsIdentifyKernelThreads) {
   EXPECT_TRUE(parseProcessStat(statWith(6, "2129984"))->isKernelThread);
   EXPECT_FALSE(parseProcessStat(statWith(6, "4194304"))->isKernelThread);
 }
@@ -76,7 +76,7 @@ TEST(ProcessStat, AcceptsTheLargestNumbers) {
 
 class BrokenProcessStats : public testing::TestWithParam<std::string> {};
 
-TEST_P(BrokenProcessStats, ReturnNothing) {
+TEST_P(BrokenProcessStats, ReturnNullopt) {
   EXPECT_FALSE(parseProcessStat(GetParam()));
 }
 
@@ -90,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(
                     statWith(12, "-5"), statWith(19, "0x10"), statWith(19, "99999999999999999999999"),
                     std::string(1 << 20, 'a'), std::string(1 << 20, '('), "\0\0\0\0"s));
 
-TEST(ProcessStat, TruncatedTextReturnsNoWrongFigure) {
+TEST(ProcessStat, TruncatedTextNeverReturnsAWrongFigure) {
   const std::string text = statOf("worker");
   for (std::size_t length = 0; length < text.size(); ++length) {
     const auto stat = parseProcessStat(std::string_view(text).substr(0, length));
@@ -107,7 +107,7 @@ TEST(ProcessPages, AreTheSecondAndThirdColumn) {
   EXPECT_EQ(pages->shared, 421U);
 }
 
-TEST(ProcessPages, ReturnNothingForBrokenText) {
+TEST(ProcessPages, ReturnNulloptForBrokenText) {
   for (const char* text : {"", "730", "730 448", "730 448 421", "730 x 421 5\n", "730 448 -1 5\n",
                            "730 18446744073709551616 0 5\n", "\n\n\n"}) {
     EXPECT_FALSE(parseProcessPages(text)) << text;
@@ -119,7 +119,7 @@ TEST(ProcessStatus, OwnerIsTheRealUserId) {
   EXPECT_EQ(parseRealOwner("Uid:\t4294967294\t0\t0\t0\n"), 4294967294U);
 }
 
-TEST(ProcessStatus, ReturnsNothingForAMissingOrMalformedOwner) {
+TEST(ProcessStatus, ReturnsNulloptForAMissingOrMalformedOwner) {
   for (const char* text :
        {"", "Name:\tx\n", "Uid:\n", "Uid:\troot\n", "Uid:\t4294967296\t0\n", "Name:\tUid: 5\n"}) {
     EXPECT_FALSE(parseRealOwner(text)) << text;
@@ -148,7 +148,7 @@ struct NameRow {
 
 class CompletedNames : public testing::TestWithParam<NameRow> {};
 
-TEST_P(CompletedNames, FollowTheCommandLineOnlyIfItContinuesTheKernelName) {
+TEST_P(CompletedNames, ComeFromTheCommandLineOnlyIfItContinuesTheKernelName) {
   EXPECT_EQ(completedName(GetParam().kernelName, GetParam().commandLine), GetParam().expected);
 }
 
@@ -165,7 +165,7 @@ INSTANTIATE_TEST_SUITE_P(
         NameRow{"Web Content", "/opt/browser/browser\0-contentproc\0"s, "Web Content"},
         NameRow{"My Long Program", "/opt/My Long Program Name/My Long Program Name\0"s, "My Long Program"},
         NameRow{"long-name-of-pr", "/opt/My App/long-name-of-program\0"s, "long-name-of-program"},
-        // Programs that write their state over their arguments:
+        // Programs that overwrite their arguments with their state:
         NameRow{"postgres", "postgres: writer    \0\0\0"s, "postgres"},
         NameRow{"postgres", "postgres: 14/main: checkpointer", "postgres"},
         NameRow{"systemd-userwor", "systemd-userwork: waiting...\0"s, "systemd-userwork"},

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// What a sweep returns from the files of a process table: the same from the plain reader and from the cache.
+// Sweeps over the files of a process table. The plain reader and the cache must return the same values.
 
 #include "platform/linux/procfs/procfs_reader.hpp"
 
@@ -135,7 +135,7 @@ TEST_P(ProcScanTest, ReadsTheOwnerAgainAfterPidReuseAndExec) {
   EXPECT_EQ(processes->bsdInfo(7)->uid, 3U);
 }
 
-TEST_P(ProcScanTest, ReturnsNothingForAProcessThatExited) {
+TEST_P(ProcScanTest, HasNoValuesForAProcessThatExited) {
   ProcessFixture{.pid = 7}.writeTo(tree_);
   tree_.link("proc/7/exe", "/usr/bin/worker");
   const auto processes = sweep();
@@ -160,12 +160,12 @@ TEST_P(ProcScanTest, FootprintIsZeroIfMorePagesAreSharedThanResident) {
   EXPECT_EQ(sweep()->usage(7)->footprint, 0U);
 }
 
-TEST_P(ProcScanTest, FootprintHasSwapOnlyWhileTheMachineUsesSwap) {
+TEST_P(ProcScanTest, FootprintIncludesSwapOnlyWhileTheMachineUsesSwap) {
   ProcessFixture{.pid = 7, .swapLine = "VmSwap:\t     120 kB\n"}.writeTo(tree_);
   const auto processes = sweep();
   EXPECT_EQ(processes->usage(7)->footprint, 200 * pageSize);
   tree_.write("proc/swaps", usedSwap);
-  EXPECT_EQ(processes->usage(7)->footprint, 200 * pageSize) << "read once per sweep";
+  EXPECT_EQ(processes->usage(7)->footprint, 200 * pageSize) << "/proc/swaps is read once per sweep";
   processes->allPIDs();
   EXPECT_EQ(processes->usage(7)->footprint, 200 * pageSize + std::uint64_t{120} * 1024);
   tree_.write("proc/swaps", noSwap);
@@ -173,7 +173,7 @@ TEST_P(ProcScanTest, FootprintHasSwapOnlyWhileTheMachineUsesSwap) {
   EXPECT_EQ(processes->usage(7)->footprint, 200 * pageSize);
 }
 
-TEST_P(ProcScanTest, FootprintHasSwapBehindAVeryLongListOfGroups) {
+TEST_P(ProcScanTest, FootprintIncludesSwapAfterAVeryLongListOfGroups) {
   std::string groups = "Groups:\t";
   for (int group = 100'000; group < 105'000; ++group) groups += std::to_string(group) + " ";
   ProcessFixture{.pid = 7, .swapLine = groups + "\nVmSwap:\t     120 kB\n"}.writeTo(tree_);
@@ -276,7 +276,7 @@ TEST_P(ProcScanTest, DoesNotCompleteTheNameFromATruncatedCommandLine) {
   EXPECT_EQ(sweep()->processName(7), "worker");
 }
 
-TEST_P(ProcScanTest, ReturnsNothingForGarbage) {
+TEST_P(ProcScanTest, HasNoValuesForGarbage) {
   for (const std::string& garbage : {""s, "\n"s, "7 (worker) S 1"s, std::string(1 << 20, '9'), "\0\0\0"s}) {
     ProcessFixture{.pid = 7}.writeTo(tree_);
     tree_.write("proc/7/stat", garbage);
@@ -294,22 +294,22 @@ TEST_P(ProcScanTest, ReturnsNothingForGarbage) {
   }
 }
 
-TEST_P(ProcScanTest, ReturnsNothingForFiguresOutOfRange) {
-  const std::string most = "18446744073709551615";
+TEST_P(ProcScanTest, HasNoValuesForFiguresOutOfRange) {
+  const std::string largestNumber = "18446744073709551615";
   ProcessFixture{.pid = 7, .ppid = "4294967295"}.writeTo(tree_);
   ProcessFixture{.pid = 8, .userTicks = ~std::uint64_t{0}, .systemTicks = 1}.writeTo(tree_);
   ProcessFixture{.pid = 9, .userTicks = ~std::uint64_t{0}, .systemTicks = 0}.writeTo(tree_);
-  ProcessFixture{.pid = 10, .statm = most + " " + most + " 0 0 0 0 0\n"}.writeTo(tree_);
+  ProcessFixture{.pid = 10, .statm = largestNumber + " " + largestNumber + " 0 0 0 0 0\n"}.writeTo(tree_);
   ProcessFixture{.pid = 11, .statm = "0 1125899906842624 0 0 0 0 0\n"}.writeTo(tree_);
   const auto processes = sweep();
   EXPECT_FALSE(processes->bsdInfo(7));
   EXPECT_FALSE(processes->bsdInfo(8));
   EXPECT_FALSE(processes->usage(9));
   EXPECT_FALSE(processes->usage(10));
-  EXPECT_FALSE(processes->usage(11)) << "more than any machine holds";
+  EXPECT_FALSE(processes->usage(11)) << "1 PiB is implausible";
 }
 
-TEST_P(ProcScanTest, ReturnsNothingForImpossiblePids) {
+TEST_P(ProcScanTest, HasNoValuesForImpossiblePids) {
   const auto processes = sweep();
   for (const std::int32_t pid : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
     EXPECT_FALSE(processes->bsdInfo(pid));
@@ -363,7 +363,7 @@ TEST(ProcfsReader, ReadsAgainAtEachCall) {
   EXPECT_EQ(reader.processName(7), "renamed");
 }
 
-TEST(ProcfsReader, ReturnsNothingForAProcessThatExitsBetweenTwoCalls) {
+TEST(ProcfsReader, HasNoValuesForAProcessThatExitsBetweenTwoCalls) {
   const TemporaryTree tree;
   ProcessFixture{.pid = 7}.writeTo(tree);
   tree.link("proc/7/exe", "/usr/bin/worker");

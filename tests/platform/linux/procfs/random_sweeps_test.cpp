@@ -5,9 +5,9 @@
 // process table start, run, execute programs, exit and are reparented at random. Every figure of every
 // process must be equal in every sweep.
 //
-// What the cache does not see is not generated: a changed user id or command line without another kernel
-// name. Memory of sleeping processes that the kernel changes may be seen late, but not later than after ten
-// sweeps.
+// The generator does not make changes that the cache cannot detect: another user id or command line with the
+// same kernel name. When the kernel changes the memory of a sleeping process, the cache may return the old
+// value for at most ten sweeps.
 
 #include <gmock/gmock.h>
 #include <unistd.h>
@@ -64,10 +64,10 @@ class RandomKernel {
     return process == processes_.end() ? std::nullopt : process->second.clock;
   }
 
-  /// The processes whose memory was changed while they slept, since the last call.
+  /// The processes whose memory has changed since the last call while they slept.
   std::set<std::int32_t> takeChangedSleepers() { return std::exchange(changedSleepers_, {}); }
 
-  /// Lets some of what can happen between two sweeps happen.
+  /// Makes some random changes, as they occur between two sweeps.
   void proceed() {
     changedSleepers_.clear();
     for (int events = number(0, 5); events > 0; --events) oneEvent();
@@ -75,7 +75,7 @@ class RandomKernel {
   }
 
  private:
-  int number(int minimum, int maximum) { return std::uniform_int_distribution(minimum, maximum)(random_); }
+  int number(int lowest, int highest) { return std::uniform_int_distribution(lowest, highest)(random_); }
 
   void oneEvent() {
     switch (number(0, 15)) {
@@ -112,7 +112,7 @@ class RandomKernel {
     }
   }
 
-  /// Calls `change` for a process that is no zombie, no kernel thread and not pid 1.
+  /// Calls `change` for a process other than zombies, kernel threads and pid 1.
   template <typename Change>
   void forAnyProcess(Change change) {
     std::vector<std::int32_t> pids;
@@ -125,8 +125,8 @@ class RandomKernel {
   static int size(const std::vector<std::int32_t>& pids) { return static_cast<int>(pids.size()); }
 
   void start() {
-    constexpr std::size_t most = 20;
-    if (processes_.size() >= most) return;
+    constexpr std::size_t maxProcesses = 20;
+    if (processes_.size() >= maxProcesses) return;
     std::int32_t pid = number(3, 60);
     while (processes_.contains(pid)) pid = number(3, 60);
     if (number(0, 5) == 0) return add(pid, 2, true);
@@ -153,7 +153,7 @@ class RandomKernel {
     processes_[pid] = std::move(process);
   }
 
-  /// No two values are equal: CPU times in nanoseconds are not, either.
+  /// Each call returns another value, because real CPU times in nanoseconds are almost never equal.
   std::uint64_t nextClock() { return lastClock_ += static_cast<std::uint64_t>(number(1, 1000)); }
 
   void run(Process& process) {
@@ -174,7 +174,7 @@ class RandomKernel {
     }
   }
 
-  /// The command line of a zombie is empty, but here it stays: the cache has read it before.
+  /// Keeps the command line, which is empty for a real zombie: the cache has read it before.
   void exit(Process& process) {
     run(process);
     process.isZombie = true;
@@ -184,7 +184,7 @@ class RandomKernel {
     reparentChildrenOf(process);
   }
 
-  /// Without running them.
+  /// The children do not run.
   void reparentChildrenOf(const Process& parent) {
     std::int32_t subreaper = 1;
     const auto grandparent = processes_.find(parent.ppid);
@@ -210,7 +210,7 @@ class RandomKernel {
     }
   }
 
-  /// A process exits, and before the next sweep another one has its pid.
+  /// A process exits, and another process gets its pid before the next sweep.
   void reusePid() {
     std::int32_t freed = 0;
     forAnyProcess([&](Process& process) {
@@ -295,7 +295,7 @@ class RandomKernel {
                   : "garbage");
   }
 
-  /// Does not write what the file holds already, since files are slow.
+  /// Skips the write if the file already contains the text, because writing files is slow.
   void writeFile(std::int32_t pid, const std::string& name, const std::string& text) {
     std::string& written = files_[pid][name];
     if (written == text) return;
@@ -306,7 +306,7 @@ class RandomKernel {
   TemporaryTree tree_;
   std::mt19937 random_;
   std::map<std::int32_t, Process> processes_;
-  std::map<std::int32_t, std::map<std::string, std::string>> files_;  // what is written, by pid and name
+  std::map<std::int32_t, std::map<std::string, std::string>> files_;  // current content, by pid and name
   std::set<std::int32_t> changedSleepers_;
   std::uint64_t programs_ = 0;
   std::uint64_t startTicks_ = 100;
@@ -334,7 +334,7 @@ class RandomSweeps : public testing::TestWithParam<std::uint32_t> {
     SCOPED_TRACE("pid " + std::to_string(pid));
     ASSERT_EQ(cache_.bsdInfo(pid), reader_.bsdInfo(pid));
     compareUsage(pid);
-    // The command line is read in the first of these sweeps, whenever that is.
+    // Reads the name only in every third sweep: the cache reads the command line at the first request.
     if ((sweep_ + static_cast<unsigned>(pid)) % 3 == 0) {
       ASSERT_EQ(cache_.processName(pid), reader_.processName(pid));
     }
@@ -385,7 +385,7 @@ TEST_P(RandomSweeps, CacheReturnsWhatThePlainReaderReturns) {
     ASSERT_NO_FATAL_FAILURE(compareSweep());
     kernel_.proceed();
   }
-  EXPECT_GT(laggingFigures_, 0U) << "the cache has reused entries of sleeping processes";
+  EXPECT_GT(laggingFigures_, 0U) << "the cache must reuse entries of sleeping processes";
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomSweeps, testing::Values(1U, 2U, 3U));

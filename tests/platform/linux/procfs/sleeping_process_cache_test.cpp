@@ -22,7 +22,8 @@ using namespace std::string_literals;
 /// A process and its parent, whose clocks the test sets.
 class SleepingProcessCacheTest : public testing::Test {
  protected:
-  static constexpr std::int32_t pid = 45;  // not read again out of turn before the fifth sweep from now
+  /// The cache does not read a sleeping process with this pid before the fifth sweep.
+  static constexpr std::int32_t pid = 45;
   static constexpr std::int32_t parentPid = 40;
   static constexpr std::uint64_t oldFootprint = 200;
   static constexpr std::uint64_t newFootprint = 900;
@@ -83,7 +84,7 @@ TEST_F(SleepingProcessCacheTest, ReadsAllThatChangedWhenTheSweepBegins) {
   EXPECT_TRUE(cache_.execId(pid));
 }
 
-TEST_F(SleepingProcessCacheTest, ReadsAgainAfterASweepInWhichNobodyAskedForTheUsage) {
+TEST_F(SleepingProcessCacheTest, ReadsAgainAfterASweepWithoutACallOfUsage) {
   changeMemory();
   clocks_[pid] = 5001;
   cache_.allPIDs();
@@ -103,7 +104,7 @@ TEST_F(SleepingProcessCacheTest, ReadsAgainAfterASweepInWhichMemoryWasUnreadable
 }
 
 TEST_F(SleepingProcessCacheTest, ReadsTheClockBeforeTheFiles) {
-  // The process runs after its clock was read: what was read of it belongs to the clock of the next sweep.
+  // The process runs after its clock was read, so the figures that were read belong to the next clock value.
   int reading = 0;
   SleepingProcessCache cache(ProcfsReader(tree_.roots(), [&](std::int32_t clockPid) {
     const std::uint64_t clock = clockPid == pid && ++reading > 1 ? 2 : 1;
@@ -149,7 +150,7 @@ TEST_F(SleepingProcessCacheTest, ReadsAProcessAgainWhenItsParentExited) {
   process_.ppid = "1";
   process_.writeTo(tree_);
   EXPECT_EQ(sweep(), oldFootprint);
-  EXPECT_EQ(info_->ppid, parentPid) << "its parent is still there";
+  EXPECT_EQ(info_->ppid, parentPid) << "its parent has not exited";
   tree_.remove("proc/40");
   sweep();
   EXPECT_EQ(info_->ppid, 1);
@@ -220,7 +221,7 @@ TEST_F(SleepingProcessCacheTest, ReadsAProcessWithoutAClockInEverySweep) {
   EXPECT_EQ(sweep(), newFootprint);
 }
 
-TEST_F(SleepingProcessCacheTest, TakesTicksOfTheSweepWithoutAClock) {
+TEST_F(SleepingProcessCacheTest, UsesTheTicksOfTheSweepWithoutAClock) {
   const std::uint64_t tick = 1'000'000'000 / static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
   clocks_[pid] = std::nullopt;
   process_.userTicks = 0;
@@ -234,7 +235,7 @@ TEST_F(SleepingProcessCacheTest, TakesTicksOfTheSweepWithoutAClock) {
   EXPECT_EQ(usage_->cpuTime, 2 * tick);
 }
 
-TEST_F(SleepingProcessCacheTest, TakesAClockThatRanBackwardsForAnotherProcess) {
+TEST_F(SleepingProcessCacheTest, TreatsAClockThatRanBackwardsAsAnotherProcess) {
   process_.startTicks += 100;
   process_.owners = "7\t7\t7\t7";
   process_.writeTo(tree_);
@@ -275,13 +276,13 @@ TEST_F(SleepingProcessCacheTest, RenamedKernelThreadIsTheSameProcess) {
   sweep();
   EXPECT_EQ(cache_.bsdInfo(9)->uid, 1000U);
   EXPECT_EQ(cache_.processName(9), "kworker/0:1-events");
-  EXPECT_EQ(cache_.execId(9), std::nullopt) << "it executes no program";
+  EXPECT_EQ(cache_.execId(9), std::nullopt) << "a kernel thread executes no program";
   worker.name = "kworker/0:1-mm_percpu_wq";
   worker.owners = "7\t7\t7\t7";
   worker.commandLine = "kworker/0:1-mm_percpu_wq-and-more";
   worker.writeTo(tree_);
   sweep();
-  EXPECT_EQ(cache_.bsdInfo(9)->uid, 1000U) << "read once";
+  EXPECT_EQ(cache_.bsdInfo(9)->uid, 1000U) << "the owner is read once";
   EXPECT_EQ(cache_.processName(9), "kworker/0:1-mm_percpu_wq");
   worker.startTicks += 1;
   worker.writeTo(tree_);
@@ -311,7 +312,7 @@ TEST_F(SleepingProcessCacheTest, ExecIdIdentifiesAProgramOfAProcess) {
   sweep();
   ASSERT_TRUE(cache_.execId(pid));
   EXPECT_NE(cache_.execId(pid), second) << "another process";
-  EXPECT_NE(cache_.execId(pid), first) << "not used again";
+  EXPECT_NE(cache_.execId(pid), first) << "an execId is never used again";
   tree_.remove("proc/45");
   sweep();
   EXPECT_EQ(cache_.execId(pid), std::nullopt);

@@ -87,7 +87,7 @@ TEST(Swaps, MissingAndMalformedLinesCountAsZero) {
   EXPECT_EQ(swapsOf("/dev/sda2\n/dev/sdb partition 5\n/dev/sdc partition 5 x 1\n").used, 0U);
   EXPECT_EQ(swapsOf("/dev/a partition 1 18014398509481983 1\n/dev/b partition 1 18014398509481983 1\n").used,
             18014398509481983U * 1024U)
-      << "what would exceed 64 bits is ignored";
+      << "an amount that would exceed 64 bits is ignored";
 }
 
 TEST(ZramMemory, IsTheThirdColumn) {
@@ -204,9 +204,9 @@ TEST_F(LinuxSystemMemoryReaderTest, TotalIsMemTotalWithoutBlocks) {
   EXPECT_EQ(read().totalRAM, 10000 * kibibyte) << "no block size";
   tree_.write("sys/devices/system/memory/block_size_bytes", "ffffffffffffffff\n");
   writeBlock(1, "1\n");
-  EXPECT_EQ(read().totalRAM, 10000 * kibibyte) << "more than 64 bits hold";
+  EXPECT_EQ(read().totalRAM, 10000 * kibibyte) << "the product exceeds 64 bits";
   tree_.write("sys/devices/system/memory/block_size_bytes", "1000\n");
-  EXPECT_EQ(read().totalRAM, 10000 * kibibyte) << "less than is in use";
+  EXPECT_EQ(read().totalRAM, 10000 * kibibyte) << "less than MemTotal";
 }
 
 TEST_F(LinuxSystemMemoryReaderTest, FiguresFailIndependently) {

@@ -130,10 +130,10 @@ TEST(PressureLevel, UsesAveragesAndAvailableMemoryForASingleReading) {
   EXPECT_EQ(pressureLevel(averages(100, 100), MemoryInfo{}), std::nullopt);
 }
 
-/// Time since the start, the level found then, avg10 of the "some" line, and the level to report.
+/// Time since the start, the current level, avg10 of the "some" line, and the level to report.
 struct Step {
   milliseconds time;
-  MemoryPressure found;
+  MemoryPressure current;
   double average;
   MemoryPressure expected;
 };
@@ -142,13 +142,13 @@ void follow(MemoryPressure start, const std::vector<Step>& steps) {
   const PressureHysteresis::TimePoint begin{};
   PressureHysteresis level(start, begin);
   for (const Step& step : steps) {
-    EXPECT_EQ(level.update(step.found, step.average, begin + step.time), step.expected)
+    EXPECT_EQ(level.update(step.current, step.average, begin + step.time), step.expected)
         << "after " << step.time.count() << " ms";
     EXPECT_EQ(level.level(), step.expected);
   }
 }
 
-TEST(PressureHysteresis, RisesAtOnce) {
+TEST(PressureHysteresis, RisesImmediately) {
   follow(normal, {{seconds(1), warning, 0, warning}, {seconds(1), critical, 0, critical}});
   follow(normal, {{seconds(1), critical, 0, critical}});
 }
@@ -162,7 +162,7 @@ TEST(PressureHysteresis, FallsAfter15QuietSeconds) {
                   {seconds(25), normal, 0, normal}});
 }
 
-TEST(PressureHysteresis, RestartsTheQuietTimeWhenTheLevelIsFoundAgain) {
+TEST(PressureHysteresis, RestartsTheQuietTimeWhenTheLevelReturns) {
   follow(normal, {{seconds(0), warning, 0, warning},
                   {seconds(10), warning, 0, warning},
                   {seconds(15), normal, 0, warning},
@@ -176,7 +176,7 @@ TEST(PressureHysteresis, DoesNotFallWhileTheAverageIs5PercentOrMore) {
                   {seconds(62), normal, 4.99, normal}});
 }
 
-TEST(PressureHysteresis, FallsFromCriticalToWarningWhileWarningIsFound) {
+TEST(PressureHysteresis, FallsFromCriticalToWarningWhileTheCurrentLevelIsWarning) {
   follow(normal, {{seconds(0), critical, 0, critical},
                   {seconds(10), warning, 0, critical},
                   {seconds(15), warning, 0, warning},

@@ -21,7 +21,7 @@ TEST(PsiStats, ParsesBothLines) {
   EXPECT_EQ(stats->full.totalMicros, 42U);
 }
 
-TEST(PsiStats, ReturnsNothingForMalformedText) {
+TEST(PsiStats, ReturnsNulloptForMalformedText) {
   const std::string some = "some avg10=0.00 avg60=0.00 avg300=0.00 total=0\n";
   for (const char* full :
        {"", "full", "full avg10=x avg60=0 avg300=0 total=0", "full avg10=nan avg60=0 avg300=0 total=0",

@@ -46,7 +46,7 @@ class ThreadQueue final : public TaskQueue {
   std::vector<std::thread> threads_;
 };
 
-/// Every wait ends at once with a report, until cancelled.
+/// Each wait ends immediately with a report, until cancel() is called.
 class EndlessTriggers final : public PsiTriggers {
  public:
   bool arm() override { return true; }
@@ -80,14 +80,14 @@ TEST_F(PsiPressureSourceTest, CanBeDestroyedBeforeResume) {
 
 TEST_F(PsiPressureSourceTest, CanBeDestroyedBeforeTheQueueRuns) {
   HeldQueue queue;
-  auto held = std::make_shared<int>(1);
+  auto handlerData = std::make_shared<int>(1);
   bool called = false;
   auto source = endlessSource();
-  source->resume(queue, [&called, held](PressureFlags) { called = true; });
+  source->resume(queue, [&called, handlerData](PressureFlags) { called = true; });
   ASSERT_EQ(queue.tasks.size(), 1U);
-  EXPECT_EQ(held.use_count(), 2);
+  EXPECT_EQ(handlerData.use_count(), 2);
   source.reset();
-  EXPECT_EQ(held.use_count(), 1) << "the handler is destroyed at once";
+  EXPECT_EQ(handlerData.use_count(), 1) << "the handler is destroyed immediately";
   queue.tasks.front()();
   EXPECT_FALSE(called);
 }
@@ -145,7 +145,7 @@ TEST_F(PsiPressureSourceTest, CanBeDestroyedByItsHandler) {
   EXPECT_EQ(calls, 1);
 }
 
-TEST_F(PsiPressureSourceTest, EndsAWaitInTheKernelAtOnce) {
+TEST_F(PsiPressureSourceTest, EndsAWaitInTheKernelImmediately) {
   const auto begin = std::chrono::steady_clock::now();
   ThreadQueue queue;
   for (const LinuxRoots& roots : {LinuxRoots{}, tree_.roots()}) {
@@ -184,10 +184,10 @@ TEST(KernelPsiTriggers, NeverWriteToARegularFile) {
 
 TEST(KernelPsiTriggers, AreRefusedWhenTheKernelRejectsTheWrite) {
   const TemporaryTree tree;
-  // A /proc file that accepts only numbers.
+  // This /proc file accepts only numbers.
   tree.link("proc/pressure/memory", "/proc/self/oom_score_adj");
   EXPECT_FALSE(PsiTriggers::ofKernel(tree.roots())->arm());
-  // /proc files that nobody can write to.
+  // No process can write to these /proc files.
   for (const char* file : {"/proc/version", "/proc/self/mountinfo"}) {
     tree.link("proc/pressure/memory", file);
     EXPECT_FALSE(PsiTriggers::ofKernel(tree.roots())->arm()) << file;
@@ -207,7 +207,7 @@ TEST(KernelPsiTriggers, AreRefusedWithoutThePsiFile) {
   EXPECT_FALSE(PsiTriggers::ofKernel(TemporaryTree().roots())->arm());
 }
 
-TEST(ReadPressureLevel, IsKnownOnTheRunningSystem) {
+TEST(ReadPressureLevel, ReturnsALevelOnTheRunningSystem) {
   const auto level = readPressureLevel(LinuxRoots{});
   ASSERT_TRUE(level);
   EXPECT_TRUE(memoryPressureFromRawValue(*level)) << *level;

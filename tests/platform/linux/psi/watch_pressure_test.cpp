@@ -65,7 +65,7 @@ class WatchPressureTest : public testing::Test {
                     "\nfull avg10=0.00 avg60=0.00 avg300=0.00 total=" + std::to_string(fullMicros) + "\n");
   }
 
-  /// A wait that times out; `change` changes the files meanwhile.
+  /// Adds a wait that times out, during which `change` changes the files.
   void timeOut(const std::function<void()>& change = [] {}) {
     triggers_.steps.emplace_back([this, change](milliseconds timeout) {
       now_ += timeout;
@@ -74,7 +74,7 @@ class WatchPressureTest : public testing::Test {
     });
   }
 
-  /// A wait that ends with `wake` after a second, in which both totals grew by more than any threshold.
+  /// Adds a wait that ends with `wake` after a second, in which both totals grow by more than any threshold.
   void wakeUp(
       PsiTriggers::Wake wake, const std::function<void()>& change = [] {}) {
     triggers_.steps.emplace_back([this, wake, change](milliseconds /*timeout*/) {
@@ -114,7 +114,7 @@ TEST_F(WatchPressureTest, ReportsEachTriggerEvenAtTheSameLevel) {
   EXPECT_THAT(run(), ElementsAre(warning, warning, critical));
 }
 
-TEST_F(WatchPressureTest, ReportsNormalForATriggerOnAMachineWithMemoryToSpare) {
+TEST_F(WatchPressureTest, ReportsNormalForATriggerOnAMachineWithEnoughMemory) {
   wakeUp({.some = true, .full = true});
   EXPECT_THAT(run(), ElementsAre(normal));
 }
@@ -126,7 +126,7 @@ TEST_F(WatchPressureTest, IgnoresTheFirstReportOfATriggerWhoseTotalDidNotReachTh
   EXPECT_THAT(run(), ElementsAre(warning)) << "the full total grew by less than 400 ms";
 }
 
-TEST_F(WatchPressureTest, AcceptsTheSecondReportOfATriggerWhateverTheTotals) {
+TEST_F(WatchPressureTest, AcceptsTheSecondReportOfATriggerForAllTotals) {
   setAvailable(10);
   setStalls(9'000'000, 9'000'000);
   wakeUp({.some = true, .full = true}, [this] { setStalls(9'000'001, 9'000'001); });
@@ -169,7 +169,7 @@ TEST_F(WatchPressureTest, DoesNotReportTheLevelAtTheStart) {
   setAvailable(9);
   timeOut();
   timeOut([this] { setAvailable(80); });
-  EXPECT_THAT(run(), ElementsAre(normal)) << "only the change";
+  EXPECT_THAT(run(), ElementsAre(normal)) << "only the change is reported";
 }
 
 TEST_F(WatchPressureTest, PollsEveryTwoSecondsWithoutTriggers) {
@@ -186,9 +186,9 @@ TEST_F(WatchPressureTest, PollsEveryTwoSecondsWithoutTriggers) {
 TEST_F(WatchPressureTest, FindsNoStallWhenTheClockJumps) {
   triggers_.armed = false;
   setAvailable(30);
-  const auto jump = [this](seconds by, std::uint64_t micros) {
-    triggers_.steps.emplace_back([this, by, micros](milliseconds /*timeout*/) {
-      now_ += by;
+  const auto jump = [this](seconds difference, std::uint64_t micros) {
+    triggers_.steps.emplace_back([this, difference, micros](milliseconds /*timeout*/) {
+      now_ += difference;
       setStalls(micros, 0);
       return PsiTriggers::Wake{};
     });

@@ -93,8 +93,8 @@ TEST_F(DBusMenuTest, ReturnsThePropertiesOfItsItems) {
   const QDBusMessage all = call("GetGroupProperties", {QVariant::fromValue(QList<int>()), QStringList()});
   EXPECT_EQ(qdbus_cast<QList<DBusMenuItem>>(all.arguments().at(0)).size(), 3);
 
-  const QDBusMessage one = call("GetProperty", {2, QStringLiteral("label")});
-  EXPECT_EQ(one.arguments().at(0).value<QDBusVariant>().variant(), QStringLiteral("Quit"));
+  const QDBusMessage label = call("GetProperty", {2, QStringLiteral("label")});
+  EXPECT_EQ(label.arguments().at(0).value<QDBusVariant>().variant(), QStringLiteral("Quit"));
 }
 
 TEST_F(DBusMenuTest, EmitsASignalForAClick) {
@@ -109,7 +109,7 @@ TEST_F(DBusMenuTest, EmitsASignalForAClick) {
   EXPECT_EQ(open_.size(), 1);
 }
 
-TEST_F(DBusMenuTest, IgnoresAFloodOfClicks) {
+TEST_F(DBusMenuTest, LimitsTheRateOfClicks) {
   const QVariant group = QVariant::fromValue(QList<MenuEvent>(1000, MenuEvent{1, QStringLiteral("clicked")}));
   EXPECT_EQ(call("EventGroup", {group}).type(), QDBusMessage::ReplyMessage);
   ASSERT_TRUE(eventually([&] { return !open_.empty(); }));
@@ -127,7 +127,7 @@ TEST_F(DBusMenuTest, IgnoresOtherEvents) {
   EXPECT_TRUE(quit_.isEmpty());
 }
 
-TEST_F(DBusMenuTest, AboutToShowNeedsNoUpdate) {
+TEST_F(DBusMenuTest, AboutToShowReportsNoUpdate) {
   EXPECT_EQ(call("AboutToShow", {0}).arguments(), QVariantList{false});
   const QDBusMessage group = call("AboutToShowGroup", {QVariant::fromValue(QList<int>{0, 5})});
   EXPECT_EQ(qdbus_cast<QList<int>>(group.arguments().at(0)), QList<int>());

@@ -11,8 +11,8 @@
 
 namespace tarn::test {
 
-/// How a FakeWatcher replies: correctly, with errors to all calls, with errors to RegisterStatusNotifierItem,
-/// with malformed replies, or never.
+/// The replies of a FakeWatcher: correct; errors to all calls; errors to RegisterStatusNotifierItem;
+/// malformed; none.
 enum class WatcherReplies { correct, errors, registrationErrors, malformed, none };
 
 /// A StatusNotifierWatcher on the bus until it is destroyed, with or without a host (a panel).

@@ -30,8 +30,8 @@ TEST(HostKind, UnknownProgramsArePlain) {
 }
 
 TEST(RunningProgramName, IsTheFileNameOfTheExecutable) {
-  const QString own = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
-  EXPECT_EQ(runningProgramName(static_cast<unsigned>(getpid())), own);
+  const QString ownName = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+  EXPECT_EQ(runningProgramName(static_cast<unsigned>(getpid())), ownName);
 }
 
 TEST(RunningProgramName, IsEmptyWithoutAProcess) {

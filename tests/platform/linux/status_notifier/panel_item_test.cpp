@@ -92,7 +92,7 @@ TEST_F(PanelItemTest, RegistersWithAWatcherThatStartsLater) {
   EXPECT_EQ(watcher.items(), QStringList{connection_.baseService()});
 }
 
-TEST_F(PanelItemTest, RegistersOnceAfterEachOfTwentyPanelRestarts) {
+TEST_F(PanelItemTest, RegistersOnceAfterEachPanelRestart) {
   start(longGrace);
   for (int restart = 0; restart < 20; ++restart) {
     FakeWatcher watcher(bus_.connection());
@@ -166,7 +166,7 @@ TEST_F(PanelItemTest, EmitsHostMissingAfterTheWatcherStopped) {
   ASSERT_TRUE(isMissing());
 }
 
-TEST_F(PanelItemTest, EmitsNothingForAQuickPanelRestart) {
+TEST_F(PanelItemTest, EmitsNoSignalForAQuickPanelRestart) {
   auto watcher = std::make_unique<FakeWatcher>(bus_.connection());
   start(longGrace);
   ASSERT_TRUE(isShown());
@@ -203,7 +203,7 @@ TEST_F(PanelItemTest, SendsNoSecondQueryBeforeTheReply) {
   EXPECT_EQ(watcher.hostQueries(), 1);
 }
 
-TEST_F(PanelItemTest, IgnoresSignalsOfOtherSenders) {
+TEST_F(PanelItemTest, IgnoresSignalsFromOtherSenders) {
   FakeWatcher watcher(bus_.connection(), /*hasHost=*/false);
   start(longGrace);
   ASSERT_TRUE(eventually([&] { return watcher.hostQueries() == 1; }));
@@ -342,7 +342,7 @@ TEST(PanelItemWithoutBus, EmitsHostMissing) {
   EXPECT_TRUE(eventually([&] { return missing.size() == 1; }));
 }
 
-TEST(PanelItemOnDyingBus, EmitsHostMissing) {
+TEST(PanelItemAfterBusExit, EmitsHostMissing) {
   auto bus = std::make_unique<test::PrivateBus>();
   const QDBusConnection connection = bus->connection();
   const FakeWatcher watcher(bus->connection());
@@ -356,7 +356,7 @@ TEST(PanelItemOnDyingBus, EmitsHostMissing) {
   item.show(labelWithText(QStringLiteral("1 GB")));
 }
 
-TEST(PanelItemOnDyingBus, MovesToTheNewBus) {
+TEST(PanelItemAfterBusExit, MovesToTheNewBus) {
   test::PrivateBus daemon;
   SessionBus bus(daemon.connection(), daemon.address());
   bus.setInterval(std::chrono::milliseconds(20));

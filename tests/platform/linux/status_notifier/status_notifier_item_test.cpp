@@ -222,7 +222,7 @@ TEST_F(StatusNotifierItemTest, LimitsTheRateOfClicks) {
   EXPECT_LE(activated.size(), 1 + elapsed.elapsed() / StatusNotifierItem::clickInterval.count());
 }
 
-TEST_F(StatusNotifierItemTest, AcceptsScrollAndActivationTokenSilently) {
+TEST_F(StatusNotifierItemTest, AcceptsScrollAndActivationTokenWithoutASignal) {
   QSignalSpy activated(&item_, &StatusNotifierItem::activated);
   EXPECT_EQ(call("Scroll", {120, QStringLiteral("vertical")}).type(), QDBusMessage::ReplyMessage);
   EXPECT_EQ(call("ProvideXdgActivationToken", {QStringLiteral("token")}).type(), QDBusMessage::ReplyMessage);

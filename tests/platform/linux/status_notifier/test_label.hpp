@@ -16,7 +16,7 @@ inline MenuBarLabel ordinaryLabel() {
           {QStringLiteral("There is memory to spare."), QStringLiteral("6 GB of 16 GB used"), std::nullopt}};
 }
 
-/// The same label with text beside the circle.
+/// ordinaryLabel() with text beside the circle.
 inline MenuBarLabel labelWithText(const QString& text) {
   MenuBarLabel label = ordinaryLabel();
   label.text = text;

@@ -20,14 +20,14 @@ namespace {
 struct Fault {
   const char* call;
   const char* outcome;
-  bool canHitEveryCall = true;  ///< otherwise only every third, since retries would never end
+  bool canHitEveryCall = true;  ///< if false, only every third call fails: otherwise retries would never end
 };
 
 std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
   return stream << fault.call << ':' << fault.outcome;
 }
 
-/// Runs four sweeps under strace. Returns their exit status; 99 is the report of a sanitizer.
+/// Runs four sweeps under strace. Returns the exit status; 99 means that a sanitizer reported an error.
 int runSweeps(const std::string& straceOptions) {
   const std::string command =
       "ASAN_OPTIONS=detect_leaks=0:exitcode=99 UBSAN_OPTIONS=exitcode=99 strace -f --seccomp-bpf -qq " +
@@ -44,12 +44,12 @@ class StraceLog {
 
   /// The number of lines that contain `text`, before the first line that contains `end`.
   int count(const std::string& text, const std::string& end) const {
-    int found = 0;
+    int count = 0;
     std::ifstream lines(path_);
     for (std::string line; std::getline(lines, line) && line.find(end) == std::string::npos;) {
-      found += line.find(text) != std::string::npos ? 1 : 0;
+      count += line.find(text) != std::string::npos ? 1 : 0;
     }
-    return found;
+    return count;
   }
 
  private:
@@ -57,7 +57,7 @@ class StraceLog {
   std::string path_ = tree_.at("calls").string();
 };
 
-/// How often a call is made before the first sweep begins. Faults are injected only after that.
+/// Returns the number of calls before the first sweep. Faults are injected only into later calls.
 int callsBeforeFirstSweep(const std::string& call) {
   const StraceLog log;
   EXPECT_EQ(runSweeps(log.option() + "-e trace=access," + call), 0) << "is strace installed?";
@@ -69,11 +69,11 @@ class SweepWithFaults : public testing::TestWithParam<Fault> {};
 TEST_P(SweepWithFaults, ExitsNormally) {
   const IdleProcesses idle(20);
   const Fault fault = GetParam();
-  const int first = callsBeforeFirstSweep(fault.call) + 1;
+  const int firstFailingCall = callsBeforeFirstSweep(fault.call) + 1;
   for (const int step : {1, 3}) {
     if (step == 1 && !fault.canHitEveryCall) continue;
     const std::string injection = std::string("inject=") + fault.call + ":" + fault.outcome +
-                                  ":when=" + std::to_string(first) + "+" + std::to_string(step);
+                                  ":when=" + std::to_string(firstFailingCall) + "+" + std::to_string(step);
     const StraceLog log;
     const int status = runSweeps(log.option() + "-e trace=" + fault.call + " -e " + injection);
     EXPECT_GT(log.count("(INJECTED)", "never"), 3) << injection;

@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Stress test: sweeps while real processes start and exit all the time, and while pids are reused. It needs a
-// separate pid namespace, where it can choose pids. TARN_STRESS_SWEEPS sets the number of sweeps (default:
-// 40).
+// Stress test: sweeps while real processes start and exit, and while pids are reused. It needs a separate pid
+// namespace, where it can choose pids. TARN_STRESS_SWEEPS sets the number of sweeps (default: 40).
 //
 // The tests sleep: they measure CPU time that processes use in real time, and the kernel gives start times in
 // real time, too.
@@ -60,7 +59,8 @@ class Child {
   while (true) std::atomic_signal_fence(std::memory_order_seq_cst);
 }
 
-/// Starts 300 processes a second. Each starts another process, which lives for 2 ms, and exits at once.
+/// Starts 300 processes a second. Each exits immediately after it has started another process, which exits
+/// after 2 ms.
 [[noreturn]] void startManyProcesses() {
   // The grandchildren are reparented to this process, and SIG_IGN removes them without a wait: otherwise
   // zombies would fill the process table.
@@ -101,8 +101,8 @@ bool chooseNextPid(pid_t pid) {
   return last.good();
 }
 
-/// A child with that pid; null if it fails. It is tried several times: another process of the namespace may
-/// take the pid.
+/// Starts a child with this pid; null on failure. Makes several attempts, because another process of the
+/// namespace may get the pid.
 std::unique_ptr<Child> startChildWithPid(pid_t pid, const std::function<void()>& work) {
   for (int attempt = 0; attempt < 100 && chooseNextPid(pid); ++attempt) {
     auto child = std::make_unique<Child>(work);
@@ -111,14 +111,14 @@ std::unique_ptr<Child> startChildWithPid(pid_t pid, const std::function<void()>&
   return nullptr;
 }
 
-TEST(SweepStress, CpuShareIsNeverMoreThanPossibleAndNoFileStaysOpen) {
+TEST(SweepStress, CpuShareStaysInItsRangeAndNoFileStaysOpen) {
   const Child processStarter(startManyProcesses);
   const Child load(useCpu);
   MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));
   sampler.sample();
   std::this_thread::sleep_for(50ms);
   sampler.sample();
-  const std::ptrdiff_t before = openFileCount();
+  const std::ptrdiff_t openFilesBefore = openFileCount();
   double maxPercent = 0;
   int sweepsWithLoad = 0;
   for (int sweep = 0; sweep < sweepCount(); ++sweep) {
@@ -133,9 +133,9 @@ TEST(SweepStress, CpuShareIsNeverMoreThanPossibleAndNoFileStaysOpen) {
       ASSERT_LE(group.cpuPercent, 100.0 * std::thread::hardware_concurrency() + 10) << group.name;
     }
   }
-  EXPECT_LE(maxPercent, 110) << "the load has one thread";
-  EXPECT_GT(sweepsWithLoad, sweepCount() / 2) << "the load is visible";
-  EXPECT_EQ(openFileCount(), before);
+  EXPECT_LE(maxPercent, 110) << "the load process has one thread";
+  EXPECT_GT(sweepsWithLoad, sweepCount() / 2) << "most sweeps must report the load";
+  EXPECT_EQ(openFileCount(), openFilesBefore);
 }
 
 /// Durations of the phases of `cpuShareAfterPidReuse`.
@@ -146,7 +146,7 @@ struct PidReuse {
 };
 
 /// A process uses CPU time, is sampled and exits; another process gets its pid and runs `work`. Returns the
-/// CPU share that is sampled for the second process, or nothing if it is not in the snapshot.
+/// CPU share that is sampled for the second process, or nullopt if it is not in the snapshot.
 std::optional<double> cpuShareAfterPidReuse(pid_t pid, const PidReuse& durations,
                                             const std::function<void()>& work) {
   MemorySampler sampler(makeLinuxSamplerPort(LinuxRoots{}));

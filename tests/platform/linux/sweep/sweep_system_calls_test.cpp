@@ -21,8 +21,7 @@
 namespace tarn {
 namespace {
 
-/// The files of a process that a sweep opened, and the number of system calls from the first one for this
-/// process to the first one for the next.
+/// The files of a process that a sweep opened, and the number of system calls for this process.
 struct ProcessCalls {
   std::multiset<std::string> files;
   int calls = 0;
@@ -30,10 +29,10 @@ struct ProcessCalls {
 
 struct SweepCalls {
   std::map<std::int32_t, ProcessCalls> processes;
-  int otherCalls = 0;  ///< not for one process
+  int otherCalls = 0;  ///< that belong to no process
 };
 
-/// The pid and the file in `openat(3, "PID/file", …` or `openat(AT_FDCWD, "/proc/PID/file", …`; nothing for
+/// The pid and the file in `openat(3, "PID/file", …` or `openat(AT_FDCWD, "/proc/PID/file", …`; nullopt for
 /// other calls.
 std::optional<std::pair<std::int32_t, std::string>> openedFile(std::string_view call) {
   constexpr std::string_view procfs = "/proc/";
@@ -47,7 +46,7 @@ std::optional<std::pair<std::int32_t, std::string>> openedFile(std::string_view 
   return std::pair(*pid, std::string(path.substr(slash + 1)));
 }
 
-/// The pid in `clock_gettime(0x…`, which reads the CPU clock of a process; nothing for other calls. The
+/// The pid in `clock_gettime(0x…`, which reads the CPU clock of a process; nullopt for other calls. The
 /// kernel encodes the pid as the complement of the clock id's upper bits (clock_getcpuclockid(3)).
 std::optional<std::int32_t> clockPid(std::string_view call) {
   constexpr std::string_view function = "clock_gettime(0x";
@@ -60,9 +59,9 @@ std::optional<std::int32_t> clockPid(std::string_view call) {
   return clock ? std::optional(~(static_cast<std::int32_t>(*clock) >> 3)) : std::nullopt;
 }
 
-/// The process that a system call belongs to: the one it names, else the one of the call before. Null for a
-/// call that belongs to no process.
-ProcessCalls* processOfCall(std::string_view call, SweepCalls& sweep, ProcessCalls* before) {
+/// The process that a system call belongs to: the process that it names, else the process of the previous
+/// call. Null for a call that belongs to no process.
+ProcessCalls* processOfCall(std::string_view call, SweepCalls& sweep, ProcessCalls* previous) {
   if (const auto pid = clockPid(call)) return &sweep.processes[*pid];
   if (const auto opened = openedFile(call)) {
     ProcessCalls* const process = &sweep.processes[opened->first];
@@ -71,7 +70,7 @@ ProcessCalls* processOfCall(std::string_view call, SweepCalls& sweep, ProcessCal
   }
   const bool belongsToNoProcess = call.find("openat(") != std::string_view::npos ||
                                   call.find("clock_gettime(CLOCK_") != std::string_view::npos;
-  return belongsToNoProcess ? nullptr : before;
+  return belongsToNoProcess ? nullptr : previous;
 }
 
 std::vector<SweepCalls> traceSweeps(int count) {
@@ -105,31 +104,31 @@ TEST(SweepSystemCalls, AreOneForAnIdleProcessAndSevenForOneThatRan) {
   const IdleProcesses idle(idleCount);
   const std::vector<SweepCalls> sweeps = traceSweeps(4);
   ASSERT_EQ(sweeps.size(), 4U);
-  std::size_t slept = 0;
-  std::size_t ran = 0;
-  std::size_t others = 0;
+  std::size_t idleProcesses = 0;
+  std::size_t activeProcesses = 0;
+  std::size_t otherProcesses = 0;
   for (const auto& [pid, process] : sweeps.back().processes) {
     const bool isKnown = sweeps[2].processes.contains(pid);
     if (isKnown && process.files.empty() && process.calls == 1) {
-      ++slept;
+      ++idleProcesses;
     } else if (isKnown && process.files == std::multiset<std::string>{"stat", "statm"} &&
                process.calls == 7) {
-      ++ran;
+      ++activeProcesses;
     } else {
-      ++others;
+      ++otherProcesses;
     }
   }
   std::printf("1 system call for %zu processes, 7 for %zu; %zu others; %d system calls for no process\n",
-              slept, ran, others, sweeps.back().otherCalls);
+              idleProcesses, activeProcesses, otherProcesses, sweeps.back().otherCalls);
   // In each sweep a tenth of the idle processes is read again.
-  EXPECT_GE(slept, idleCount * 8 / 10);
-  EXPECT_GE(ran, 1U) << "at least the sampling process itself ran";
+  EXPECT_GE(idleProcesses, idleCount * 8 / 10);
+  EXPECT_GE(activeProcesses, 1U) << "at least the sampling process itself ran";
   // On a machine in use, processes start, exit, and execute other programs.
-  EXPECT_LE(others, (slept + ran) / 10);
+  EXPECT_LE(otherProcesses, (idleProcesses + activeProcesses) / 10);
   EXPECT_LE(sweeps.back().otherCalls, 60);
 }
 
-TEST(SweepSystemCalls, ReadCgroupAndArgumentsOnlyOfNewProcesses) {
+TEST(SweepSystemCalls, ReadControlGroupAndArgumentsOnlyOfNewProcesses) {
   const IdleProcesses idle(idleCount);
   const std::vector<SweepCalls> sweeps = traceSweeps(2);
   ASSERT_EQ(sweeps.size(), 2U);

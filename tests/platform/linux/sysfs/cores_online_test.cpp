@@ -40,16 +40,16 @@ TEST(CoresOnline, FallsBackToSysconfWithoutList) {
 TEST(CoresOnline, DoesNotDependOnCPUAffinity) {
   cpu_set_t allowed;
   ASSERT_EQ(::sched_getaffinity(0, sizeof allowed, &allowed), 0);
-  const int before = countCoresOnline(LinuxRoots{});
-  cpu_set_t one;
-  CPU_ZERO(&one);
-  for (std::size_t processor = 0; CPU_COUNT(&one) == 0; ++processor) {
-    if (CPU_ISSET(processor, &allowed)) CPU_SET(processor, &one);
+  const int coresBefore = countCoresOnline(LinuxRoots{});
+  cpu_set_t oneProcessor;
+  CPU_ZERO(&oneProcessor);
+  for (std::size_t processor = 0; CPU_COUNT(&oneProcessor) == 0; ++processor) {
+    if (CPU_ISSET(processor, &allowed)) CPU_SET(processor, &oneProcessor);
   }
-  ASSERT_EQ(::sched_setaffinity(0, sizeof one, &one), 0);
-  EXPECT_EQ(countCoresOnline(LinuxRoots{}), before);
+  ASSERT_EQ(::sched_setaffinity(0, sizeof oneProcessor, &oneProcessor), 0);
+  EXPECT_EQ(countCoresOnline(LinuxRoots{}), coresBefore);
   ASSERT_EQ(::sched_setaffinity(0, sizeof allowed, &allowed), 0);
-  EXPECT_GE(before, CPU_COUNT(&allowed));
+  EXPECT_GE(coresBefore, CPU_COUNT(&allowed));
 }
 
 }  // namespace

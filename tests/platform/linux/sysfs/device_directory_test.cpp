@@ -60,7 +60,7 @@ TEST_F(DeviceDirectoryTest, DoesNotBlockWhenAPipeReplacedTheFile) {
   EXPECT_EQ(listed.number("number"), std::nullopt);
 }
 
-TEST_F(DeviceDirectoryTest, ReturnsNothingForAFileRemovedAfterListing) {
+TEST_F(DeviceDirectoryTest, ReturnsNulloptForAFileRemovedAfterListing) {
   tree_.write("sys/device/number", "1\n");
   const DeviceDirectory listed = device();
   tree_.remove("sys/device");
@@ -82,13 +82,13 @@ TEST_F(DeviceDirectoryTest, IsEmptyWithoutDirectory) {
 
 TEST_F(DeviceDirectoryTest, ReportsAddedAndRemovedDevices) {
   DeviceClass chips = deviceClass();
-  EXPECT_TRUE(chips.hasChanged()) << "at the first call, also without devices";
+  EXPECT_TRUE(chips.hasChanged()) << "true at the first call, also without devices";
   chips.markComplete();
   EXPECT_FALSE(chips.hasChanged());
   EXPECT_THAT(chips.devices(), IsEmpty());
   tree_.write("sys/class/hwmon/hwmon0/name", "one\n");
   EXPECT_TRUE(chips.hasChanged());
-  EXPECT_TRUE(chips.hasChanged()) << "until markComplete is called";
+  EXPECT_TRUE(chips.hasChanged()) << "true until markComplete is called";
   chips.markComplete();
   EXPECT_FALSE(chips.hasChanged());
   ASSERT_EQ(chips.devices().size(), 1U);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// Described machines: from the files in /sys to the values that the UI shows.
+// Reads described machines: the files in /sys are the input, the values that the UI shows are the result.
 
 #include "platform/linux/sysfs/linux_extras_port.hpp"
 
@@ -31,7 +31,7 @@ struct Machine {
   ThermalState thermalState = unknown;
 };
 
-// Percent, charging, cycles, health; mean temperature; thermal state.
+// Battery: percent, charging, cycles, health; mean temperature; thermal state.
 const std::vector<Machine> machines = {
     {"laptop-energy", Battery{64, notCharging, 312, 91}, (48 + 46 + 48 + 45 + 47) / 5.0, nominal},
     {"laptop-charging", Battery{40, charging, 87, 95}, 51.125, nominal},

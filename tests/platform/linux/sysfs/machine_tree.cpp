@@ -21,7 +21,7 @@ void writeVolumeRecord(const TemporaryTree& tree, const std::string& text) {
   if (::stat(tree.at("").c_str(), &status) != 0) throw std::runtime_error("the tree is gone");
   std::string number = std::to_string(major(status.st_dev)) + ':' + std::to_string(minor(status.st_dev));
   if (major(status.st_dev) == 0) {
-    // A file system without device number: write a mount table that names a device.
+    // The file system has no device number: write a mount table that names a device.
     number = "8:2";
     tree.write("proc/self/mountinfo", "28 1 0:25 / / rw - btrfs /dev/sda2 rw\n");
     tree.write("dev/sda2", "");

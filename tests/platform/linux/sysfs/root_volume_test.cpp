@@ -26,7 +26,7 @@ TEST(RootVolume, ReportsCapacitiesOfStatvfs) {
               static_cast<double>(status.f_bavail * status.f_frsize), tolerance);
 }
 
-TEST(RootVolume, ReturnsNothingWhenStatvfsFails) {
+TEST(RootVolume, ReturnsNulloptWhenStatvfsFails) {
   EXPECT_EQ(RootVolume(LinuxRoots{.root = "/nowhere"}).values().has_value(), false);
 }
 
@@ -84,7 +84,8 @@ TEST_F(VolumeNameTest, ReportsAChangedLabel) {
   EXPECT_EQ(volume.values()->name, "Debian GNU/Linux");
 }
 
-// A Btrfs file system has a device number with major 0. The device from which it is mounted has another one.
+// A Btrfs file system has a device number with major 0. The device from which it is mounted has another
+// number.
 TEST_F(VolumeNameTest, UsesTheMountedDeviceWhenTheMajorNumberIsZero) {
   tree_.write("proc/self/mountinfo",
               "22 28 0:21 / /proc rw - proc proc rw\n"

@@ -52,7 +52,7 @@ TEST_F(ThermalZonesTest, UsesTheLowerOfHotAndCritical) {
   setTemperature("97900");
   EXPECT_EQ(state(), serious);
   setTemperature("98000");
-  EXPECT_EQ(state(), critical) << "five degrees below hot";
+  EXPECT_EQ(state(), critical) << "five degrees below the trip point hot";
 }
 
 TEST_F(ThermalZonesTest, IgnoresImplausibleTemperatures) {
@@ -90,7 +90,7 @@ TEST_F(ThermalZonesTest, ReadsAZoneAgainUntilItsTypeCanBeRead) {
   EXPECT_EQ(zones_.all()[0].type, "cpu-thermal");
 }
 
-TEST_F(ThermalZonesTest, NoticesAddedAndRemovedZones) {
+TEST_F(ThermalZonesTest, DetectsAddedAndRemovedZones) {
   EXPECT_EQ(state(), unknown);
   writeMachine(tree_, "laptop-hot");
   EXPECT_EQ(state(), serious);
@@ -140,7 +140,7 @@ TEST_F(ProcessorSensorsTest, RecognizesProcessorSensorsByName) {
   }
 }
 
-TEST_F(ProcessorSensorsTest, PrefersChipsToProcessorZonesToTheAcpiZone) {
+TEST_F(ProcessorSensorsTest, PrefersChipsThenProcessorZonesThenTheAcpiZone) {
   writeMachine(tree_, "laptop-firmware-zone-only");
   EXPECT_THAT(readings(), ElementsAre(58));
   tree_.write("sys/class/thermal/thermal_zone1/type", "cpu-thermal\n");
@@ -178,7 +178,7 @@ TEST_F(ProcessorSensorsTest, SearchesAgainUntilAChipIsComplete) {
   EXPECT_THAT(readings(), ElementsAre(40));
 }
 
-TEST_F(ProcessorSensorsTest, NoticesAddedAndRemovedChips) {
+TEST_F(ProcessorSensorsTest, DetectsAddedAndRemovedChips) {
   EXPECT_THAT(readings(), IsEmpty());
   writeMachine(tree_, "laptop-low");
   EXPECT_THAT(readings(), ElementsAre(39, 38, 37));

@@ -73,7 +73,7 @@ class ThrottleCountersTest : public ::testing::Test {
   ThrottleCounters counters_{tree_.roots().sys};
 };
 
-TEST_F(ThrottleCountersTest, ReturnsNothingWithoutCounters) {
+TEST_F(ThrottleCountersTest, ReturnsNulloptWithoutCounters) {
   EXPECT_EQ(haveIncreased(), std::nullopt);
   tree_.write("sys/devices/system/cpu/cpufreq/thermal_throttle/core_throttle_count", "1\n");
   tree_.write("sys/devices/system/cpu/online", "0-3\n");
@@ -82,7 +82,7 @@ TEST_F(ThrottleCountersTest, ReturnsNothingWithoutCounters) {
 
 TEST_F(ThrottleCountersTest, ReportsAnIncreaseOnce) {
   set(0, "core_throttle_count", 5);
-  EXPECT_EQ(haveIncreased(), false) << "the first call has nothing to compare with";
+  EXPECT_EQ(haveIncreased(), false) << "the first call has no previous counts";
   EXPECT_EQ(haveIncreased(), false);
   set(0, "core_throttle_count", 6);
   EXPECT_EQ(haveIncreased(), true);

@@ -57,7 +57,7 @@ TEST(SwayFrontmost, RequestsTheTreeAndReturnsThePid) {
   EXPECT_EQ(application->bundlePath, std::nullopt);
 }
 
-TEST(SwayFrontmost, KeepsTheApplicationBeforeTheOwnPopover) {
+TEST(SwayFrontmost, KeepsTheApplicationThatHadTheFocusBeforeThePopover) {
   const auto replyWith = [](const std::string& json) {
     return [json](int connection) {
       readBytes(connection, 14);

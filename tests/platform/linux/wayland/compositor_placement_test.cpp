@@ -79,7 +79,7 @@ TEST(PlaceOnHyprland, ReturnsTheMonitorUnderThePointerWithoutReservedSpace) {
   EXPECT_EQ(second->screen.available, QRect(1290, 0, 1890, 1040));
 }
 
-TEST(PlaceOnHyprland, IsAbsentWhenTheRepliesDoNotContainIt) {
+TEST(PlaceOnHyprland, IsAbsentWhenTheRepliesDoNotContainThePlace) {
   EXPECT_FALSE(placeOnHyprland(R"({"x": 9000, "y": 12})", monitors));
   for (const auto* pointer : {"", "{}", "[]", "unknown request", R"({"x":3})"}) {
     EXPECT_FALSE(placeOnHyprland(pointer, monitors)) << pointer;

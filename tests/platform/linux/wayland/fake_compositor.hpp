@@ -12,8 +12,8 @@
 
 namespace tarn {
 
-/// A compositor's IPC socket. A thread serves one connection after another, each with its own handler; then
-/// the socket refuses connections.
+/// A compositor's IPC socket. A thread serves the connections one by one, each with a separate handler. After
+/// the last handler the socket refuses connections.
 class FakeCompositor {
  public:
   using Handler = std::function<void(int connection)>;

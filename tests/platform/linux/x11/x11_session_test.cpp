@@ -96,7 +96,7 @@ TEST_F(X11SessionTest, FrontmostSourceTimesOutWhileTheServerIsPaused) {
   EXPECT_LT(firstQuery, Milliseconds(1000));
   for (int count = 0; count < 1000; ++count) EXPECT_FALSE(source().has_value());
   EXPECT_LT(X11Session::Clock::now() - start, Milliseconds(3000))
-      << "a query waited while a reply was pending";
+      << "a query must not wait while a reply is pending";
   server_.resume();
   EXPECT_TRUE(test::eventually([&] { return source().has_value(); }));
 }
@@ -128,10 +128,10 @@ TEST_F(X11SessionTest, ReportsWhetherAnXembedTrayExists) {
 TEST(X11SessionWithoutResourceExtension, UsesTheDeclaredPidOfAWindowFromThisMachine) {
   const test::PrivateXServer server({QStringLiteral("-extension"), QStringLiteral("X-Resource")});
   test::X11TestClient client(server.display());
-  const auto own = static_cast<std::uint32_t>(getpid());
+  const auto ownPid = static_cast<std::uint32_t>(getpid());
   X11Session session(server.display());
   client.activate(client.window());
-  client.declareProcess(own);
+  client.declareProcess(ownPid);
   EXPECT_EQ(session.activeProcess(soon()), std::nullopt);
   client.setText(client.window(), "WM_CLIENT_MACHINE", "elsewhere.example");
   EXPECT_EQ(session.activeProcess(soon()), std::nullopt);
@@ -158,7 +158,7 @@ TEST(X11SessionWithoutResourceExtension, ResolvesADeclaredPidOfAPidNamespace) {
   EXPECT_EQ(session.activeProcess(soon()), 5000);
 }
 
-TEST(X11SessionWithoutServer, ReportsNothing) {
+TEST(X11SessionWithoutServer, ReturnsNullopt) {
   for (const char* display : {":99999", "malformed", ":-1", ":"}) {
     X11Session session{std::string(display)};
     EXPECT_EQ(session.activeProcess(soon()), std::nullopt) << display;

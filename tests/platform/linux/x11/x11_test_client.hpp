@@ -16,7 +16,7 @@
 
 namespace tarn::test {
 
-/// A client with one window. It also plays the window manager, the tray and the compositor.
+/// A client with one window. It also acts as window manager, tray and compositor.
 class X11TestClient {
  public:
   explicit X11TestClient(const std::string& display) : connection_(xcb_connect(display.c_str(), nullptr)) {

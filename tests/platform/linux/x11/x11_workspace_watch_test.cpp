@@ -46,7 +46,7 @@ TEST_F(X11WorkspaceWatchTest, IgnoresOtherEvents) {
   EXPECT_EQ(switches_, 0);
 }
 
-TEST_F(X11WorkspaceWatchTest, ReportsNothingAfterItsDestruction) {
+TEST_F(X11WorkspaceWatchTest, DoesNotReportAfterItsDestruction) {
   {
     const X11WorkspaceWatch watch(connection_.get(), [this] { ++switches_; });
   }
