@@ -36,7 +36,7 @@ class PressureTests(SharedDesktop):
     @pytest.fixture(scope="class")
     def tarn(self, request, desktop):
         request.cls.memory = FakeMemory(PLENTY)
-        return Tarn(desktop, fake_machine.bind_mounts(*request.cls.memory.places))
+        return Tarn(desktop, fake_machine.bind_mounts(*request.cls.memory.mounts))
 
     @pytest.fixture(autouse=True)
     def normal_level(self, request, shared):
