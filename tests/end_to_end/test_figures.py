@@ -132,11 +132,11 @@ class TestFigures(SharedDesktop):
     def test_the_circle_in_the_panel_has_the_colour_of_the_memory_state(self):
         content = self.popover.choose_tab("Memory")
         self.popover.wait_for(lambda content: content.tab == "Memory", "the memory tab shows")
-        calm = MEMORY_SENTENCES["normal"] in content.texts
+        is_normal = MEMORY_SENTENCES["normal"] in content.texts
 
         def is_tint(colour):
             red, green, blue = colour
-            return green > red + 60 and green > blue + 20 if calm else red > green + 60 and red > blue + 60
+            return green > red + 60 and green > blue + 20 if is_normal else red > green + 60 and red > blue + 60
 
         assert sum(map(is_tint, self.tarn.item.colours())) > 20
 

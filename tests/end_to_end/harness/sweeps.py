@@ -115,7 +115,7 @@ def enter_counted_machine():
 
 
 class SweepCount:
-    """Counts sweeps exactly, at any rate, by counting how often /proc/swaps is opened. Needs `enter_counted_machine`."""
+    """Counts sweeps exactly, by counting how often /proc/swaps is opened. Needs `enter_counted_machine`."""
 
     def __init__(self):
         self._opened = 0

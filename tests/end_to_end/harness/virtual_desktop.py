@@ -45,7 +45,7 @@ def monitor_name(number):
 
 
 class VirtualDesktop(Desktop):
-    """A desktop on a screen of `size` pixels, with `monitors` monitors side by side. Desktop has the other parameters."""
+    """A desktop on a screen of `size` pixels, with `monitors` monitors side by side. See also Desktop."""
 
     def __init__(self, scheme="light", panel=True, accessible=True, host=XFCE, size=SIZE, monitors=1):
         super().__init__(host, scheme, panel, accessible)
