@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""The memory level, from the kernel's reports to the panel and the popover. Stalls are real, available memory is faked."""
+"""The memory level, from the kernel's reports to panel and popover. Stalls are real, available memory is fake."""
 
 import time
 

@@ -81,7 +81,7 @@ def test_of_two_processes_without_a_bus_one_ends_when_the_bus_starts():
         second = start_bare(desktop.environment, log)
         wait_until(lambda: own_window(desktop, second.pid), "the second shows a window", timeout=30)
         desktop.restart_session_bus()
-        wait_until(lambda: first.process.poll() is not None or second.poll() is not None, "one of the two processes ends")
+        wait_until(lambda: first.process.poll() is not None or second.poll() is not None, "one process ends")
         is_second_left = second.poll() is None
         remaining, ended = (second, first.process) if is_second_left else (first.process, second)
         assert ended.wait(timeout=20) == 0, desktop.log("tarn") + log.read_text(encoding="utf-8")
