@@ -3,7 +3,7 @@
 # SPDX-License-Identifier: MIT
 # fuzz.sh [SECONDS [TARGET...]]: fuzzes the parsers of untrusted input, SECONDS of CPU time (default: 300) for each
 # target, starting from tests/fuzz/corpus. Prints the coverage of each target. Exits with an error if an input crashes a
-# parser: that input is then in build/fuzz/findings, to be added to the corpus. Installs missing packages.
+# parser: the input is then in build/fuzz/findings; add it to the corpus. Installs missing packages.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
@@ -26,8 +26,8 @@ if [ ${#targets[@]} -eq 0 ]; then
   done
 fi
 
-# coverage_of LOG: functions of src/ that a target entered, and how many of their branches it reached. The sanitizers'
-# own checks, which never fail, count among the branches.
+# coverage_of LOG: the number of functions of src/ that a target entered, and of their branches that it reached. The
+# branches include the failures of the sanitizers' checks, which are never reached.
 coverage_of() {
   sed -n 's|^COVERED_FUNC: hits: [0-9]* edges: \([0-9]*\)/\([0-9]*\) .*/src/.*|\1 \2|p' "$1" |
     awk '{reached += $1; all += $2} END {printf "%d functions, %d of %d branches", NR, reached, all}'
@@ -41,7 +41,7 @@ fuzz() {
   local run=("${fixed_addresses[@]}" "$programs/${target}_fuzz" -max_len=4096 -timeout=10 -print_coverage=1
     -print_final_stats=1 -artifact_prefix="$findings/$target-")
   [ ! -f "tests/fuzz/dictionaries/$target" ] || run+=(-dict="tests/fuzz/dictionaries/$target")
-  # Fontconfig keeps the fonts that Qt finds until the process ends.
+  # Fontconfig does not free the fonts that Qt finds.
   [ "$target" != row_layout ] || export ASAN_OPTIONS=detect_leaks=0
   while [ "$((spent / 1000))" -lt "$seconds" ] && [ "$status" -eq 0 ]; do
     { time LC_ALL=C.UTF-8 "${run[@]}" -max_total_time=$((seconds - spent / 1000)) "$corpus/$target" \

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# run.sh: builds Tarn and starts it in this desktop. Without a display it starts a virtual desktop and leaves screenshots
-# and the texts of the popover in build/screenshots. Installs missing packages.
+# run.sh: builds Tarn and starts it in this desktop. Without a display it starts a virtual desktop and writes
+# screenshots and the texts of the popover to build/screenshots. Installs missing packages.
 set -euo pipefail
 [ "$(uname)" != Darwin ] || exec "$(dirname "${BASH_SOURCE[0]}")/scripts/on_mac.sh" run "$@"
 # shellcheck source=scripts/lib.sh

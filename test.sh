@@ -27,12 +27,12 @@ failed=0
 summary=()
 declare -A started=()
 
-# A stage is a function. It may write "PASSED FAILED", the tests that it counted, to the file $counts; a stage that
-# writes none is one test.
+# A stage is a function. It may write the numbers of passed and failed tests ("40 3") to the file $counts. A stage that
+# does not write them counts as one test.
 run_stage() {
   local function="$1" start="$SECONDS" status
   counts="$results/$function.counts"
-  set +e  # and on again within: "|| status=$?" would switch it off there, too
+  set +e  # the subshell enables it again; "|| status=$?" would disable it in the subshell, too
   (
     set -e
     "$function"
@@ -50,7 +50,7 @@ stage() {
   add_to_summary "$1" "$2"
 }
 
-# start TITLE FUNCTION: runs a stage beside the following ones.
+# start TITLE FUNCTION: starts a stage that runs in parallel with the following ones.
 start() {
   run_stage "$2" >"$results/$2.log" 2>&1 &
   started[$2]="$!"
@@ -79,13 +79,13 @@ add_to_summary() {
 
 # unit_tests PRESET [CTEST OPTION...]: runs the unit tests of a build and counts the test cases.
 unit_tests() {
-  local status=0 tests failures ok=0 bad=0 folder="$results/$1"
+  local status=0 tests failures passed_cases=0 failed_cases=0 folder="$results/$1"
   GTEST_OUTPUT="xml:$folder/" "${fixed_addresses[@]}" ctest --preset "$@" --parallel "$(nproc)" || status=$?
   while read -r tests failures; do
-    ok=$((ok + tests - failures))
-    bad=$((bad + failures))
+    passed_cases=$((passed_cases + tests - failures))
+    failed_cases=$((failed_cases + failures))
   done < <(sed -n 's/^<testsuites tests="\([0-9]*\)" failures="\([0-9]*\)".*/\1 \2/p' "$folder"/*.xml)
-  say "$ok $bad" >"$counts"
+  say "$passed_cases $failed_cases" >"$counts"
   return "$status"
 }
 
@@ -109,12 +109,12 @@ check_texts() {
   scripts/check_modules.py
   scripts/check_text.sh
 }
-# The program and what its end-to-end tests need.
+# Builds the program and what its end-to-end tests need.
 build_program() { scripts/build.sh asan tarn list_groups; }
-# At low priority, because end-to-end tests run beside it.
+# Builds at low priority, because end-to-end tests run at the same time.
 build_asan() { nice scripts/build.sh asan; }
 unit_tests_asan() { unit_tests asan; }
-# Without --all only the tests of code that threads share.
+# Without --all, runs only the tests of code that threads share.
 unit_tests_tsan() {
   if [ -n "$all" ]; then
     scripts/build.sh tsan
@@ -131,7 +131,7 @@ build_release() { scripts/build.sh release; }
 end_to_end_release() { end_to_end_tests --label-regex '^release$'; }
 end_to_end_all() { end_to_end_tests --label-regex '^(hosts|faults|slow|unit|applications)$'; }
 check_packages() { scripts/check_packages.sh; }
-# Only that they build and run: ./bench.sh checks their figures.
+# Checks only that the benchmarks build and run: ./bench.sh checks their figures.
 benchmarks() {
   local benchmark
   scripts/build.sh bench
@@ -140,16 +140,16 @@ benchmarks() {
   done
   build/bench/bench/sweep_against_floor 100 3
 }
-# At idle priority: the end-to-end tests that run beside it wait most of the time, and some measure time.
+# Runs at idle priority, because end-to-end tests that measure time run at the same time.
 check_tidy() { chrt --idle 0 scripts/check_tidy.py; }
 
 scripts/install_packages.sh build run desktop test \
   ${all:+hosts faults session applications bench packages lint}
 stage "format, module dependencies, spelling" check_texts
-# It downloads a compiler first.
+# Started early, because it downloads a compiler first.
 start "macOS port compiles" check_macos
 stage "build the program with AddressSanitizer and UBSan" build_program
-# These tests wait most of the time.
+# These tests wait most of the time, so the build of the unit tests runs in parallel.
 start "end-to-end tests, sanitized" end_to_end_desktop
 stage "build the unit tests with AddressSanitizer and UBSan" build_asan
 finish "end-to-end tests, sanitized" end_to_end_desktop

@@ -37,7 +37,7 @@ class Measurements:
         """The median of the ratios of all rounds; None if a figure was not measured."""
         if numerator not in self.values or denominator not in self.values:
             return None
-        return median(over / under for over, under in zip(self.values[numerator], self.values[denominator]))
+        return median(cost / reference for cost, reference in zip(self.values[numerator], self.values[denominator]))
 
 
 def run(*command, **options):

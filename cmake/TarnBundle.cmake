@@ -1,6 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-# Builds the program as an application bundle, and a disk image of it. The installation copies Qt into the bundle.
+# Builds the program as an application bundle, and a disk image of the bundle. The installation copies
+# Qt into the bundle.
 
 set_target_properties(tarn PROPERTIES
   OUTPUT_NAME Tarn

@@ -3,8 +3,8 @@
 # SPDX-License-Identifier: MIT
 # check_macos.sh: checks the macOS port on Linux with a compiler from the npm registry, which contains the open-source
 # headers of macOS. Compiles the port; the Objective-C++ files against the framework declarations in tests. Links the
-# files that use no framework. Tests that files with known errors do not compile. Does nothing if its input has
-# passed before: ~/.cache/tarn/macos contains an empty file for each input that passed.
+# files that use no framework. Tests that files with known errors do not compile. Checks nothing if the same input
+# has passed before: ~/.cache/tarn/macos contains an empty file for each input that passed.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -47,7 +47,7 @@ add_qt_folders() {
   for library in "" /QtCore /QtGui /QtWidgets; do qt_folders+=(-isystem "$headers$library"); done
 }
 
-# compile SOURCE: to an object file named after its path. Qt's headers are those of this Linux system, which have the
+# compile SOURCE: compiles to an object file named after the path of SOURCE. Qt's headers are those of this Linux system, which have the
 # same types. A part of the standard library that macOS 13 lacks is an error.
 compile() {
   "$zig" c++ -target "$target" -std=c++20 -fobjc-arc -O0 -Wall -Wextra -Wpedantic -Wshadow -Wconversion \

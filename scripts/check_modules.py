@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""check_modules.py: fails when a source file includes a header of a module that its own module's USES does not name,
+"""check_modules.py: fails when a source file includes a header of a module that the USES of its module does not name,
 or when modules use each other in a cycle.
 
 A module is a tarn_module() in a CMakeLists.txt below src/. Its folders are those of its SOURCES. A file in a folder
-that two modules share may include what either of them uses. A main.cpp may include what it composes."""
+that two modules share may include what either of them uses. A main.cpp may include any module."""
 
 import re
 import sys
@@ -23,7 +23,7 @@ def read_modules():
         for name, arguments in re.findall(r"tarn_module\((\w+)\s([^()]*)\)", text):
             sources, _, uses = arguments.partition("USES")
             folders = {(listing.parent / word).resolve().parent for word in sources.split() if word != "SOURCES"}
-            # Two modules of one name are two platforms' modules: a build has one of them.
+            # Two modules with the same name belong to two platforms: a build contains one of them.
             old_folders, old_uses = modules.get(name, (set(), set()))
             modules[name] = (folders | old_folders, set(uses.split()) | old_uses)
     return modules
@@ -48,13 +48,13 @@ def main():
         for folder in folders:
             owners.setdefault(folder, set()).add(name)
     for path in sorted(path for path in SOURCE.rglob("*") if path.suffix in SUFFIXES and path.name != "main.cpp"):
-        own = owners.get(path.parent, set())
-        allowed = own.union(*(modules[name][1] for name in own))
+        file_modules = owners.get(path.parent, set())
+        allowed = file_modules.union(*(modules[name][1] for name in file_modules))
         for line, text in enumerate(path.read_text(encoding="utf-8").splitlines(), start=1):
             include = re.match(r'#include "([^"]+\.hpp)"', text)
             if include and not owners.get((SOURCE / include[1]).parent, set()) & allowed:
-                problems.append(f"{path.relative_to(SOURCE)}:{line}: includes {include[1]}, of no module that the "
-                                f"USES of {' and '.join(sorted(own))} names")
+                problems.append(f"{path.relative_to(SOURCE)}:{line}: includes {include[1]}, which is in no module "
+                                f"that the USES of {' and '.join(sorted(file_modules))} names")
     for problem in problems:
         print(problem)
     print(f"{len(modules)} modules, {len(problems)} problems.")

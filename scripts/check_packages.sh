@@ -19,7 +19,7 @@ readonly maximum_exposure=61  # of 100, as systemd-analyze rates it
 
 # shellcheck disable=SC2317
 clean_up() {
-  # As init of its pid namespace it ignores other signals. Its processes and mounts end with it.
+  # The process is init of a PID namespace and ignores other signals. The kernel ends the namespace with it.
   if [ -n "$namespace_process" ]; then
     kill -KILL "$namespace_process" 2>/dev/null || true
     wait "$namespace_process" 2>/dev/null || true
@@ -77,7 +77,7 @@ check_files() {
     "$share/icons/hicolor/scalable/apps/$id.svg"
 }
 
-# Verifies the systemd unit, with the program's path in the folder. systemd-analyze needs a runtime directory and may
+# Verifies the systemd unit with the path of the program in the folder. systemd-analyze needs a runtime directory and may
 # fail where systemd cannot run. The exposure that it computes must not grow; docs/security.md explains its value.
 check_unit() {
   local unit="$work/unit/tarn.service" runtime="$work/runtime" output
@@ -123,7 +123,7 @@ run_lintian() {
 }
 
 # in_namespaces [UNSHARE OPTION...] COMMAND...: runs a command in separate mount and pid namespaces, so that its
-# processes and mounts end with it.
+# processes and mounts end with the command.
 in_namespaces() {
   local status=0
   unshare --mount --pid --fork --kill-child "$@" </dev/null &

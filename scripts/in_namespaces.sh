@@ -2,11 +2,12 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 # in_namespaces.sh USER CGROUP MEMORY_HOLDER COMMAND...: runs COMMAND in separate PID and mount namespaces, so that it
-# sees no processes but its own, and all of them end with it.
-# Root gets more: COMMAND runs as USER beside a process of root (its pid is TARN_FOREIGN_PID) that runs MEMORY_HOLDER.
+# sees only its own processes, and all of them end with it.
+# If root starts this script, COMMAND runs as USER, beside a process of root that runs MEMORY_HOLDER (its pid is
+# TARN_FOREIGN_PID).
 # If the kernel permits, TARN_SESSION is set: the namespace has what a systemd user instance and installed applications
 # need, which is /run/systemd/system, a runtime directory of USER, a cgroup that USER owns, and a writable /opt. The
-# cgroup is named CGROUP and the caller removes it.
+# cgroup is named CGROUP; the caller removes it.
 set -euo pipefail
 
 if [ "$(id -u)" -ne 0 ]; then

@@ -30,7 +30,7 @@ eventually() {
 
 install_package() {
   quiet_apt update
-  # Before the test programs, so that only its own dependencies are there.
+  # Installed before the test programs, so that only the package's dependencies are present.
   quiet_apt install "$1"
   local libraries
   libraries="$(ldd /usr/bin/tarn)"
@@ -50,8 +50,8 @@ call_bus() {
 }
 
 runs() { [ "$(call_bus NameHasOwner)" = "(true,)" ]; }
-is_gone() { ! runs; }
-# Qt gives this title to a window that it never maps, too.
+is_stopped() { ! runs; }
+# Only mapped windows count: Qt also gives this title to a window that it never maps.
 shows_window() {
   local window
   for window in $(xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "Tarn":.*/\1/p'); do
@@ -71,7 +71,7 @@ process() {
 
 terminate_tarn() {
   kill "$(process)"
-  eventually "Tarn ends after SIGTERM" is_gone
+  eventually "Tarn ends after SIGTERM" is_stopped
 }
 
 activate() {
@@ -88,26 +88,26 @@ test_without_display() {
 }
 
 test_start_by_hand() {
-  local started
+  local started_pid
   tarn 2>"$HOME/stderr" &
-  started=$!
+  started_pid=$!
   eventually "Tarn is on the bus" runs
-  eventually "Tarn reports that there is no panel, and nothing else" reports_no_panel
+  eventually "Tarn reports only that there is no panel" reports_no_panel
   eventually "Tarn shows its window" shows_window
   activate
-  [ "$(process)" = "$started" ] || fail "Another process answered."
+  [ "$(process)" = "$started_pid" ] || fail "Another process answered."
   terminate_tarn
 }
 
 # test_start_by COMMAND...: starts Tarn by a command that uses the installed files.
 test_start_by() {
-  is_gone || fail "Tarn is already running."
+  is_stopped || fail "Tarn is already running."
   "$@" || fail "Failed: $*"
   eventually "Tarn is on the bus after: $*" runs
   eventually "Tarn shows its window after: $*" shows_window
   [ "$(readlink "/proc/$(process)/exe")" = /usr/bin/tarn ] || fail "Another program was started by: $*"
   terminate_tarn
-  eventually "the window is gone" shows_no_window
+  eventually "the window is closed" shows_no_window
 }
 
 test_on_bus() {
@@ -123,7 +123,7 @@ test_on_bus() {
 test_on_display() {
   mkdir --mode=700 "$HOME/runtime"
   Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$HOME/display" &
-  eventually "there is a display" test -s "$HOME/display"
+  eventually "the X server has a display" test -s "$HOME/display"
   DISPLAY=":$(cat "$HOME/display")" XDG_RUNTIME_DIR="$HOME/runtime" dbus-run-session -- "$self" test_on_bus "$1" \
     2>"$HOME/log" || fail "$(cat "$HOME/log")"
 }

@@ -10,7 +10,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 readonly list="$repository/scripts/packages.txt"
 
-# Prints column COLUMN of the packages of GROUP, or the Debian name where the group has no such column.
+# Prints column COLUMN of the packages of GROUP, or the Debian name if the line has no such column.
 packages_of() {
   local group="$1" column="$2" line current="" found="" names
   while IFS= read -r line; do

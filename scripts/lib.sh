@@ -31,8 +31,8 @@ as_root() {
   fi
 }
 
-# The command prefix that disables address space layout randomization, where that is permitted: on some kernels it
-# collides with the sanitizers' shadow memory.
+# The command prefix that disables address space layout randomization, where the kernel permits that: on
+# some kernels random addresses overlap the sanitizers' shadow memory.
 fixed_addresses=()
 if setarch --addr-no-randomize true 2>/dev/null; then
   # shellcheck disable=SC2034

@@ -3,7 +3,7 @@
 # SPDX-License-Identifier: MIT
 # on_virtual_desktop.sh [OPTION...] COMMAND...: runs "python3 COMMAND..." in a copy of tests/end_to_end as an ordinary
 # user, with Tarn and helper programs in a temporary folder ("stage"). Root starts it as the user tarn-desktop, because
-# others may not be able to read the clone.
+# an ordinary user may not be able to read the clone.
 #   --tarn PATH           the program under test
 #   --release-tarn PATH   the program for tests that need an optimized one
 #   --list-groups PATH    the program that prints the group of every process
@@ -18,7 +18,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 readonly user=tarn-desktop
-# The thrash program reads more than it may keep in memory.
+# The thrash program reads more data than its cgroup may keep in memory, so it stalls.
 readonly thrash_limit_megabytes=40
 readonly thrash_megabytes=160
 readonly thrash_processes=8
@@ -105,7 +105,7 @@ fill_stage() {
     compile "$name" "$end_to_end/programs/$name.cpp"
   done
   compile shifted_clocks.so "$end_to_end/programs/shifted_clocks.cpp" -fPIC -shared
-  # X servers put their sockets there; only root may create it.
+  # X servers create their sockets in this folder.
   [ -d /tmp/.X11-unix ] || mkdir --mode=1777 /tmp/.X11-unix
 }
 
@@ -118,7 +118,7 @@ become_ordinary_user() {
   become=(setpriv "--reuid=$user" "--regid=$(id -g "$user")" --init-groups)
 }
 
-# Makes a cgroup with little memory (cgroup v1 or v2) and prints its directory, or else the reason for failing.
+# Makes a cgroup with little memory (cgroup v1 or v2) and prints its directory, or else the reason why it failed.
 make_thrash_cgroup() {
   local limit=$((thrash_limit_megabytes << 20)) cgroup
   if [ -e /sys/fs/cgroup/memory/memory.limit_in_bytes ]; then
@@ -185,7 +185,7 @@ fi
 python=("${fixed_addresses[@]}" "${become[@]}" env --ignore-environment "${variables[@]}" /usr/bin/python3)
 case "$isolation" in
   --isolated) python=("$worker_python") ;;
-  # The workers leave root; this process only hands out tests.
+  # The workers run as the ordinary user; this process only distributes the tests.
   --workers) python=(env --ignore-environment "${variables[@]}" "TARN_WORKER_PYTHON=$worker_python" /usr/bin/python3) ;;
 esac
 

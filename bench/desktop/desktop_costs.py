@@ -26,7 +26,7 @@ MEASURING_SECONDS = 2  # over which the CPU time of a monitor is measured
 SETTLING_SECONDS = 3  # after which a program has painted its window and finished its first update
 SNAPSHOT_SECONDS = 7  # three sweeps while the popover is open
 IDLE_PROCESSES = 300
-START_COUNT = 15
+START_COUNT = 15  # of each program
 
 
 class Figures:
@@ -42,7 +42,7 @@ class Figures:
 
 def cpu_time(pid):
     """CPU time of all threads of a process, including exited ones, in seconds."""
-    return time.clock_gettime(~pid << 3 | 2)
+    return time.clock_gettime(~pid << 3 | 2)  # the process's CPU clock, as clock_getcpuclockid(3) returns it
 
 
 def thread_time(pid, thread):
@@ -112,20 +112,20 @@ def close(tarn):
 def measure_main_thread(tarn, figures, seconds):
     """Measures the main thread's CPU time per sweep while the popover is open."""
     sampler = proc_reader.thread_named(tarn.pid, SWEEP_THREAD)
-    swept, drawn = thread_time(tarn.pid, sampler), thread_time(tarn.pid, tarn.pid)
-    first, swept_at = True, None
+    sampler_time, main_time = thread_time(tarn.pid, sampler), thread_time(tarn.pid, tarn.pid)
+    is_first, swept_at = True, None
     end = time.monotonic() + seconds
     while time.monotonic() < end:
         time.sleep(0.05)
         now = thread_time(tarn.pid, sampler)
-        if now > swept:
-            swept, swept_at = now, time.monotonic()
+        if now > sampler_time:
+            sampler_time, swept_at = now, time.monotonic()
         elif swept_at and time.monotonic() - swept_at > 1:
             # One second after a sweep, the main thread has processed its snapshot.
-            before, drawn, swept_at = drawn, thread_time(tarn.pid, tarn.pid), None
-            if not first:
-                figures.add("main thread per snapshot, s", drawn - before)
-            first = False
+            before, main_time, swept_at = main_time, thread_time(tarn.pid, tarn.pid), None
+            if not is_first:
+                figures.add("main thread per snapshot, s", main_time - before)
+            is_first = False
 
 
 def measure_starts(desktop, figures):
@@ -142,7 +142,7 @@ def measure_tarn(desktop, figures):
     tarn = Program(desktop, TARN)
     time.sleep(SETTLING_SECONDS)
     figures.add("tarn closed, B", tarn.footprint())
-    tarn.activate()  # includes the cost of the first opening
+    tarn.activate()  # the first opening
     wait_until(tarn.is_open, "the popover is open", 5)
     time.sleep(SNAPSHOT_SECONDS)
     figures.add("tarn open, B", tarn.footprint())
@@ -163,12 +163,12 @@ def measure_bare(desktop, figures):
 
 def measure_monitor(desktop, figures, name):
     process = desktop.start(name, [name])
-    if name != "conky":  # draws on the root window, has none of its own
+    if name != "conky":  # conky draws on the root window and has no window
         wait_until(lambda: desktop.windows_of(process.pid), f"the window of {name} shows", 20)
     time.sleep(SETTLING_SECONDS)
-    busy = cpu_time(process.pid)
+    cpu_before = cpu_time(process.pid)
     time.sleep(MEASURING_SECONDS)
-    figures.add(f"{name}, share of a core", (cpu_time(process.pid) - busy) / MEASURING_SECONDS)
+    figures.add(f"{name}, share of a core", (cpu_time(process.pid) - cpu_before) / MEASURING_SECONDS)
     figures.add(f"{name}, B", proc_reader.footprint(process.pid))
     process.terminate()
     process.wait()
@@ -180,11 +180,13 @@ def measure_idle(desktop, figures, seconds):
     wait_until(lambda: "ready" in desktop.log("idle"), "the idle processes have started")
     tarn = Program(desktop, TARN)
     time.sleep(SETTLING_SECONDS)
-    begin, asleep, busy = time.monotonic(), proc_reader.all_voluntary_switches(tarn.pid), cpu_time(tarn.pid)
+    begin, cpu_before = time.monotonic(), cpu_time(tarn.pid)
+    switches_before = proc_reader.all_voluntary_switches(tarn.pid)
     time.sleep(seconds)
     span = time.monotonic() - begin
-    figures.add("switches per minute, idle", (proc_reader.all_voluntary_switches(tarn.pid) - asleep) * 60 / span)
-    figures.add("share of a core, idle", (cpu_time(tarn.pid) - busy) / span)
+    figures.add("switches per minute, idle", (proc_reader.all_voluntary_switches(tarn.pid) - switches_before) * 60
+                / span)
+    figures.add("share of a core, idle", (cpu_time(tarn.pid) - cpu_before) / span)
     tarn.activate()
     wait_until(tarn.is_open, "the popover is open", 5)
     measure_main_thread(tarn, figures, 30)

@@ -58,9 +58,9 @@ std::size_t colourCount(const Pixels& pixels) {
 /// gradient.
 bool isPainted(const Pixels& pixels) {
   std::map<std::uint32_t, std::size_t> counts;
-  std::size_t most = 0;
-  for (const std::uint32_t pixel : pixels) most = std::max(most, ++counts[pixel]);
-  return most > pixels.size() * 2 / 5;
+  std::size_t maximum = 0;
+  for (const std::uint32_t pixel : pixels) maximum = std::max(maximum, ++counts[pixel]);
+  return maximum > pixels.size() * 2 / 5;
 }
 
 }  // namespace

@@ -80,7 +80,7 @@ double cpuMicroseconds() {
   return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
 }
 
-/// In use, seconds pass between two sweeps and other programs fill the caches.
+/// Fills the CPU caches with other data, as other programs do in the seconds between two sweeps.
 void overwriteCaches() {
   constexpr std::size_t largerThanCaches = std::size_t{64} << 20U;
   constexpr std::size_t cacheLine = 64;
@@ -124,11 +124,11 @@ int main(int argumentCount, char** arguments) {
     std::fputs("usage: sweep_against_floor PROCESSES ROUNDS\n", stderr);
     return 2;
   }
-  const std::size_t wanted = std::strtoul(arguments[1], nullptr, 10);
+  const std::size_t minimum = std::strtoul(arguments[1], nullptr, 10);
   const int rounds = std::atoi(arguments[2]);
   FloorSweep floor;
   const std::size_t present = floor.run();
-  const tarn::IdleProcesses idle(wanted - std::min(wanted, present));
+  const tarn::IdleProcesses idle(minimum - std::min(minimum, present));
   tarn::MemorySampler sampler(tarn::makeLinuxSamplerPort(tarn::LinuxRoots{}));
   tarn::MemorySampler busySampler(makeBusyPort());
   // The first two sweeps read more of each process.

@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tarn authors
 // SPDX-License-Identifier: MIT
 
-// sweep_growth SWEEPS PROCESSES: runs that many sweeps; between two sweeps that many processes start and
-// exit. Prints by how many KB the anonymous memory of this program has grown since the first tenth of the
-// sweeps.
+// sweep_growth SWEEPS PROCESSES: runs SWEEPS sweeps; between two sweeps PROCESSES processes start and exit.
+// Prints by how many KB the anonymous memory of this program has grown since the first tenth of the sweeps.
 
 #include <cstdio>
 #include <cstdlib>
@@ -35,12 +34,12 @@ int main(int argumentCount, char** arguments) {
   const int sweeps = std::atoi(arguments[1]);
   const std::size_t processes = std::strtoul(arguments[2], nullptr, 10);
   tarn::MemorySampler sampler(tarn::makeLinuxSamplerPort(tarn::LinuxRoots{}));
-  long early = 0;
+  long initialKilobytes = 0;
   for (int sweep = 0; sweep < sweeps; ++sweep) {
     const tarn::IdleProcesses shortLived(processes);
     sampler.sample();
-    if (sweep == sweeps / 10) early = anonymousKilobytes();
+    if (sweep == sweeps / 10) initialKilobytes = anonymousKilobytes();
   }
-  std::printf("%ld\n", anonymousKilobytes() - early);
+  std::printf("%ld\n", anonymousKilobytes() - initialKilobytes);
   return 0;
 }

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 """screenshots.py [--machines]: takes screenshots of Tarn on a virtual desktop, in light and in dark: every tab and an
-expanded row, with a summary of the texts. With --machines, of the System tab on machines of several kinds."""
+expanded row, with a summary of the texts. With --machines: the System tab on several kinds of machines."""
 
 import sys
 import time

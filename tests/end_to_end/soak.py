@@ -1,9 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""soak.py [OPENINGS [SWEEPS]]: a leak test. Opens and closes Tarn's popover, by calls as panels make them, with at
-least SWEEPS sweeps in total. Meanwhile Tarn's clocks run faster, applications start and end, and properties are read.
-Prints what Tarn uses. Fails if memory, files or threads grow, if Tarn prints anything, or if its exit status is not
-0."""
+"""soak.py [OPENINGS [SWEEPS]]: a leak test. Opens and closes Tarn's popover with the D-Bus calls of panels, with at
+least SWEEPS sweeps in total. Tarn's clocks run faster; meanwhile applications start and end, and properties are read.
+Prints Tarn's memory, files and threads. Fails if these grow, if Tarn prints a line, or if its exit status is not 0."""
 
 import glob
 import os
@@ -23,7 +22,7 @@ from harness.virtual_desktop import VirtualDesktop
 
 OPENINGS = 2000
 SWEEPS = 20_000
-WARM_UP = 200  # openings, but at most half of all
+WARM_UP = 200  # openings, but at most half of OPENINGS
 SPEED = 100  # a sweep each 30 ms while the popover is open, and each 300 ms while it is closed
 SWEEPS_WHILE_CLOSED = 1  # after each opening
 PAUSE = 0.06  # seconds: Tarn ignores clicks that follow sooner
@@ -34,7 +33,7 @@ PROGRESS = 100  # openings
 
 
 def faketime_libraries():
-    """The libfaketime that are installed; usually one."""
+    """The paths of the installed libfaketime libraries; usually one."""
     return glob.glob("/usr/lib/*/faketime/libfaketimeMT.so.1")
 
 
@@ -44,7 +43,7 @@ def faketime_prefix(speed):
 
 
 class Usage:
-    """What Tarn uses while its popover is closed."""
+    """Tarn's memory, files and threads while its popover is closed."""
 
     def __init__(self, pid):
         self.measures_leaks = not proc_reader.is_sanitized(pid)
@@ -67,7 +66,7 @@ class Guest:
         shutil.copy2(BIN / "hold_memory", program)
         self._process = start([program, GUEST_MEGABYTES], desktop.environment, WORK / "guests.log")
 
-    def leave(self):
+    def end(self):
         self._process.kill()
         self._process.wait()
         shutil.rmtree(self._folder)
@@ -106,7 +105,7 @@ class Soak:
         self._click_until(True)
         self._make_calls()
         self._sweeps.wait_for((sweeps - SWEEPS_WHILE_CLOSED) // 2)
-        guest.leave()
+        guest.end()
         wait_until(lambda: self._sweeps.count() >= before + sweeps - SWEEPS_WHILE_CLOSED,
                    "Tarn has swept while it is open", timeout=60, interval=0.01)
         self._click_until(False)
@@ -117,9 +116,9 @@ class Soak:
         self.openings += 1
 
     def run(self, openings, sweeps):
-        """Opens the popover `openings` times with at least `sweeps` sweeps. Returns what Tarn uses afterwards."""
+        """Opens the popover `openings` times with at least `sweeps` sweeps. Returns Tarn's Usage afterwards."""
         for number in range(openings):
-            self.open_and_close(-(-sweeps // openings))
+            self.open_and_close(-(-sweeps // openings))  # rounded up
             if (number + 1) % PROGRESS == 0:
                 print(f"  {self}: {Usage(self.tarn.pid)}", flush=True)
         time.sleep(2)  # freed memory is returned to the system after the window is destroyed
@@ -137,13 +136,13 @@ class Soak:
 
 def errors_of(before, after, status, output):
     """The error messages of a soak; empty if it passed."""
-    grown = after.footprint - before.footprint
-    found = {f"it grew by {grown // 1024} KB": after.measures_leaks and grown >= MAX_GROWTH,
-             f"it keeps {after.files - before.files} files": after.files > before.files,
-             f"it keeps {after.threads - before.threads} threads": after.threads > before.threads,
-             f"it ended with {status}": status != 0,
-             f"it printed: {output}": bool(output)}
-    return [message for message, holds in found.items() if holds]
+    growth = after.footprint - before.footprint
+    errors = {f"it grew by {growth // 1024} KB": after.measures_leaks and growth >= MAX_GROWTH,
+              f"it keeps {after.files - before.files} files": after.files > before.files,
+              f"it keeps {after.threads - before.threads} threads": after.threads > before.threads,
+              f"it ended with {status}": status != 0,
+              f"it printed: {output}": bool(output)}
+    return [message for message, holds in errors.items() if holds]
 
 
 def soak(openings, sweeps, warm_up):
@@ -163,9 +162,9 @@ def main():
     sweeps = int(sys.argv[2]) if len(sys.argv) > 2 else SWEEPS
     enter_counted_machine()
     with all_ended_afterwards():
-        found = soak(openings, sweeps, min(WARM_UP, openings // 2))
-    print(f"Failed: {'; '.join(found)}." if found else "Passed: no leaks, no output.")
-    return 1 if found else 0
+        errors = soak(openings, sweeps, min(WARM_UP, openings // 2))
+    print(f"Failed: {'; '.join(errors)}." if errors else "Passed: no leaks, no output.")
+    return 1 if errors else 0
 
 
 if __name__ == "__main__":

@@ -45,7 +45,7 @@ class KeyboardTests(SharedDesktop):
         self.popover.choose_tab(tab)
         self.desktop.press_key("Escape")
         self.popover.wait_until_closed()
-        # No control may be highlighted because the pointer is on it.
+        # Move the pointer away: a control under it is highlighted.
         self.popover.open()
         self.desktop.move_pointer((20, 700))
         self.popover.wait_for(lambda content: content.tab == tab, f"the tab {tab} shows")
@@ -69,7 +69,7 @@ class KeyboardTests(SharedDesktop):
             now, stops = self.focused()
             return (now, stops) if now and (not before or now.path != before.path) else None
 
-        return wait_until(moved, f"Tab moves the focus on from {before and before.name!r}", timeout=5)
+        return wait_until(moved, f"Tab moves the focus from {before and before.name!r}", timeout=5)
 
     def press_tab_until(self, condition):
         """Presses Tab until `condition` holds for the focused control. Returns the control."""
@@ -87,7 +87,7 @@ class KeyboardTests(SharedDesktop):
 @pytest.mark.long
 class TestKeyboard(KeyboardTests):
     def assert_follows(self, later, earlier, *readings):
-        """`later` is the tab stop after `earlier` in one of the readings: the list may be reordered in between."""
+        """`later` is the tab stop after `earlier` in one of the readings, between which the list may be reordered."""
         successors = []
         for stops in readings:
             paths = [node.path for node in stops]
@@ -113,7 +113,7 @@ class TestKeyboard(KeyboardTests):
         assert {"Quit", "Show frontmost app in menu bar"} <= set(seen), seen
 
     def out_of_order(self):
-        """The first two neighbours of which the second is neither below the first nor to its right."""
+        """The first two consecutive tab stops in wrong order: the second is neither below nor to the right."""
         frames = [(node.extents(), node.name) for node in self.stops(self.tree())]
         for (frame, name), (later, later_name) in zip(frames, frames[1:]):
             is_below = later[1] >= frame[1] + frame[3]
@@ -188,7 +188,7 @@ class TestFocusRing(KeyboardTests):
                 wait_until(lambda: self.screenshot().changed_pixels(before, area) > 20,
                            f"{now.name!r} looks different with the focus in the {scheme} scheme", timeout=3)
             except TimeoutError:
-                # No failure if the list was reordered: the control moved, or is where the ring was before.
+                # If the list was reordered, the control moved, or is where the ring was before. Then try the next one.
                 if frame != earlier and now.extents() == frame:
                     raise
                 continue
@@ -231,11 +231,11 @@ class TestDescription(SharedDesktop):
                 states = row.node.states & {"expandable", "expanded", "collapsed"}
                 assert states == ({"expandable", "collapsed"} if can_open else set()), row
 
-    def test_texts_are_readable_one_by_one(self):
+    def test_texts_contain_no_no_break_spaces(self):
         for tab in TABS:
             content = self.popover.choose_tab(tab)
             for text in content.texts:
-                assert "\u00a0" not in text, "screen readers may not know this space"
+                assert "\u00a0" not in text, "screen readers may not support this space"
 
     def test_the_item_has_an_accessible_description(self):
         sentence = self.popover.choose_tab("Memory").text_matching("|".join(map(re.escape, STATUS_TEXTS)))

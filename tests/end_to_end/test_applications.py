@@ -90,28 +90,28 @@ def find_misgrouped(desktop, cases):
     belongs to no case and is in the group of one."""
     # Processes that start or end between the two readings are ignored.
     before = {case: processes_of(case) for case in cases}
-    found = groups(desktop)
+    actual = groups(desktop)
     expected = {}
     for case in cases:
-        for pid in before[case] & processes_of(case) & found.keys():
+        for pid in before[case] & processes_of(case) & actual.keys():
             expected[pid] = case.group
     expected_groups = {case.group for case in cases}
-    correct = {pid for pid, group in expected.items() if found[pid][0] == group}
-    unrelated = {pid for pid, (group, _) in found.items() if group in expected_groups and pid not in expected
+    correct = {pid for pid, group in expected.items() if actual[pid][0] == group}
+    unrelated = {pid for pid, (group, _) in actual.items() if group in expected_groups and pid not in expected
                  and not has_ended(pid) and not any(pid in processes_of(case) for case in cases)}
-    wrong = {pid for pid in expected if found[pid][0] in expected_groups and pid not in correct} | unrelated
+    wrong = {pid for pid in expected if actual[pid][0] in expected_groups and pid not in correct} | unrelated
     table = []
     for case in cases:
         pids = {pid for pid in before[case] if pid in expected}
-        names = {found[pid][1] for pid in pids & correct}
+        names = {actual[pid][1] for pid in pids & correct}
         table.append(f"{case.name:26} {len(pids & correct):3} of {len(pids):3} in {', '.join(sorted(names))}")
     recall = 100 * len(correct) / len(expected)
     precision = 100 * len(correct) / (len(correct) + len(wrong)) if correct else 0
     table.append(f"{len(expected)} processes: precision {precision:.1f} %, recall {recall:.1f} %")
     (RESULTS / "applications.txt").write_text("\n".join(table) + "\n", encoding="utf-8")
-    missed = [f"missed: {describe(pid)} is in {found[pid][0]}, not in {expected[pid]}"
+    missed = [f"missed: {describe(pid)} is in {actual[pid][0]}, not in {expected[pid]}"
               for pid in sorted(expected.keys() - correct)]
-    return missed + [f"wrong: {describe(pid)} is in {found[pid][0]}" for pid in sorted(unrelated)]
+    return missed + [f"wrong: {describe(pid)} is in {actual[pid][0]}" for pid in sorted(unrelated)]
 
 
 def test_every_process_is_in_the_group_of_its_application():

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Floods of messages, missing file descriptors, and process names that try to mislead."""
+"""Floods of messages, missing file descriptors, and misleading process names."""
 
 import os
 import re
@@ -36,7 +36,7 @@ sleep;
 
 
 class TestFlood(SharedDesktop):
-    """Many messages, and messages with absurd arguments."""
+    """Many messages, and messages with invalid arguments."""
 
     def assert_answers(self):
         """Tarn runs and opens its popover after a click."""
@@ -72,18 +72,18 @@ class TestFlood(SharedDesktop):
     def test_the_memory_of_huge_arguments_is_released(self):
         self.flood(3, "ProvideXdgActivationToken", GLib.Variant("(s)", ("t" * (16 << 20),)))
         self.assert_answers()
-        grown = self.flood(20, "ProvideXdgActivationToken", GLib.Variant("(s)", ("t" * (16 << 20),)))
-        assert grown < 40 * proc_reader.MEGABYTE
+        growth = self.flood(20, "ProvideXdgActivationToken", GLib.Variant("(s)", ("t" * (16 << 20),)))
+        assert growth < 40 * proc_reader.MEGABYTE
         self.assert_answers()
 
     def test_clicks_at_absurd_positions_open_it_on_the_screen(self):
         self.assert_answers()
-        for across, down in ((LARGEST, LARGEST), (-LARGEST - 1, 0), (5, -LARGEST)):
-            self.tarn.item.send("Activate", GLib.Variant("(ii)", (across, down)))
-            content = self.popover.wait_for(lambda content: content.rows, "it opens")
+        for x, y in ((LARGEST, LARGEST), (-LARGEST - 1, 0), (5, -LARGEST)):
+            self.tarn.item.send("Activate", GLib.Variant("(ii)", (x, y)))
+            content = self.popover.wait_for(lambda content: content.rows, "the popover opens")
             assert all(0 <= place < limit for place, limit in zip(content.quit.centre(), (1280, 800)))
             time.sleep(0.5)  # Tarn ignores clicks that follow sooner
-            self.tarn.item.send("Activate", GLib.Variant("(ii)", (across, down)))
+            self.tarn.item.send("Activate", GLib.Variant("(ii)", (x, y)))
             self.popover.wait_until_closed()
             time.sleep(0.5)
 
@@ -132,20 +132,18 @@ class TestNames(SharedDesktop):
         request.cls.holders = [start_holder(desktop, f"named-{key}", command)
                                for key, command in self.commands().items()]
 
-    def test_they_are_inert_text_in_rows_of_one_height(self):
+    def test_they_are_plain_text_in_rows_of_equal_height(self):
         content = self.popover.choose_tab("Memory")
         content = self.popover.wait_for(lambda content: len(content.rows) == 9, "the list is full")
         footprints = [proc_reader.footprint(holder.pid) for holder in self.holders]
-        # The sum of all other applications may be close to the footprint of one of these programs.
-        own = [row for row in content.rows if row.name != "Everything else"
-               and any(self._shows(row, footprint) for footprint in footprints)]
-        assert len(own) >= len(self.holders), content.rows
-        for row in own:
+        named_rows = [row for row in content.rows if any(self._shows(row, footprint) for footprint in footprints)]
+        assert len(named_rows) >= len(self.holders), content.rows
+        for row in named_rows:
             assert not re.search("[\\x00-\\x1f\\u202a-\\u202e\\u2066-\\u2069]", row.name)
             assert [node.name for node in row.node.walk() if node.role == "link"] == []
-        assert len({row.node.extents()[3] for row in own}) == 1, "rows of one height"
+        assert len({row.node.extents()[3] for row in named_rows}) == 1, "rows of equal height"
         left, _, width, _ = self._window()
-        for row in own:
+        for row in named_rows:
             row_left, _, row_width, _ = row.node.extents()
             assert left <= row_left and row_left + row_width <= left + width
 

@@ -51,17 +51,17 @@ class TestHostileApplications(SharedDesktop):
             hostile_files.named_application(folder, Path(program), icon)
             request.cls.holders.append(start_holder(desktop, f"hostile-{number}", [program, MEGABYTES]))
 
-    def test_they_are_ordinary_rows_with_inert_names(self):
+    def test_they_have_normal_rows_with_plain_text(self):
         self.popover.choose_tab("Memory")
         content = self.popover.wait_for(lambda content: len(self.hostile_rows(content)) == len(self.holders),
-                                        "all of them show")
+                                        "the list shows all of them")
         for row in self.hostile_rows(content):
             assert not re.search("[\\x00-\\x1f\\u202a-\\u202e\\u2066-\\u2069]", row.name)
             assert_figure(row.value, *[proc_reader.footprint(self.holders[0].pid)] * 2)
         # Rows of applications with several processes have a second line and are higher.
-        lowest = min(row.node.extents()[3] for row in content.rows)
+        minimum = min(row.node.extents()[3] for row in content.rows)
         heights = {row.node.extents()[3] for row in self.hostile_rows(content)}
-        assert heights == {lowest}, "a name makes no row higher"
+        assert heights == {minimum}, "no name makes a row higher"
         self.assert_alive()
 
     @staticmethod

@@ -68,9 +68,9 @@ def title_in_time(item):
     """Reads the item's title. Fails if the reply takes too long."""
     start = time.monotonic()
     title = item.title()
-    taken = time.monotonic() - start
-    if taken > MAX_REPLY_TIME:
-        raise AssertionError(f"the reply took {taken:.1f} seconds")
+    elapsed = time.monotonic() - start
+    if elapsed > MAX_REPLY_TIME:
+        raise AssertionError(f"the reply took {elapsed:.1f} seconds")
     return title
 
 
@@ -78,7 +78,7 @@ def title_in_time(item):
 def test_it_shows_a_window_when_a_watcher_sends_no_valid_replies(fault):
     with VirtualDesktop(panel=False) as desktop, HostileService(desktop, "watcher", fault) as watcher:
         tarn = Tarn(desktop, find_item=ItemOnTheBus)
-        tarn.popover.wait_for(lambda content: content.rows, "it has a window of its own", timeout=40)
+        tarn.popover.wait_for(lambda content: content.rows, "Tarn shows its window", timeout=40)
         assert "asked RegisterStatusNotifierItem" in watcher.output()
         assert title_in_time(tarn.item)
         # The watcher may show the item although it sent no valid reply.
@@ -116,10 +116,10 @@ class TestHostileCallers(SharedDesktop):
         return Tarn(desktop, find_item=ItemOnTheBus)
 
     def assert_uses_no_more(self, before):
-        wait_until(lambda: uses_no_more(self.tarn.pid, before, SLACK), "it uses no more than before", timeout=40)
+        wait_until(lambda: uses_no_more(self.tarn.pid, before, SLACK), "Tarn uses no more than before", timeout=40)
 
     def wait_for_window(self):
-        self.popover.wait_for(lambda content: content.rows, "it has a window of its own", timeout=40)
+        self.popover.wait_for(lambda content: content.rows, "Tarn shows its window", timeout=40)
 
     def assert_one_click_is_one_opening(self):
         """Tarn's window closes because there is a watcher. A click opens the popover, which stays open."""
@@ -132,7 +132,7 @@ class TestHostileCallers(SharedDesktop):
         self.popover.wait_until_closed()
 
     def check_leaks(self, fault):
-        """Causes a fault twice, because the first time may allocate caches. Then Tarn uses no more than before."""
+        """Causes a fault twice. The first may allocate caches; after the second Tarn uses no more than before."""
         self.wait_for_window()
         fault()
         self.wait_for_window()

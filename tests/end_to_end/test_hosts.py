@@ -26,7 +26,7 @@ FIGURE_SCREENSHOT_SIZE = (240, 40)
 RESTARTS = 20
 MAX_DISTANCE = 12  # pixels from the panel to the popover
 REOPEN_GUARD = 0.5  # seconds after which a click on the item opens the popover again
-LATE = 1  # seconds in which a delayed call of the panel would open the popover again
+DELAYED_CALL = 1  # seconds in which a delayed call of the panel would open the popover again
 
 
 class HostTests:
@@ -59,14 +59,14 @@ class HostTests:
             self.popover.wait_until_closed()
 
     def leave_item(self):
-        """Moves the pointer away from the item, which may be highlighted below it."""
+        """Moves the pointer away from the item: panels may highlight the item under the pointer."""
         self.desktop.move_pointer((OUTPUT_SIZE[0] // 4, OUTPUT_SIZE[1] - 60))
 
     def registered(self):
         return RegisteredItem(self.desktop, self.tarn.pid)
 
     def frame(self):
-        """The popover's place on the screen as soon as it is painted there."""
+        """Waits until the popover is painted. Returns its position and size on the screen."""
         return wait_until(lambda: drawn_popover_frame(self.desktop, self.tarn.pid), "the popover is painted")
 
     def tool_tip(self):
@@ -74,7 +74,7 @@ class HostTests:
         return wait_until(lambda: (texts := self.registered().tool_tip())[1] and texts, "the tooltip has figures")
 
     def title_figure(self):
-        """The figure in the item's title; None without one."""
+        """The figure in the item's title; None if there is none."""
         match = re.search(BYTES, self.registered().title())
         return match and match[0]
 
@@ -99,9 +99,9 @@ class HostTests:
             self.toggle()
 
     def take_screenshot(self, name, size):
-        """Saves a screenshot of the item and what is around and below it."""
-        across, _ = self.item.position()
-        start = min(max(across - size[0] // 2, 0), OUTPUT_SIZE[0] - size[0])
+        """Saves a screenshot of the area around and below the item."""
+        x, _ = self.item.position()
+        start = min(max(x - size[0] // 2, 0), OUTPUT_SIZE[0] - size[0])
         self.desktop.take_screenshot(RESULTS / f"{name}.png", (start, 0, *size))
 
     def item_count(self):
@@ -117,11 +117,11 @@ class HostTests:
         assert re.search(rf"\A{DETAIL}\Z", figures)
 
     def test_a_click_opens_the_popover_beside_the_item(self):
-        across, _ = self.item.position()
+        x, _ = self.item.position()
         self.popover.open()
         left, top, width, height = self.frame()
         self.take_screenshot(f"host-{self.host.name}", SCREENSHOT_SIZE)
-        assert left <= across < left + width, (left, width, across)
+        assert left <= x < left + width, (left, width, x)
         assert hosts.PANEL_DEPTH <= top <= hosts.PANEL_DEPTH + MAX_DISTANCE, top
         assert left + width <= self.desktop.size[0]
         assert top + height <= self.desktop.size[1]
@@ -130,7 +130,7 @@ class HostTests:
         self.popover.open()
         self.desktop.click(self.item.position())
         self.popover.wait_until_closed()
-        time.sleep(LATE)
+        time.sleep(DELAYED_CALL)
         assert self.popover.read() is None
         assert popover_frame(self.desktop, self.tarn.pid) is None
 
@@ -140,7 +140,7 @@ class HostTests:
         self.popover.wait_until_closed()
         assert popover_frame(self.desktop, self.tarn.pid) is None
 
-    def test_the_frontmost_figure_shows_the_way_the_panel_offers(self):
+    def test_the_frontmost_figure_is_in_title_tooltip_and_wide_icons(self):
         circle, before = self.item.circle_width(), self.item.width()
         assert before < 2 * circle
         with self.figure_shown():
@@ -178,9 +178,9 @@ class TestTrayer(HostTests, SharedDesktop):
     host = hosts.TRAYER
 
     def tool_tip(self):
-        across, down = self.item.position()
+        x, y = self.item.position()
         for step in (-2, 0):
-            self.desktop.move_pointer((across + step, down))
+            self.desktop.move_pointer((x + step, y))
         tip = wait_until(self._tip, "the tooltip shows")
         self.leave_item()
         sentence, _, figures = tip.name.partition("\n")
@@ -198,7 +198,7 @@ class TestTrayer(HostTests, SharedDesktop):
 
 
 class TestWaybar(HostTests, SharedDesktop):
-    """On Wayland, where windows cannot place themselves."""
+    """On Wayland, where programs cannot choose the position of their windows."""
 
     host = hosts.WAYBAR
 
@@ -228,7 +228,7 @@ class TestWaybar(HostTests, SharedDesktop):
         self.desktop.click((OUTPUT_SIZE[0] // 4, OUTPUT_SIZE[1] // 2))
         self.popover.wait_until_closed()
         assert popover_frame(self.desktop, self.tarn.pid) is None
-        # The next test clicks on the item, which is ignored shortly after the popover lost the focus.
+        # Shortly after the popover lost the focus, Tarn ignores a click on the item.
         time.sleep(REOPEN_GUARD)
 
 
@@ -253,7 +253,7 @@ class TestTwoOutputs(SharedDesktop):
             self.popover.wait_for(lambda content: content.rows, "the popover is filled")
             left, _, width, _ = wait_until(lambda: drawn_popover_frame(self.desktop, self.tarn.pid),
                                            "the popover is painted")
-            across, _ = item.position()
-            assert start <= left <= across < left + width <= start + OUTPUT_SIZE[0], f"output {number + 1}"
+            x, _ = item.position()
+            assert start <= left <= x < left + width <= start + OUTPUT_SIZE[0], f"output {number + 1}"
             self.desktop.press_key("Escape")
             self.popover.wait_until_closed()

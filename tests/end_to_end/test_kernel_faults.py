@@ -54,7 +54,7 @@ class TestClocks(SharedDesktop):
         new.replace(cls.shifts)
 
     def shows_load(self, content):
-        """Whether the load has a share of at least 20 %, or half of its average where other programs are busy too."""
+        """Whether the load has a share above 20 %, or above half of its average if other programs are busy too."""
         row = content.row(BURNER)
         average = 100 * proc_reader.processor_seconds(self.burner.pid) / (time.monotonic() - self.started)
         return row and parse_percent(row.value) > min(20, average / 2)
@@ -63,12 +63,12 @@ class TestClocks(SharedDesktop):
         """Sweeps continue at their interval, and every processor share is between 0 and the possible maximum."""
         since = time.monotonic()
         sweeps = watch.wait_for_sweeps(4, since, timeout=40)
-        assert sweeps[3].time - sweeps[1].time >= 2 * OPEN_INTERVAL - 1, "sweeps follow each other too fast"
+        assert sweeps[3].time - sweeps[1].time >= 2 * OPEN_INTERVAL - 1, "the interval between sweeps is too short"
         for row in self.popover.read().rows:
             assert 0 <= parse_percent(row.value) <= 100 * CORES + 10, row
         self.assert_alive()
 
-    def test_while_the_popover_is_open(self):
+    def test_sweeps_continue_while_the_popover_is_open(self):
         self.popover.choose_tab("CPU")
         self.popover.wait_for(self.shows_load, "the load shows", 40)
         with SweepWatch(self.tarn.pid) as watch:
@@ -80,7 +80,7 @@ class TestClocks(SharedDesktop):
                 self.assert_sweeps_continue(watch)
         self.popover.wait_for(self.shows_load, "the load shows again", 40)
 
-    def test_while_it_is_closed(self):
+    def test_missed_sweeps_are_not_repeated_while_it_is_closed(self):
         self.popover.open()
         self.desktop.press_key("Escape")
         self.popover.wait_until_closed()

@@ -1,7 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""The memory level, from what the kernel reports to what the panel and the popover show. Stalls are real, the available
-memory is simulated."""
+"""The memory level, from the kernel's reports to panel and popover. Stalls are real, available memory is fake."""
 
 import time
 
@@ -18,16 +17,17 @@ from harness.texts import MEMORY_SENTENCES, STATUS_TEXTS, TINTS
 
 pytestmark = [pytest.mark.slow, pytest.mark.timeout(1200)]
 
+# Shares of available memory, one for each condition of the level.
 PLENTY, SCARCE_FOR_SOME, SCARCE_FOR_ALL, SCARCE, EXHAUSTED = 0.8, 0.4, 0.15, 0.08, 0.03
-LOAD = 240  # seconds, at most
+LOAD = 240  # seconds, if the load is not ended earlier
 REPORT_TIMEOUT = 60  # seconds for the kernel to report stalls
-REACTION = 5  # seconds from its report to the level, at most
+REACTION = 5  # maximum seconds from the kernel's report to the new level
 POLL = 15  # seconds between readings of the available memory while there are PSI triggers
 HOLD = 15  # seconds without a stall before the level falls
-PSI_WINDOW = 2  # seconds between the kernel's reports, at least
+PSI_WINDOW = 2  # minimum seconds between the kernel's reports
 LAG = 3  # seconds of delay on a busy machine
-FALL = 120  # seconds
-CALM = 5  # percent, some avg10
+FALL = 120  # seconds until the level has fallen to normal
+CALM = 5  # percent; below this value of "some avg10" there is no pressure
 
 
 class PressureTests(SharedDesktop):
@@ -36,7 +36,7 @@ class PressureTests(SharedDesktop):
     @pytest.fixture(scope="class")
     def tarn(self, request, desktop):
         request.cls.memory = FakeMemory(PLENTY)
-        return Tarn(desktop, fake_machine.bind_mounts(*request.cls.memory.places))
+        return Tarn(desktop, fake_machine.bind_mounts(*request.cls.memory.mounts))
 
     @pytest.fixture(autouse=True)
     def normal_level(self, request, shared):
@@ -75,7 +75,7 @@ class PressureTests(SharedDesktop):
 
 
 class TestAvailability(PressureTests):
-    """Without stalls."""
+    """Tests without stalls."""
 
     def test_the_available_memory_alone_decides_the_level(self):
         self.assert_shown("normal")
@@ -84,14 +84,14 @@ class TestAvailability(PressureTests):
             self.report(f"from {share:.0%} available to {level}", self.wait_for_level(level, POLL + LAG))
             self.assert_shown(level)
         self.memory.set_available(PLENTY)
-        # The reading before the change still has the former level. The level falls at the second reading after it.
+        # The level falls at the second reading after the change.
         self.report(f"from {PLENTY:.0%} available to normal", self.wait_for_level("normal", 3 * POLL + LAG))
         self.assert_shown("normal")
 
 
 @pytest.mark.machine_wide
 class TestStalls(PressureTests):
-    """With tasks that stall because they wait for memory."""
+    """Tests with tasks that stall because they wait for memory."""
 
     @pytest.fixture(scope="class", autouse=True)
     def prerequisites(self):

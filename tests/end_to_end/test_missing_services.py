@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Tarn starts while a service is missing: one line on standard error, but no crash, and it can be reached."""
+"""Tarn starts while a service is missing: it prints one line, does not crash, and shows an item or a window."""
 
 import re
 import time
@@ -19,7 +19,7 @@ NO_SESSION_BUS = {"DBUS_SESSION_BUS_ADDRESS": f"unix:path={WORK}/no-bus"}
 
 
 class BareTarn:
-    """A Tarn that starts with any environment."""
+    """A Tarn that is started with a given environment."""
 
     def __init__(self, log):
         self._log = log
@@ -29,11 +29,11 @@ class BareTarn:
         self.process = start_bare(environment, self._log)
 
     def output(self):
-        """The lines that it printed."""
+        """The lines that Tarn printed."""
         return [line for line in self._log.read_text(encoding="utf-8").splitlines() if line.strip()]
 
     def window(self, desktop):
-        """The id of its first visible window."""
+        """The id of Tarn's first visible window."""
 
         def search():
             assert self.process.poll() is None, self.output()
@@ -61,7 +61,7 @@ def assert_shows_a_window(desktop, tarn, environment):
     description = desktop.run("xwininfo", "-id", tarn.window(desktop))
     assert re.search(r"Width: 320\n", description)
     assert "Override Redirect State: no" in description
-    time.sleep(2)  # the message comes once and is not repeated
+    time.sleep(2)  # the message must not be repeated
     assert len(tarn.output()) == 1, tarn.output()
     assert tarn.process.poll() is None
 

@@ -36,7 +36,7 @@ class TestPanelRestarts(SharedDesktop):
         before = resource_usage(self.tarn.pid)
         self.restart(RESTARTS)
         self.assert_alive()
-        wait_until(lambda: uses_no_more(self.tarn.pid, before, SLACK), "it uses no more than before", timeout=40)
+        wait_until(lambda: uses_no_more(self.tarn.pid, before, SLACK), "Tarn uses no more than before", timeout=40)
         assert len(self.desktop.registered_items()) == 1
         self.desktop.click(PanelItem(self.desktop, self.tarn.pid).position())
         wait_until(lambda: popover_frame(self.desktop, self.tarn.pid), "the popover opens")

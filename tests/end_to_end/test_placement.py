@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Where the popover opens: beside the item and completely on the screen, wherever the panel is."""
+"""Where the popover opens: beside the item and completely on the screen, for each position of the panel."""
 
 import contextlib
 import re
@@ -22,7 +22,7 @@ MONITOR = (1280, 800)
 
 
 def panel_host(edge, at_start=False, scale=1, output="Automatic"):
-    """A panel with the item at its left or top end, or at the other end."""
+    """A panel with the item at its left or top end (`at_start`), else at its right or bottom end."""
     plugins = (hosts.XFCE_ITEMS, hosts.XFCE_SPACE) if at_start else (hosts.XFCE_SPACE, hosts.XFCE_ITEMS)
     return hosts.xfce(*plugins, edge=edge, output=output, environment={"GDK_SCALE": str(scale)})
 
@@ -35,7 +35,7 @@ def without_strip(area, edge, depth):
 
 
 def gap_to_edge(frame, area, edge):
-    """The distance of a frame to an edge of the area around it."""
+    """The distance from `frame` to an edge of `area`, which contains the frame."""
     (right, bottom), (last_right, last_bottom) = right_and_bottom(frame), right_and_bottom(area)
     return {"top": frame[1] - area[1], "bottom": last_bottom - bottom, "left": frame[0] - area[0],
             "right": last_right - right}[edge]
@@ -51,7 +51,7 @@ def running(host, screen, scale=1, size=None, monitors=1):
 
 
 def assert_is_beside_the_item(desktop, tarn, edge, screen, scale=1):
-    """The popover is open, completely on the screen, close to the panel but not over it, and next to the item."""
+    """The popover is open, completely on the screen, near the panel, not over the panel, and beside the item."""
     frame = popover_frame(desktop, tarn.pid, scale)
     free = without_strip(screen, edge, hosts.PANEL_DEPTH * scale)
     assert lies_within(frame, free), f"{frame} in {free}"

@@ -50,15 +50,15 @@ class TestClicks(SharedDesktop):
         self.popover.wait_until_closed()
         self.desktop.run("xdotool", "set_desktop", "0")
 
-    def test_it_is_320_wide_and_hangs_below_the_item(self):
+    def test_it_is_320_wide_and_below_the_item(self):
         content = self.popover.open()
         window = next(node for node in self.desktop.accessibility.tree_of(self.tarn.pid).children
                       if "showing" in node.states)
         left, top, width, _ = window.extents()
-        across, down = self.tarn.item.position()
+        x, y = self.tarn.item.position()
         assert width == 320
-        assert left <= across <= left + width, (left, width, across)
-        assert down <= top < 100, top
+        assert left <= x <= left + width, (left, width, x)
+        assert y <= top < 100, top
         assert content.quit.extents()[0] < SIZE[0]
 
     def test_tab_and_open_rows_are_kept_while_it_is_closed(self):
@@ -77,7 +77,7 @@ class TestClicks(SharedDesktop):
 
 @pytest.mark.long
 class TestRhythm(SharedDesktop):
-    """When Tarn sweeps, observed from outside."""
+    """When Tarn sweeps."""
 
     def test_it_sweeps_every_3_seconds_while_open_and_every_30_while_closed(self):
         self.popover.open()

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""What Tarn accesses from start to end: no network, no file but its preferences, no other program."""
+"""What Tarn accesses from start to end: no network, no files except its preferences, no other program."""
 
 import re
 import tempfile
@@ -25,7 +25,7 @@ ADDRESS = re.compile(r'sun_path=@?"([^"]*)"')
 
 
 class PrivilegesTests:
-    """Uses everything once, and examines the system calls after Tarn has ended."""
+    """Uses each function of Tarn once, and examines the system calls after Tarn has ended."""
 
     @pytest.fixture(scope="class")
     def tarn(self, request, desktop):
@@ -66,24 +66,25 @@ class PrivilegesTests:
         calls = self.trace.calls(SOCKETS)
         assert {FAMILY.match(call.arguments)[0] for call in calls if call.name == "socket"} == {"AF_UNIX"}
         assert {call.name for call in calls} == {"socket", "connect"}
-        reached = [match[1] if (match := ADDRESS.search(call.arguments)) else call.arguments
-                   for call in calls if call.name == "connect"]
+        addresses = [match[1] if (match := ADDRESS.search(call.arguments)) else call.arguments
+                     for call in calls if call.name == "connect"]
         runtime = self.desktop.environment["XDG_RUNTIME_DIR"]
         bus = re.search(r"unix:(?:path|abstract)=([^,]*)", self.desktop.environment["DBUS_SESSION_BUS_ADDRESS"])[1]
         expected = {bus, *self.display_addresses()}
-        unexpected = [path for path in reached if path not in expected and not path.startswith(f"{runtime}/at-spi/bus")]
+        unexpected = [path for path in addresses
+                      if path not in expected and not path.startswith(f"{runtime}/at-spi/bus")]
         assert unexpected == []
-        assert bus in reached
+        assert bus in addresses
 
     def test_it_writes_its_preferences_only(self):
         folder = re.escape(str(self._configuration() / "tarn"))
         # Qt writes a temporary file, with a name or without, and renames it. A lock file excludes other programs.
-        own = re.compile(rf"{folder}(/tarn\.conf(\.lock|\.\w{{6}})?)?|{folder}/#\d+|/proc/self/fd/\d+")
-        # fontconfig writes a cache if that of the system is out of date.
+        preferences = re.compile(rf"{folder}(/tarn\.conf(\.lock|\.\w{{6}})?)?|{folder}/#\d+|/proc/self/fd/\d+")
+        # fontconfig writes a cache if the system's cache is out of date.
         fonts = re.compile(re.escape(self.desktop.environment["XDG_CACHE_HOME"]) + r"(/fontconfig(/[^/]+)?)?")
         writes = self.trace.writes()
         unexpected = [call for call in writes
-                      if call.texts() != [PRESSURE] and not all(own.fullmatch(text) for text in call.texts())
+                      if call.texts() != [PRESSURE] and not all(preferences.fullmatch(text) for text in call.texts())
                       and not all(fonts.fullmatch(text) for text in call.texts())
                       and not self._is_runtime_directory(call)]
         assert unexpected == []

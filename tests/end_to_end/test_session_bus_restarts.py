@@ -21,13 +21,13 @@ SLACK = 2 * MEGABYTE
 
 
 def own_window(desktop, pid):
-    """The ordinary window that Tarn shows if there is no panel; None without one."""
+    """The ordinary window that Tarn shows if there is no panel; None if it shows none."""
     return next((window for window in desktop.windows_of(pid)
                  if "Override Redirect State: no" in desktop.run("xwininfo", "-id", window)), None)
 
 
 def owner_of_the_name(desktop):
-    """The pid of the owner of Tarn's bus name; None without one."""
+    """The pid of the owner of Tarn's bus name; None if there is none."""
     try:
         return desktop.session.process_of(APPLICATION)
     except BusError:
@@ -81,13 +81,14 @@ def test_of_two_processes_without_a_bus_one_ends_when_the_bus_starts():
         second = start_bare(desktop.environment, log)
         wait_until(lambda: own_window(desktop, second.pid), "the second shows a window", timeout=30)
         desktop.restart_session_bus()
-        wait_until(lambda: first.process.poll() is not None or second.poll() is not None, "one of them ends")
-        left, gone = (second, first.process) if second.poll() is None else (first.process, second)
-        assert gone.wait(timeout=20) == 0, desktop.log("tarn") + log.read_text(encoding="utf-8")
-        wait_until(lambda: owner_of_the_name(desktop) == left.pid, "the other one owns the bus name")
+        wait_until(lambda: first.process.poll() is not None or second.poll() is not None, "one process ends")
+        is_second_left = second.poll() is None
+        remaining, ended = (second, first.process) if is_second_left else (first.process, second)
+        assert ended.wait(timeout=20) == 0, desktop.log("tarn") + log.read_text(encoding="utf-8")
+        wait_until(lambda: owner_of_the_name(desktop) == remaining.pid, "the remaining process owns the bus name")
         desktop.start_panel()
-        PanelItem(desktop, left.pid)
-        assert left.poll() is None
+        PanelItem(desktop, remaining.pid)
+        assert remaining.poll() is None
 
 
 def test_it_connects_to_a_bus_that_starts_later():

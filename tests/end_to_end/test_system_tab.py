@@ -46,7 +46,7 @@ def volume_name():
 
 
 class TestThisMachine(SharedDesktop):
-    """On the machine that runs the tests."""
+    """Tests of the figures of the machine that runs the tests."""
 
     def test_storage_agrees_with_df(self):
         texts = open_system_tab(self.popover).texts
@@ -125,7 +125,7 @@ class TestOtherMachines:
         return self.start_with(fake_machine.write_files(machine))
 
     def start_with(self, classes):
-        """Starts a Tarn that finds the folder `classes` as /sys/class. Returns its popover."""
+        """Starts a Tarn whose /sys/class is the folder `classes`. Returns its popover."""
         self.started.append(Tarn(self.desktop, fake_machine.with_classes(classes)))
         return self.started[-1].popover
 

@@ -24,7 +24,7 @@ WITHOUT_LEAK_CHECK = {"ASAN_OPTIONS": "detect_leaks=0"}
 
 
 def kill_helpers(name):
-    """Kills the desktop's programs of that name."""
+    """Kills the desktop's programs with this name."""
     for pid in descendants(os.getpid()):
         try:
             if Path(f"/proc/{pid}/comm").read_text(encoding="utf-8").strip() == name:

@@ -26,7 +26,7 @@ ALLOWED = {"AF_UNIX socket"}
 
 
 def is_program(pid):
-    """Whether a process exists and is no kernel thread: those change their names."""
+    """Whether a process exists and is not a kernel thread. Kernel threads change their names."""
     try:
         return Path(f"/proc/{pid}/cmdline").read_bytes() != b""
     except OSError:
@@ -67,10 +67,10 @@ class TestUnit(SharedDesktop):
             assert "Seccomp:\t2\n" in status
 
     def test_the_unit_refuses_what_tarn_does_not_need(self):
-        outside = json.loads(self.desktop.run(*PROBE))
-        assert {name for name, outcome in outside.items() if outcome != "done"} == set(), "refused without the unit"
-        within = json.loads(self.units.run_restricted(*PROBE))
-        assert {name for name, outcome in within.items() if outcome == "done"} == ALLOWED, within
+        ordinary = json.loads(self.desktop.run(*PROBE))
+        assert {name for name, outcome in ordinary.items() if outcome != "done"} == set(), "refused without the unit"
+        inside = json.loads(self.units.run_restricted(*PROBE))
+        assert {name for name, outcome in inside.items() if outcome == "done"} == ALLOWED, inside
 
     def test_every_process_is_in_the_same_group_as_without_the_unit(self):
         def groups(output):
@@ -81,11 +81,11 @@ class TestUnit(SharedDesktop):
             pytest.skip("NOT TESTED: there is no program list_groups; build the tests in C++")
         outside = ("env", *(f"{name}={value}" for name, value in WITHOUT_LEAK_CHECK.items()), LIST_GROUPS)
         before = groups(self.desktop.run(*outside))
-        within = groups(self.units.run_restricted(LIST_GROUPS))
+        inside = groups(self.units.run_restricted(LIST_GROUPS))
         after = groups(self.desktop.run(*outside))
-        lasting = {pid for pid, group in before.items() if after.get(pid) == group and is_program(pid)}
-        assert {*self.hog_processes(), self.foreign, os.getpid()} <= lasting
-        assert {pid: within.get(pid) for pid in lasting} == {pid: before[pid] for pid in lasting}
+        unchanged = {pid for pid, group in before.items() if after.get(pid) == group and is_program(pid)}
+        assert {*self.hog_processes(), self.foreign, os.getpid()} <= unchanged
+        assert {pid: inside.get(pid) for pid in unchanged} == {pid: before[pid] for pid in unchanged}
 
     def test_the_popover_shows_the_same_as_without_the_unit(self):
         popover = self.tarn.popover

@@ -45,7 +45,7 @@ def test_the_popover_closes_or_moves_and_opens_again():
             desktop.press_key("Escape")
             wait_until(lambda: popover_frame(desktop, tarn.pid) is None, "the popover is closed")
         assert tarn.process.poll() is None, desktop.log("tarn")
-        # As from a panel that still has the old layout: the position is on the removed monitor.
+        # The position is on the removed monitor, as sent by a panel that still has the old layout.
         item.send("Activate", GLib.Variant("(ii)", (SCREEN[0] + 20, 10)))
         wait_until_open_within(desktop, tarn, LEFT)
         tarn.process.terminate()

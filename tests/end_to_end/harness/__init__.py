@@ -1,3 +1,3 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Virtual desktops, Tarn on them, and what the end-to-end tests read from outside."""
+"""Starts virtual desktops and Tarn on them, and reads their state for the end-to-end tests."""

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""The accessible objects of a program (AT-SPI), read at every call without a cache."""
+"""The accessible objects of a program (AT-SPI). Every call reads them again."""
 
 from dataclasses import dataclass, field
 
@@ -10,9 +10,10 @@ from harness.message_bus import BusError, MessageBus, property_call
 
 ROOT = "/org/a11y/atspi/accessible/root"
 ACCESSIBLE = "org.a11y.atspi.Accessible"
-SCREEN_COORDINATES = 0
+SCREEN_COORDINATES = 0  # ATSPI_COORD_TYPE_SCREEN
 MAX_DEPTH = 40
 
+# Bit numbers of AtspiStateType.
 STATES = {1: "active", 4: "checked", 5: "collapsed", 9: "expandable", 10: "expanded", 11: "focusable", 12: "focused",
           20: "pressed", 23: "selected", 24: "sensitive", 25: "showing", 30: "visible"}
 

@@ -37,7 +37,7 @@ class Case:
 
 INSTALLED = (
     Case("Firefox", ("firefox-esr", "--no-remote", "about:about"), SHARED + "firefox-esr.desktop", 4),
-    # Without network and graphics processor.
+    # Runs without network access and without a graphics processor.
     Case("Chromium", ("chromium", "--no-first-run", "--disable-gpu", "--disable-background-networking",
                       "--disable-component-update", "--disable-sync", "about:blank"), SHARED + "chromium.desktop", 4),
     Case("LibreOffice", ("libreoffice", "--norestore", "--nologo"), SHARED + "libreoffice-startcenter.desktop", 2),
@@ -91,11 +91,11 @@ def install_flatpak(desktop, session):
     write_platform(folder / "platform")
     write_application(folder / "application")
     store = folder / "store"
-    for words in (("build-export", "--runtime", store, folder / "platform", "1"),
-                  ("build-export", store, folder / "application", "1"),
-                  ("--user", "remote-add", "--no-gpg-verify", "local", store),
-                  ("--user", "install", "--noninteractive", "local", f"{PLATFORM}//1", f"{PAINTER}//1")):
-        desktop.run("env", *(f"{name}={value}" for name, value in session.items()), "flatpak", *words)
+    for arguments in (("build-export", "--runtime", store, folder / "platform", "1"),
+                      ("build-export", store, folder / "application", "1"),
+                      ("--user", "remote-add", "--no-gpg-verify", "local", store),
+                      ("--user", "install", "--noninteractive", "local", f"{PLATFORM}//1", f"{PAINTER}//1")):
+        desktop.run("env", *(f"{name}={value}" for name, value in session.items()), "flatpak", *arguments)
     return Path(desktop.environment["XDG_DATA_HOME"], f"flatpak/exports/share/applications/{PAINTER}.desktop")
 
 
@@ -119,7 +119,7 @@ def session_cases(desktop):
     paperclip, entry = install_browser_application(desktop)
     unit = rf"--unit=app-gnome-debian\x2dxterm-{os.getpid()}.scope"
     return (
-        # Launcher, bus proxy and the processes in the sandbox.
+        # Processes: the launcher, the bus proxy, and those in the sandbox.
         Case("Flatpak", ("flatpak", "run", painter.stem), str(painter), 6, variables=session),
         # The scope identifies an orphan whose executable belongs to no application.
         Case("orphan in a scope", ("systemd-run", "--user", "--scope", unit, "sh", "-c", "setsid sleep 1000 & sleep 3"),

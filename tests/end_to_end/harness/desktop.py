@@ -13,7 +13,7 @@ from harness.stage import PROGRAMS, WORK
 
 WATCHER = "org.kde.StatusNotifierWatcher"
 PORTAL = "org.freedesktop.portal.Desktop"
-PRESS_SECONDS = 0.12  # between press and release of a click, as with a hand
+PRESS_SECONDS = 0.12  # between press and release of a click, as when a person clicks
 WINDOW_MANAGER = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfwm4" version="1.0">
   <property name="general" type="empty">
@@ -55,8 +55,8 @@ def desktop_settings(host, scheme):
 
 
 class Desktop:
-    """A desktop with the panel `host`. Without `panel` nothing shows status items. Without `accessible` there is no
-    accessibility bus, because accessible objects take memory in every program."""
+    """A desktop with the panel `host`. Without `panel` no program shows status items. Without `accessible` there
+    is no accessibility bus: accessible objects increase the memory use of every program."""
 
     def __init__(self, host, scheme="light", panel=True, accessible=True):
         self._folder = Path(tempfile.mkdtemp(prefix="desktop.", dir=WORK))
@@ -86,7 +86,7 @@ class Desktop:
         self.stop()
 
     def _start(self):
-        """Starts everything but the panel."""
+        """Starts everything except the panel."""
         raise NotImplementedError
 
     def _make_environment(self, kind):

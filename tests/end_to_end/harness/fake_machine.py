@@ -25,10 +25,10 @@ def write_files(name):
     return classes
 
 
-def bind_mounts(*places):
-    """The command prefix for a program that sees `source` at the path `target`, for each (source, target) in `places`.
+def bind_mounts(*mounts):
+    """The command prefix for a program that sees `source` at the path `target`, for each (source, target) in `mounts`.
     Both are files, or both are folders."""
-    return PROGRAMS / "with_bind_mounts.py", *(path for place in places for path in place), "--"
+    return PROGRAMS / "with_bind_mounts.py", *(path for mount in mounts for path in mount), "--"
 
 
 def with_classes(classes):
@@ -38,7 +38,7 @@ def with_classes(classes):
 
 class FakeMemory:
     """Replacements of /proc/meminfo and /proc/swaps: no swap, and a share of available memory that the test sets. The
-    other figures are those of the real machine. `places` is for `bind_mounts`."""
+    other figures are those of the real machine. `mounts` are arguments of `bind_mounts`."""
 
     def __init__(self, share):
         folder = Path(tempfile.mkdtemp(prefix="memory.", dir=WORK))
@@ -49,14 +49,14 @@ class FakeMemory:
         self._total = int(re.search(r"^MemTotal: *(\d+)", self._real, re.MULTILINE)[1])
         self._meminfo.touch()
         self.set_available(share)
-        self.places = ((self._meminfo, "/proc/meminfo"), (self._swaps, "/proc/swaps"))
+        self.mounts = ((self._meminfo, "/proc/meminfo"), (self._swaps, "/proc/swaps"))
 
     def set_available(self, share):
         """Sets the share of the memory that is available, from 0 to 1."""
         figures = {"MemAvailable": int(self._total * share), "SwapTotal": 0, "SwapFree": 0}
-        text = re.sub(r"^(\w+): *\d+", lambda line: f"{line[1]}:{figures[line[1]]:{WIDTH}}"
-                      if line[1] in figures else line[0], self._real, flags=re.MULTILINE)
-        # One write in place: a reader gets either version completely, and bind mounts need the same inode.
+        text = re.sub(r"^(\w+): *\d+", lambda match: f"{match[1]}:{figures[match[1]]:{WIDTH}}"
+                      if match[1] in figures else match[0], self._real, flags=re.MULTILINE)
+        # One write: a reader gets the old or the new version. The file is bind-mounted, so it is not replaced.
         file = os.open(self._meminfo, os.O_WRONLY)
         try:
             os.pwrite(file, text.encode("ascii"), 0)

@@ -5,12 +5,12 @@
 import os
 
 HEAD = "[Desktop Entry]\nType=Application\n"
-LARGE = 50 << 20
+LARGE = 50 << 20  # bytes
 NAME = "<b>Bold</b> &amp; <a href='x'>link</a>\u202egnol\u0007"
 
 
 def write(folder, claimed):
-    """Fills a folder of desktop files. All name the program `claimed`, but none is valid."""
+    """Writes invalid desktop files to a folder. Most of them start the program `claimed`."""
     folder.mkdir(parents=True, exist_ok=True)
     claim = f"{HEAD}Exec={claimed}\nName=Stolen\n"
     os.mkfifo(folder / "a-pipe.desktop")

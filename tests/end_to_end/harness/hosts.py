@@ -1,10 +1,10 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Panels that show status items: the command of each, and settings with which it shows nothing else."""
+"""Panels that show status items: their commands and settings."""
 
 from dataclasses import dataclass, field
 
-PANEL_DEPTH = 28
+PANEL_DEPTH = 28  # pixels; also in the settings below
 
 XFCE_PANEL = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
@@ -51,6 +51,7 @@ XFCE_PANEL = """<?xml version="1.0" encoding="UTF-8"?>
 """
 XFCE_SETTINGS = "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
 XFCE_POSITIONS = {"top": "p=6;x=0;y=0", "bottom": "p=8;x=0;y=0", "left": "p=6;x=0;y=0", "right": "p=2;x=0;y=0"}
+# Numbers of the plugins in XFCE_PANEL.
 XFCE_TASKS, XFCE_SPACE, XFCE_ITEMS, XFCE_CLOCK = 1, 2, 3, 4
 
 LXQT_PANEL = """[General]
@@ -117,7 +118,7 @@ window#waybar { background: #f3f3f4; }
 class Host:
     """A panel that shows status items. `settings` are file contents by path below ~/.config, where "@DARK@" becomes
     "true" on a dark desktop. With `has_watcher` items are registered over D-Bus, otherwise they are embedded windows.
-    With `keeps_proportions` the panel shows wide icons, and so the figure beside the circle."""
+    With `keeps_proportions` the panel shows wide icons, so Tarn shows the figure beside the circle."""
 
     name: str
     command: tuple
@@ -134,8 +135,8 @@ def xfce(*plugins, edge="top", output="Automatic", environment=None):
     values = {"@MODE@": str(int(vertical)), "@POSITION@": XFCE_POSITIONS[edge], "@OUTPUT@": output,
               "@PLUGINS@": "".join(f'<value type="int" value="{plugin}"/>' for plugin in plugins)}
     panel = XFCE_PANEL
-    for word, value in values.items():
-        panel = panel.replace(word, value)
+    for placeholder, value in values.items():
+        panel = panel.replace(placeholder, value)
     return Host("xfce4-panel", ("xfce4-panel", "--disable-wm-check"), {XFCE_SETTINGS: panel}, environment or {},
                 edge=edge)
 

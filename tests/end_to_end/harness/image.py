@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Pixels of the screen, and how Tarn's item is found among them."""
+"""An image of the screen, and the detection of Tarn's circle in it."""
 
 import colorsys
 import re
@@ -9,17 +9,17 @@ from dataclasses import dataclass
 
 TINTS = {"green": 152, "orange": 25, "red": 357}  # degrees of hue
 HUE_TOLERANCE = 14  # degrees; half of the distance between orange and red
-SATURATED = 60  # least difference between the largest and the smallest component
-CONTRAST = 30  # least difference to the background in any component
+SATURATED = 60  # minimum difference between the largest and the smallest component
+CONTRAST = 30  # minimum difference from the background in any component
 MIN_CIRCLE = 20  # pixels
 MAX_GAP = 12  # pixels between the circle and the text beside it
 
 
 def tint_of(colour):
-    """The name of the circle's colour, also if blended with a grey; None for other colours."""
+    """The name of the circle's colour, also if it is blended with grey; None for other colours."""
     if max(colour) - min(colour) < SATURATED:
         return None
-    hue = colorsys.rgb_to_hsv(*(part / 255 for part in colour))[0] * 360
+    hue = colorsys.rgb_to_hsv(*(component / 255 for component in colour))[0] * 360
     for name, middle in TINTS.items():
         if abs((hue - middle + 180) % 360 - 180) <= HUE_TOLERANCE:
             return name
@@ -28,7 +28,7 @@ def tint_of(colour):
 
 def is_clearly_different(colour, other):
     """Whether the difference of two colours has more than a tenth of the luma of white (Rec. 709)."""
-    red, green, blue = (abs(part - other_part) for part, other_part in zip(colour, other))
+    red, green, blue = (abs(component - other_component) for component, other_component in zip(colour, other))
     return 0.2126 * red + 0.7152 * green + 0.0722 * blue > 25.5
 
 
@@ -60,22 +60,22 @@ class Image:
 
     def circle(self):
         """The circle in this image; None if there is none."""
-        tinted = [(across, down, tint) for down in range(self.height) for across, colour in enumerate(self.row(down))
+        tinted = [(x, y, tint) for y in range(self.height) for x, colour in enumerate(self.row(y))
                   if (tint := tint_of(colour))]
         if len(tinted) < MIN_CIRCLE:
             return None
-        columns, lines = [across for across, _, _ in tinted], [down for _, down, _ in tinted]
+        columns, lines = [x for x, _, _ in tinted], [y for _, y, _ in tinted]
         tint = Counter(name for _, _, name in tinted).most_common(1)[0][0]
         return Circle(tint, min(columns), min(lines), max(columns) + 1, max(lines) + 1)
 
     def foreground_columns(self, top, bottom):
-        """The columns with anything but background between two lines."""
+        """The columns that have a pixel other than background from line `top` to above line `bottom`."""
         foreground = set()
         for line in range(top, bottom):
             colours = self.row(line)
             background = Counter(colours).most_common(1)[0][0]
-            foreground |= {across for across, colour in enumerate(colours)
-                           if max(abs(part - other) for part, other in zip(colour, background)) > CONTRAST}
+            foreground |= {x for x, colour in enumerate(colours)
+                           if max(abs(component - other) for component, other in zip(colour, background)) > CONTRAST}
         return foreground
 
 
@@ -101,9 +101,9 @@ class Circle:
         return (self.left + self.right) // 2, (self.top + self.bottom) // 2
 
     def width_with_text(self, image):
-        """The width of the circle with the text to its right."""
+        """The width of the circle and the text to its right."""
         foreground = image.foreground_columns(self.top, self.bottom)
         end = self.right
-        while beyond := [column for column in range(end, end + MAX_GAP) if column in foreground]:
-            end = beyond[-1] + 1
+        while next_columns := [column for column in range(end, end + MAX_GAP) if column in foreground]:
+            end = next_columns[-1] + 1
         return end - self.left

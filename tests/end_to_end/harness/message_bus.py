@@ -28,8 +28,8 @@ class MessageBus:
         return reply.unpack()
 
     def call_all(self, calls, timeout=10.0):
-        """Sends calls (name, path, interface, method, arguments) at once, and returns the values of their replies in
-        the same order. That is much faster than one after the other. Raises BusError if one fails."""
+        """Sends all calls (name, path, interface, method, arguments) before it waits, which is much faster than
+        sequential calls. Returns the values of the replies in the same order. Raises BusError if a call fails."""
         replies = {}
 
         def finish(connection, result, index):

@@ -51,7 +51,7 @@ class Content:
         return [int(match["pid"]) for text in self.texts if (match := PROCESS.search(text))]
 
     def text_matching(self, pattern):
-        """The match of the first text that matches `pattern` completely; None without one."""
+        """The match of the first text that matches `pattern` completely; None if there is none."""
         return next((match for text in self.texts if (match := re.fullmatch(pattern, text, re.DOTALL))), None)
 
 
@@ -86,11 +86,11 @@ class Popover:
         self._item = item
 
     def read(self):
-        """Its content; None while it is closed."""
+        """The content of the popover; None while the popover is closed."""
         return content_of(self._desktop.accessibility.tree_of(self._pid))
 
     def shows(self, condition):
-        """Whether it is open and `condition` holds for its content."""
+        """Whether the popover is open and `condition` holds for its content."""
         content = self.read()
         return content is not None and condition(content)
 
@@ -104,7 +104,7 @@ class Popover:
         return wait_until(matching, what, timeout, interval=0.1)
 
     def open(self):
-        """Opens it if it is closed. Waits for the first figures and returns the content."""
+        """Opens the popover if it is closed. Waits for the first figures and returns the content."""
         if not self.read():
             self._desktop.click(self._item.position())
         return self.wait_for(lambda content: content.rows or content.tab == "System", "the popover is filled")
@@ -120,8 +120,8 @@ class Popover:
         return self.wait_for(lambda content: content.tab == name, f"the tab {name} shows", timeout=5)
 
     def click_until(self, find, outcome, what):
-        """Clicks on the node that `find` returns until `outcome()` holds. Repeats the click because the node moves if
-        the list is reordered just before it. `what` is for the error message."""
+        """Clicks on the node that `find` returns until `outcome()` holds. Repeats the click, because the node moves
+        if the list is reordered before the click. `what` is for the error message."""
         for attempt in range(3):
             self._desktop.click(self._desktop.on_screen(self._pid, find(self.open()).centre()))
             try:
@@ -140,7 +140,7 @@ class Popover:
                 return self.wait_for(lambda content: content.row(name) and content.row(name).expanded != expanded,
                                      f"the row {name} reacts to a click", timeout=2)
             except TimeoutError:
-                # The list was reordered before the click, which has expanded another row. Collapse that and try again.
+                # The list was reordered before the click, so another row was expanded. Collapse that row and try again.
                 self._collapse_rows_expanded_since(before)
         raise TimeoutError(f"the row {name} does not react to clicks")
 

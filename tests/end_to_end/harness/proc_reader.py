@@ -71,18 +71,18 @@ def available_share():
 
 def largest_footprints(count):
     """The `count` largest footprints of the machine's processes, largest first."""
-    found = []
+    footprints = []
     for entry in os.listdir("/proc"):
         if entry.isdigit():
             try:
-                found.append(footprint(entry))
+                footprints.append(footprint(entry))
             except OSError:
                 continue
-    return sorted(found, reverse=True)[:count]
+    return sorted(footprints, reverse=True)[:count]
 
 
 def thread_named(pid, name):
-    """The id of the thread `name` of a process; None without one. The kernel keeps 15 bytes of the name."""
+    """The id of the thread `name` of a process; None if there is none. The kernel keeps 15 bytes of the name."""
     for thread in Path(f"/proc/{pid}/task").iterdir():
         if (thread / "comm").read_text().rstrip("\n") == name[:15]:
             return int(thread.name)
@@ -111,15 +111,15 @@ def descriptors(pid):
 
 def descriptors_at_rest(pid):
     """The number of files that stay open between sweeps."""
-    seen = []
+    counts = []
     for _ in range(20):
-        seen.append(descriptors(pid))
+        counts.append(descriptors(pid))
         time.sleep(0.05)
-    return min(seen)
+    return min(counts)
 
 
 def is_sanitized(pid):
-    """Whether AddressSanitizer is loaded. It keeps freed memory, so the footprint is no measure of leaks."""
+    """Whether AddressSanitizer is loaded. It keeps freed memory, so the footprint does not show leaks."""
     return "libasan" in Path(f"/proc/{pid}/maps").read_text(encoding="utf-8")
 
 

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Starts and ends child processes, so that none outlives the tests."""
+"""Starts and ends child processes, so that all of them end with the tests."""
 
 import contextlib
 import ctypes
@@ -38,10 +38,10 @@ def descendants(ancestor):
     for entry in os.listdir("/proc"):
         if entry.isdigit():
             children.setdefault(parent_of(int(entry)), []).append(int(entry))
-    found = list(children.get(ancestor, []))
-    for pid in found:
-        found.extend(children.get(pid, []))
-    return found
+    pids = list(children.get(ancestor, []))
+    for pid in pids:  # grows during the loop
+        pids.extend(children.get(pid, []))
+    return pids
 
 
 def end_descendants(grace=3.0):
@@ -72,7 +72,7 @@ def reap():
 
 
 def start(command, environment, log, **options):
-    """Starts `command`, which ends with this process. Its output goes to the file `log`."""
+    """Starts `command`. It gets SIGTERM when this process ends. Its output goes to the file `log`."""
     with open(log, "ab") as output:
         return subprocess.Popen(["setpriv", "--pdeathsig", "TERM", "--", *map(str, command)], env=environment,
                                 stdout=options.pop("stdout", output), stderr=options.pop("stderr", output),
@@ -80,7 +80,7 @@ def start(command, environment, log, **options):
 
 
 def wait_until(condition, what, timeout=15.0, interval=0.05):
-    """Waits until `condition()` returns something true and returns that. `what` is for the error message."""
+    """Waits until `condition()` returns a true value, and returns that value. `what` is for the error message."""
     deadline = time.monotonic() + timeout
     while True:
         result = condition()
@@ -108,6 +108,6 @@ def all_ended_afterwards():
     try:
         yield
     finally:
-        # Process 1 of a PID namespace takes all others with it.
+        # When process 1 of a PID namespace ends, the kernel ends all others in it.
         if os.getpid() != 1:
             end_descendants()

@@ -17,11 +17,11 @@ FOREIGN_MEGABYTES = 200
 BACKGROUND_PROCESSES = 10
 BACKGROUND_MEGABYTES = 16
 
-# Where there are no process namespaces, another run of these tests may be visible: names are unique for each run.
+# Without PID namespaces the processes of another test run are visible, so each run has unique names.
 HOG = f"Hog {os.getpid()}"
 BURNER = f"Burner {os.getpid()}"
 
-# The sanitizers' options reach Tarn, so that it exits with their own status when they report an error.
+# The sanitizers' options reach Tarn, so that Tarn exits with the sanitizer's status when a sanitizer reports an error.
 SANITIZERS = {name: os.environ[name] for name in ("ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
               if name in os.environ}
 
@@ -50,7 +50,7 @@ class Tarn:
 
 
 def start_bare(environment, log):
-    """Starts Tarn where a service that it uses may be missing. Its output goes to the file `log`."""
+    """Starts Tarn in an environment where a service may be missing. Its output goes to the file `log`."""
     return start([tarn_program()], environment | SANITIZERS, log)
 
 
@@ -62,15 +62,15 @@ def application(name, program):
 
 
 def start_holder(desktop, log, command):
-    """Starts a program that holds memory and waits until it does."""
+    """Starts a program that holds memory and waits until it holds the memory."""
     holder = desktop.start(log, command)
     wait_until(lambda: "ready" in desktop.log(log), f"{log} holds its memory")
     return holder
 
 
 def start_hog(desktop, name=HOG, child=None):
-    """Starts an application that holds memory: one process that holds it and a child, by default one with a window."""
-    # Among large processes it needs more memory to be one of the eight listed applications.
+    """Starts an application of two processes: one holds memory; its child, by default, shows a window."""
+    # The popover lists eight applications. Among large processes the hog needs more memory to be listed.
     others = proc_reader.largest_footprints(5)[-1] * 5 // 4 // proc_reader.MEGABYTE
     megabytes = max(HOG_MEGABYTES, others)
     child = child or ["xmessage", "-title", name, "-font", "fixed", f"Holding {megabytes} MB."]

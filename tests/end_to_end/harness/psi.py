@@ -21,6 +21,7 @@ THRESHOLDS = {"some": 200, "full": 400}  # milliseconds of stalls in a window of
 def _open_trigger(kind):
     trigger = os.open(PRESSURE, os.O_RDWR | os.O_NONBLOCK | os.O_CLOEXEC)
     try:
+        # Threshold and window in microseconds.
         os.write(trigger, f"{kind} {THRESHOLDS[kind]}000 2000000\0".encode("ascii"))
     except OSError:
         os.close(trigger)
@@ -29,7 +30,7 @@ def _open_trigger(kind):
 
 
 def _totals():
-    """The stall time of some tasks, and of all, since boot in milliseconds."""
+    """The stall times since boot in milliseconds: when some tasks stalled, and when all stalled."""
     return {kind: int(total) // 1000 for kind, total in TOTAL.findall(PRESSURE.read_text(encoding="ascii"))}
 
 
@@ -57,12 +58,12 @@ class PressureWatch:
             os.close(file)
 
     def _watch(self):
-        waiting = select.poll()
+        poller = select.poll()
         kinds = {file: kind for kind, file in self._files.items()}
         for file in kinds:
-            waiting.register(file, select.POLLPRI)
+            poller.register(file, select.POLLPRI)
         while not self._stop.is_set():
-            for file, _ in waiting.poll(100):
+            for file, _ in poller.poll(100):
                 self._record(kinds[file])
 
     def _record(self, kind):
@@ -77,10 +78,10 @@ class PressureWatch:
         return self._times[kind]
 
     def summary(self):
-        """The stall time since the watch began, as a text."""
-        share = 2 / (time.monotonic() - self._start)
-        waited = {kind: round((total - self._before[kind]) * share) for kind, total in _totals().items()}
-        return f"stalls in 2 s: some {waited['some']} ms, full {waited['full']} ms"
+        """The average stall time in two seconds since the watch began, as a text."""
+        factor = 2 / (time.monotonic() - self._start)
+        stalls = {kind: round((total - self._before[kind]) * factor) for kind, total in _totals().items()}
+        return f"stalls in 2 s: some {stalls['some']} ms, full {stalls['full']} ms"
 
 
 def some_avg10():
@@ -92,7 +93,7 @@ def missing_prerequisite():
     """Why this system cannot cause or report memory pressure; None if it can."""
     if "TARN_THRASHER" not in os.environ:
         reason = os.environ.get("TARN_NO_THRASHER", "the thrash program was not started")
-        return f"nothing here can cause memory pressure: {reason}"
+        return f"no program can cause memory pressure here: {reason}"
     try:
         os.close(_open_trigger("some"))
     except OSError as error:

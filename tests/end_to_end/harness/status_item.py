@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Tarn's status item: its D-Bus properties, its place in the panel, and the popover's place on the screen."""
+"""Tarn's status item: its D-Bus properties, its position in the panel, and the popover's position on the screen."""
 
 import re
 
@@ -88,8 +88,8 @@ def edge_strip(area, edge, depth=MAX_PANEL_DEPTH):
 
 
 class VisibleItem:
-    """The circle in an area `strip` (left, top, width, height) of the screen, in any panel. Nothing else
-    there has the circle's colours."""
+    """The circle in an area `strip` (left, top, width, height) of the screen, in any panel. No other
+    pixels there have the circle's colours."""
 
     def __init__(self, desktop, strip):
         self._desktop = desktop
@@ -116,14 +116,14 @@ class VisibleItem:
         return self._wait()[1].width
 
     def width(self):
-        """The width of the circle with the text beside it."""
+        """The width of the circle and the text beside it."""
         image, circle = self._wait()
         return circle.width_with_text(image)
 
     def position(self):
         """The centre of the circle on the screen."""
-        across, down = self._wait()[1].centre()
-        return self._strip[0] + across, self._strip[1] + down
+        x, y = self._wait()[1].centre()
+        return self._strip[0] + x, self._strip[1] + y
 
 
 def popover_frame(desktop, pid, scale=1):

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Observes Tarn's sweeps from outside: when they start, and how many there are."""
+"""Observes the sweeps of a running Tarn: when they start, and how many there are."""
 
 import ctypes
 import os
@@ -17,10 +17,11 @@ from harness.processes import wait_until
 from harness.stage import WORK
 
 SWEEP_THREAD = "com.tarn.sampler"
-POLL = 0.05
+POLL = 0.05  # seconds
 GAP = 1.0  # seconds: context switches with shorter gaps belong to the same sweep
-NEWEST_WEIGHT = 0.4  # of the exponential smoothing of processor shares
+NEWEST_WEIGHT = 0.4  # weight of the newest value in the exponential smoothing of processor shares
 COUNTED = "TARN_COUNTED_FILE"
+# Event kinds of man 7 inotify.
 IN_OPEN = 0x20
 IN_CLOSE_NOWRITE = 0x10
 IN_Q_OVERFLOW = 0x4000
@@ -65,14 +66,14 @@ class SweepWatch:
         while not self._stop.wait(POLL):
             try:
                 count = proc_reader.voluntary_switches(self._pid, self._thread_id)
-                busy = proc_reader.processor_seconds(self._load) if self._load else 0.0
+                load_seconds = proc_reader.processor_seconds(self._load) if self._load else 0.0
             except OSError:
                 return  # Tarn or the load has ended.
             now = time.monotonic()
             self._memory.append((now, proc_reader.system_memory()))
             if count != last_count:
                 if now - last_switch > GAP:
-                    self._sweeps.append(Sweep(now, busy))
+                    self._sweeps.append(Sweep(now, load_seconds))
                 last_count, last_switch = count, now
 
     def sweeps(self, since=float("-inf")):
@@ -103,7 +104,7 @@ class SweepWatch:
 
 def enter_counted_machine():
     """Re-executes this program with a copy of /proc/swaps bind-mounted, so that inotify reports who opens it. The mount
-    is for this program and all that it starts: in a user namespace of its own Tarn could not read other processes."""
+    applies to this program and its children: in a separate user namespace Tarn could not read other processes."""
     if COUNTED in os.environ:
         return
     swaps = Path(tempfile.mkdtemp(prefix="counted.", dir=WORK)) / "swaps"
@@ -114,7 +115,7 @@ def enter_counted_machine():
 
 
 class SweepCount:
-    """Counts sweeps exactly, at any pace, by the openings of /proc/swaps. Needs `enter_counted_machine`."""
+    """Counts sweeps exactly, by counting how often /proc/swaps is opened. Needs `enter_counted_machine`."""
 
     def __init__(self):
         self._opened = 0
@@ -142,8 +143,9 @@ class SweepCount:
             pass
         return self._opened // OPENS_PER_SWEEP
 
-    def wait_for(self, more):
-        """Waits for `more` sweeps and returns how many there were."""
+    def wait_for(self, minimum):
+        """Waits for at least `minimum` further sweeps. Returns the number of further sweeps."""
         before = self.count()
-        wait_until(lambda: self.count() >= before + more, f"Tarn has swept {more} times", timeout=60, interval=0.01)
+        wait_until(lambda: self.count() >= before + minimum, f"Tarn has swept {minimum} times", timeout=60,
+                   interval=0.01)
         return self.count() - before

@@ -25,7 +25,7 @@ def can_be_started():
 
 
 def start_instance(desktop):
-    """Starts a systemd user instance with a bus. Returns the environment variables by which programs find both."""
+    """Starts a systemd user instance with a bus. Returns the environment variables with which programs find both."""
     runtime = Path(f"/run/user/{os.getuid()}")
     bus = f"unix:path={runtime}/bus"
     # Flatpak needs a system bus, but not the services on it.
@@ -89,11 +89,11 @@ class UnitTarn:
         self.popover = Popover(desktop, self.pid, self.item)
 
     def main_pid(self):
-        """The pid of its process; 0 while there is none."""
+        """The pid of the unit's process; 0 while there is none."""
         return int(self._units.systemctl("show", "--property=MainPID", "--value", "tarn.service"))
 
     def restart(self, desktop):
-        """Restarts the unit. Returns the new process as soon as the panel shows it."""
+        """Restarts the unit. Returns the new process when the panel shows its item."""
         self._units.systemctl("restart", "tarn.service")
         return UnitTarn(desktop, self._units)
 

@@ -20,7 +20,7 @@ class Bytes:
 
 
 def parse_bytes(text):
-    """Raises ValueError for anything but a byte figure."""
+    """Parses a byte figure. Raises ValueError for any other text."""
     if not re.fullmatch(BYTES, text):
         raise ValueError(f"not a byte figure: {text!r}")
     number, unit = text.split(" ")
@@ -28,7 +28,7 @@ def parse_bytes(text):
 
 
 def parse_percent(text):
-    """Raises ValueError for anything but a whole percentage."""
+    """Parses a whole percentage. Raises ValueError for any other text."""
     if not re.fullmatch(PERCENT, text):
         raise ValueError(f"not a percentage: {text!r}")
     return int(text[:-1].replace(",", ""))
@@ -39,12 +39,12 @@ def uptime_text(seconds):
     minutes = int(seconds) // 60
     days, hours, rest = minutes // 1440, minutes // 60 % 24, minutes % 60
 
-    def counted(number, unit):
+    def with_unit(number, unit):
         return f"{number} {unit}" + ("" if number == 1 else "s")
 
     if days:
-        return f"{counted(days, 'day')}, {counted(hours, 'hour')}"
-    return f"{counted(hours, 'hour')}, {rest} min" if hours else f"{rest} min"
+        return f"{with_unit(days, 'day')}, {with_unit(hours, 'hour')}"
+    return f"{with_unit(hours, 'hour')}, {rest} min" if hours else f"{rest} min"
 
 
 MEMORY_SENTENCES = {

@@ -12,7 +12,7 @@ from harness.processes import wait_until
 from harness.x11_screen import X11Screen
 
 SIZE = (1280, 800)
-# The dummy video driver with several monitors, without the machine's own input devices.
+# The dummy video driver with several monitors, without the machine's input devices.
 MONITORS = """Section "ServerFlags"
   Option "AutoAddDevices" "false"
   Option "DontVTSwitch" "true"
@@ -40,12 +40,12 @@ EndSection
 
 
 def monitor_name(number):
-    """The X server's name of a monitor, counted from 0, if there are several."""
+    """The X server's name of a monitor (numbers start at 0) when it has several monitors."""
     return f"DUMMY{number}"
 
 
 class VirtualDesktop(Desktop):
-    """A desktop on a screen of `size` pixels, which consists of `monitors` side by side. For the rest, see Desktop."""
+    """A desktop on a screen of `size` pixels, with `monitors` monitors side by side. See also Desktop."""
 
     def __init__(self, scheme="light", panel=True, accessible=True, host=XFCE, size=SIZE, monitors=1):
         super().__init__(host, scheme, panel, accessible)
@@ -61,7 +61,7 @@ class VirtualDesktop(Desktop):
             self._arrange_monitors()
         self._screen = X11Screen(self.environment["DISPLAY"])
         self._start_session_bus()
-        # These start side by side.
+        # These programs start in parallel.
         self.start("window-manager", ["xfwm4", "--compositor=off"])
         wallpaper = self._start_wallpaper()
         self._start_services()
@@ -73,14 +73,14 @@ class VirtualDesktop(Desktop):
         self.start("display", [*self._server(), "-displayfd", writing, "-nolisten", "tcp", "-noreset"],
                    pass_fds=(writing,))
         os.close(writing)
-        with os.fdopen(reading) as answer:
-            number = answer.readline().strip()
+        with os.fdopen(reading) as output:
+            number = output.readline().strip()
         if not number:
             raise RuntimeError(f"no X server: {self.log('display')}")
         return f":{number}"
 
     def _server(self):
-        """The command that starts an X server with as many monitors."""
+        """The command that starts an X server with the requested number of monitors."""
         if self._monitors == 1:
             return ["Xvfb", "-screen", "0", f"{self.size[0]}x{self.size[1]}x24"]
         configuration = self._folder / "monitors.conf"
@@ -102,8 +102,7 @@ class VirtualDesktop(Desktop):
                    "every monitor is active")
 
     def _is_managed(self):
-        answer = self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK")
-        return "window id #" in answer
+        return "window id #" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK")
 
     def _start_wallpaper(self):
         # The exit status is 1 even if the image was set.
@@ -118,7 +117,7 @@ class VirtualDesktop(Desktop):
         self._start_wallpaper().wait(timeout=20)
 
     def click(self, position):
-        """Clicks as a person does: with some time between press and release."""
+        """Clicks with some time between press and release, as a person does."""
         self.run("xdotool", "mousemove", position[0], position[1], "sleep", "0.05", "mousedown", "1",
                  "sleep", PRESS_SECONDS, "mouseup", "1")
 
@@ -135,7 +134,7 @@ class VirtualDesktop(Desktop):
         return self._ask("xdotool", "search", "--onlyvisible", "--pid", pid).split()
 
     def window_frames(self, pid):
-        """Left, top, width and height of the visible windows of a process, embedded ones included."""
+        """Left, top, width and height of the visible windows of a process, including embedded ones."""
         labels = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
         descriptions = [self._ask("xwininfo", "-id", window) for window in self.windows_of(pid)]
         return [tuple(int(re.search(rf"{label}: +(-?\d+)", text)[1]) for label in labels)
@@ -159,7 +158,7 @@ class VirtualDesktop(Desktop):
         self.run("xdotool", "key", key)
 
     def image_of(self, area):
-        """The pixels of an area of the screen (left, top, width, height), as far as it is on the screen."""
+        """The pixels of the part of an area (left, top, width, height) that is on the screen."""
         left, top, width, height = area
         right, bottom = min(left + width, self.size[0]), min(top + height, self.size[1])
         left, top = max(left, 0), max(top, 0)

@@ -18,12 +18,12 @@ default_border none
 output HEADLESS-1 resolution {OUTPUT_SIZE[0]}x{OUTPUT_SIZE[1]} position 0 0
 output HEADLESS-2 resolution {OUTPUT_SIZE[0]}x{OUTPUT_SIZE[1]} position {OUTPUT_SIZE[0]} 0
 """
-# Without the machine's own devices; rendering by the processor.
+# Without the machine's devices; the processor renders.
 HEADLESS = {"WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1", "WLR_RENDERER": "pixman"}
 
 
 class WaylandDesktop(Desktop):
-    """A desktop with one or two outputs side by side. For the rest, see Desktop."""
+    """A desktop with one or two outputs side by side. For the other parameters, see Desktop."""
 
     def __init__(self, scheme="light", panel=True, accessible=True, host=WAYBAR, outputs=1):
         super().__init__(host, scheme, panel, accessible)
@@ -55,7 +55,7 @@ class WaylandDesktop(Desktop):
         return json.loads(self.run("swaymsg", "--raw", "--type", question))
 
     def click(self, position):
-        """Clicks as a person does: with some time between press and release."""
+        """Clicks with some time between press and release, as a person does."""
         self.move_pointer(position)
         time.sleep(0.05)
         self._input.press()
@@ -70,19 +70,19 @@ class WaylandDesktop(Desktop):
 
     def _windows(self):
         """All windows, as sway describes them."""
-        found, nodes = [], [self._ask("get_tree")]
-        for node in nodes:
+        windows, nodes = [], [self._ask("get_tree")]
+        for node in nodes:  # grows during the loop
             nodes += node["nodes"] + node["floating_nodes"]
             if "pid" in node:
-                found.append(node)
-        return found
+                windows.append(node)
+        return windows
 
     def active_window_name(self):
         """The title of the focused window; "" if none has the focus."""
         return next((window["name"] for window in self._windows() if window["focused"]), "")
 
     def window_frames(self, pid):
-        """Left, top, width and height of the windows of a process, shadows included."""
+        """Left, top, width and height of the windows of a process, including shadows."""
         return [tuple(window["rect"][key] for key in ("x", "y", "width", "height"))
                 for window in self._windows() if window["pid"] == pid]
 

@@ -9,17 +9,18 @@ import socket
 import struct
 import time
 
+# Object id, request and event numbers, and values of the Wayland protocols.
 DISPLAY = 1
 DISPLAY_SYNC, DISPLAY_GET_REGISTRY = 0, 1
 DISPLAY_ERROR, REGISTRY_GLOBAL = 0, 0
 REGISTRY_BIND = 0
-CREATE = 0  # request of both managers
+CREATE = 0  # number of the create request of both managers
 POINTER_MOTION_ABSOLUTE, POINTER_BUTTON, POINTER_FRAME = 1, 2, 4
 KEYBOARD_KEYMAP, KEYBOARD_KEY = 0, 1
 KEYMAP_FORMAT = 1
 RELEASED, PRESSED = 0, 1
 LEFT_BUTTON = 0x110
-KEYS = {"Escape": 1, "Tab": 15}
+KEYS = {"Escape": 1, "Tab": 15}  # evdev codes
 KEYMAP = b"""xkb_keymap {
   xkb_keycodes { include "evdev+aliases(qwerty)" };
   xkb_types { include "complete" };
@@ -61,7 +62,7 @@ class WaylandInput:
         self._set_keymap()
 
     def move(self, position, size):
-        """Moves the pointer. `size` are the pixels of all outputs together."""
+        """Moves the pointer. `size` is the size of all outputs together, in pixels."""
         self._request(self._pointer, POINTER_MOTION_ABSOLUTE, unsigned(now(), *position, *size))
         self._end_of_frame()
 
@@ -103,9 +104,9 @@ class WaylandInput:
 
     def _create(self, manager, seat):
         bound = self._bind(manager)
-        made = self._new_object()
-        self._request(bound, CREATE, unsigned(seat, made))
-        return made
+        created = self._new_object()
+        self._request(bound, CREATE, unsigned(seat, created))
+        return created
 
     def _bind(self, interface):
         if interface not in self._globals:
@@ -117,8 +118,8 @@ class WaylandInput:
 
     def _request(self, target, opcode, arguments=b"", file=None):
         message = unsigned(target, 8 + len(arguments) << 16 | opcode) + arguments
-        rights = [] if file is None else [(socket.SOL_SOCKET, socket.SCM_RIGHTS, array.array("i", [file]))]
-        self._socket.sendmsg([message], rights)
+        ancillary = [] if file is None else [(socket.SOL_SOCKET, socket.SCM_RIGHTS, array.array("i", [file]))]
+        self._socket.sendmsg([message], ancillary)
 
     def _round_trip(self):
         """Waits until the compositor has handled all requests. Raises RuntimeError after a protocol error."""
@@ -144,5 +145,5 @@ class WaylandInput:
             if not data:
                 raise ConnectionError("the compositor closed the connection")
             self._received += data
-        taken, self._received = self._received[:count], self._received[count:]
-        return taken
+        data, self._received = self._received[:count], self._received[count:]
+        return data

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // application_tree: a process tree like that of a web browser. The program starts itself again through
-// /proc/self/exe with "--type" options, below a zygote process, and starts a crash handler beside it, which
-// is reparented. Runs until it is killed.
+// /proc/self/exe with "--type" options, below a zygote process. It also starts a crash handler, whose parent
+// exits. Runs until it is killed.
 
 #include <sys/prctl.h>
 #include <unistd.h>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // hold_memory [--private] MEGABYTES [COMMAND...]: holds that much anonymous memory, runs COMMAND as a child,
-// prints "ready" and runs until it is killed. With --private the process is not dumpable: its own user may
-// not read its executable link, like that of another user's process.
+// prints "ready" and runs until it is killed. With --private the process is not dumpable: even its user
+// may not read its executable link, as with another user's process.
 
 #include <sys/mman.h>
 #include <sys/prctl.h>

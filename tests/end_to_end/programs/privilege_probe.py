@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
-"""Attempts what an ordinary program may do unless a systemd unit forbids it. Prints the result of each attempt as JSON:
-"done" or the name of the error."""
+"""Attempts operations that an ordinary program may do unless a systemd unit forbids them. Prints the
+result of each attempt as JSON: "done" or the name of the error."""
 
 import ctypes
 import errno
@@ -14,8 +14,8 @@ import tempfile
 from pathlib import Path
 
 LIBC = ctypes.CDLL(None, use_errno=True)
-NEW_USER_NAMESPACE = 0x10000000
-UNAME_OF_OLD = 0x0020000
+CLONE_NEWUSER = 0x10000000
+UNAME26 = 0x0020000
 KEYCTL = {"x86_64": 250, "aarch64": 219}[os.uname().machine]
 GET_KEYRING, PROCESS_KEYRING = 0, -2
 
@@ -57,8 +57,8 @@ def attempts(folder):
         "nice": lambda: os.nice(1),
         "mlock": lambda: call(LIBC.mlock, ctypes.create_string_buffer(1), 1),
         "keyctl": lambda: call(LIBC.syscall, KEYCTL, GET_KEYRING, PROCESS_KEYRING, 1),
-        "personality": lambda: call(LIBC.personality, UNAME_OF_OLD),
-        "unshare of the user namespace": lambda: call(LIBC.unshare, NEW_USER_NAMESPACE),
+        "personality": lambda: call(LIBC.personality, UNAME26),
+        "unshare of the user namespace": lambda: call(LIBC.unshare, CLONE_NEWUSER),
     }
 
 

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 """A desktop portal with one setting, the colour scheme. Reads lines "dark" or "light" from its input. Prints the
-addresses that it is asked to open."""
+URLs that programs ask it to open."""
 
 import sys
 
@@ -35,7 +35,7 @@ class SettingsPortal:
         self._connection = connection
         self._scheme = SCHEMES[scheme]
         settings, opener = Gio.DBusNodeInfo.new_for_xml(DESCRIPTION).interfaces
-        connection.register_object(PATH, settings, self._called, self._property, None)
+        connection.register_object(PATH, settings, self._handle_call, self._property, None)
         connection.register_object(PATH, opener, self._open, None, None)
 
     def change(self, scheme):
@@ -49,7 +49,7 @@ class SettingsPortal:
     def _property(self, *_):
         return GLib.Variant("u", 1)
 
-    def _called(self, _connection, _sender, _path, _interface, method, arguments, invocation):
+    def _handle_call(self, _connection, _sender, _path, _interface, method, arguments, invocation):
         if method == "ReadAll":
             invocation.return_value(GLib.Variant("(a{sa{sv}})", ({NAMESPACE: {KEY: self._value()}},)))
         elif arguments.unpack() == (NAMESPACE, KEY):

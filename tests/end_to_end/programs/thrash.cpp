@@ -3,8 +3,8 @@
 //
 // thrash REQUESTS FOLDER MEGABYTES PROCESSES: causes memory pressure. Reads lines from the named pipe
 // REQUESTS. Each line is a number of seconds for which PROCESSES processes read an unnamed file of this size
-// in FOLDER at random positions. A new request replaces the one before; 0 stops it. In a cgroup with less
-// memory than the file has, the readers stall all the time.
+// in FOLDER at random positions. A new request replaces the previous one; 0 stops the reading. In a cgroup
+// whose memory is smaller than the file, the readers stall all the time.
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -26,7 +26,7 @@
 namespace {
 
 constexpr std::size_t page = 4096;
-constexpr unsigned longest = 300;  // seconds
+constexpr unsigned maximumSeconds = 300;
 
 [[noreturn]] void fail(const char* what) {
   std::perror(what);
@@ -53,8 +53,8 @@ int writeFile(const char* folder, std::size_t pages) {
       static_cast<const volatile char*>(mmap(nullptr, pages * page, PROT_READ, MAP_SHARED, file, 0));
   if (content == MAP_FAILED) fail("mmap");
   std::minstd_rand random(static_cast<unsigned>(getpid()));
-  std::uniform_int_distribution<std::size_t> anywhere(0, pages - 1);
-  while (true) static_cast<void>(content[anywhere(random) * page]);
+  std::uniform_int_distribution<std::size_t> pageIndex(0, pages - 1);
+  while (true) static_cast<void>(content[pageIndex(random) * page]);
 }
 
 void endAll(std::vector<pid_t>& readers) {
@@ -86,7 +86,7 @@ int main(int argumentCount, char** arguments) {
     if (file < 0) file = writeFile(arguments[2], pages);
     for (unsigned long number = 0; number < processes; ++number) {
       const pid_t reader = fork();
-      if (reader == 0) readAtRandom(file, pages, std::min(seconds, longest));
+      if (reader == 0) readAtRandom(file, pages, std::min(seconds, maximumSeconds));
       if (reader > 0) readers.push_back(reader);
     }
   }

@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 """with_bind_mounts.py SOURCE TARGET... -- PROGRAM [ARGUMENT...]: bind-mounts each SOURCE on its TARGET in a separate
-mount namespace and runs PROGRAM there. Needs no privileges, but unprivileged user namespaces."""
+mount namespace and runs PROGRAM there. Needs a kernel that permits unprivileged user namespaces."""
 
 import ctypes
 import os
@@ -34,9 +34,9 @@ def enter_namespaces():
 
 def main():
     end = sys.argv.index("--")
-    places, command = sys.argv[1:end], sys.argv[end + 1:]
+    paths, command = sys.argv[1:end], sys.argv[end + 1:]
     enter_namespaces()
-    for source, target in zip(places[::2], places[1::2], strict=True):
+    for source, target in zip(paths[::2], paths[1::2], strict=True):
         check(LIBC.mount(os.fsencode(source), os.fsencode(target), None, MS_BIND, None), f"{source} on {target}")
     os.execv(command[0], command)
 
