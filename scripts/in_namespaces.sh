@@ -3,11 +3,12 @@
 # SPDX-License-Identifier: MIT
 # in_namespaces.sh USER CGROUP MEMORY_HOLDER COMMAND...: runs COMMAND in separate PID and mount namespaces, so that it
 # sees only its own processes, and all of them end with it.
-# If root starts this script, COMMAND runs as USER, beside a process of root that runs MEMORY_HOLDER (its pid is
-# TARN_FOREIGN_PID).
-# If the kernel permits, TARN_SESSION is set: the namespace has what a systemd user instance and installed applications
-# need, which is /run/systemd/system, a runtime directory of USER, a cgroup that USER owns, and a writable /opt. The
-# cgroup is named CGROUP; the caller removes it.
+# MEMORY_HOLDER is a program that allocates as many megabytes as its argument says. If root starts this script, COMMAND
+# runs as USER, and MEMORY_HOLDER runs beside it as root (its pid is TARN_FOREIGN_PID). If an ordinary user starts it,
+# USER, CGROUP and MEMORY_HOLDER are ignored.
+# If the kernel permits, the script also prepares /run/systemd/system, a runtime directory of USER, a cgroup that USER
+# owns and a writable /opt, and sets TARN_SESSION: a systemd user instance and installed applications need them. The
+# name of the cgroup is CGROUP, a hyphen and a pid; the caller removes it.
 set -euo pipefail
 
 if [ "$(id -u)" -ne 0 ]; then

@@ -2,8 +2,8 @@
 # SPDX-FileCopyrightText: 2026 The Tarn authors
 # SPDX-License-Identifier: MIT
 # on_virtual_desktop.sh [OPTION...] COMMAND...: runs "python3 COMMAND..." in a copy of tests/end_to_end as an ordinary
-# user, with Tarn and helper programs in a temporary folder ("stage"). Root starts it as the user tarn-desktop, because
-# an ordinary user may not be able to read the clone.
+# user, with Tarn and helper programs in a temporary folder ("stage"). If root runs this script, COMMAND runs as the user
+# tarn-desktop, who may not be able to read the clone: hence the copy.
 #   --tarn PATH           the program under test
 #   --release-tarn PATH   the program for tests that need an optimized one
 #   --list-groups PATH    the program that prints the group of every process
@@ -12,7 +12,8 @@
 #   --directory FOLDER    the working directory, relative to the repository
 #   --isolated            runs COMMAND in separate namespaces, see in_namespaces.sh; starts a process that can cause
 #                         memory pressure
-#   --workers             the same for the processes that COMMAND, which is pytest, starts by $TARN_WORKER_PYTHON
+#   --workers             like --isolated, but COMMAND (pytest) itself is not isolated: only the workers are that it starts
+#                         with $TARN_WORKER_PYTHON
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
