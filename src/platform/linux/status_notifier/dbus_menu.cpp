@@ -143,6 +143,7 @@ DBusMenu::DBusMenu(const QDBusConnection& bus, QObject* parent)
     : QObject(parent), object_(bus, itemMenuPath(), interface()) {
   registerNotifierTypes();
   connect(&object_, &BusObject::burstEnded, this, &DBusMenu::burstEnded);
+  connect(this, &DBusMenu::clickReceived, this, &DBusMenu::emitClicked, Qt::QueuedConnection);
 }
 
 BusInterface DBusMenu::interface() {
@@ -185,8 +186,7 @@ bool DBusMenu::handleEvent(int id, const QString& event) {
   if (event == u"clicked" && id != rootItem && !isRepeated) {
     lastClicked_ = id;
     nextClick_.setRemainingTime(clickInterval);
-    QMetaObject::invokeMethod(
-        this, [this, id] { emitClicked(id); }, Qt::QueuedConnection);
+    Q_EMIT clickReceived(id, QPrivateSignal());
   }
   return true;
 }

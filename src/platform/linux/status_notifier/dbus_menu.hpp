@@ -33,6 +33,9 @@ class DBusMenu final : public QObject {
   /// As BusObject::burstEnded().
   void burstEnded();
 
+  /// A click arrived by D-Bus; its handler runs from the event loop.
+  void clickReceived(int id, QPrivateSignal);
+
  private:
   BusInterface interface();
   bool handleEvent(int id, const QString& event);

@@ -144,6 +144,8 @@ StatusNotifierItem::StatusNotifierItem(const QDBusConnection& bus, MenuBarLabel 
       object_(bus, QStringLiteral("/StatusNotifierItem"), interface()) {
   registerNotifierTypes();
   connect(&object_, &BusObject::burstEnded, this, &StatusNotifierItem::burstEnded);
+  connect(this, &StatusNotifierItem::clickReceived, this, &StatusNotifierItem::activated,
+          Qt::QueuedConnection);
 }
 
 void StatusNotifierItem::show(const MenuBarLabel& label) {
@@ -167,8 +169,7 @@ BusInterface StatusNotifierItem::interface() {
     // closes. Any process on the bus can send any number of clicks.
     if (!nextClick_.hasExpired()) return QVariantList();
     nextClick_.setRemainingTime(clickInterval);
-    QMetaObject::invokeMethod(
-        this, [this, position] { Q_EMIT activated(position); }, Qt::QueuedConnection);
+    Q_EMIT clickReceived(position, QPrivateSignal());
     return QVariantList();
   };
   const auto ignored = [](const QVariantList&) -> std::optional<QVariantList> { return QVariantList(); };

@@ -79,6 +79,9 @@ class StatusNotifierItem final : public QObject {
   /// As BusObject::burstEnded().
   void burstEnded();
 
+  /// A click arrived by D-Bus; `activated` follows from the event loop.
+  void clickReceived(QPoint position, QPrivateSignal);
+
  private:
   BusInterface interface();
   void update(const QVariant& iconPixmaps);
