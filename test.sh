@@ -124,7 +124,8 @@ unit_tests_tsan() {
     unit_tests tsan --label-regex '^threads$'
   fi
 }
-unit_tests_unsupported() { scripts/build.sh unsupported && unit_tests unsupported; }
+# At low priority, because end-to-end tests run beside it.
+unit_tests_unsupported() { nice scripts/build.sh unsupported && unit_tests unsupported; }
 check_macos() { nice scripts/check_macos.sh; }
 end_to_end_desktop() { end_to_end_tests --label-regex '^desktop$' --label-exclude '^release$'; }
 build_release() { scripts/build.sh release; }

@@ -133,7 +133,9 @@ void TarnApp::connectItem() {
   connect(item_.get(), &MenuBarItem::hostAppeared, model_.get(), &MonitorViewModel::startSweeping);
   connect(item_.get(), &MenuBarItem::hostAppeared, this, &TarnApp::hideRegularWindow);
   connect(item_.get(), &MenuBarItem::hostMissing, this, &TarnApp::showRegularWindow);
-  QTimer::singleShot(longestWaitForItem, model_.get(), &MonitorViewModel::startSweeping);
+  connect(&itemTimeout_, &QTimer::timeout, model_.get(), &MonitorViewModel::startSweeping);
+  itemTimeout_.setSingleShot(true);
+  itemTimeout_.start(longestWaitForItem);
 }
 
 bool TarnApp::eventFilter(QObject* watched, QEvent* event) {

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QPoint>
+#include <QTimer>
 #include <memory>
 #include <optional>
 
@@ -68,6 +69,7 @@ class TarnApp : public QObject {
   std::unique_ptr<ColorSchemeWatcher> colorScheme_;
   std::unique_ptr<MenuBarItem> item_;
   RenderScheduler labelRenderer_;
+  QTimer itemTimeout_;  ///< starts the sweeps if no host shows the item
   ToolTip sentToolTip_;
   bool hasMenuBar_ = true;  ///< false after hostMissing, until a host appears
   std::unique_ptr<PopoverWindow> popover_;

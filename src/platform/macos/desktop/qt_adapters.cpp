@@ -46,12 +46,14 @@ MenuBarStatusItem::MenuBarStatusItem(const Factory& makeItem)
     : item_(makeItem([this](ScreenPoint point) {
         Q_EMIT activated(
             QPoint(static_cast<int>(std::lround(point.x)), static_cast<int>(std::lround(point.y))));
-      })) {}
+      })) {
+  // Queued: the caller of show() may still be connecting to the signals.
+  connect(this, &MenuBarStatusItem::firstShown, this, &MenuBarItem::hostAppeared, Qt::QueuedConnection);
+}
 
 void MenuBarStatusItem::show(const MenuBarLabel& label) {
   if (label == shown_) return;
-  // Queued: the caller may still be connecting to the signals.
-  if (!shown_) QMetaObject::invokeMethod(this, &MenuBarItem::hostAppeared, Qt::QueuedConnection);
+  if (!shown_) Q_EMIT firstShown(QPrivateSignal());
   shown_ = label;
   item_->show(statusItemContent(label));
 }

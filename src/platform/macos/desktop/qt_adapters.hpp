@@ -31,6 +31,10 @@ class MenuBarStatusItem final : public MenuBarItem {
 
   void show(const MenuBarLabel& label) override;
 
+ Q_SIGNALS:
+  /// The first label was shown; `hostAppeared` follows from the event loop.
+  void firstShown(QPrivateSignal);
+
  private:
   std::unique_ptr<StatusItem> item_;
   std::optional<MenuBarLabel> shown_;
