@@ -41,9 +41,10 @@ std::ostream& operator<<(std::ostream& stream, const SampledProcess& process) {
 std::vector<SampledProcess> processesOf(const MemorySnapshot& snapshot) {
   std::vector<SampledProcess> processes;
   for (const AppGroup& group : snapshot.groups) {
-    for (const ProcessSample& process : group.processes)
+    for (const ProcessSample& process : group.processes) {
       processes.push_back(
           {process.pid, group.id, group.name.string(), process.name.string(), process.footprint});
+    }
   }
   return processes;
 }
